@@ -1,0 +1,28 @@
+# What every target of the project is compiled with.
+function(nuo_set_compile_options target)
+    target_compile_features(${target} PRIVATE cxx_std_20)
+    target_compile_options(${target} PRIVATE
+        -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual
+        $<$<BOOL:${NUO_WARNINGS_AS_ERRORS}>:-Werror>
+        $<$<BOOL:${NUO_SANITIZE}>:-fsanitize=${NUO_SANITIZE} -fno-omit-frame-pointer
+                                  -fno-sanitize-recover=all>)
+    target_link_options(${target} PRIVATE $<$<BOOL:${NUO_SANITIZE}>:-fsanitize=${NUO_SANITIZE}>)
+    target_compile_definitions(${target} PRIVATE
+        NUO_ASSERTIONS=$<BOOL:${NUO_ASSERTIONS}>
+        $<$<NOT:$<BOOL:${BUILD_SHARED_LIBS}>>:NUO_STATIC>)
+    set_target_properties(${target} PROPERTIES
+        CXX_EXTENSIONS OFF
+        CXX_VISIBILITY_PRESET hidden
+        VISIBILITY_INLINES_HIDDEN ON
+        POSITION_INDEPENDENT_CODE ON)
+endfunction()
+
+# nuo_add_layer(<name> SOURCES ... INCLUDE ... LINK ...): one layer as a static library of its own,
+# so that tests reach its internals and a call into a higher layer does not link.
+function(nuo_add_layer name)
+    cmake_parse_arguments(LAYER "" "" "SOURCES;INCLUDE;LINK" ${ARGN})
+    add_library(${name} STATIC ${LAYER_SOURCES})
+    target_include_directories(${name} PUBLIC ${LAYER_INCLUDE})
+    target_link_libraries(${name} PUBLIC ${LAYER_LINK})
+    nuo_set_compile_options(${name})
+endfunction()
