@@ -1,0 +1,30 @@
+#pragma once
+
+#include <cstddef>
+#include <vector>
+
+#include "NuoCore/Export.h"
+
+namespace nuo {
+
+/// An RGB image, 3 bytes a pixel, rows from the top without padding: a value that owns its pixels.
+class NUO_API Image {
+public:
+    unsigned int width() const { return m_width; }
+    unsigned int height() const { return m_height; }
+
+    /// Copies width * height * 3 bytes into `buffer`. Nothing is copied, and the result is false,
+    /// when `bufferSize` is smaller than that.
+    bool getAsRgb(unsigned char* buffer, std::size_t bufferSize) const;
+
+    /// Replaces the image by a copy of width * height * 3 bytes. The image stays as it is, and the
+    /// result is false, when `rgb` is null while the size is not zero.
+    bool setFromRgb(const unsigned char* rgb, unsigned int width, unsigned int height);
+
+private:
+    unsigned int m_width = 0;
+    unsigned int m_height = 0;
+    std::vector<unsigned char> m_rgb;
+};
+
+}  // namespace nuo

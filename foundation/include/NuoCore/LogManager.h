@@ -1,0 +1,41 @@
+#pragma once
+
+#include "NuoCore/Export.h"
+#include "NuoCore/LogDestination.h"
+#include "NuoCore/LogMessage.h"
+#include "NuoCore/Str.h"
+
+namespace nvf {
+class LogManager;
+}
+
+namespace nuo {
+
+/// Says which messages of the library are emitted and where they go; got from
+/// CoreComponent::logManager(). Loggers have dotted names and take level and destination over from
+/// the name above: "nuo.comp.zrfx" reports what the caller's data or calls are wrong about,
+/// "nuo.nvf.unstruct.zrfx" what goes wrong in the archive and its blocks, "nuo.nvf" failed
+/// assertions. At first, errors and warnings go to the standard error stream. All operations may be
+/// called from any thread.
+class NUO_API LogManager {
+public:
+    /// Sends the messages of all loggers, present and future, to `destination`, of which a
+    /// reference is kept. Null brings the standard error stream back.
+    void setDestination(LogDestination* destination);
+
+    /// Sets the level of the named logger and of all below it, present and future. The empty name
+    /// means all loggers.
+    void setLevel(const Str& loggerName, LogLevel level);
+
+    /// The level of the named logger.
+    LogLevel level(const Str& loggerName) const;
+
+    /// The manager behind this face, for the library's own use.
+    nvf::LogManager* internal_nvfLogManager() const;
+
+private:
+    friend class CoreComponent;
+    LogManager() = default;
+};
+
+}  // namespace nuo

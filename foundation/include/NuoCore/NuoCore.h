@@ -1,0 +1,20 @@
+#pragma once
+
+// All public classes of the core.
+#include "NuoCore/Color3f.h"
+#include "NuoCore/CoreComponent.h"
+#include "NuoCore/Image.h"
+#include "NuoCore/InitializationOptions.h"
+#include "NuoCore/Instance.h"
+#include "NuoCore/LogDestination.h"
+#include "NuoCore/LogManager.h"
+#include "NuoCore/LogMessage.h"
+#include "NuoCore/Mat4d.h"
+#include "NuoCore/PropertySet.h"
+#include "NuoCore/PropertySetCollection.h"
+#include "NuoCore/PtrRef.h"
+#include "NuoCore/RefCountedObject.h"
+#include "NuoCore/Str.h"
+#include "NuoCore/Variant.h"
+#include "NuoCore/Vec3d.h"
+#include "NuoCore/Vec3f.h"

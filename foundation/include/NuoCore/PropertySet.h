@@ -1,0 +1,48 @@
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "NuoCore/Export.h"
+#include "NuoCore/RefCountedObject.h"
+#include "NuoCore/Str.h"
+#include "NuoCore/Variant.h"
+
+namespace nvf {
+class PropertySet;
+}
+
+namespace nuo {
+
+/// A group of viewer settings: typed values by key, under a class type such as "camera" that says
+/// what they belong to. Used by one thread at a time.
+///
+///     nuo::PtrRef<nuo::PropertySet> camera = new nuo::PropertySet("camera");
+///     camera->setValue("eye", nuo::Vec3d(10, 0, 0));
+class NUO_API PropertySet : public RefCountedObject {
+public:
+    explicit PropertySet(const Str& classType);
+    ~PropertySet() override;
+
+    Str classType() const;
+
+    /// Sets the value of a key, in place of the one that it had.
+    void setValue(const Str& key, const Variant& value);
+
+    /// The value of a key; invalid when the set does not have it.
+    Variant value(const Str& key) const;
+
+    /// All keys, sorted.
+    std::vector<Str> allKeys() const;
+
+    /// The values of all keys, in the order of allKeys().
+    std::vector<Variant> allValues() const;
+
+    /// The set behind this face, for the library's own use.
+    const nvf::PropertySet& internal_nvfPropertySet() const;
+
+private:
+    std::unique_ptr<class PropertySetPrivate> m_private;
+};
+
+}  // namespace nuo

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+
+#include "NuoCore/Export.h"
+#include "NuoCore/PropertySet.h"
+#include "NuoCore/PtrRef.h"
+#include "NuoCore/RefCountedObject.h"
+
+namespace nuo {
+
+/// An ordered list of property sets: the viewer settings of one case. Used by one thread at a time.
+class NUO_API PropertySetCollection : public RefCountedObject {
+public:
+    PropertySetCollection();
+    ~PropertySetCollection() override;
+
+    /// Appends a set and keeps a reference to it. A null set is an assertion and is left out.
+    void addPropertySet(PropertySet* propertySet);
+
+    std::size_t count() const;
+
+    /// The set at an index below count(); null after an assertion otherwise.
+    PropertySet* propertySet(std::size_t index) const;
+
+private:
+    std::unique_ptr<class PropertySetCollectionPrivate> m_private;
+};
+
+}  // namespace nuo

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <string>
+
+#include "NuoCore/Export.h"
+
+namespace nuo {
+
+/// Text that crosses the public interface: a value type holding Unicode in wide characters.
+/// `const char*` and `std::string` mean UTF-8 everywhere; an invalid byte becomes U+FFFD. Text ends
+/// at the first null character. A Str may be copied between threads like any value.
+///
+///     nuo::Str name = "Träger";
+///     nuo::Str part = nuo::Str("Part %1").arg(7);   // "Part 7"
+class NUO_API Str {
+public:
+    Str() = default;
+    Str(const char* utf8);
+    Str(const wchar_t* text);
+    Str(const std::string& utf8);
+    Str(const std::wstring& text);
+
+    bool isEmpty() const { return m_text.empty(); }
+
+    /// The text as a null-terminated wide string, valid until the Str changes or goes.
+    const wchar_t* c_str() const { return m_text.c_str(); }
+
+    /// The text in UTF-8.
+    std::string toStdString() const;
+    std::wstring toStdWString() const { return m_text; }
+
+    /// A copy in which the lowest-numbered placeholder (%1, %2, ...) is replaced, wherever it
+    /// stands, by `n` in decimal, right-aligned in `fieldWidth` characters with `fillChar`.
+    Str arg(int n, int fieldWidth = 0, char fillChar = ' ') const;
+
+    friend bool operator==(const Str& a, const Str& b) { return a.m_text == b.m_text; }
+    friend bool operator!=(const Str& a, const Str& b) { return a.m_text != b.m_text; }
+    friend bool operator<(const Str& a, const Str& b) { return a.m_text < b.m_text; }
+
+private:
+    std::wstring m_text;
+};
+
+}  // namespace nuo

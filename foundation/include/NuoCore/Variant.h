@@ -1,0 +1,79 @@
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "NuoCore/Color3f.h"
+#include "NuoCore/Export.h"
+#include "NuoCore/Str.h"
+#include "NuoCore/Vec3d.h"
+
+namespace nvf {
+class Variant;
+}
+
+namespace nuo {
+
+/// One value of a PropertySet, tagged with its type: a value type. It converts from what it holds,
+/// so that a plain value can be passed where a Variant is asked for; take care to write 1.0 where a
+/// property is a double and 1.0f where it is a float.
+class NUO_API Variant {
+public:
+    /// The types, with the codes that the file format uses.
+    enum Type : int {
+        INVALID = 0,
+        INT = 1,
+        UINT = 2,
+        DOUBLE = 3,
+        FLOAT = 4,
+        BOOL = 5,
+        VEC3D = 6,
+        COLOR3F = 7,
+        STRING = 8,
+        ARRAY = 9
+    };
+
+    Variant();
+    Variant(int value);
+    Variant(unsigned int value);
+    Variant(double value);
+    Variant(float value);
+    Variant(bool value);
+    Variant(const Vec3d& value);
+    Variant(const Color3f& value);
+    Variant(const Str& value);
+    Variant(const char* utf8);
+    Variant(const wchar_t* text);
+    template <typename T>
+    Variant(T*) = delete;  // would become a boolean
+    Variant(const std::vector<Variant>& values);
+    Variant(const Variant& other);
+    Variant(Variant&& other);
+    Variant& operator=(const Variant& other);
+    Variant& operator=(Variant&& other) noexcept;
+    ~Variant();
+
+    Type type() const;
+    bool isValid() const { return type() != INVALID; }
+
+    /// The value, for the type that it has. Asking for another type is an assertion and gives zero,
+    /// false or an empty value.
+    int toInt() const;
+    unsigned int toUInt() const;
+    double toDouble() const;
+    float toFloat() const;
+    bool toBool() const;
+    Vec3d toVec3d() const;
+    Color3f toColor3f() const;
+    Str toStr() const;
+    std::vector<Variant> toArray() const;
+
+    /// For the library's own use.
+    explicit Variant(const nvf::Variant& value);
+    const nvf::Variant& internal_nvfVariant() const;
+
+private:
+    std::unique_ptr<nvf::Variant> m_value;
+};
+
+}  // namespace nuo

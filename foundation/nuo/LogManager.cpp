@@ -1,0 +1,52 @@
+#include "NuoCore/LogManager.h"
+
+#include "NuoCore/CoreComponent.h"
+#include "nuo/Convert.h"
+#include "nvf/LogManager.h"
+
+namespace nuo {
+namespace {
+
+// Hands the framework's messages to the destination that the host has installed.
+class HostLogDestination : public nvf::LogDestination {
+public:
+    explicit HostLogDestination(nuo::LogDestination* host) : m_host(host) {}
+
+    void log(const nvf::String& loggerName, LogLevel level, const nvf::String& text,
+             const nvf::CodeLocation& location) override {
+        m_host->log({level, Convert::toStr(loggerName), Convert::toStr(text),
+                     Convert::toStr(location.fileName), Convert::toStr(location.functionName),
+                     Convert::toStr(location.prettyFunctionName), location.lineNumber});
+    }
+
+private:
+    PtrRef<nuo::LogDestination> m_host;
+};
+
+}  // namespace
+
+void LogManager::setDestination(LogDestination* destination) {
+    nvf::LogManager::instance()->setDestination(
+        destination ? nvf::ref<nvf::LogDestination>(new HostLogDestination(destination)) : nullptr);
+}
+
+void LogManager::setLevel(const Str& loggerName, LogLevel level) {
+    nvf::LogManager::instance()->setLevelBelow(Convert::toNvfString(loggerName), level);
+}
+
+LogLevel LogManager::level(const Str& loggerName) const {
+    const auto manager = nvf::LogManager::instance();
+    if (loggerName.isEmpty()) return manager->rootLogger()->level();
+    return manager->logger(Convert::toNvfString(loggerName))->level();
+}
+
+nvf::LogManager* LogManager::internal_nvfLogManager() const {
+    return nvf::LogManager::instance().p();
+}
+
+LogManager* CoreComponent::logManager() {
+    static LogManager manager;
+    return &manager;
+}
+
+}  // namespace nuo

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <source_location>
+#include <stdexcept>
+
+#include "nvf/String.h"
+
+namespace nvf {
+
+/// What a failed assertion does once it has been logged.
+enum class AssertReportMode : int { CONTINUE = 0, CONSOLE = 1, DIALOG = 2, EXCEPTION = 3 };
+
+/// Thrown by a failed assertion in exception mode, with a text that tells the place.
+class AssertException : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// Selects the behaviour of failed assertions, for the whole process; dialog at first. Meant to be
+/// called before other threads use the library.
+void setReportMode(AssertReportMode mode);
+
+/// Logs a failed assertion and acts by the report mode. `expression` and `message` may be null.
+/// True when the caller is to break into the debugger.
+bool reportFailedAssert(const char* fileName, int lineNumber, const char* expression,
+                        const char* message);
+
+/// Reports a failed assertion of the calling line; breaks into the debugger when asked to.
+void assertionFailed(const char* expression, const char* message,
+                     std::source_location where = std::source_location::current());
+
+}  // namespace nvf
+
+/// NVF_ASSERT(expression) reports a programming error when the expression is false; the code after
+/// it copes with that. NVF_FAIL(message) reports one that has no expression. Macros, for the text
+/// of the expression and to vanish without NUO_ASSERTIONS.
+#if NUO_ASSERTIONS
+#define NVF_ASSERT(expression) \
+    (static_cast<bool>(expression) ? void() : nvf::assertionFailed(#expression, nullptr))
+#define NVF_ASSERT_MESSAGE(expression, message) \
+    (static_cast<bool>(expression) ? void() : nvf::assertionFailed(#expression, message))
+#define NVF_FAIL(message) nvf::assertionFailed(nullptr, message)
+#else
+#define NVF_ASSERT(expression) static_cast<void>(sizeof(static_cast<bool>(expression)))
+#define NVF_ASSERT_MESSAGE(expression, message) NVF_ASSERT(expression)
+#define NVF_FAIL(message) static_cast<void>(message)
+#endif

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <source_location>
+
+#include "nvf/String.h"
+
+namespace nvf {
+
+/// The place in the source that a message comes from: a value.
+struct CodeLocation {
+    String fileName;
+    String functionName;        ///< Qualified name without result, arguments and template values.
+    String prettyFunctionName;  ///< Whole signature.
+    int lineNumber = -1;        ///< -1 when unknown.
+
+    CodeLocation() = default;
+    CodeLocation(const std::source_location& where);
+    CodeLocation(const String& file, const String& function, const String& prettyFunction,
+                 int line);
+};
+
+}  // namespace nvf

@@ -1,0 +1,82 @@
+#pragma once
+
+#include <atomic>
+#include <mutex>
+#include <source_location>
+#include <type_traits>
+
+#include "nvf/CodeLocation.h"
+#include "nvf/LogDestination.h"
+#include "nvf/Object.h"
+#include "nvf/String.h"
+
+namespace nvf {
+
+/// The text of a message, with placeholders, and the place that it stands at.
+struct LocatedText {
+    LocatedText(const char* message, std::source_location place = std::source_location::current())
+        : text(message), where(place) {}
+
+    const char* text;
+    std::source_location where;
+};
+
+/// Emits messages under one name when their level is not above its own. Owned by the LogManager and
+/// shared; every operation may be called from any thread.
+class Logger : public Object {
+public:
+    Logger(const String& name, LogLevel level, ref<LogDestination> destination);
+
+    const String& name() const { return m_name; }
+    LogLevel level() const { return m_level.load(std::memory_order_relaxed); }
+    void setLevel(LogLevel level) { m_level.store(level, std::memory_order_relaxed); }
+    ref<LogDestination> destination() const;
+    void setDestination(ref<LogDestination> destination);
+
+    /// Whether a message of the level would be emitted; ask before composing one.
+    bool isErrorEnabled() const { return level() >= nuo::LL_ERROR; }
+    bool isWarningEnabled() const { return level() >= nuo::LL_WARNING; }
+    bool isInfoEnabled() const { return level() >= nuo::LL_INFO; }
+    bool isDebugEnabled() const { return level() >= nuo::LL_DEBUG; }
+
+    void error(const String& message, const CodeLocation& location);
+    void warning(const String& message, const CodeLocation& location);
+    void info(const String& message, const CodeLocation& location);
+    void debug(const String& message, const CodeLocation& location);
+
+    /// Logs an error at the caller's place, its placeholders filled with `values` in order, and
+    /// returns false, the result of the operation that failed. Costs nothing when errors are off.
+    template <typename... Values>
+    bool fail(LocatedText message, const Values&... values) {
+        if (isErrorEnabled()) error(compose(message.text, values...), CodeLocation(message.where));
+        return false;
+    }
+
+    /// Logs information at the caller's place.
+    template <typename... Values>
+    void inform(LocatedText message, const Values&... values) {
+        if (isInfoEnabled()) info(compose(message.text, values...), CodeLocation(message.where));
+    }
+
+private:
+    template <typename... Values>
+    static String compose(const char* text, const Values&... values) {
+        return String(text).args({textOf(values)...});
+    }
+    template <typename Value>
+    static String textOf(const Value& value) {
+        if constexpr (std::is_arithmetic_v<Value>) {
+            return String::number(value);
+        } else {
+            return String(value);
+        }
+    }
+    void emit(LogLevel level, const String& message, const CodeLocation& location);
+
+    const String m_name;
+    std::atomic<LogLevel> m_level;
+    mutable std::mutex m_mutex;  // guards m_destination
+    ref<LogDestination> m_destination;
+};
+
+}  // namespace nvf

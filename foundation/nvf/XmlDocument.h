@@ -1,0 +1,42 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "nvf/Object.h"
+#include "nvf/String.h"
+#include "nvf/XmlElement.h"
+
+namespace nvf {
+
+/// An XML document in memory, of elements, attributes and texts; shared by reference, used by one
+/// thread at a time. All text that goes in comes out equal after writing and parsing: blanks, line
+/// breaks, markup, control characters and all of Unicode; text ends at a null character. Entities
+/// of a document type are not expanded, so that no document grows while it is parsed, and parsing
+/// does not recurse.
+class XmlDocument : public Object {
+public:
+    XmlDocument();
+    ~XmlDocument() override;
+
+    /// Empties the document and gives it a root element with that default namespace.
+    XmlElement createRootElement(const char* name, const char* namespaceUri);
+
+    /// Replaces the document by the parsed text, UTF-8 unless it says otherwise. A text that is not
+    /// well formed leaves the document empty, tells why in `error`, when given, and gives false.
+    bool parse(std::string_view text, String* error = nullptr);
+
+    /// The document as indented UTF-8 text with a declaration.
+    std::string toUtf8() const;
+
+    /// The root element of that name, or of any; null when it has another name.
+    XmlElement getRootElement(const char* name) const;
+    XmlElement getRootElement() const;
+
+private:
+    struct Impl;
+    std::unique_ptr<Impl> m_impl;
+};
+
+}  // namespace nvf
