@@ -11,9 +11,9 @@ bool Image::getAsRgb(unsigned char* buffer, std::size_t bufferSize) const {
 }
 
 bool Image::setFromRgb(const unsigned char* rgb, unsigned int width, unsigned int height) {
-    const std::size_t byteCount = std::size_t{3} * width * height;
-    if (!rgb && byteCount > 0) return false;
-    m_rgb.assign(rgb, rgb + byteCount);
+    const std::size_t pixelCount = std::size_t{width} * height;
+    if (pixelCount > m_rgb.max_size() / 3 || (!rgb && pixelCount > 0)) return false;
+    m_rgb.assign(rgb, rgb + 3 * pixelCount);
     m_width = width;
     m_height = height;
     return true;

@@ -1,5 +1,7 @@
 #include "nvf/LogManager.h"
 
+#include <vector>
+
 #include "nvf/Assert.h"
 #include "nvf/LogDestinationConsole.h"
 
@@ -53,9 +55,13 @@ void LogManager::setLevelBelow(const String& name, LogLevel level) {
 
 void LogManager::setDestination(ref<LogDestination> destination) {
     if (destination.isNull()) destination = new LogDestinationConsole;
+    // Let go after the lock: the destructor of a destination may itself log.
+    std::vector<ref<LogDestination>> replaced;
     const std::lock_guard lock(m_mutex);
-    m_rootLogger->setDestination(destination);
-    for (auto& [name, existing] : m_loggers) existing->setDestination(destination);
+    replaced.push_back(m_rootLogger->setDestination(destination));
+    for (auto& [name, existing] : m_loggers) {
+        replaced.push_back(existing->setDestination(destination));
+    }
 }
 
 ref<Logger> LogManager::findOrCreate(const String& name) {

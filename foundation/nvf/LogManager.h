@@ -19,7 +19,7 @@ public:
 
     /// The logger of a name, made on first use together with those above it.
     ref<Logger> logger(const String& name);
-    ref<Logger> rootLogger() const { return m_rootLogger; }
+    const ref<Logger>& rootLogger() const { return m_rootLogger; }
 
     /// Sets the level of a logger and of all below it; the empty name is the root.
     void setLevelBelow(const String& name, LogLevel level);

@@ -10,9 +10,10 @@ ref<LogDestination> Logger::destination() const {
     return m_destination;
 }
 
-void Logger::setDestination(ref<LogDestination> destination) {
+ref<LogDestination> Logger::setDestination(ref<LogDestination> destination) {
     const std::lock_guard lock(m_mutex);
     std::swap(m_destination, destination);
+    return destination;
 }
 
 void Logger::error(const String& message, const CodeLocation& location) {

@@ -31,7 +31,9 @@ public:
     LogLevel level() const { return m_level.load(std::memory_order_relaxed); }
     void setLevel(LogLevel level) { m_level.store(level, std::memory_order_relaxed); }
     ref<LogDestination> destination() const;
-    void setDestination(ref<LogDestination> destination);
+
+    /// Gives the logger a destination and returns the one that it had.
+    ref<LogDestination> setDestination(ref<LogDestination> destination);
 
     /// Whether a message of the level would be emitted; ask before composing one.
     bool isErrorEnabled() const { return level() >= nuo::LL_ERROR; }

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <charconv>
+#include <climits>
+#include <cstddef>
 #include <limits>
 #include <system_error>
 #include <type_traits>
@@ -27,14 +29,19 @@ std::string_view trimmed(std::string_view text) {
     return text;
 }
 
-// The number is well formed but beyond the type: told apart by the sign of its exponent.
+// The number is well formed but beyond the type: too small when its first digit that counts, once
+// moved by the exponent, stands behind the decimal point.
 template <typename T>
 T nearestOfType(std::string_view text) {
-    const auto exponent = text.find_first_of("eE");
-    const bool isSmall = exponent == std::string_view::npos
-                             ? text.find_first_of("123456789") > text.find('.')
-                             : text.find('-', exponent) != std::string_view::npos;
-    const T magnitude = isSmall ? T(0) : std::numeric_limits<T>::max();
+    const std::size_t e = text.find_first_of("eE");
+    const std::string_view digits = text.substr(0, e);
+    int exponent = 0;
+    if (e != std::string_view::npos && !parseNumber(text.substr(e + 1), exponent)) {
+        exponent = text[e + 1] == '-' ? INT_MIN : INT_MAX;
+    }
+    const auto point = static_cast<std::ptrdiff_t>(std::min(digits.find('.'), digits.size()));
+    const auto first = static_cast<std::ptrdiff_t>(digits.find_first_of("123456789"));
+    const T magnitude = point - first + exponent < 0 ? T(0) : std::numeric_limits<T>::max();
     return text.front() == '-' ? -magnitude : magnitude;
 }
 

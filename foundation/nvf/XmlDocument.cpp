@@ -53,6 +53,14 @@ public:
     std::string text;
 };
 
+// Walks a tree without recursion and stops below the deepest level.
+class DepthCheck : public pugi::xml_tree_walker {
+public:
+    bool for_each(pugi::xml_node& node) override {
+        return depth() < XmlDocument::kDeepestElement || isText(node);
+    }
+};
+
 }  // namespace
 
 XmlElement XmlElement::addChildElement(const char* name, const String& text) {
@@ -182,14 +190,19 @@ XmlElement XmlDocument::createRootElement(const char* name, const char* namespac
 }
 
 bool XmlDocument::parse(std::string_view text, String* error) {
+    String reason;
     const pugi::xml_parse_result result =
         m_impl->document.load_buffer(text.data(), text.size(), kParseOptions);
-    if (result) return true;
-    m_impl->document.reset();
-    if (error) {
-        *error =
+    if (!result) {
+        reason =
             String("%1 (at byte %2)").args({result.description(), String::number(result.offset)});
+    } else if (DepthCheck check; !m_impl->document.traverse(check)) {
+        reason = String("Elements are nested deeper than %1 levels").arg(kDeepestElement);
+    } else {
+        return true;
     }
+    m_impl->document.reset();
+    if (error) *error = reason;
     return false;
 }
 

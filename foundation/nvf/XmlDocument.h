@@ -17,6 +17,10 @@ namespace nvf {
 /// does not recurse.
 class XmlDocument : public Object {
 public:
+    /// Documents that nest elements deeper are refused: to write or remove such a tree again would
+    /// run away.
+    static constexpr int kDeepestElement = 1000;
+
     XmlDocument();
     ~XmlDocument() override;
 
@@ -24,7 +28,8 @@ public:
     XmlElement createRootElement(const char* name, const char* namespaceUri);
 
     /// Replaces the document by the parsed text, UTF-8 unless it says otherwise. A text that is not
-    /// well formed leaves the document empty, tells why in `error`, when given, and gives false.
+    /// well formed or nests too deeply leaves the document empty, tells why in `error`, when given,
+    /// and gives false.
     bool parse(std::string_view text, String* error = nullptr);
 
     /// The document as indented UTF-8 text with a declaration.

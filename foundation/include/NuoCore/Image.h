@@ -18,7 +18,8 @@ public:
     bool getAsRgb(unsigned char* buffer, std::size_t bufferSize) const;
 
     /// Replaces the image by a copy of width * height * 3 bytes. The image stays as it is, and the
-    /// result is false, when `rgb` is null while the size is not zero.
+    /// result is false, when `rgb` is null while the size is not zero or the size is beyond all
+    /// memory.
     bool setFromRgb(const unsigned char* rgb, unsigned int width, unsigned int height);
 
 private:

@@ -1,0 +1,163 @@
+#include "ZROZRFxPropDef.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <set>
+
+#include "support/LogCapture.h"
+
+namespace unstruct {
+namespace {
+
+using nvf::PropertySet;
+using nvf::String;
+using nvf::Variant;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+struct PropDefTest : test::LogCapture {
+    PropertySet& AddSet(const char* classType) {
+        collection.addPropertySet(new PropertySet(classType));
+        return *collection.propertySet(collection.count() - 1);
+    }
+
+    std::vector<std::string> Validate() {
+        std::vector<String> errors;
+        const bool isValid = validateProperties(collection, errors);
+        EXPECT_EQ(isValid, errors.empty());
+        std::vector<std::string> texts;
+        for (const String& error : errors) texts.push_back(error.toUtf8());
+        return texts;
+    }
+
+    nvf::PropertySetCollection collection;
+};
+
+Variant Text(std::string_view text) {
+    return Variant(String::fromUtf8(text));
+}
+
+// A value of the type, legal where the definition restricts it.
+Variant ValueFor(const PropDef& def) {
+    switch (def.type) {
+        case Variant::INT:
+            return Variant(1);
+        case Variant::UINT:
+            return Variant(1u);
+        case Variant::DOUBLE:
+            return Variant(1.0);
+        case Variant::FLOAT:
+            return Variant(1.0f);
+        case Variant::BOOL:
+            return Variant(true);
+        case Variant::VEC3D:
+            return Variant(nvf::Vec3d());
+        case Variant::COLOR3F:
+            return Variant(nvf::Color3f());
+        case Variant::STRING:
+            return Text(def.legalValues.substr(def.legalValues.rfind(' ') + 1));
+        default:
+            return Variant(std::vector<Variant>{Text("anything")});
+    }
+}
+
+TEST_F(PropDefTest, SetsWithAllKeysOfAllGroupsPass) {
+    for (const PropClassDef& group : PropClassDef::all()) {
+        PropertySet& set = AddSet(std::string(group.className()).c_str());
+        for (const PropDef& def : group.propDefs()) {
+            set.setValue(String::fromUtf8(def.name), ValueFor(def));
+        }
+        EXPECT_EQ(set.valuesByKey().size(), group.propDefs().size()) << "a key is defined twice";
+        AddSet(std::string(group.className()).c_str());  // without any key
+    }
+    EXPECT_THAT(Validate(), IsEmpty());
+}
+
+TEST_F(PropDefTest, DefaultsAreThemselvesLegalAndDescriptionsDiffer) {
+    for (const PropClassDef& group : PropClassDef::all()) {
+        std::set<std::string_view> descriptions;
+        for (const PropDef& def : group.propDefs()) {
+            EXPECT_TRUE(descriptions.insert(def.description).second) << def.name;
+            if (def.defaultValue.empty() || def.type != Variant::STRING) continue;
+            collection.addPropertySet(new PropertySet(String::fromUtf8(group.className())));
+            collection.propertySet(collection.count() - 1)
+                ->setValue(String::fromUtf8(def.name), Text(def.defaultValue));
+        }
+    }
+    EXPECT_EQ(collection.count(), 9u);
+    EXPECT_THAT(Validate(), IsEmpty());
+}
+
+TEST_F(PropDefTest, EveryProblemIsReportedInOrder) {
+    AddSet("Camera").setValue("eye", Variant(1));
+    PropertySet& camera = AddSet("camera");
+    camera.setValue("Eye", Variant(nvf::Vec3d()));
+    camera.setValue("eye", Variant(nvf::Color3f()));
+    camera.setValue("ortho_height", Variant(1.0f));
+    camera.setValue("projection_type", Text(" ortho"));
+    camera.setValue("zoom", Variant());
+    AddSet("%1 %2");
+    AddSet("");
+    AddSet("overlay_plot").setValue("width", Variant());
+    AddSet("overlay_plot").setValue("width", Variant(1));
+    AddSet("overlay_plot").setValue("plot_title", Variant(true));
+    AddSet("overlay_plot").setValue("", Text("x"));
+    EXPECT_THAT(
+        Validate(),
+        ElementsAre(
+            "Property group 'Camera' does not exist.", "Property camera::Eye does not exist.",
+            "Property camera::eye has illegal data type. Type is 'Color3f' but should be 'Vec3d'.",
+            "Property camera::ortho_height has illegal data type. Type is 'Float' but should be "
+            "'Double'.",
+            "Property camera::projection_type has illegal value. Value is ' ortho', but legal "
+            "values are 'perspective, ortho'.",
+            "Property camera::zoom does not exist.", "Property group '%1 %2' does not exist.",
+            "Property group '' does not exist.",
+            "Property overlay_plot::width has illegal data type. Type is 'Invalid' but should be "
+            "'Uint'.",
+            "Property overlay_plot::width has illegal data type. Type is 'Int' but should be "
+            "'Uint'.",
+            "Property overlay_plot::plot_title has illegal data type. Type is 'Bool' but should be "
+            "'String'.",
+            "Property overlay_plot:: does not exist."));
+}
+
+TEST_F(PropDefTest, OnlyTheItemsOfTheLegalValuesAreLegal) {
+    const struct {
+        const char* value;
+        bool isLegal;
+    } cases[] = {{"perspective", true}, {"ortho", true},   {"Ortho", false},
+                 {"", false},           {"ort", false},    {"perspective, ortho", false},
+                 {",", false},          {"ortho ", false}, {"orth\u00F8", false}};
+    for (const auto& [value, isLegal] : cases) {
+        collection.addPropertySet(new PropertySet("camera"));
+        PropertySet& camera = *collection.propertySet(collection.count() - 1);
+        const std::size_t errorsBefore = Validate().size();
+        camera.setValue("projection_type", Text(value));
+        EXPECT_EQ(Validate().size() - errorsBefore, isLegal ? 0u : 1u) << value;
+    }
+}
+
+TEST_F(PropDefTest, CatalogueKeepsWhatViewersRelyOn) {
+    const PropClassDef* legend = PropClassDef::find("overlay_color_legend");
+    ASSERT_TRUE(legend);
+    EXPECT_EQ(legend->findPropDef("marker_position")->legalValues, "above, below");
+    std::vector<std::string> marked;
+    for (const PropClassDef& group : PropClassDef::all()) {
+        for (const PropDef& def : group.propDefs()) {
+            if (def.marked)
+                marked.push_back(std::string(group.className()) + "::" + std::string(def.name));
+        }
+    }
+    EXPECT_THAT(marked, ElementsAre("overlay_color_legend::max_num_tick_marks",
+                                    "part_settings::contour_lines_type",
+                                    "part_settings::contour_lines_color_by_scalar",
+                                    "part_settings::contour_lines_line_width",
+                                    "part_settings::contour_lines_single_color"));
+    EXPECT_EQ(PropClassDef::find("part_settings")->findPropDef("eye_lift_factor")->defaultValue,
+              "0.0f");
+}
+
+}  // namespace
+}  // namespace unstruct

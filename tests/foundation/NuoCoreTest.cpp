@@ -1,0 +1,79 @@
+#include "NuoCore/NuoCore.h"
+
+#include <gtest/gtest.h>
+
+#include <climits>
+
+#include "support/LogCapture.h"
+
+namespace nuo {
+namespace {
+
+struct NuoCoreTest : test::LogCapture {};
+
+TEST_F(NuoCoreTest, MatrixIndexOutsideIsReportedAndHarmless) {
+    Mat4d matrix;
+    matrix.setRowCol(1, 3, 2.5);
+    for (const auto& [row, col] : {std::pair(-1, 0), {0, -1}, {4, 0}, {0, 4}, {INT_MAX, INT_MIN}}) {
+        matrix.setRowCol(row, col, 9);
+        EXPECT_EQ(matrix.rowCol(row, col), 0);
+        EXPECT_EQ(TakeTexts().size(), NUO_ASSERTIONS ? 2u : 0u);
+    }
+    for (int i = 0; i < 16; ++i) {
+        const double expected = i == 7 ? 2.5 : i / 4 == i % 4;
+        EXPECT_EQ(matrix.rowCol(i / 4, i % 4), expected) << i;
+    }
+}
+
+TEST_F(NuoCoreTest, ImageKeepsItsPixelsAndRefusesWhatDoesNotFit) {
+    const std::vector<unsigned char> pixels = {1, 2, 3, 4, 5, 6};
+    Image image;
+    EXPECT_TRUE(image.setFromRgb(pixels.data(), 2, 1));
+    EXPECT_FALSE(image.setFromRgb(nullptr, 1, 1));
+    EXPECT_FALSE(image.setFromRgb(pixels.data(), UINT_MAX, UINT_MAX));
+    std::vector<unsigned char> copy(7, 9);
+    EXPECT_FALSE(image.getAsRgb(copy.data(), 5));
+    EXPECT_FALSE(image.getAsRgb(nullptr, 6));
+    EXPECT_EQ(copy, std::vector<unsigned char>(7, 9));
+    EXPECT_TRUE(image.getAsRgb(copy.data(), 7));
+    EXPECT_EQ(copy, (std::vector<unsigned char>{1, 2, 3, 4, 5, 6, 9}));
+}
+
+TEST_F(NuoCoreTest, LastReferenceDeletesTheObject) {
+    struct Watched : RefCountedObject {
+        explicit Watched(int& alive) : m_alive(alive) { ++m_alive; }
+        ~Watched() override { --m_alive; }
+        int& m_alive;
+    };
+    int alive = 0;
+    PtrRef<Watched> first = new Watched(alive);
+    PtrRef<RefCountedObject> second = first;
+    first = new Watched(alive);
+    EXPECT_EQ(alive, 2);
+    second = nullptr;
+    EXPECT_EQ(alive, 1);
+    first = *&first;
+    PtrRef<Watched> moved = std::move(first);
+    EXPECT_TRUE(first.isNull() && moved.notNull());
+    moved = nullptr;
+    EXPECT_EQ(alive, 0);
+}
+
+TEST_F(NuoCoreTest, PropertySetsSurviveTheWayInAndOut) {
+    PropertySetCollection collection;
+    collection.addPropertySet(nullptr);
+    ExpectAssertion("propertySet");
+    PtrRef<PropertySet> set = new PropertySet("Tr\u00E4ger");
+    set->setValue("b", std::vector<Variant>{1, Vec3d(1, 2, 3)});
+    set->setValue("a", L"\U0001F600 ");
+    set->setValue("b", std::vector<Variant>{2u, Color3f(0, 1, 0), true, 0.5f});
+    EXPECT_EQ(set->allKeys(), (std::vector<Str>{"a", "b"}));
+    EXPECT_EQ(set->allValues()[1].toArray()[3].toFloat(), 0.5f);
+    EXPECT_FALSE(set->value("c").isValid());
+    collection.addPropertySet(set.p());
+    EXPECT_EQ(collection.propertySet(1), nullptr);
+    ExpectAssertion("index < count()");
+}
+
+}  // namespace
+}  // namespace nuo

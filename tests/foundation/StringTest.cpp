@@ -1,0 +1,124 @@
+#include "nvf/String.h"
+
+#include <gtest/gtest.h>
+
+#include <clocale>
+#include <locale>
+
+#include "NuoCore/Str.h"
+#include "nuo/Convert.h"
+#include "support/HardTexts.h"
+
+namespace nvf {
+namespace {
+
+TEST(String, PlaceholdersAreFilledLowestFirst) {
+    const struct {
+        const char* text;
+        std::vector<String> values;
+        const char* expected;
+    } cases[] = {
+        {"%1 of %2", {"a", "b"}, "a of b"},
+        {"%2 of %1", {"a", "b"}, "b of a"},
+        {"%3 %7 %3", {"a", "b"}, "a b a"},
+        {"%1%2%3", {"a", "b"}, "ab%3"},
+        {"%1", {"a", "b"}, "a"},
+        {"none", {"a"}, "none"},
+        {"", {"a"}, ""},
+        {"%1 %2", {}, "%1 %2"},
+        {"%1 and %2", {"%2", "%1"}, "%2 and %1"},  // values are not searched for placeholders
+        {"%1%2", {"%", "1"}, "%1"},
+        {"100% %1 %% %0 %x %", {"a"}, "100% a %% %0 %x %"},
+        {"%%1", {"a"}, "%a"},
+        {"%10 %9", {"a", "b"}, "b a"},
+        {"%123", {"a"}, "a3"},
+        {"%1 %2 %3 %4 %5 %6 %7 %8 %9 %10 %11",
+         {"a", "b", "c", "d", "e", "f", "g", "h", "i", "j", "k"},
+         "a b c d e f g h i j k"},
+    };
+    for (const auto& [text, values, expected] : cases) {
+        EXPECT_EQ(String(text).args(values).toUtf8(), expected) << text;
+    }
+}
+
+TEST(String, ArgTakesEveryKindOfValue) {
+    EXPECT_EQ(String("%1 %2 %3 %4").arg(-7).arg(7u).arg(0.5).arg("x").toUtf8(), "-7 7 0.5 x");
+    EXPECT_EQ(String("%1").arg(std::size_t(1) << 40).toUtf8(), "1099511627776");
+    EXPECT_EQ(String("%1|%2|%3").arg(7, 3).arg(-7, 4, L'0').arg(12345, 2).toUtf8(),
+              "  7|00-7|12345");
+    EXPECT_EQ(nuo::Str("Part %1/%2").arg(7).arg(-8, 4, '.').toStdString(), "Part 7/..-8");
+}
+
+TEST(String, SplitKeepsEmptyParts) {
+    const struct {
+        const char *text, *delimiters;
+        std::vector<String> parts;
+    } cases[] = {
+        {"1 2 3", " ", {"1", "2", "3"}},
+        {" 1  2 ", " ", {"", "1", "", "2", ""}},
+        {"a,b;c", ",;", {"a", "b", "c"}},
+        {"", " ", {""}},
+        {"ab", "", {"ab"}},
+    };
+    for (const auto& [text, delimiters, parts] : cases) {
+        EXPECT_EQ(String(text).split(delimiters), parts) << text;
+    }
+}
+
+TEST(String, NoTextIsLostBetweenPublicAndInternalStrings) {
+    for (const auto& texts :
+         {std::vector<std::string>(std::begin(test::kHardXmlTexts), std::end(test::kHardXmlTexts)),
+          std::vector<std::string>(std::begin(test::kHardForeignTexts),
+                                   std::end(test::kHardForeignTexts))}) {
+        for (const std::string& text : texts) {
+            const String internal = nuo::Convert::toNvfString(nuo::Str(text));
+            EXPECT_EQ(internal.toUtf8(), text);
+            EXPECT_EQ(nuo::Convert::toStr(internal).toStdString(), text);
+            EXPECT_EQ(nuo::Str(nuo::Str(text).c_str()), nuo::Str(text));
+        }
+    }
+}
+
+TEST(String, NullPointersAreEmptyText) {
+    EXPECT_EQ(String(static_cast<const char*>(nullptr)), String());
+    EXPECT_EQ(String(static_cast<const wchar_t*>(nullptr)), String());
+    EXPECT_TRUE(nuo::Str(static_cast<const char*>(nullptr)).isEmpty());
+    EXPECT_TRUE(nuo::Str(static_cast<const wchar_t*>(nullptr)).isEmpty());
+}
+
+class GermanPunctuation : public std::numpunct<char> {
+    char do_decimal_point() const override { return ','; }
+    char do_thousands_sep() const override { return '.'; }
+    std::string do_grouping() const override { return "\3"; }
+};
+
+void ExpectNumbersAsInC() {
+    EXPECT_EQ(String::number(1234567.5, 'g', 15).toUtf8(), "1234567.5");
+    EXPECT_EQ(String("%1 %2").arg(1234567).arg(0.5).toUtf8(), "1234567 0.5");
+    bool ok = false;
+    EXPECT_EQ(String("1234.5").toDouble(&ok), 1234.5);
+    EXPECT_TRUE(ok);
+    EXPECT_EQ(String("1,5").toFloat(&ok), 0);
+    EXPECT_FALSE(ok);
+}
+
+TEST(String, NumbersDoNotFollowTheLocaleOfTheStreams) {
+    const std::locale before =
+        std::locale::global(std::locale(std::locale::classic(), new GermanPunctuation));
+    ExpectNumbersAsInC();
+    std::locale::global(before);
+}
+
+TEST(String, NumbersDoNotFollowTheLocaleOfTheProcess) {
+    const std::string before = std::setlocale(LC_ALL, nullptr);
+    bool found = false;
+    for (const char* name : {"de_DE.UTF-8", "de_DE", "fr_FR.UTF-8", "nb_NO.UTF-8"}) {
+        found = found || std::setlocale(LC_ALL, name);
+    }
+    if (found) ExpectNumbersAsInC();
+    std::setlocale(LC_ALL, before.c_str());
+    if (!found) GTEST_SKIP() << "no locale with a decimal comma is installed";
+}
+
+}  // namespace
+}  // namespace nvf

@@ -1,0 +1,96 @@
+#include "nvf/Variant.h"
+
+#include <gtest/gtest.h>
+
+#include "NuoCore/Variant.h"
+#include "nvf/PropertySetCollection.h"
+#include "support/LogCapture.h"
+
+namespace nvf {
+namespace {
+
+struct VariantTest : test::LogCapture {};
+
+TEST_F(VariantTest, AskingForAnotherTypeIsReportedAndGivesNothing) {
+    const Variant text(String("12345678"));  // its payload is longer than any number
+    const struct {
+        const char* type;
+        const char* size;  // also checked, for this other type
+        bool (*isNothing)(const Variant&);
+    } cases[] = {
+        {"m_type == INT", "m_data.size() == sizeof(int)",
+         [](const Variant& v) { return v.getInt() == 0; }},
+        {"m_type == UINT", "m_data.size() == sizeof(uint)",
+         [](const Variant& v) { return v.getUInt() == 0; }},
+        {"m_type == DOUBLE", "m_data.size() == sizeof(double)",
+         [](const Variant& v) { return v.getDouble() == 0; }},
+        {"m_type == FLOAT", "m_data.size() == sizeof(float)",
+         [](const Variant& v) { return v.getFloat() == 0; }},
+        {"m_type == BOOL", "m_data.size() == 1", [](const Variant& v) { return !v.getBool(); }},
+        {"m_type == VEC3D", "m_data.size() == 3*sizeof(double)",
+         [](const Variant& v) { return v.getVec3d() == Vec3d(); }},
+        {"m_type == COLOR3F", "m_data.size() == 3*sizeof(float)",
+         [](const Variant& v) { return v.getColor3f() == Color3f(); }},
+        {"m_type == ARRAY", nullptr, [](const Variant& v) { return v.getArray().empty(); }},
+    };
+    for (const auto& [type, size, isNothing] : cases) {
+        EXPECT_TRUE(isNothing(text)) << type;
+        const auto texts = TakeTexts();
+        if (!NUO_ASSERTIONS) continue;
+        ASSERT_EQ(texts.size(), size ? 2u : 1u) << type;
+        EXPECT_EQ(texts[0], std::string("ASSERT:  (") + type + ")");
+        if (size) {
+            EXPECT_EQ(texts[1], std::string("ASSERT:  (") + size + ")");
+        }
+    }
+    EXPECT_EQ(Variant(7).getString(), String());
+    ExpectAssertion("m_type == STRING");
+}
+
+TEST_F(VariantTest, PublicVariantIsAValue) {
+    nuo::Variant inner(std::vector<nuo::Variant>{1, 2.5, "three", nuo::Variant()});
+    nuo::Variant copy = inner;
+    nuo::Variant moved = std::move(inner);
+    copy = nuo::Variant(true);
+    ASSERT_EQ(moved.toArray().size(), 4u);
+    EXPECT_EQ(moved.toArray()[2].toStr(), nuo::Str("three"));
+    EXPECT_FALSE(moved.toArray()[3].isValid());
+    moved = moved.toArray()[1];  // part of itself
+    EXPECT_EQ(moved.toDouble(), 2.5);
+    inner = moved;  // a moved-from value takes a new one
+    EXPECT_EQ(inner.toDouble(), 2.5);
+}
+
+struct PropertySetCollectionTest : test::LogCapture {
+    PropertySetCollectionTest() {
+        for (const char* type : {"camera", "part_settings", "camera"}) {
+            collection.addPropertySet(new PropertySet(type));
+        }
+    }
+    PropertySetCollection collection;
+};
+
+TEST_F(PropertySetCollectionTest, SetsAreFoundByTypeAndIndex) {
+    EXPECT_EQ(collection.propertySetOfType("camera", 0), collection.propertySet(0));
+    EXPECT_EQ(collection.propertySetOfType("camera", 1), collection.propertySet(2));
+    for (const auto& [type, index] : {std::pair("camera", 2u), {"Camera", 0u}, {"", 0u}}) {
+        EXPECT_EQ(collection.propertySetOfType(type, index), nullptr);
+        ExpectFailure("Specified index is of of range");
+    }
+    EXPECT_EQ(collection.propertySet(3), nullptr);
+    ExpectAssertion("index < m_propertySets.size()");
+    collection.addPropertySet(nullptr);
+    ExpectAssertion("propertySet");
+    EXPECT_EQ(collection.count(), 3u);
+}
+
+TEST_F(PropertySetCollectionTest, CopyHasSetsOfItsOwn) {
+    collection.propertySet(0)->setValue("id", Variant(1));
+    const PropertySetCollection copy(collection);
+    collection.propertySet(0)->setValue("id", Variant(2));
+    ASSERT_EQ(copy.count(), 3u);
+    EXPECT_EQ(copy.propertySet(0)->valuesByKey().at("id").getInt(), 1);
+}
+
+}  // namespace
+}  // namespace nvf
