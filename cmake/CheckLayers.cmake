@@ -1,5 +1,6 @@
 # cmake -DROOT=<source folder> -P CheckLayers.cmake: fails when a file of a layer includes a header
 # of a layer above it.
+cmake_minimum_required(VERSION 3.25)
 set(layers foundation unstruct LibUnstructZRFx NuoZRFx tools)
 set(bad_includes "")
 while(layers)
