@@ -7,9 +7,7 @@ string(REPLACE "\n" ";" symbols "${symbols}")
 set(leaked "")
 foreach(symbol ${symbols})
     string(REGEX REPLACE "^[0-9a-f]* +[A-Za-z] " "" name "${symbol}")
-    # Instances of standard templates are weak and may come out of any library.
-    if(NOT name MATCHES "^(vtable for |typeinfo for |typeinfo name for |non-virtual thunk to )?nuo::"
-       AND NOT symbol MATCHES " [VWu] ")
+    if(name AND NOT name MATCHES "^(vtable for |typeinfo for |typeinfo name for )?nuo::")
         list(APPEND leaked "${symbol}")
     endif()
 endforeach()
