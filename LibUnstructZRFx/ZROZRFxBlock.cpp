@@ -1,8 +1,10 @@
 #include "ZROZRFxBlock.h"
 
+#include <algorithm>
 #include <cstdio>
 
 #include "ZROZRFxDatabase.h"
+#include "ZROZRFxFileRecord.h"
 #include "ZROZRFxXml.h"
 #include "nvf/Assert.h"
 #include "nvf/LogManager.h"
@@ -59,6 +61,66 @@ ZRString ZRFxBlock::GetFilebase() const {
     char number[16];
     std::snprintf(number, sizeof(number), "%.4d", m_iID);
     return typeName + kFolderSeparator + typeName + number;
+}
+
+ZRString ZRFxBlock::GetFilebase(std::int64_t number) const {
+    char suffix[32];
+    std::snprintf(suffix, sizeof(suffix), "-%.4lld", static_cast<long long>(number));
+    return GetFilebase() + suffix;
+}
+
+bool ZRFxBlock::FailUnfit(const ZRString& file, const char* what, std::int64_t found,
+                          std::int64_t expected) const {
+    return Log().fail("%1 block ID %2: '%3' holds %4 %5, expected %6", ZRFxBlockTypeName(m_iType),
+                      m_iID, file, found, what, expected);
+}
+
+bool ZRFxBlock::WriteFile(nvf::XmlElement element, const char* key, const ZRString& name,
+                          const ZRIntArray& items) {
+    return m_pDatabase->WriteDataInt(name, items, 1) &&
+           AddFileRecord(element, key, {name, items.GetSize(), ZRString()});
+}
+
+bool ZRFxBlock::WriteFile(nvf::XmlElement element, const char* key, const ZRString& name,
+                          const ZRFloatArray& items) {
+    return m_pDatabase->WriteDataFloat(name, items) &&
+           AddFileRecord(element, key, {name, items.GetSize(), ZRString()});
+}
+
+bool ZRFxBlock::WriteFile(nvf::XmlElement element, const char* key, const ZRString& name,
+                          const ZRVec3fArray& items) {
+    return m_pDatabase->WriteDataVector(name, items) &&
+           AddFileRecord(element, key, {name, items.GetSize(), ZRString()});
+}
+
+bool ZRFxBlock::ReadFile(const nvf::XmlElement& element, const char* key, ZRIntArray* items) const {
+    ZRFxFileRecord file;
+    return GetFileRecord(element, key, &file) &&
+           m_pDatabase->ReadDataInt(file.filename, file.numItems, items);
+}
+
+bool ZRFxBlock::ReadFile(const nvf::XmlElement& element, const char* key,
+                         ZRFloatArray* items) const {
+    ZRFxFileRecord file;
+    return GetFileRecord(element, key, &file) &&
+           m_pDatabase->ReadDataFloat(file.filename, file.numItems, items);
+}
+
+bool ZRFxBlock::ReadFile(const nvf::XmlElement& element, const char* key,
+                         ZRVec3fArray* items) const {
+    ZRFxFileRecord file;
+    return GetFileRecord(element, key, &file) &&
+           m_pDatabase->ReadDataVector(file.filename, file.numItems, items);
+}
+
+bool ZRFxBlock::CheckIndices(const ZRString& file, const char* what,
+                             const ZRIntArray& indices) const {
+    const auto negative =
+        std::find_if(indices.begin(), indices.end(), [](std::int32_t index) { return index < 0; });
+    if (negative == indices.end()) return true;
+    return Log().fail("%1 block ID %2: '%3' holds %4 %5 at position %6, expected none below 0",
+                      ZRFxBlockTypeName(m_iType), m_iID, file, what, *negative,
+                      negative - indices.begin());
 }
 
 nvf::XmlElement ZRFxBlock::GetRootElement(nvf::XmlDocument* pDoc) const {

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <cstdint>
+
+#include "ZRArray.h"
 #include "ZROZRFxBlockType.h"
 #include "ZRString.h"
 #include "nvf/Logger.h"
@@ -68,6 +71,31 @@ protected:
     nvf::XmlElement GetRootElement(nvf::XmlDocument* pDoc) const;
     nvf::XmlElement CreateRootElement(nvf::XmlDocument* pDoc) const;
     bool WriteXml(const nvf::XmlDocument& doc);
+
+    /// The base name of the files of one of several numbered parts: Elements\Elements0001-0002.
+    ZRString GetFilebase(std::int64_t number) const;
+
+    /// Reports that a file does not hold what the block's document says; false. `what` names the
+    /// items, in the plural.
+    bool FailUnfit(const ZRString& file, const char* what, std::int64_t found,
+                   std::int64_t expected) const;
+
+    /// Writes an array to a data file and records it under a key of the element.
+    bool WriteFile(nvf::XmlElement element, const char* key, const ZRString& name,
+                   const ZRIntArray& items);
+    bool WriteFile(nvf::XmlElement element, const char* key, const ZRString& name,
+                   const ZRFloatArray& items);
+    bool WriteFile(nvf::XmlElement element, const char* key, const ZRString& name,
+                   const ZRVec3fArray& items);
+
+    /// Reads the data file recorded under a key of the element. A missing record is a failure
+    /// without message.
+    bool ReadFile(const nvf::XmlElement& element, const char* key, ZRIntArray* items) const;
+    bool ReadFile(const nvf::XmlElement& element, const char* key, ZRFloatArray* items) const;
+    bool ReadFile(const nvf::XmlElement& element, const char* key, ZRVec3fArray* items) const;
+
+    /// Whether no item is negative; reports the first that is.
+    bool CheckIndices(const ZRString& file, const char* what, const ZRIntArray& indices) const;
 
     /// Whether contents are in memory, read or built there.
     void SetRead(bool isRead) { m_bRead = isRead; }

@@ -1,7 +1,25 @@
 #include <array>
 
+#include "ZROZRFx2DPlotDataBlock.h"
 #include "ZROZRFxBlock.h"
+#include "ZROZRFxCrossSectionsBlock.h"
+#include "ZROZRFxElementBlock.h"
+#include "ZROZRFxGeometryBlock.h"
+#include "ZROZRFxGeometryInfoBlock.h"
+#include "ZROZRFxIndexedFaceSetBlock.h"
 #include "ZROZRFxNodeBlock.h"
+#include "ZROZRFxPositionResultValuesBlock.h"
+#include "ZROZRFxPrecomputedCuttingPlaneBlock.h"
+#include "ZROZRFxPrecomputedIsosurfaceBlock.h"
+#include "ZROZRFxPrecomputedIsovolumeBlock.h"
+#include "ZROZRFxPrecomputedItemBlock.h"
+#include "ZROZRFxPrecomputedParticleTraceGroupBlock.h"
+#include "ZROZRFxResultBlock.h"
+#include "ZROZRFxResultValuesBlock.h"
+#include "ZROZRFxSetBlock.h"
+#include "ZROZRFxStateInfoBlock.h"
+#include "ZROZRFxTransformationResultValuesBlock.h"
+#include "ZROZRFxTransformationResultsBlock.h"
 #include "nvf/Assert.h"
 
 namespace unstruct {
@@ -22,6 +40,24 @@ struct BlockClassOfType {
 // The class that stores each type.
 constexpr std::array kClasses{
     BlockClassOfType{BLOCK_NODES, create<ZRFxNodeBlock>},
+    BlockClassOfType{BLOCK_INDEXED_FACE_SET, create<ZRFxIndexedFaceSetBlock>},
+    BlockClassOfType{BLOCK_ELEMENTS, create<ZRFxElementBlock>},
+    BlockClassOfType{BLOCK_GEOMETRY, create<ZRFxGeometryBlock>},
+    BlockClassOfType{BLOCK_RESULT_VALUES, create<ZRFxResultValuesBlock>},
+    BlockClassOfType{BLOCK_RESULTS, create<ZRFxResultBlock>},
+    BlockClassOfType{BLOCK_CROSS_SECTIONS, create<ZRFxCrossSectionsBlock>},
+    BlockClassOfType{BLOCK_STATE_INFO, create<ZRFxStateInfoBlock>},
+    BlockClassOfType{BLOCK_SET, create<ZRFxSetBlock>},
+    BlockClassOfType{BLOCK_PLOT_2D, create<ZRFx2DPlotDataBlock>},
+    BlockClassOfType{BLOCK_TRANSFORMATION_RESULT_VALUES, create<ZRFxTransformationResultValuesBlock>},
+    BlockClassOfType{BLOCK_TRANSFORMATION_RESULTS, create<ZRFxTransformationResultsBlock>},
+    BlockClassOfType{BLOCK_PRECOMPUTED_ITEM, create<ZRFxPrecomputedItemBlock>},
+    BlockClassOfType{BLOCK_POSITION_RESULT_VALUES, create<ZRFxPositionResultValuesBlock>},
+    BlockClassOfType{BLOCK_GEOMETRY_INFO, create<ZRFxGeometryInfoBlock>},
+    BlockClassOfType{BLOCK_PRECOMPUTED_CUTTING_PLANE, create<ZRFxPrecomputedCuttingPlaneBlock>},
+    BlockClassOfType{BLOCK_PRECOMPUTED_ISOSURFACE, create<ZRFxPrecomputedIsosurfaceBlock>},
+    BlockClassOfType{BLOCK_PRECOMPUTED_PARTICLE_TRACE_GROUP, create<ZRFxPrecomputedParticleTraceGroupBlock>},
+    BlockClassOfType{BLOCK_PRECOMPUTED_ISOVOLUME, create<ZRFxPrecomputedIsovolumeBlock>},
 };
 
 CreateBlock classOf(int type) {

@@ -101,6 +101,10 @@ bool ZRFxDataFolder::WriteData(const ZRString& name, const ZRUbyteArray& data) {
                       });
 }
 
+bool ZRFxDataFolder::WriteDataString(const ZRString& name, const ZRString& text) {
+    return GetAccess() && m_pAccess->WriteDataString(EntryToWrite(name), text);
+}
+
 bool ZRFxDataFolder::ReadDataInt(const ZRString& name, std::int64_t numItems,
                                  ZRIntArray* data) const {
     constexpr ReadMessages kMessages{"Could not read ASCII int data",
@@ -178,6 +182,10 @@ bool ZRFxDataFolder::ReadData(const ZRString& name, std::int64_t numItems,
             }
             return data->Add(static_cast<unsigned char>(value[0]));
         });
+}
+
+bool ZRFxDataFolder::ReadDataString(const ZRString& name, ZRString* text) const {
+    return GetAccess() && m_pAccess->ReadDataString(EntryToRead(name), text);
 }
 
 ZRFxAccess* ZRFxDataFolder::GetAccess() const {

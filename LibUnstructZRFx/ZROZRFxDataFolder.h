@@ -30,11 +30,15 @@ public:
     bool WriteDataTensor(const ZRString& name, const ZRFloatArray& data);
     bool WriteData(const ZRString& name, const ZRUbyteArray& data);
 
+    /// Text as it stands, in either form.
+    bool WriteDataString(const ZRString& name, const ZRString& text);
+
     bool ReadDataInt(const ZRString& name, std::int64_t numItems, ZRIntArray* data) const;
     bool ReadDataFloat(const ZRString& name, std::int64_t numItems, ZRFloatArray* data) const;
     bool ReadDataVector(const ZRString& name, std::int64_t numItems, ZRVec3fArray* data) const;
     bool ReadDataTensor(const ZRString& name, std::int64_t numTensors, ZRFloatArray* data) const;
     bool ReadData(const ZRString& name, std::int64_t numItems, ZRUbyteArray* data) const;
+    bool ReadDataString(const ZRString& name, ZRString* text) const;
 
     /// The archive; null after an assertion when there is none.
     ZRFxAccess* GetAccess() const;

@@ -1,6 +1,7 @@
 #include "ZROZRFxXml.h"
 
 #include <algorithm>
+#include <charconv>
 #include <string>
 
 #include "nvf/Number.h"
@@ -12,15 +13,34 @@ std::string rowName(int row) {
     return "Row" + std::to_string(row + 1);
 }
 
-bool readRow(std::string_view text, int row, nuo::Mat4d* matrix) {
-    for (int col = 0; col < 4; ++col) {
+// Exactly `count` numbers with blanks between them.
+template <typename Number>
+bool parseNumbers(std::string_view text, int count, Number* numbers) {
+    for (int i = 0; i < count; ++i) {
         text.remove_prefix(std::min(text.find_first_not_of(' '), text.size()));
-        double value = 0;
-        if (!nvf::parseNumber(text.substr(0, text.find(' ')), value)) return false;
-        matrix->setRowCol(row, col, value);
+        if (!nvf::parseNumber(text.substr(0, text.find(' ')), numbers[i])) return false;
         text.remove_prefix(std::min(text.find(' '), text.size()));
     }
     return text.find_first_not_of(' ') == std::string_view::npos;
+}
+
+// As few digits as bring the same value back.
+template <typename Number>
+std::string shortest(Number value) {
+    char text[32];
+    return std::string(text, std::to_chars(text, text + sizeof(text), value).ptr);
+}
+
+template <typename Number>
+std::string joined(Number a, Number b, Number c) {
+    return shortest(a) + ' ' + shortest(b) + ' ' + shortest(c);
+}
+
+bool readRow(std::string_view text, int row, nuo::Mat4d* matrix) {
+    double values[4] = {};
+    if (!parseNumbers(text, 4, values)) return false;
+    for (int col = 0; col < 4; ++col) matrix->setRowCol(row, col, values[col]);
+    return true;
 }
 
 }  // namespace
@@ -31,6 +51,35 @@ void SetAttribute(nvf::XmlElement& element, const char* name, const ZRString& va
 
 ZRString GetAttribute(const nvf::XmlElement& element, const char* name) {
     return ZRString(element.getAttributeUtf8(name, ""));
+}
+
+void SetAttribute(nvf::XmlElement& element, const char* name, const nuo::Color3f& value) {
+    element.setAttributeUtf8(name, joined(value.r, value.g, value.b));
+}
+
+void SetAttribute(nvf::XmlElement& element, const char* name, const nuo::Vec3d& value) {
+    element.setAttributeUtf8(name, joined(value.x, value.y, value.z));
+}
+
+nuo::Color3f GetColor(const nvf::XmlElement& element, const char* name) {
+    float c[3] = {};
+    if (!parseNumbers(element.getAttributeUtf8(name, ""), 3, c)) return {};
+    return {c[0], c[1], c[2]};
+}
+
+nuo::Vec3d GetVec3d(const nvf::XmlElement& element, const char* name) {
+    double v[3] = {};
+    if (!parseNumbers(element.getAttributeUtf8(name, ""), 3, v)) return {};
+    return {v[0], v[1], v[2]};
+}
+
+void SetAttribute(nvf::XmlElement& element, const char* name, double value) {
+    element.setAttributeUtf8(name, shortest(value));
+}
+
+double GetDouble(const nvf::XmlElement& element, const char* name, double defaultValue) {
+    double value = 0;
+    return nvf::parseNumber(element.getAttributeUtf8(name, ""), value) ? value : defaultValue;
 }
 
 ZRString GetText(const nvf::XmlElement& element) {

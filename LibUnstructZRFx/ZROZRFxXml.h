@@ -1,6 +1,8 @@
 #pragma once
 
+#include "NuoCore/Color3f.h"
 #include "NuoCore/Mat4d.h"
+#include "NuoCore/Vec3d.h"
 #include "ZRArray.h"
 #include "ZRString.h"
 #include "nvf/XmlElement.h"
@@ -16,6 +18,18 @@ inline constexpr char kFolderSeparator = '\\';
 /// Attributes and texts as the format's strings.
 void SetAttribute(nvf::XmlElement& element, const char* name, const ZRString& value);
 ZRString GetAttribute(const nvf::XmlElement& element, const char* name);
+
+/// Colours and vectors: three numbers with blanks between, written with as many digits as bring the
+/// same values back. What is missing or is not three numbers reads as zero.
+void SetAttribute(nvf::XmlElement& element, const char* name, const nuo::Color3f& value);
+void SetAttribute(nvf::XmlElement& element, const char* name, const nuo::Vec3d& value);
+nuo::Color3f GetColor(const nvf::XmlElement& element, const char* name);
+nuo::Vec3d GetVec3d(const nvf::XmlElement& element, const char* name);
+
+/// A double, written as above; the default when missing or no number.
+void SetAttribute(nvf::XmlElement& element, const char* name, double value);
+double GetDouble(const nvf::XmlElement& element, const char* name, double defaultValue);
+
 ZRString GetText(const nvf::XmlElement& element);
 
 /// A list of integers: children Value0, Value1, ... each with its number as text.

@@ -127,6 +127,14 @@ bool XmlElement::hasAttribute(const char* name) const {
     return static_cast<bool>(nodeOf(m_node).attribute(name));
 }
 
+std::vector<std::string> XmlElement::attributeNamesUtf8() const {
+    std::vector<std::string> names;
+    for (const pugi::xml_attribute& attribute : nodeOf(m_node).attributes()) {
+        names.emplace_back(attribute.name());
+    }
+    return names;
+}
+
 String XmlElement::getAttributeString(const char* name, const String& defaultValue) const {
     const pugi::xml_attribute attribute = nodeOf(m_node).attribute(name);
     return attribute ? String(attribute.value()) : defaultValue;

@@ -2,6 +2,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "nvf/String.h"
 
@@ -48,6 +49,9 @@ public:
     std::string textUtf8() const;
 
     bool hasAttribute(const char* name) const;
+
+    /// The names of all attributes, in their order.
+    std::vector<std::string> attributeNamesUtf8() const;
 
     /// The value of an attribute, or the default when it is missing or does not convert. Booleans
     /// are read without regard to case; "1" and "0" count as well.

@@ -1,0 +1,190 @@
+#include "ZROZRFxGeometryBlock.h"
+
+#include <algorithm>
+#include <memory>
+
+#include "ZROZRFxXml.h"
+
+namespace unstruct {
+namespace {
+
+using ZRint = int;
+
+constexpr const char* kLegacyIDs = "VexlynAPIGeometryIDs";
+
+// Takes the next number off the front of a list with blanks between; -1 when there is none.
+int takeNumber(nvf::String& list) {
+    const std::vector<nvf::String> words = list.split(" ");
+    bool isNumber = false;
+    const int number = words.front().toInt(&isNumber);
+    list = nvf::String(
+        list.text().substr(std::min(list.text().size(), words.front().text().size() + 1)));
+    return isNumber ? number : -1;
+}
+
+}  // namespace
+
+ZRFxGeometryState::ZRFxGeometryState(int stateID, int geometryCountPerState)
+    : m_iStateID(stateID),
+      m_geometryParts(static_cast<std::size_t>(std::max(geometryCountPerState, 0))) {}
+
+int ZRFxGeometryState::GetPartCount(int iGlobalGeometryIndex) const {
+    if (!IsGeometry(iGlobalGeometryIndex)) return 0;
+    return static_cast<int>(m_geometryParts[static_cast<std::size_t>(iGlobalGeometryIndex)].size());
+}
+
+ZRFxGeometryPart ZRFxGeometryState::GetPart(int iGlobalGeometryIndex, int iPartIndex) const {
+    if (!IsGeometry(iGlobalGeometryIndex)) return {};
+    // clang-format off
+    NVF_ASSERT(iPartIndex >= 0 && iPartIndex < static_cast<ZRint>(m_geometryParts[iGlobalGeometryIndex].size()));
+    // clang-format on
+    if (iPartIndex < 0 || iPartIndex >= GetPartCount(iGlobalGeometryIndex)) return {};
+    return m_geometryParts[static_cast<std::size_t>(iGlobalGeometryIndex)]
+                          [static_cast<std::size_t>(iPartIndex)];
+}
+
+bool ZRFxGeometryState::AddPart(int iGlobalGeometryIndex, const ZRFxGeometryPart& part) {
+    if (!IsGeometry(iGlobalGeometryIndex)) return false;
+    m_geometryParts[static_cast<std::size_t>(iGlobalGeometryIndex)].push_back(part);
+    return true;
+}
+
+bool ZRFxGeometryState::IsGeometry(int iGlobalGeometryIndex) const {
+    NVF_ASSERT(iGlobalGeometryIndex >= 0 && iGlobalGeometryIndex < GetGeometryCountPerState());
+    return iGlobalGeometryIndex >= 0 && iGlobalGeometryIndex < GetGeometryCountPerState();
+}
+
+ZRFxGeometryBlock::ZRFxGeometryBlock(ZRFxDatabase* pDatabase, int id)
+    : ZRFxBlock(pDatabase, id, BLOCK_GEOMETRY) {}
+
+ZRFxGeometryState* ZRFxGeometryBlock::AddState(int stateID) {
+    SetRead(true);
+    return m_apStates.Add(std::make_unique<ZRFxGeometryState>(stateID, m_iGeometryCountPerState));
+}
+
+bool ZRFxGeometryBlock::HasGeometryCountPerState() const {
+    NVF_ASSERT(m_pDatabase);
+    if (!m_pDatabase) return false;
+    nvf::XmlDocument doc;
+    const nvf::XmlElement root = GetRootElement(&doc);
+    if (root.isNull()) return Log().fail("Invalid XML");
+    return root.hasAttribute("GeometryCountPerState");
+}
+
+bool ZRFxGeometryBlock::GetLegacyGeometryInfo(ZRFxGeometryInfoBlock* pGeometryInfo) const {
+    NVF_ASSERT(pGeometryInfo);
+    NVF_ASSERT(m_pDatabase);
+    if (!pGeometryInfo || !m_pDatabase) return false;
+    nvf::XmlDocument doc;
+    const nvf::XmlElement root = GetRootElement(&doc);
+    if (root.isNull()) return Log().fail("Invalid XML");
+    pGeometryInfo->SetGeometryCountPerState(1);
+    ZRFxPartInfos* parts = pGeometryInfo->GetPartInfos(0);
+    for (nvf::XmlElement state = root.firstChildElement("State"); state.notNull();
+         state = state.nextSiblingElement("State")) {
+        for (nvf::XmlElement element = state.firstChildElement(); element.notNull();
+             element = element.nextSiblingElement()) {
+            ZRFxGeometryPart part;
+            if (!ReadPart(element, &part)) return false;
+            if (parts->HasPart(part.partID)) continue;
+            parts->AddPartInfo({part.partID, -1, GetAttribute(element, "PartName"), false});
+        }
+    }
+    return true;
+}
+
+bool ZRFxGeometryBlock::DoReadBlock(const nvf::XmlElement& root) {
+    DoUnloadData();
+    const bool isLegacy = !root.hasAttribute("GeometryCountPerState");
+    m_iGeometryCountPerState = isLegacy ? 1 : root.getAttributeInt("GeometryCountPerState", 0);
+    if (m_iGeometryCountPerState < 1 || m_iGeometryCountPerState > kMostGeometriesPerState) {
+        return FailUnfit(GetFileName(), "geometries per state", m_iGeometryCountPerState, 1);
+    }
+    for (nvf::XmlElement element = root.firstChildElement("State"); element.notNull();
+         element = element.nextSiblingElement("State")) {
+        ZRFxGeometryState* pState = AddState(element.getAttributeInt("ID", -1));
+        const bool isRead = element.firstChildElement("Geometry").isNull() && isLegacy
+                                ? ReadLegacyParts(element, pState)
+                                : ReadGeometries(element, pState);
+        if (!isRead) return false;
+    }
+    return true;
+}
+
+bool ZRFxGeometryBlock::DoWriteBlock(nvf::XmlElement root) {
+    root.setAttributeInt("GeometryCountPerState", m_iGeometryCountPerState);
+    for (const auto& pState : m_apStates) {
+        NVF_ASSERT(pState);
+        nvf::XmlElement state = root.addChildElement("State");
+        state.setAttributeInt("ID", pState->GetStateID());
+        for (int geometry = 0; geometry < pState->GetGeometryCountPerState(); ++geometry) {
+            WriteGeometry(state, *pState, geometry);
+        }
+    }
+    return true;
+}
+
+void ZRFxGeometryBlock::DoUnloadData() {
+    m_apStates.RemoveAll();
+}
+
+void ZRFxGeometryBlock::WriteGeometry(nvf::XmlElement state, const ZRFxGeometryState& record,
+                                      int geometry) {
+    const int numParts = record.GetPartCount(geometry);
+    nvf::XmlElement element = state.addChildElement("Geometry");
+    element.setAttributeInt("Index", geometry);
+    element.setAttributeInt("APIGeometryID",
+                            numParts > 0 ? record.GetPart(geometry, 0).apiGeometryID : -1);
+    for (int i = 0; i < numParts; ++i) {
+        const ZRFxGeometryPart part = record.GetPart(geometry, i);
+        nvf::XmlElement child = element.addChildElement(ZRFxBlockTypeName(part.blockType).CStr());
+        child.setAttributeInt("BlockID", part.blockID);
+        child.setAttributeInt("PartID", part.partID);
+    }
+}
+
+bool ZRFxGeometryBlock::ReadGeometries(const nvf::XmlElement& element, ZRFxGeometryState* pState) {
+    for (nvf::XmlElement geometry = element.firstChildElement("Geometry"); geometry.notNull();
+         geometry = geometry.nextSiblingElement("Geometry")) {
+        const int index = geometry.getAttributeInt("Index", -1);
+        if (index < 0 || index >= m_iGeometryCountPerState) {
+            return Log().fail(
+                "Illegal Geometry Index specified in Geometry::State::Geometry block");
+        }
+        for (nvf::XmlElement child = geometry.firstChildElement(); child.notNull();
+             child = child.nextSiblingElement()) {
+            ZRFxGeometryPart part;
+            if (!ReadPart(child, &part)) return false;
+            part.apiGeometryID = geometry.getAttributeInt("APIGeometryID", -1);
+            pState->AddPart(index, part);
+        }
+    }
+    return true;
+}
+
+// The legacy layout has the parts of its one geometry directly below the state, and their geometry
+// ids as a list of numbers in an attribute of it.
+bool ZRFxGeometryBlock::ReadLegacyParts(const nvf::XmlElement& element, ZRFxGeometryState* pState) {
+    NVF_ASSERT(m_iGeometryCountPerState == 1);
+    nvf::String geometryIDs = element.getAttributeString(kLegacyIDs, "");
+    for (nvf::XmlElement child = element.firstChildElement(); child.notNull();
+         child = child.nextSiblingElement()) {
+        ZRFxGeometryPart part;
+        if (!ReadPart(child, &part)) return false;
+        part.apiGeometryID = takeNumber(geometryIDs);
+        pState->AddPart(0, part);
+    }
+    return true;
+}
+
+bool ZRFxGeometryBlock::ReadPart(const nvf::XmlElement& element, ZRFxGeometryPart* part) const {
+    part->blockType = ZRFxBlockTypeFromName(ZRString(element.nameUtf8()));
+    if (part->blockType != BLOCK_ELEMENTS && part->blockType != BLOCK_INDEXED_FACE_SET) {
+        return Log().fail("Only Elements and Indexed face sets are allowed in geometry spec");
+    }
+    part->blockID = element.getAttributeInt("BlockID", -1);
+    part->partID = element.getAttributeInt("PartID", -1);
+    return true;
+}
+
+}  // namespace unstruct

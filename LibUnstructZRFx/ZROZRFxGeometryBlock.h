@@ -1,0 +1,80 @@
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "ZROZRFxBlock.h"
+#include "ZROZRFxGeometryInfoBlock.h"
+#include "ZRPtrArray.h"
+
+namespace unstruct {
+
+/// One part of a geometry: an element block or an indexed face set block.
+struct ZRFxGeometryPart {
+    int apiGeometryID = -1;
+    int blockID = -1;
+    int blockType = BLOCK_ELEMENTS;
+    int partID = -1;
+};
+
+/// The parts of every geometry in one state.
+class ZRFxGeometryState {
+public:
+    ZRFxGeometryState(int stateID, int geometryCountPerState);
+
+    int GetStateID() const { return m_iStateID; }
+    int GetGeometryCountPerState() const { return static_cast<int>(m_geometryParts.size()); }
+
+    /// The number of parts of a geometry; 0 after an assertion when there is no such geometry.
+    int GetPartCount(int iGlobalGeometryIndex) const;
+
+    /// A part; an empty one after an assertion when there is no such part.
+    ZRFxGeometryPart GetPart(int iGlobalGeometryIndex, int iPartIndex) const;
+
+    /// False after an assertion when there is no such geometry.
+    bool AddPart(int iGlobalGeometryIndex, const ZRFxGeometryPart& part);
+
+private:
+    bool IsGeometry(int iGlobalGeometryIndex) const;
+
+    int m_iStateID;
+    std::vector<std::vector<ZRFxGeometryPart>> m_geometryParts;
+};
+
+/// Which blocks make up the model, as geometries made of parts: for each state, or once for all.
+class ZRFxGeometryBlock : public ZRFxBlock {
+public:
+    ZRFxGeometryBlock(ZRFxDatabase* pDatabase, int id);
+
+    int GetGeometryCountPerState() const { return m_iGeometryCountPerState; }
+    void SetGeometryCountPerState(int count) { m_iGeometryCountPerState = count; }
+
+    /// Appends a state without parts.
+    ZRFxGeometryState* AddState(int stateID);
+    std::int64_t GetStateCount() const { return m_apStates.GetSize(); }
+    ZRFxGeometryState* GetState(std::int64_t index) const { return m_apStates[index]; }
+
+    /// Whether the document says how many geometries a state has; those of the legacy layout do
+    /// not.
+    bool HasGeometryCountPerState() const;
+
+    /// For a document of the legacy layout, which also tells what a geometry info block tells:
+    /// replaces the part infos of the block by the names and ids found there.
+    bool GetLegacyGeometryInfo(ZRFxGeometryInfoBlock* pGeometryInfo) const;
+
+protected:
+    bool DoReadBlock(const nvf::XmlElement& root) override;
+    bool DoWriteBlock(nvf::XmlElement root) override;
+    void DoUnloadData() override;
+
+private:
+    void WriteGeometry(nvf::XmlElement state, const ZRFxGeometryState& record, int geometry);
+    bool ReadGeometries(const nvf::XmlElement& element, ZRFxGeometryState* pState);
+    bool ReadLegacyParts(const nvf::XmlElement& element, ZRFxGeometryState* pState);
+    bool ReadPart(const nvf::XmlElement& element, ZRFxGeometryPart* part) const;
+
+    int m_iGeometryCountPerState = 1;
+    ZRPtrArray<ZRFxGeometryState> m_apStates;
+};
+
+}  // namespace unstruct

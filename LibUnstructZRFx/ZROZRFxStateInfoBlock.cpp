@@ -1,0 +1,87 @@
+#include "ZROZRFxStateInfoBlock.h"
+
+#include <memory>
+
+#include "ZROZRFxXml.h"
+
+namespace unstruct {
+
+ZRFxStateInfoBlock::ZRFxStateInfoBlock(ZRFxDatabase* pDatabase, int id)
+    : ZRFxBlock(pDatabase, id, BLOCK_STATE_INFO) {}
+
+ZRFxStateInfo* ZRFxStateInfoBlock::AddState(const ZRFxStateInfo& info) {
+    SetRead(true);
+    return m_apStateInfo.Add(std::make_unique<ZRFxStateInfo>(info));
+}
+
+void ZRFxStateInfoBlock::RemoveStates(std::int64_t iFrom, std::int64_t iTo) {
+    NVF_ASSERT(iTo >= 0 && iTo < m_apStateInfo.GetSize());
+    m_apStateInfo.RemoveRange(iFrom, iTo);
+}
+
+bool ZRFxStateInfoBlock::DoReadBlock(const nvf::XmlElement& root) {
+    DoUnloadData();
+    for (nvf::XmlElement state = root.firstChildElement("State"); state.notNull();
+         state = state.nextSiblingElement("State")) {
+        if (!ReadState(state)) return Log().fail("Invalid XML");
+    }
+    return true;
+}
+
+bool ZRFxStateInfoBlock::DoWriteBlock(nvf::XmlElement root) {
+    for (const auto& pState : m_apStateInfo) {
+        NVF_ASSERT(pState);
+        WriteState(root, *pState);
+    }
+    return true;
+}
+
+void ZRFxStateInfoBlock::DoUnloadData() {
+    m_apStateInfo.RemoveAll();
+}
+
+void ZRFxStateInfoBlock::WriteState(nvf::XmlElement root, const ZRFxStateInfo& info) {
+    nvf::XmlElement state = root.addChildElement("State");
+    state.setAttributeInt("ID", info.stateID);
+    SetAttribute(state, "Name", info.name);
+    state.setAttributeFloat("RefValue", info.referenceValue);
+    SetAttribute(state, "RefType", ReferenceTypeName(info.referenceType));
+    state.setAttributeInt("ParentID", info.parentID);
+    SetAttribute(state, "Group", info.group);
+    WriteExportInfo(state, info.exportInfo);
+}
+
+void ZRFxStateInfoBlock::WriteExportInfo(nvf::XmlElement state, const ZRFxExportInfo& info) {
+    nvf::XmlElement element = state.addChildElement("ZRFxExportInfo");
+    element.setAttributeBool("PolygonModel", info.polygonModel);
+    element.setAttributeBool("VisiblePartsOnly", info.visiblePartsOnly);
+    element.setAttributeBool("FirstOrderNodesOnly", info.firstOrderNodesOnly);
+    nvf::XmlElement setIDs = element.addChildElement("VisibleSetIDs");
+    WriteIntList(setIDs, info.visibleSetIDs);
+    nvf::XmlElement partFlags = element.addChildElement("PartFlags");
+    WriteIntList(partFlags, info.partFlags);
+}
+
+bool ZRFxStateInfoBlock::ReadState(const nvf::XmlElement& state) {
+    ZRFxStateInfo info;
+    info.stateID = state.getAttributeInt("ID", -1);
+    info.name = GetAttribute(state, "Name");
+    info.referenceValue = state.getAttributeFloat("RefValue", 0);
+    info.referenceType = ReferenceTypeFromName(GetAttribute(state, "RefType"));
+    info.parentID = state.getAttributeInt("ParentID", -1);
+    info.group = GetAttribute(state, "Group");
+    if (!ReadExportInfo(state, &info.exportInfo)) return false;
+    AddState(info);
+    return true;
+}
+
+bool ZRFxStateInfoBlock::ReadExportInfo(const nvf::XmlElement& state, ZRFxExportInfo* info) {
+    const nvf::XmlElement element = state.firstChildElement("ZRFxExportInfo");
+    info->polygonModel = element.getAttributeBool("PolygonModel", false);
+    info->visiblePartsOnly = element.getAttributeBool("VisiblePartsOnly", false);
+    info->firstOrderNodesOnly = element.getAttributeBool("FirstOrderNodesOnly", false);
+    return ReadIntList(element.firstChildElement("VisibleSetIDs"), &info->visibleSetIDs) &&
+           ReadIntList(element.firstChildElement("PartFlags"), &info->partFlags);
+}
+
+}  // namespace unstruct

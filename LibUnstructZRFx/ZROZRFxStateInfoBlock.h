@@ -1,0 +1,58 @@
+#pragma once
+
+#include <cstdint>
+
+#include "ZRArray.h"
+#include "ZROZRFxBlock.h"
+#include "ZROZRFxResultTypes.h"
+#include "ZRPtrArray.h"
+
+namespace unstruct {
+
+/// The settings with which a state was exported. They are passed through.
+struct ZRFxExportInfo {
+    bool polygonModel = false;
+    bool visiblePartsOnly = false;
+    bool firstOrderNodesOnly = false;
+    ZRIntArray visibleSetIDs;
+    ZRIntArray partFlags;
+};
+
+/// One state of a model: a time step, a frequency, a load case.
+struct ZRFxStateInfo {
+    int stateID = -1;
+    ZRString name;
+    float referenceValue = 0;
+    int referenceType = REFERENCE_OTHER;
+    int parentID = -1;  ///< Id of the group that the state belongs to; -1 when it has none.
+    ZRString group;     ///< Name of that group.
+    ZRFxExportInfo exportInfo;
+};
+
+/// The states of a model.
+class ZRFxStateInfoBlock : public ZRFxBlock {
+public:
+    ZRFxStateInfoBlock(ZRFxDatabase* pDatabase, int id);
+
+    ZRFxStateInfo* AddState(const ZRFxStateInfo& info);
+    std::int64_t GetStateCount() const { return m_apStateInfo.GetSize(); }
+    ZRFxStateInfo* GetState(std::int64_t index) const { return m_apStateInfo[index]; }
+
+    /// Removes a range of states, both ends included.
+    void RemoveStates(std::int64_t iFrom, std::int64_t iTo);
+
+protected:
+    bool DoReadBlock(const nvf::XmlElement& root) override;
+    bool DoWriteBlock(nvf::XmlElement root) override;
+    void DoUnloadData() override;
+
+private:
+    void WriteState(nvf::XmlElement root, const ZRFxStateInfo& info);
+    void WriteExportInfo(nvf::XmlElement state, const ZRFxExportInfo& info);
+    bool ReadState(const nvf::XmlElement& state);
+    bool ReadExportInfo(const nvf::XmlElement& state, ZRFxExportInfo* info);
+
+    ZRPtrArray<ZRFxStateInfo> m_apStateInfo;
+};
+
+}  // namespace unstruct

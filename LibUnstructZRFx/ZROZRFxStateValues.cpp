@@ -1,0 +1,43 @@
+#include "ZROZRFxStateValues.h"
+
+#include <memory>
+#include <utility>
+
+#include "ZROZRFxXml.h"
+
+namespace unstruct {
+
+void WriteStateValues(nvf::XmlElement root, const ZRPtrArray<ZRFxStateValues>& states) {
+    for (const auto& pState : states) {
+        NVF_ASSERT(pState);
+        nvf::XmlElement state = root.addChildElement("State");
+        state.setAttributeInt("ID", pState->m_iStateID);
+        nvf::XmlElement values = state.addChildElement("ResultValues");
+        WriteIntList(values, pState->m_aiValuesBlockIDs);
+    }
+}
+
+bool ReadStateValues(const nvf::XmlElement& root, ZRPtrArray<ZRFxStateValues>* states) {
+    states->RemoveAll();
+    for (nvf::XmlElement state = root.firstChildElement("State"); state.notNull();
+         state = state.nextSiblingElement("State")) {
+        auto pState = std::make_unique<ZRFxStateValues>();
+        pState->m_iStateID = state.getAttributeInt("ID", -1);
+        if (!ReadIntList(state.firstChildElement("ResultValues"), &pState->m_aiValuesBlockIDs)) {
+            return false;
+        }
+        states->Add(std::move(pState));
+    }
+    return true;
+}
+
+ZRFxStateValues* StateValuesOf(int stateID, ZRPtrArray<ZRFxStateValues>* states) {
+    for (const auto& pState : *states) {
+        if (pState->m_iStateID == stateID) return pState.get();
+    }
+    auto pState = std::make_unique<ZRFxStateValues>();
+    pState->m_iStateID = stateID;
+    return states->Add(std::move(pState));
+}
+
+}  // namespace unstruct

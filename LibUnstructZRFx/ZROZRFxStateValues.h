@@ -1,0 +1,24 @@
+#pragma once
+
+#include "ZRArray.h"
+#include "ZRPtrArray.h"
+#include "nvf/XmlElement.h"
+
+namespace unstruct {
+
+/// Which values blocks hold a result in one state.
+struct ZRFxStateValues {
+    int m_iStateID = -1;
+    ZRIntArray m_aiValuesBlockIDs;
+};
+
+/// Writes a child "State" for each record, with its blocks as an integer list in "ResultValues".
+void WriteStateValues(nvf::XmlElement root, const ZRPtrArray<ZRFxStateValues>& states);
+
+/// Reads them back. False when a list holds anything but integers.
+bool ReadStateValues(const nvf::XmlElement& root, ZRPtrArray<ZRFxStateValues>* states);
+
+/// The record of a state, added when there is none.
+ZRFxStateValues* StateValuesOf(int stateID, ZRPtrArray<ZRFxStateValues>* states);
+
+}  // namespace unstruct
