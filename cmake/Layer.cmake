@@ -2,6 +2,7 @@
 function(nuo_set_compile_options target)
     target_compile_features(${target} PRIVATE cxx_std_20)
     target_compile_options(${target} PRIVATE
+        -fmacro-prefix-map=${PROJECT_SOURCE_DIR}/=
         -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual
         $<$<BOOL:${NUO_WARNINGS_AS_ERRORS}>:-Werror>)
     if(NUO_SANITIZE)

@@ -6,9 +6,8 @@ namespace nuo {
 namespace {
 
 bool isInside(int row, int col) {
-    const bool inside = row >= 0 && row < 4 && col >= 0 && col < 4;
-    NVF_ASSERT_MESSAGE(inside, "Matrix index out of range");
-    return inside;
+    NVF_ASSERT(row >= 0 && row < 4 && col >= 0 && col < 4);
+    return row >= 0 && row < 4 && col >= 0 && col < 4;
 }
 
 }  // namespace

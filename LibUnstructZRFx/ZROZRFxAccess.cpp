@@ -1,0 +1,567 @@
+#include "ZROZRFxAccess.h"
+
+#include <algorithm>
+#include <cstring>
+#include <set>
+#include <string>
+
+#include "ZRByteOrder.h"
+#include "ZROZRFxImageJpeg.h"
+#include "ZROZRFxSystem.h"
+#include "ZROZRFxXml.h"
+#include "nvf/Assert.h"
+#include "nvf/LogManager.h"
+#include "nvf/PropertyXmlSerializer.h"
+
+namespace unstruct {
+namespace {
+
+constexpr const char* kExtension = ".zrfx";
+constexpr std::size_t kRawImageHeader = 8;
+
+ZRString inFolder(const ZRString& folder, const ZRString& name) {
+    return folder + std::string(1, kFolderSeparator) + name;
+}
+
+// The same name as archives have it that were packed where folders are separated by slashes.
+std::string withSlashes(std::string name) {
+    std::replace(name.begin(), name.end(), kFolderSeparator, '/');
+    return name;
+}
+
+// What of a name lies below a folder; empty when the name does not lie there.
+std::string_view belowFolder(std::string_view name, const ZRString& folder) {
+    const std::size_t length = folder.Bytes().size();
+    if (length == 0) return name;
+    if (name.size() <= length || (name[length] != kFolderSeparator && name[length] != '/') ||
+        withSlashes(std::string(name.substr(0, length))) != withSlashes(folder.Bytes())) {
+        return {};
+    }
+    return name.substr(length + 1);
+}
+
+bool isRawImage(const ZRString& name) {
+    return name.Extension() == ".raw";
+}
+
+bool exists(const ZRString& path) {
+    struct stat status {};
+    return ZRFxSystem::Current().StatusOf(path.CStr(), &status) == 0;
+}
+
+bool encodeRaw(const nuo::Image& image, ZRUbyteArray* bytes) {
+    const std::size_t numPixelBytes = std::size_t{3} * image.width() * image.height();
+    if (!bytes->SetSize(static_cast<std::int64_t>(kRawImageHeader + numPixelBytes))) return false;
+    unsigned char* data = bytes->WritableData();
+    StoreUint32(image.width(), data);
+    StoreUint32(image.height(), data + 4);
+    return numPixelBytes == 0 || image.getAsRgb(data + kRawImageHeader, numPixelBytes);
+}
+
+bool decodeRaw(const ZRFxZipRawData& raw, nuo::Image* image) {
+    NVF_ASSERT(raw.Length() >= 2);
+    if (raw.Length() < kRawImageHeader) return false;
+    const std::uint32_t width = LoadUint32(raw.Buffer());
+    const std::uint32_t height = LoadUint32(raw.Buffer() + 4);
+    const std::uint64_t numPixels = std::uint64_t{width} * height;
+    if (numPixels > (raw.Length() - kRawImageHeader) / 3) return false;
+    return image->setFromRgb(raw.Buffer() + kRawImageHeader, width, height);
+}
+
+}  // namespace
+
+ZRFxAccess::ZRFxAccess()
+    : m_pArchive(std::make_unique<ZRFxZipArchive>()), m_logger(nvf::archiveLogger()) {
+    SetCompression(kDefaultLevel, kDefaultSmartness, kDefaultBufferSize, kDefaultBufferSize);
+}
+
+ZRFxAccess::~ZRFxAccess() = default;
+
+bool ZRFxAccess::Open(const ZRString& name, ZRZipAccessMode mode) {
+    NVF_ASSERT(m_pArchive);
+    if (IsOpen()) return m_logger->fail("The archive is open, close it before opening.");
+    if (name.IsBlank()) return m_logger->fail("No filename specified.");
+    if (mode != ZRZipAccessMode::CREATE && !exists(name)) {
+        return m_logger->fail("File not found. '%1'", name);
+    }
+    m_sFileName = name;
+    m_pMemFile = nullptr;
+    return TakeOpened(m_pArchive->Open(name.Bytes(), static_cast<ZRFxOpenMode>(mode)), mode);
+}
+
+bool ZRFxAccess::Open(ZRFxZipMemFile* memFile, ZRZipAccessMode mode) {
+    NVF_ASSERT(m_pArchive);
+    NVF_ASSERT(memFile);
+    if (!memFile) return false;
+    if (IsOpen()) return m_logger->fail("The archive is open, close it before opening.");
+    m_sFileName = ZRString();
+    m_pMemFile = memFile;
+    return TakeOpened(m_pArchive->Open(memFile, static_cast<ZRFxOpenMode>(mode)), mode);
+}
+
+bool ZRFxAccess::Commit() {
+    if (!IsOpen()) return m_logger->fail("Archive is not open.");
+    if (m_readOnly) return m_logger->fail("The file is read only.");
+    return m_pArchive->Commit() || FailWithCause("Could not write archive '%1'", m_sFileName);
+}
+
+bool ZRFxAccess::Close() {
+    return m_pArchive->Close() || FailWithCause("Could not write archive '%1'", m_sFileName);
+}
+
+bool ZRFxAccess::IsOpen() const {
+    return m_pArchive->IsOpen();
+}
+
+bool ZRFxAccess::IsZRFxFile(const ZRString& name) {
+    return name.Extension() == kExtension &&
+           ZRFxZipArchive::Probe(name.Bytes(), ZRFxMainDocument::kEntryName);
+}
+
+void ZRFxAccess::SetCompression(int level, int smartness, std::uint32_t bufferSize,
+                                std::uint32_t fileBufferSize) {
+    m_compressionLevel = level;
+    m_compressionSmartness = smartness;
+    m_compressionBufferSize = bufferSize;
+    m_fileBufferSize = fileBufferSize;
+}
+
+bool ZRFxAccess::SetPassword(const ZRString& password) {
+    if (!IsOpen()) return m_logger->fail("Cannot set password, file is closed");
+    return m_pArchive->SetPassword(password.Bytes()) ||
+           FailWithCause("Failed to set password on file", m_sFileName);
+}
+
+nvf::ref<nvf::XmlDocument> ZRFxAccess::CreateMainDocument(const ZRString& exportApplication,
+                                                          const ZRString& vendorName, int vendorId,
+                                                          const ZRFxDateTime* dateTime) {
+    return ZRFxMainDocument::Create(exportApplication, vendorName, vendorId, dateTime);
+}
+
+bool ZRFxAccess::ReadAndValidateMainDocumentFile(nvf::XmlDocument* doc) {
+    NVF_ASSERT(doc);
+    if (!doc) return false;
+    if (!InternalReadXmlFile(ZRFxMainDocument::kEntryName, LogMode::LOG, doc)) {
+        return m_logger->fail("Error reading main document (ZRF.xml) file.");
+    }
+    return ZRFxMainDocument(doc).Validate();
+}
+
+bool ZRFxAccess::SetVendorInfo(const ZRString& exportApplication, const ZRString& vendorName,
+                               int vendorId) {
+    const nvf::ref<nvf::XmlDocument> doc = new nvf::XmlDocument;
+    if (!InternalReadXmlFile(ZRFxMainDocument::kEntryName, LogMode::LOG, doc.p())) {
+        return m_logger->fail("Main document file (ZRF.xml) is either missing or invalid");
+    }
+    if (!ZRFxMainDocument(doc).SetVendorInfo(exportApplication, vendorName, vendorId)) return false;
+    return WriteXmlFile(ZRFxMainDocument::kEntryName, *doc, true) ||
+           m_logger->fail("Could not overwrite main document with new database info");
+}
+
+bool ZRFxAccess::GetVendorInfo(int* vendorId, ZRString* vendorName, ZRString* exportApplication) {
+    const nvf::ref<nvf::XmlDocument> doc = new nvf::XmlDocument;
+    if (vendorId) *vendorId = -1;
+    if (vendorName) *vendorName = ZRString();
+    if (exportApplication) *exportApplication = ZRString();
+    if (!ReadAndValidateMainDocumentFile(doc.p())) return false;
+    ZRFxMainDocument(doc).GetVendorInfo(vendorId, vendorName, exportApplication);
+    return true;
+}
+
+bool ZRFxAccess::GetExportDateTime(ZRFxDateTime* dateTime) {
+    return FromMainDocument([&](const auto& main) { return main.GetExportDateTime(dateTime); });
+}
+
+bool ZRFxAccess::GetDisplayModelOnly(bool* displayModelOnly) {
+    return FromMainDocument(
+        [&](const auto& main) { return main.GetDisplayModelOnly(displayModelOnly); });
+}
+
+bool ZRFxAccess::AddDatabase(const nvf::XmlDocument& databaseDoc, bool overwrite) {
+    const nvf::ref<nvf::XmlDocument> doc = new nvf::XmlDocument;
+    if (!ReadAndValidateMainDocumentFile(doc.p())) return false;
+    const nvf::XmlElement root = databaseDoc.getRootElement("Database");
+    if (root.isNull()) return m_logger->fail("<Database> not found in database Xml document.");
+    if (!WriteXmlFile(inFolder(GetAttribute(root, "Folder"), "Database.xml"), databaseDoc,
+                      overwrite)) {
+        return m_logger->fail("Error writing Xml file.");
+    }
+    if (!ZRFxMainDocument(doc).RegisterDatabase(root, overwrite)) return false;
+    return WriteXmlFile(ZRFxMainDocument::kEntryName, *doc, true) ||
+           m_logger->fail("Could not overwrite main document with new database info");
+}
+
+bool ZRFxAccess::AddCase(const nvf::XmlDocument& caseDoc, bool overwrite) {
+    const nvf::ref<nvf::XmlDocument> doc = new nvf::XmlDocument;
+    if (!ReadAndValidateMainDocumentFile(doc.p())) return false;
+    const nvf::XmlElement root = caseDoc.getRootElement("Case");
+    if (root.isNull()) return m_logger->fail("<Case> not found in case Xml document.");
+    if (!WriteXmlFile(inFolder(GetAttribute(root, "Folder"), "Case.xml"), caseDoc, overwrite)) {
+        return m_logger->fail("Error writing Xml file.");
+    }
+    if (!ZRFxMainDocument(doc).RegisterCase(root, overwrite)) return false;
+    return WriteXmlFile(ZRFxMainDocument::kEntryName, *doc, true) ||
+           m_logger->fail("Could not overwrite main document with new case info");
+}
+
+bool ZRFxAccess::GetNumDatabases(int* count) {
+    return FromMainDocument([&](const auto& main) { return main.GetNumDatabases(count); });
+}
+
+bool ZRFxAccess::GetNumCases(int* count) {
+    return FromMainDocument([&](const auto& main) { return main.GetNumCases(count); });
+}
+
+bool ZRFxAccess::GetDatabaseInfo(int index, ZRFxDatabaseInfo* info) {
+    return FromMainDocument([&](const auto& main) { return main.GetDatabaseInfo(index, info); });
+}
+
+bool ZRFxAccess::GetDatabaseByID(int id, ZRFxDatabaseInfo* info) {
+    return FromMainDocument([&](const auto& main) { return main.GetDatabaseByID(id, info); });
+}
+
+bool ZRFxAccess::GetCaseInfo(int index, ZRFxCaseInfo* info) {
+    return FromMainDocument([&](const auto& main) { return main.GetCaseInfo(index, info); });
+}
+
+bool ZRFxAccess::GetCaseByID(int id, ZRFxCaseInfo* info) {
+    return FromMainDocument([&](const auto& main) { return main.GetCaseByID(id, info); });
+}
+
+bool ZRFxAccess::GetCaseSnapshot(int caseId, nuo::Image* image) {
+    ZRString fileName;
+    bool isGiven = false;
+    if (!GetCaseFile(caseId, "Snapshot", &fileName, &isGiven)) return false;
+    if (!isGiven) return m_logger->fail("Cannot find snapshot (case ID %1)", caseId);
+    return ReadImage(fileName, image) ||
+           m_logger->fail("Error reading snapshot (case ID %1)", caseId);
+}
+
+bool ZRFxAccess::GetCaseDescription(int caseId, ZRString* text) {
+    ZRString fileName;
+    bool isGiven = false;
+    if (!GetCaseFile(caseId, "Description", &fileName, &isGiven)) return false;
+    if (!isGiven) return m_logger->fail("Cannot find description (case ID %1)", caseId);
+    return ReadDataString(fileName, text) ||
+           m_logger->fail("Error reading description(case ID %1)", caseId);
+}
+
+bool ZRFxAccess::WriteXmlFile(const ZRString& name, const nvf::XmlDocument& doc, bool overwrite) {
+    if (!IsOpen()) return m_logger->fail("Cannot write Xml file '%1', archive is not open.", name);
+    if (m_readOnly) return m_logger->fail("The file is read only.");
+    if (name.IsBlank()) return m_logger->fail("No filename specified.");
+    const bool isThere = m_pArchive->Contains(name.Bytes());
+    if (isThere && !overwrite) {
+        return m_logger->fail("Xml file '%1' exists in archive, and overwrite flag is not set",
+                              name);
+    }
+    const std::string text = doc.toUtf8();
+    if (isThere && !m_pArchive->Remove(name.Bytes())) {
+        return FailWithCause("Could not write Xml file '%1' to archive", name);
+    }
+    return m_pArchive->Add(name.Bytes(), text.data(), text.size(), m_compressionLevel) ||
+           FailWithCause("Could not write Xml file '%1' to archive", name);
+}
+
+bool ZRFxAccess::InternalReadXmlFile(const ZRString& name, LogMode logMode, nvf::XmlDocument* doc) {
+    NVF_ASSERT(doc);
+    ZRFxZipRawData raw;
+    if (!doc || !InternalReadDataRaw(name, logMode, &raw)) return false;
+    nvf::String cause;
+    if (doc->parse({reinterpret_cast<const char*>(raw.Buffer()), raw.Length()}, &cause))
+        return true;
+    m_logger->fail("'%1' in '%2': %3", name, m_sFileName, cause);
+    return m_logger->fail("Error parsing Xml contents");
+}
+
+bool ZRFxAccess::WriteProperties(const ZRString& fileName,
+                                 const nvf::PropertySetCollection& collection) {
+    if (fileName.IsBlank()) return m_logger->fail("No file name.");
+    nvf::XmlDocument doc;
+    nvf::XmlElement root = doc.createRootElement("ZRFxProperties", kNamespaceUri);
+    nvf::PropertyXmlSerializer::toXml(collection, &root);
+    return WriteXmlFile(fileName, doc, true) ||
+           m_logger->fail("Unable to write properties Xml to archive");
+}
+
+bool ZRFxAccess::ReadProperties(const ZRString& fileName, nvf::PropertySetCollection* collection) {
+    nvf::XmlDocument doc;
+    if (!InternalReadXmlFile(fileName, LogMode::LOG, &doc)) {
+        return m_logger->fail("Unable to read properties Xml from archive");
+    }
+    const nvf::XmlElement root = doc.getRootElement("ZRFxProperties");
+    if (root.isNull()) return m_logger->fail("No valid root element found in Xml");
+    const nvf::XmlElement sets = root.firstChildElement("PropertySetCollection");
+    if (sets.isNull()) return m_logger->fail("No PropertySetCollection element found in Xml");
+    nvf::PropertyXmlSerializer::toPropertySetCollection(sets, collection);
+    return true;
+}
+
+bool ZRFxAccess::WriteDataRaw(const ZRString& name, const void* data, std::size_t numBytes,
+                              bool overwrite) {
+    if (!CheckWritable(name)) return false;
+    if (!data || numBytes == 0) {
+        return m_pArchive->Add(name.Bytes(), nullptr, 0) ||
+               FailWithCause("Could not add empty file '%1' to archive", name);
+    }
+    if ((overwrite || m_alwaysOverwrite) && !RemoveFile(name)) {
+        return FailWithCause("Could not add file '%1' to archive", name);
+    }
+    return m_pArchive->Add(name.Bytes(), data, numBytes, m_compressionLevel) ||
+           FailWithCause("Could not add file '%1' to archive", name);
+}
+
+bool ZRFxAccess::WriteDataInt(const ZRString& name, const ZRIntArray& data) {
+    return WriteItems(name, data) || m_logger->fail("Could not write integer data.");
+}
+
+bool ZRFxAccess::WriteDataFloat(const ZRString& name, const ZRFloatArray& data) {
+    return WriteItems(name, data) || m_logger->fail("Could not write float data.");
+}
+
+bool ZRFxAccess::WriteDataVectorAsFloat(const ZRString& name, const ZRVec3fArray& data) {
+    return WriteItems(name, data) || m_logger->fail("Could not write float vector integer data.");
+}
+
+bool ZRFxAccess::WriteDataString(const ZRString& name, const ZRString& text) {
+    if (text.IsEmpty()) {
+        return WriteDataRaw(name, "", 1, false) ||
+               m_logger->fail("Could not write empty replacement string.");
+    }
+    return WriteDataRaw(name, text.CStr(), text.Bytes().size(), false) ||
+           m_logger->fail("Could not write string.");
+}
+
+bool ZRFxAccess::WriteData(const ZRString& name, const ZRUbyteArray& data) {
+    return WriteDataRaw(name, data.Data(), static_cast<std::size_t>(data.GetSize()), false) ||
+           m_logger->fail("Could not write unsigned byte data.");
+}
+
+bool ZRFxAccess::ReadDataInt(const ZRString& name, ZRIntArray* data) {
+    return ReadItems(name, data);
+}
+
+bool ZRFxAccess::ReadDataFloat(const ZRString& name, ZRFloatArray* data) {
+    return ReadItems(name, data);
+}
+
+bool ZRFxAccess::ReadDataVector(const ZRString& name, ZRVec3fArray* data) {
+    return ReadItems(name, data);
+}
+
+bool ZRFxAccess::ReadDataString(const ZRString& name, ZRString* text) {
+    NVF_ASSERT(text);
+    ZRUbyteArray bytes;
+    if (!text || !ReadData(name, &bytes)) return false;
+    const std::string found(bytes.begin(), bytes.end());
+    *text = found.c_str();  // an empty string is one zero byte
+    return true;
+}
+
+bool ZRFxAccess::ReadData(const ZRString& name, ZRUbyteArray* data) {
+    return ReadItems(name, data);
+}
+
+bool ZRFxAccess::InternalReadDataRaw(const ZRString& name, LogMode logMode, ZRFxZipRawData* raw) {
+    NVF_ASSERT(raw);
+    if (!raw) return false;
+    if (InternalFindFile(name, logMode) < 0) {
+        if (logMode == LogMode::SILENT) return false;
+        return m_logger->fail("Unable to read raw data from '%1', file not found.", name);
+    }
+    return m_pArchive->Read(EntryOf(name), raw) ||
+           FailWithCause("Unable to read raw data from '%1'.", name);
+}
+
+bool ZRFxAccess::OpenNewFile(const ZRString& name) {
+    if (!CheckWritable(name)) return false;
+    if (m_alwaysOverwrite) RemoveFile(name);
+    return m_pArchive->OpenEntry(name.Bytes(), m_compressionLevel) ||
+           FailWithCause("Error opening new file", name);
+}
+
+bool ZRFxAccess::WriteNewFile(std::string_view text) {
+    return m_pArchive->WriteEntry(text.data(), text.size()) ||
+           FailWithCause("Error writing new file", m_sFileName);
+}
+
+bool ZRFxAccess::CloseNewFile() {
+    return m_pArchive->CloseEntry() || FailWithCause("Error closing new file.", m_sFileName);
+}
+
+bool ZRFxAccess::WriteImage(const ZRString& name, const nuo::Image& image) {
+    ZRUbyteArray bytes;
+    if (isRawImage(name)) {
+        if (!encodeRaw(image, &bytes))
+            return m_logger->fail("Error writing snapshot image to ZRFx");
+    } else if (!ZRFxImageJpeg::Encode(image, &bytes)) {
+        return m_logger->fail("Error encoding JPEG image");
+    }
+    return WriteDataRaw(name, bytes.Data(), static_cast<std::size_t>(bytes.GetSize()), true) ||
+           m_logger->fail("Error writing snapshot image to ZRFx");
+}
+
+bool ZRFxAccess::ReadImage(const ZRString& name, nuo::Image* image) {
+    NVF_ASSERT(image);
+    if (!image) return false;
+    ZRFxZipRawData raw;
+    if (!InternalReadDataRaw(name, LogMode::LOG, &raw) || raw.Length() == 0) {
+        return m_logger->fail("Error reading JPEG image from archive");
+    }
+    const bool isDecoded = isRawImage(name)
+                               ? decodeRaw(raw, image)
+                               : ZRFxImageJpeg::Decode(raw.Buffer(), raw.Length(), image);
+    return isDecoded || m_logger->fail("Error decoding JPEG image '%1'", name);
+}
+
+std::int32_t ZRFxAccess::InternalFindFile(const ZRString& name, LogMode logMode) {
+    if (!IsOpen()) {
+        if (logMode == LogMode::LOG) m_logger->fail("Archive is not open.");
+        return -1;
+    }
+    if (name.IsBlank()) {
+        if (logMode == LogMode::LOG) m_logger->fail("No filename specified.");
+        return -1;
+    }
+    return static_cast<std::int32_t>(m_pArchive->IndexOf(EntryOf(name)));
+}
+
+bool ZRFxAccess::RemoveFile(const ZRString& name) {
+    if (!CheckWritable(name)) return false;
+    return !m_pArchive->Contains(name.Bytes()) || m_pArchive->Remove(name.Bytes()) ||
+           FailWithCause("Could not remove file '%1' from archive", name);
+}
+
+bool ZRFxAccess::FindFiles(const ZRString& folder, bool descend, ZRStringArray* names) {
+    return ForEachName(names, [&](const std::string& name) {
+        const std::string_view below = belowFolder(name, folder);
+        if (below.empty() || below.ends_with(kFolderSeparator) || below.ends_with('/')) return;
+        if (!descend && below.find_first_of("\\/") != std::string_view::npos) return;
+        names->push_back(name);
+    });
+}
+
+bool ZRFxAccess::FindFilesOfBase(const ZRString& base, ZRStringArray* names) {
+    return ForEachName(names, [&](const std::string& name) {
+        const std::size_t length = base.Bytes().size();
+        if (name.size() <= length || !name.starts_with(base.Bytes())) return;
+        if (name[length] == '.' || name[length] == '-') names->push_back(name);
+    });
+}
+
+bool ZRFxAccess::FindSubFolders(const ZRString& folder, bool descend, ZRStringArray* names) {
+    std::set<std::string> found;
+    return ForEachName(names, [&](const std::string& name) {
+        const std::size_t below = name.size() - belowFolder(name, folder).size();
+        for (std::size_t at = name.find_first_of("\\/", below); at != std::string::npos;
+             at = name.find_first_of("\\/", at + 1)) {
+            const std::string subFolder = name.substr(0, at);
+            if (found.insert(subFolder).second) names->push_back(subFolder);
+            if (!descend) return;
+        }
+    });
+}
+
+bool ZRFxAccess::GetArchiveInfo(bool* compressed, bool* binary, bool* encrypted) {
+    NVF_ASSERT(compressed && binary && encrypted);
+    if (!compressed || !binary || !encrypted) return false;
+    if (!IsOpen()) return m_logger->fail("Archive is not open.");
+    *compressed = *binary = *encrypted = false;
+    for (std::size_t i = 0; i < m_pArchive->EntryCount(); ++i) {
+        const ZRFxZipArchive::EntryInfo info = m_pArchive->EntryAt(i);
+        *compressed = *compressed || info.nPackedSize < info.nSize;
+        *binary = *binary || ZRString(info.sName).Extension().ToUpper() == ".DAT";
+        *encrypted = *encrypted || info.bEncrypted;
+        if (*compressed && *binary && *encrypted) break;
+    }
+    return true;
+}
+
+bool ZRFxAccess::TakeOpened(bool isOpened, ZRZipAccessMode mode) {
+    if (!isOpened || !IsOpen()) {
+        return FailWithCause("File still closed after opening it.", m_sFileName);
+    }
+    m_readOnly = mode == ZRZipAccessMode::READ_ONLY;
+    return true;
+}
+
+bool ZRFxAccess::CheckWritable(const ZRString& name) {
+    if (!IsOpen()) return m_logger->fail("Archive is not open.");
+    if (m_readOnly) return m_logger->fail("The file is read only.");
+    if (name.IsBlank()) return m_logger->fail("No filename specified.");
+    return true;
+}
+
+template <typename Query>
+bool ZRFxAccess::FromMainDocument(Query query) {
+    const nvf::ref<nvf::XmlDocument> doc = new nvf::XmlDocument;
+    return ReadAndValidateMainDocumentFile(doc.p()) && query(ZRFxMainDocument(doc));
+}
+
+// The entry that an element of a case's document names, in the case's folder or as it stands.
+bool ZRFxAccess::GetCaseFile(int caseId, const char* element, ZRString* fileName, bool* isGiven) {
+    ZRFxCaseInfo info;
+    if (!GetCaseByID(caseId, &info)) {
+        return m_logger->fail("The specified case does not exist (case ID %1)", caseId);
+    }
+    nvf::XmlDocument doc;
+    if (!InternalReadXmlFile(info.path, LogMode::LOG, &doc)) {
+        return m_logger->fail("Cannot read Case.xml (case ID %1)", caseId);
+    }
+    const nvf::XmlElement root = doc.getRootElement("Case");
+    if (root.isNull()) return m_logger->fail("Invalid Case.xml file (case ID %1)", caseId);
+    const nvf::XmlElement file = root.firstChildElement(element);
+    *isGiven = file.notNull();
+    *fileName = inFolder(info.folder, GetText(file));
+    if (InternalFindFile(*fileName, LogMode::SILENT) < 0) *fileName = GetText(file);
+    return true;
+}
+
+template <typename Item>
+bool ZRFxAccess::WriteItems(const ZRString& name, const ZRArray<Item>& data) {
+    const std::size_t numBytes = static_cast<std::size_t>(data.GetSize()) * sizeof(Item);
+    if constexpr (kHostIsLittleEndian) return WriteDataRaw(name, data.Data(), numBytes, false);
+    ZRArray<Item> swapped;
+    if (!swapped.Assign(data.Data(), data.GetSize())) return false;
+    SwapBytesOf4(swapped.WritableData(), numBytes);
+    return WriteDataRaw(name, swapped.Data(), numBytes, false);
+}
+
+template <typename Item>
+bool ZRFxAccess::ReadItems(const ZRString& name, ZRArray<Item>* data) {
+    NVF_ASSERT(data);
+    if (!data) return false;
+    data->RemoveAll();
+    ZRFxZipRawData raw;
+    if (!InternalReadDataRaw(name, LogMode::LOG, &raw)) return false;
+    if (!kHostIsLittleEndian && sizeof(Item) >= 4) SwapBytesOf4(raw.Buffer(), raw.Length());
+    const auto numItems = static_cast<std::int64_t>(raw.Length() / sizeof(Item));
+    data->Adopt(raw.Release(), numItems);
+    return true;
+}
+
+template <typename TakeName>
+bool ZRFxAccess::ForEachName(ZRStringArray* names, TakeName takeName) {
+    NVF_ASSERT(names);
+    if (!names) return false;
+    if (!IsOpen()) return m_logger->fail("Archive is not open.");
+    names->clear();
+    for (std::size_t i = 0; i < m_pArchive->EntryCount(); ++i) {
+        takeName(m_pArchive->EntryAt(i).sName);
+    }
+    return true;
+}
+
+std::string ZRFxAccess::EntryOf(const ZRString& name) const {
+    if (m_pArchive->Contains(name.Bytes())) return name.Bytes();
+    const std::string slashed = withSlashes(name.Bytes());
+    return m_pArchive->Contains(slashed) ? slashed : name.Bytes();
+}
+
+// The archive tells why in its own words, before the message of the operation.
+bool ZRFxAccess::FailWithCause(nvf::LocatedText message, const ZRString& name) {
+    m_logger->fail({"%1", message.where}, m_pArchive->LastError());
+    return m_logger->fail(message, name);
+}
+
+}  // namespace unstruct

@@ -1,0 +1,192 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+
+#include "NuoCore/Image.h"
+#include "ZRArray.h"
+#include "ZROZRFxMainDocument.h"
+#include "ZROZRFxZipArchive.h"
+#include "ZROZRFxZipMemFile.h"
+#include "ZROZRFxZipRawData.h"
+#include "ZRString.h"
+#include "nvf/Logger.h"
+#include "nvf/PropertySetCollection.h"
+#include "nvf/XmlDocument.h"
+
+namespace unstruct {
+
+enum class ZRZipAccessMode : int { UPDATE = 0, READ_ONLY = 1, CREATE = 2 };
+
+/// Whether a missing entry is an error or an answer.
+enum class LogMode { LOG, SILENT };
+
+/// The one class that touches the container: opens it, keeps its main document, and writes and
+/// reads its entries by name. Entry names are UTF-8 with a backslash between folders; an entry of a
+/// container packed by another program is also found under slashes. Every operation that fails logs
+/// why, with file and entry, and gives false (or -1); nothing is thrown. What is written is
+/// readable at once, and on disk after the next commit. Destroyed without Close, it finishes the
+/// container as it is. Used by one thread at a time.
+class ZRFxAccess {
+public:
+    static constexpr int kDefaultLevel = -1;
+    static constexpr int kDefaultSmartness = 7;
+    static constexpr std::uint32_t kDefaultBufferSize = 65536;
+
+    ZRFxAccess();
+    ~ZRFxAccess();
+    ZRFxAccess(const ZRFxAccess&) = delete;
+    ZRFxAccess& operator=(const ZRFxAccess&) = delete;
+
+    /// Opens or creates an archive file. Another archive must not be open.
+    bool Open(const ZRString& name, ZRZipAccessMode mode);
+
+    /// The same on an archive in memory, which must outlive the opening.
+    bool Open(ZRFxZipMemFile* memFile, ZRZipAccessMode mode);
+
+    /// Brings all that was written so far into the file at once, durable and visible to new
+    /// readers.
+    bool Commit();
+
+    /// Commits and closes. When the commit fails the archive stays open with all that it was given,
+    /// so that closing can be tried again; its file holds the last commit.
+    bool Close();
+
+    bool IsOpen() const;
+    bool IsReadOnly() const { return m_readOnly; }
+
+    /// Whether a path holds a ZRFx file: by extension, as an archive, and by its main document.
+    /// Never alters anything and logs nothing.
+    static bool IsZRFxFile(const ZRString& name);
+
+    /// Used by every later write: the level is 0 (stored) to 9, or -1 for the default. The
+    /// smartness flags ask for what is always done, an entry that does not shrink is stored; the
+    /// buffer sizes are kept for callers that set them, entries are compressed whole.
+    void SetCompression(int level, int smartness, std::uint32_t bufferSize,
+                        std::uint32_t fileBufferSize);
+
+    /// With it, writing a data file replaces the one of that name.
+    void SetAlwaysOverwrite(bool alwaysOverwrite) { m_alwaysOverwrite = alwaysOverwrite; }
+
+    /// Encrypts what is written from now on, and decrypts what is read, with WinZip AES-256.
+    bool SetPassword(const ZRString& password);
+
+    // Main document.
+
+    static nvf::ref<nvf::XmlDocument> CreateMainDocument(const ZRString& exportApplication,
+                                                         const ZRString& vendorName, int vendorId,
+                                                         const ZRFxDateTime* dateTime = nullptr);
+    bool ReadAndValidateMainDocumentFile(nvf::XmlDocument* doc);
+    bool SetVendorInfo(const ZRString& exportApplication, const ZRString& vendorName, int vendorId);
+    bool GetVendorInfo(int* vendorId, ZRString* vendorName, ZRString* exportApplication);
+    bool GetExportDateTime(ZRFxDateTime* dateTime);
+    bool GetDisplayModelOnly(bool* displayModelOnly);
+
+    // Registries of databases and cases.
+
+    /// Stores the document in the folder that its root names and enters it in the main document.
+    /// With `overwrite`, document and registry line of the same id are replaced.
+    bool AddDatabase(const nvf::XmlDocument& databaseDoc, bool overwrite);
+    bool AddCase(const nvf::XmlDocument& caseDoc, bool overwrite);
+
+    bool GetNumDatabases(int* count);
+    bool GetNumCases(int* count);
+
+    /// By position, or by id. False, without a message, when there is none.
+    bool GetDatabaseInfo(int index, ZRFxDatabaseInfo* info);
+    bool GetDatabaseByID(int id, ZRFxDatabaseInfo* info);
+    bool GetCaseInfo(int index, ZRFxCaseInfo* info);
+    bool GetCaseByID(int id, ZRFxCaseInfo* info);
+
+    /// Snapshot and description of a case, from the files that its "Case.xml" names.
+    bool GetCaseSnapshot(int caseId, nuo::Image* image);
+    bool GetCaseDescription(int caseId, ZRString* text);
+
+    // Documents.
+
+    bool WriteXmlFile(const ZRString& name, const nvf::XmlDocument& doc, bool overwrite);
+    bool InternalReadXmlFile(const ZRString& name, LogMode logMode, nvf::XmlDocument* doc);
+    bool WriteProperties(const ZRString& fileName, const nvf::PropertySetCollection& collection);
+    bool ReadProperties(const ZRString& fileName, nvf::PropertySetCollection* collection);
+
+    // Data files: packed little-endian values and nothing else. Typed writes do not replace an
+    // existing file, unless always-overwrite is set; typed reads leave the array empty on failure
+    // and take as many whole items as the entry holds.
+
+    bool WriteDataRaw(const ZRString& name, const void* data, std::size_t numBytes, bool overwrite);
+    bool WriteDataInt(const ZRString& name, const ZRIntArray& data);
+    bool WriteDataFloat(const ZRString& name, const ZRFloatArray& data);
+    bool WriteDataVectorAsFloat(const ZRString& name, const ZRVec3fArray& data);
+    bool WriteDataString(const ZRString& name, const ZRString& text);
+    bool WriteData(const ZRString& name, const ZRUbyteArray& data);
+
+    bool ReadDataInt(const ZRString& name, ZRIntArray* data);
+    bool ReadDataFloat(const ZRString& name, ZRFloatArray* data);
+    bool ReadDataVector(const ZRString& name, ZRVec3fArray* data);
+    bool ReadDataString(const ZRString& name, ZRString* text);
+    bool ReadData(const ZRString& name, ZRUbyteArray* data);
+    bool InternalReadDataRaw(const ZRString& name, LogMode logMode, ZRFxZipRawData* raw);
+
+    /// One text entry, written piece by piece between opening and closing it.
+    bool OpenNewFile(const ZRString& name);
+    bool WriteNewFile(std::string_view text);
+    bool CloseNewFile();
+
+    // Images: raw for names that end in ".raw", JPEG for all others. The extension is compared as
+    // it stands.
+
+    /// Stores an image in place of the one of that name.
+    bool WriteImage(const ZRString& name, const nuo::Image& image);
+    bool ReadImage(const ZRString& name, nuo::Image* image);
+
+    // Entries.
+
+    /// Index of an entry, -1 when absent.
+    std::int32_t InternalFindFile(const ZRString& name, LogMode logMode);
+
+    /// Removes an entry; one that is not there is no failure.
+    bool RemoveFile(const ZRString& name);
+
+    /// Whole names of the entries in a folder, in archive order; with `descend`, also those of the
+    /// folders below it.
+    bool FindFiles(const ZRString& folder, bool descend, ZRStringArray* names);
+
+    /// Whole names of the entries that begin with a base name, which an extension or a dash
+    /// follows.
+    bool FindFilesOfBase(const ZRString& base, ZRStringArray* names);
+
+    /// Whole names of the folders in a folder; with `descend`, also those below them.
+    bool FindSubFolders(const ZRString& folder, bool descend, ZRStringArray* names);
+
+    /// Whether some entry is compressed, some entry holds binary data, and some entry is encrypted.
+    bool GetArchiveInfo(bool* compressed, bool* binary, bool* encrypted);
+
+private:
+    bool TakeOpened(bool isOpened, ZRZipAccessMode mode);
+    bool CheckWritable(const ZRString& name);
+    template <typename Query>
+    bool FromMainDocument(Query query);
+    bool GetCaseFile(int caseId, const char* element, ZRString* fileName, bool* isGiven);
+    template <typename Item>
+    bool WriteItems(const ZRString& name, const ZRArray<Item>& data);
+    template <typename Item>
+    bool ReadItems(const ZRString& name, ZRArray<Item>* data);
+    template <typename TakeName>
+    bool ForEachName(ZRStringArray* names, TakeName takeName);
+    std::string EntryOf(const ZRString& name) const;
+    bool FailWithCause(nvf::LocatedText message, const ZRString& name);
+
+    ZRString m_sFileName;
+    ZRFxZipMemFile* m_pMemFile = nullptr;
+    const std::unique_ptr<ZRFxZipArchive> m_pArchive;
+    bool m_readOnly = false;
+    bool m_alwaysOverwrite = false;
+    int m_compressionLevel = kDefaultLevel;
+    int m_compressionSmartness = kDefaultSmartness;
+    std::uint32_t m_compressionBufferSize = kDefaultBufferSize;
+    std::uint32_t m_fileBufferSize = kDefaultBufferSize;
+    nvf::ref<nvf::Logger> m_logger;
+};
+
+}  // namespace unstruct

@@ -1,0 +1,87 @@
+#pragma once
+
+#include "ZROZRFxBlockType.h"
+#include "ZRString.h"
+#include "nvf/Logger.h"
+#include "nvf/Object.h"
+#include "nvf/XmlDocument.h"
+
+namespace unstruct {
+
+class ZRFxDatabase;
+
+/// Base of all blocks: a numbered unit of model or result data, stored as one XML document, whose
+/// root is named by the type and carries the id, and as data files beside it. Reading and writing
+/// follow one sequence here; a derived block adds what lies below the root. Shared by reference.
+/// Used by one thread at a time, together with its database. Operations that fail log why and give
+/// false.
+class ZRFxBlock : public nvf::Object {
+public:
+    /// The block of a type, empty; null after an assertion when no class stores the type. The
+    /// database must outlive the block.
+    static nvf::ref<ZRFxBlock> Create(int type, ZRFxDatabase* pDatabase, int id);
+
+    /// Whether a class stores the blocks of a type.
+    static bool IsStored(int type);
+
+    /// Reads document and data files, unless that was done already.
+    virtual bool ReadBlock();
+
+    /// Writes document and data files, none of which may be in the archive.
+    virtual bool WriteBlock();
+
+    /// Writes into a database, in place of the block of this type and id that it may hold. The
+    /// block stays attached to its own database.
+    bool WriteBlock(ZRFxDatabase* pDatabase);
+
+    /// Drops what was loaded, so that the next ReadBlock reads again.
+    virtual void UnloadData();
+
+    /// Reads the descriptive part only; the blocks that have one override it.
+    virtual bool ReadMetaData();
+
+    int GetID() const { return m_iID; }
+    int GetType() const { return m_iType; }
+    ZRFxDatabase* GetDatabase() const { return m_pDatabase; }
+    bool IsRead() const { return m_bRead; }
+
+    /// The entry name of the block's document, as the table of contents has it.
+    const ZRString& GetFileName() const { return m_sFileName; }
+    void SetFileName(const ZRString& fileName) { m_sFileName = fileName; }
+
+    /// The base name of all files of the block: Nodes\Nodes0001 for nodes of id 1.
+    ZRString GetFilebase() const;
+
+protected:
+    ZRFxBlock(ZRFxDatabase* pDatabase, int id, int type);
+
+    /// Reads what lies below the root, data files included.
+    virtual bool DoReadBlock(const nvf::XmlElement& root) = 0;
+
+    /// Writes the data files and what lies below the root.
+    virtual bool DoWriteBlock(nvf::XmlElement root) = 0;
+
+    /// Drops the contents of the derived block.
+    virtual void DoUnloadData() = 0;
+
+    /// Loads the document; null, with a message, when it is not this block's.
+    nvf::XmlElement GetRootElement(nvf::XmlDocument* pDoc) const;
+    nvf::XmlElement CreateRootElement(nvf::XmlDocument* pDoc) const;
+    bool WriteXml(const nvf::XmlDocument& doc);
+
+    /// Whether contents are in memory, read or built there.
+    void SetRead(bool isRead) { m_bRead = isRead; }
+    nvf::Logger& Log() const { return *m_logger; }
+
+    ZRFxDatabase* m_pDatabase;
+
+private:
+    int m_iID;
+    int m_iType;
+    ZRString m_sFileName;
+    bool m_bRead = false;
+    bool m_bMetaDataRead = false;
+    nvf::ref<nvf::Logger> m_logger;
+};
+
+}  // namespace unstruct

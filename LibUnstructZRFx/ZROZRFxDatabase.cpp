@@ -1,0 +1,301 @@
+#include "ZROZRFxDatabase.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <string>
+
+#include "ZROZRFxXml.h"
+#include "nvf/Assert.h"
+
+namespace unstruct {
+namespace {
+
+constexpr const char* kTOCName = "Database-TOC.xml";
+constexpr const char* kDescriptionName = "Database.xml";
+
+ZRString folderOf(int id) {
+    char folder[32];
+    std::snprintf(folder, sizeof(folder), "Database%.3d", id);
+    return folder;
+}
+
+// Where a block of an id stands, or would be inserted, among blocks sorted by id.
+template <typename BlockArray>
+auto positionOf(BlockArray& blocks, int id) {
+    return std::lower_bound(blocks.begin(), blocks.end(), id,
+                            [](const auto& block, int wanted) { return block->GetID() < wanted; });
+}
+
+bool isBlockDocument(const ZRString& entry) {
+    const ZRString name = entry.FileName().ToLower();
+    return name.Extension() == ".xml" && name != "database.xml" && name != "database-toc.xml";
+}
+
+}  // namespace
+
+ZRFxDatabase::ZRFxDatabase(ZRFxAccess* pAccess) : ZRFxDataFolder(pAccess) {}
+
+bool ZRFxDatabase::Create(const ZRString& name, int id, const ZRString& sourceName,
+                          ZRFEMSimulationType simulationType, ZRFEMSolutionType solutionType,
+                          const ZRString& description) {
+    if (!GetAccess()) return false;
+    int numDatabases = 0;
+    if (!GetAccess()->GetNumDatabases(&numDatabases)) return Log().fail("File structure error.");
+    ZRFxDatabaseInfo existing;
+    if (GetAccess()->GetDatabaseByID(id, &existing)) {
+        return Log().fail("Database with ID=%1 already exists", id);
+    }
+    m_iID = id;
+    m_sName = name;
+    SetFolder(folderOf(id));
+    m_sSourceName = sourceName;
+    m_eSimulationType = simulationType;
+    m_eSolutionType = solutionType;
+    m_sDescription = description;
+    if (!GetAccess()->AddDatabase(*CreateDescription(), false)) {
+        return Log().fail("Error adding database.");
+    }
+    StartTOC();
+    return true;
+}
+
+bool ZRFxDatabase::Parse(int id) {
+    Log().inform("Parsing ZRFx file...");
+    ZRFxDatabaseInfo info;
+    if (!GetAccess() || !GetAccess()->GetDatabaseByID(id, &info)) {
+        return Log().fail("Database Xml file not found.");
+    }
+    Clear();
+    if (ParseDescription(info) && ParseBlocks()) return true;
+    Clear();
+    return false;
+}
+
+bool ZRFxDatabase::WriteTOC() {
+    NVF_ASSERT(m_pTOC.notNull());
+    if (m_pTOC.isNull() || !GetAccess()) return false;
+    return GetAccess()->WriteXmlFile(EntryName(kTOCName), *m_pTOC, true) ||
+           Log().fail("Cannot write Database TOC to archive.");
+}
+
+bool ZRFxDatabase::WriteBlock(const ZRString& typeName, int id, const ZRString& fileName,
+                              const nvf::XmlDocument& xmlDoc, bool overwrite) {
+    if (!GetAccess() || !GetAccess()->WriteXmlFile(fileName, xmlDoc, overwrite)) {
+        return Log().fail("Error writing block xml file (type '%1' ID %2)", typeName, id);
+    }
+    EnterInTOC(typeName, id, fileName);
+    bool isReplaced = false;
+    return AddBlock(CreateEntry(ZRFxBlockTypeFromName(typeName), id, fileName).p(), &isReplaced);
+}
+
+bool ZRFxDatabase::RemoveBlockFiles(const ZRFxBlock& block) {
+    const ZRFxBlock* written = GetBlockByID(block.GetType(), block.GetID());
+    if (!written) return true;
+    ZRStringArray files;
+    const ZRString base = EntryName(block.GetFilebase());
+    if (!GetAccess()->FindFilesOfBase(base, &files)) return false;
+    files.push_back(written->GetFileName());
+    return std::all_of(files.begin(), files.end(),
+                       [&](const ZRString& file) { return GetAccess()->RemoveFile(file); });
+}
+
+bool ZRFxDatabase::AddBlock(ZRFxBlock* block, bool* replaced) {
+    NVF_ASSERT(replaced);
+    if (!block || !replaced || block->GetType() < 0 || block->GetType() >= kNumBlockTypes) {
+        return false;
+    }
+    const nvf::ref<ZRFxBlock> reference = block;
+    BlockArray& blocks = m_apBlocks[static_cast<std::size_t>(block->GetType())];
+    const auto position = positionOf(blocks, block->GetID());
+    *replaced = position != blocks.end() && (*position)->GetID() == block->GetID();
+    if (*replaced) {
+        *position = reference;
+    } else {
+        blocks.insert(position, reference);
+    }
+    return true;
+}
+
+int ZRFxDatabase::GetNumBlocks(int type) const {
+    if (type < 0 || type >= kNumBlockTypes) return 0;
+    return static_cast<int>(m_apBlocks[static_cast<std::size_t>(type)].size());
+}
+
+ZRFxBlock* ZRFxDatabase::GetBlock(int type, int index) const {
+    if (index < 0 || index >= GetNumBlocks(type)) return nullptr;
+    return m_apBlocks[static_cast<std::size_t>(type)][static_cast<std::size_t>(index)].p();
+}
+
+ZRFxBlock* ZRFxDatabase::GetBlockByID(int type, int id) const {
+    if (GetNumBlocks(type) == 0) return nullptr;
+    const BlockArray& blocks = m_apBlocks[static_cast<std::size_t>(type)];
+    const auto position = positionOf(blocks, id);
+    return position != blocks.end() && (*position)->GetID() == id ? position->p() : nullptr;
+}
+
+int ZRFxDatabase::GetNumBlocks() const {
+    int count = 0;
+    for (int type = 0; type < kNumBlockTypes; ++type) count += GetNumBlocks(type);
+    return count;
+}
+
+ZRFxBlock* ZRFxDatabase::GetBlock(int globalIndex) const {
+    NVF_ASSERT(globalIndex >= 0);
+    for (int type = 0; type < kNumBlockTypes && globalIndex >= 0; ++type) {
+        if (globalIndex < GetNumBlocks(type)) return GetBlock(type, globalIndex);
+        globalIndex -= GetNumBlocks(type);
+    }
+    return nullptr;
+}
+
+bool ZRFxDatabase::ReadXmlFile(const ZRString& fileName, nvf::XmlDocument* doc) const {
+    if (!GetAccess()) return false;
+    const ZRString inFolder = EntryName(fileName);
+    const bool isRelative = GetAccess()->InternalFindFile(fileName, LogMode::SILENT) < 0 &&
+                            GetAccess()->InternalFindFile(inFolder, LogMode::SILENT) >= 0;
+    return GetAccess()->InternalReadXmlFile(isRelative ? inFolder : fileName, LogMode::LOG, doc);
+}
+
+nvf::ref<nvf::XmlDocument> ZRFxDatabase::CreateDescription() const {
+    nvf::ref<nvf::XmlDocument> doc = new nvf::XmlDocument;
+    nvf::XmlElement root = doc->createRootElement("Database", kNamespaceUri);
+    root.setAttributeInt("ID", m_iID);
+    SetAttribute(root, "Name", m_sName);
+    SetAttribute(root, "Folder", GetFolder());
+    SetAttribute(root, "SourceName", m_sSourceName);
+    SetAttribute(root, "SimulationType", NameOf(m_eSimulationType));
+    SetAttribute(root, "SolutionType", NameOf(m_eSolutionType));
+    root.addChildElementUtf8("Description", m_sDescription.Bytes());
+    return doc;
+}
+
+void ZRFxDatabase::StartTOC() {
+    m_tocLines.clear();
+    m_pTOC = new nvf::XmlDocument;
+    m_pTOC->createRootElement("DatabaseTOC", kNamespaceUri).setAttributeInt("DatabaseID", m_iID);
+}
+
+void ZRFxDatabase::EnterInTOC(const ZRString& typeName, int id, const ZRString& fileName) {
+    if (m_pTOC.isNull()) StartTOC();
+    nvf::XmlElement& line = m_tocLines[{ZRFxBlockTypeFromName(typeName), id}];
+    if (line.isNull()) line = m_pTOC->getRootElement().addChildElement(typeName.CStr());
+    line.setAttributeInt("ID", id);
+    SetAttribute(line, "File", fileName);
+}
+
+void ZRFxDatabase::Clear() {
+    m_iID = -1;
+    m_sName = m_sSourceName = m_sDescription = ZRString();
+    SetFolder(ZRString());
+    for (BlockArray& blocks : m_apBlocks) blocks.clear();
+    m_tocLines.clear();
+    m_pTOC = nullptr;
+}
+
+bool ZRFxDatabase::ParseDescription(const ZRFxDatabaseInfo& info) {
+    nvf::XmlDocument doc;
+    if (!GetAccess()->InternalReadXmlFile(info.path, LogMode::LOG, &doc)) {
+        return Log().fail("Database Xml file not found.");
+    }
+    const nvf::XmlElement root = doc.getRootElement("Database");
+    if (root.isNull()) return Log().fail("Illegal root element in database.xml file.");
+    m_iID = root.getAttributeInt("ID", info.id);
+    m_sName = GetAttribute(root, "Name");
+    SetFolder(GetAttribute(root, "Folder"));
+    m_sSourceName = GetAttribute(root, "SourceName");
+    m_eSimulationType = SimulationTypeFromName(GetAttribute(root, "SimulationType"));
+    m_eSolutionType = SolutionTypeFromName(GetAttribute(root, "SolutionType"));
+    m_sDescription = GetText(root.firstChildElement("Description"));
+    if (m_iID < 0) return Log().fail("Invalid Database ID %1 specified", m_iID);
+    return !GetFolder().IsBlank() || Log().fail("Invalid Database Folder, is blank.");
+}
+
+bool ZRFxDatabase::ParseBlocks() {
+    StartTOC();
+    const bool hasTOC = GetAccess()->InternalFindFile(EntryName(kTOCName), LogMode::SILENT) >= 0;
+    std::vector<BlockLine> lines;
+    if (hasTOC) {
+        return ParseTOC(&lines) && AddParsedBlocks(lines, "Error reading block meta data.");
+    }
+    return ParseFolder(&lines) &&
+           AddParsedBlocks(lines, "Error reading block meta data (type '%1', ID %2)");
+}
+
+bool ZRFxDatabase::ParseTOC(std::vector<BlockLine>* lines) {
+    nvf::XmlDocument doc;
+    if (!GetAccess()->InternalReadXmlFile(EntryName(kTOCName), LogMode::LOG, &doc)) {
+        return Log().fail("Cannot find database TOC file.");
+    }
+    const nvf::XmlElement root = doc.getRootElement("DatabaseTOC");
+    if (root.isNull()) return Log().fail("Illegal root element in database TOC file.");
+    if (root.getAttributeInt("DatabaseID", -1) != m_iID) {
+        return Log().fail("Illegal database ID in TOC file.");
+    }
+    for (nvf::XmlElement element = root.firstChildElement(); element.notNull();
+         element = element.nextSiblingElement()) {
+        const BlockLine line{ZRString(element.nameUtf8()), element.getAttributeInt("ID", -1),
+                             GetAttribute(element, "File")};
+        if (line.fileName.IsBlank()) return Log().fail("No filename specified for block.");
+        if (line.id < 0) return Log().fail("Invalid ID %1 specified for block", line.id);
+        if (!TakeBlockLine(line, lines)) return false;
+    }
+    return true;
+}
+
+bool ZRFxDatabase::ParseFolder(std::vector<BlockLine>* lines) {
+    ZRStringArray files;
+    if (!GetAccess()->FindFiles(GetFolder(), true, &files)) return false;
+    for (const ZRString& file : files) {
+        if (!isBlockDocument(file)) continue;
+        nvf::XmlDocument doc;
+        if (!ReadXmlFile(file, &doc)) return false;
+        const nvf::XmlElement root = doc.getRootElement();
+        const BlockLine line{ZRString(root.nameUtf8()), root.getAttributeInt("ID", -1), file};
+        if (line.id < 0) {
+            return Log().fail("Invalid ID specified for block (type '%1', ID %2)", line.typeName,
+                              line.id);
+        }
+        if (!TakeBlockLine(line, lines)) return false;
+    }
+    return true;
+}
+
+bool ZRFxDatabase::TakeBlockLine(const BlockLine& line, std::vector<BlockLine>* lines) {
+    if (ZRFxBlockTypeFromName(line.typeName) == kInvalidBlockType) {
+        return Log().fail("Invalid block type '%1' specified", line.typeName);
+    }
+    EnterInTOC(line.typeName, line.id, line.fileName);
+    lines->push_back(line);
+    return true;
+}
+
+// In the order of their ids, so that each entry is added behind the last, whatever the order of a
+// file's lines.
+bool ZRFxDatabase::AddParsedBlocks(std::vector<BlockLine>& lines, const char* metaDataMessage) {
+    std::stable_sort(lines.begin(), lines.end(),
+                     [](const BlockLine& a, const BlockLine& b) { return a.id < b.id; });
+    for (const BlockLine& line : lines) {
+        const nvf::ref<ZRFxBlock> block =
+            CreateEntry(ZRFxBlockTypeFromName(line.typeName), line.id, line.fileName);
+        if (block.isNull()) {
+            return Log().fail("Error create block (type '%1', ID %2)", line.typeName, line.id);
+        }
+        if (!block->ReadMetaData()) return Log().fail(metaDataMessage, line.typeName, line.id);
+        bool isReplaced = false;
+        if (!AddBlock(block.p(), &isReplaced)) {
+            return Log().fail("Error adding block (type '%1', ID %2)", line.typeName, line.id);
+        }
+    }
+    return true;
+}
+
+// A type that no class stores makes no entry, nor an assertion: what a file holds is no programming
+// error.
+nvf::ref<ZRFxBlock> ZRFxDatabase::CreateEntry(int type, int id, const ZRString& fileName) {
+    if (!ZRFxBlock::IsStored(type)) return nullptr;
+    nvf::ref<ZRFxBlock> block = ZRFxBlock::Create(type, this, id);
+    block->SetFileName(fileName);
+    return block;
+}
+
+}  // namespace unstruct

@@ -1,0 +1,106 @@
+#pragma once
+
+#include <array>
+#include <map>
+#include <utility>
+#include <vector>
+
+#include "ZROZRFxAccess.h"
+#include "ZROZRFxBlock.h"
+#include "ZROZRFxBlockType.h"
+#include "ZROZRFxDataFolder.h"
+#include "ZROZRFxModelTypes.h"
+#include "ZRString.h"
+#include "nvf/XmlDocument.h"
+
+namespace unstruct {
+
+/// One model database of a ZRFx file: a folder of the archive with "Database.xml", the table of
+/// contents "Database-TOC.xml" and the documents and data files of its blocks. Holds an entry for
+/// each block, by type and sorted by id, but no block's data; data files are written and read
+/// through its base. Used by one thread at a time. Operations that fail log why and give false.
+class ZRFxDatabase : public ZRFxDataFolder {
+public:
+    explicit ZRFxDatabase(ZRFxAccess* pAccess);
+
+    /// Starts a new database and registers it. Its id must not be in use.
+    bool Create(const ZRString& name, int id, const ZRString& sourceName,
+                ZRFEMSimulationType simulationType, ZRFEMSolutionType solutionType,
+                const ZRString& description);
+
+    /// Opens the database of an id: its description, and the entries of its blocks from the table
+    /// of contents or, where a writer did not come to store one, from the documents in its folder.
+    /// The first block that does not fit ends it and leaves the database empty.
+    bool Parse(int id);
+
+    /// Stores the table of contents in place of the one stored before.
+    bool WriteTOC();
+
+    /// Stores a block's document and enters it in the table of contents, where each type and id
+    /// stands once. Called by blocks.
+    bool WriteBlock(const ZRString& typeName, int id, const ZRString& fileName,
+                    const nvf::XmlDocument& xmlDoc, bool overwrite);
+
+    /// Removes document and data files that the block of this type and id has in this database, so
+    /// that they can be written again.
+    bool RemoveBlockFiles(const ZRFxBlock& block);
+
+    /// Adds an entry, and takes out the one of the same type and id if there is one.
+    bool AddBlock(ZRFxBlock* block, bool* replaced);
+
+    int GetID() const { return m_iID; }
+    const ZRString& GetName() const { return m_sName; }
+    const ZRString& GetSourceName() const { return m_sSourceName; }
+    ZRFEMSimulationType GetSimulationType() const { return m_eSimulationType; }
+    ZRFEMSolutionType GetSolutionType() const { return m_eSolutionType; }
+    const ZRString& GetDescription() const { return m_sDescription; }
+
+    int GetNumBlocks(int type) const;
+    ZRFxBlock* GetBlock(int type, int index) const;
+
+    /// Null, without a message, when there is none.
+    ZRFxBlock* GetBlockByID(int type, int id) const;
+
+    /// Over all types, by type and then by id.
+    int GetNumBlocks() const;
+    ZRFxBlock* GetBlock(int globalIndex) const;
+
+    /// Reads a document by its entry name, whole or relative to the folder.
+    bool ReadXmlFile(const ZRString& fileName, nvf::XmlDocument* doc) const;
+
+private:
+    using BlockArray = std::vector<nvf::ref<ZRFxBlock>>;
+    using BlockKey = std::pair<int, int>;  // type and id
+
+    // What leads to one block: a line of the table of contents, or a document of the folder.
+    struct BlockLine {
+        ZRString typeName;
+        int id;
+        ZRString fileName;
+    };
+
+    nvf::ref<nvf::XmlDocument> CreateDescription() const;
+    void StartTOC();
+    void EnterInTOC(const ZRString& typeName, int id, const ZRString& fileName);
+
+    void Clear();
+    bool ParseDescription(const ZRFxDatabaseInfo& info);
+    bool ParseBlocks();
+    bool ParseTOC(std::vector<BlockLine>* lines);
+    bool ParseFolder(std::vector<BlockLine>* lines);
+    bool TakeBlockLine(const BlockLine& line, std::vector<BlockLine>* lines);
+    bool AddParsedBlocks(std::vector<BlockLine>& lines, const char* metaDataMessage);
+    nvf::ref<ZRFxBlock> CreateEntry(int type, int id, const ZRString& fileName);
+
+    int m_iID = -1;
+    ZRString m_sName;
+    ZRString m_sSourceName;
+    ZRFEMSimulationType m_eSimulationType = ZRFEMSimulationType::OTHER;
+    ZRFEMSolutionType m_eSolutionType = ZRFEMSolutionType::OTHER;
+    ZRString m_sDescription;
+    std::array<BlockArray, kNumBlockTypes> m_apBlocks;
+    nvf::ref<nvf::XmlDocument> m_pTOC;
+    std::map<BlockKey, nvf::XmlElement> m_tocLines;
+};
+
+}  // namespace unstruct

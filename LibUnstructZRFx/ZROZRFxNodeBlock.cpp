@@ -1,0 +1,92 @@
+#include "ZROZRFxNodeBlock.h"
+
+#include <utility>
+
+#include "ZROZRFxDatabase.h"
+#include "ZROZRFxFileRecord.h"
+
+namespace unstruct {
+
+ZRFxNodeBlock::ZRFxNodeBlock(ZRFxDatabase* pDatabase, int id)
+    : ZRFxBlock(pDatabase, id, BLOCK_NODES) {}
+
+bool ZRFxNodeBlock::SetNodes(const nuo::Vec3f* pfNodes, std::int64_t iNumNodes,
+                             const std::int32_t* piNodeIDs) {
+    NVF_ASSERT(pfNodes && (iNumNodes >= 0));
+    if (!pfNodes || iNumNodes < 0) return false;
+    ZRVec3fArray nodes;
+    std::unique_ptr<ZRIntArray> ids;
+    if (!nodes.Assign(pfNodes, iNumNodes)) return false;
+    if (piNodeIDs) {
+        ids = std::make_unique<ZRIntArray>();
+        if (!ids->Assign(piNodeIDs, iNumNodes)) return false;
+    }
+    return SetNodes(std::move(nodes), std::move(ids));
+}
+
+bool ZRFxNodeBlock::SetNodes(ZRVec3fArray nodes, std::unique_ptr<ZRIntArray> paiNodeIDs) {
+    NVF_ASSERT(!paiNodeIDs || paiNodeIDs->GetSize() == nodes.GetSize());
+    if (paiNodeIDs && paiNodeIDs->GetSize() != nodes.GetSize()) return false;
+    m_nodes = std::move(nodes);
+    m_paiNodeIDs = std::move(paiNodeIDs);
+    m_pSortedIDs.reset();
+    SetRead(true);
+    return true;
+}
+
+std::int64_t ZRFxNodeBlock::GetNumNodes() const {
+    if (IsRead()) return m_nodes.GetSize();
+    NVF_ASSERT(m_pDatabase);
+    nvf::XmlDocument doc;
+    const nvf::XmlElement file =
+        m_pDatabase ? GetRootElement(&doc).firstChildElement("File") : nvf::XmlElement();
+    if (file.isNull()) return 0;
+    const bool bFound = file.hasAttribute("NumItems");
+    NVF_ASSERT(bFound);
+    return file.getAttributeInt("NumItems", 0);
+}
+
+std::int64_t ZRFxNodeBlock::GetNodeIndex(std::int32_t id) const {
+    if (!m_paiNodeIDs) return -1;
+    if (!m_pSortedIDs) m_pSortedIDs = std::make_unique<ZRIDLookup>(*m_paiNodeIDs);
+    return m_pSortedIDs->IndexOf(id);
+}
+
+bool ZRFxNodeBlock::DoReadBlock(const nvf::XmlElement& root) {
+    const bool hasIDs = root.getAttributeBool("WithID", false);
+    ZRVec3fArray nodes;
+    std::unique_ptr<ZRIntArray> ids;
+    ZRFxFileRecord file;
+    if (GetFileRecord(root, "File", &file)) {
+        if (!m_pDatabase->ReadDataVector(file.filename, file.numItems, &nodes)) {
+            return Log().fail("Error reading node data");
+        }
+        if (hasIDs && !file.ids.IsBlank()) {
+            ids = std::make_unique<ZRIntArray>();
+            if (!m_pDatabase->ReadDataInt(file.ids, file.numItems, ids.get())) {
+                return Log().fail("Error reading node IDs");
+            }
+        }
+    }
+    return SetNodes(std::move(nodes), std::move(ids));
+}
+
+bool ZRFxNodeBlock::DoWriteBlock(nvf::XmlElement root) {
+    root.setAttributeBool("WithID", m_paiNodeIDs != nullptr);
+    if (m_nodes.IsEmpty()) return true;
+    ZRFxFileRecord file{GetFilebase(), m_nodes.GetSize(), ZRString()};
+    if (!m_pDatabase->WriteDataVector(file.filename, m_nodes)) return false;
+    if (m_paiNodeIDs) {
+        file.ids = file.filename + "-IDs";
+        if (!m_pDatabase->WriteDataInt(file.ids, *m_paiNodeIDs, 1)) return false;
+    }
+    return AddFileRecord(root, "File", file);
+}
+
+void ZRFxNodeBlock::DoUnloadData() {
+    m_nodes.RemoveAll();
+    m_paiNodeIDs.reset();
+    m_pSortedIDs.reset();
+}
+
+}  // namespace unstruct
