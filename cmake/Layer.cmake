@@ -4,10 +4,12 @@ function(nuo_set_compile_options target)
     target_compile_options(${target} PRIVATE
         -fmacro-prefix-map=${PROJECT_SOURCE_DIR}/=
         -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual
-        $<$<BOOL:${NUO_WARNINGS_AS_ERRORS}>:-Werror>
-        $<$<BOOL:${NUO_SANITIZE}>:-fsanitize=${NUO_SANITIZE} -fno-omit-frame-pointer
-                                  -fno-sanitize-recover=all>)
-    target_link_options(${target} PRIVATE $<$<BOOL:${NUO_SANITIZE}>:-fsanitize=${NUO_SANITIZE}>)
+        $<$<BOOL:${NUO_WARNINGS_AS_ERRORS}>:-Werror>)
+    if(NUO_SANITIZE)
+        target_compile_options(${target} PRIVATE
+            -fsanitize=${NUO_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+        target_link_options(${target} PRIVATE -fsanitize=${NUO_SANITIZE})
+    endif()
     target_compile_definitions(${target} PRIVATE
         NUO_ASSERTIONS=$<BOOL:${NUO_ASSERTIONS}>
         $<$<NOT:$<BOOL:${BUILD_SHARED_LIBS}>>:NUO_STATIC>)

@@ -1,5 +1,7 @@
 #include "nvf/PropertySet.h"
 
+#include <utility>
+
 namespace nvf {
 
 std::vector<String> PropertySet::allKeys() const {
@@ -14,8 +16,9 @@ std::vector<Variant> PropertySet::allValues() const {
     return values;
 }
 
-void PropertySet::setValue(const String& key, const Variant& value) {
-    m_values[key] = value;
+// Keys mostly come in order: the place behind the last one is tried first.
+void PropertySet::setValue(String key, Variant value) {
+    m_values.insert_or_assign(m_values.end(), std::move(key), std::move(value));
 }
 
 }  // namespace nvf

@@ -23,7 +23,7 @@ public:
     std::vector<Variant> allValues() const;
 
     /// Inserts a value or replaces the one that the key had.
-    void setValue(const String& key, const Variant& value);
+    void setValue(String key, Variant value);
 
 private:
     String m_classType;

@@ -75,7 +75,7 @@ Variant arrayFromXml(const XmlElement& xmlArrayVariantElement, int arrayDepth) {
         Variant value = variantFromXml(child, arrayDepth);
         if (value.isValid()) values.push_back(std::move(value));
     }
-    return Variant(values);
+    return Variant(std::move(values));
 }
 
 Variant variantFromXml(const XmlElement& element, int arrayDepth) {
@@ -160,9 +160,9 @@ ref<PropertySet> PropertyXmlSerializer::toPropertySet(const XmlElement& xmlPrope
         new PropertySet(xmlPropertySetElement.getAttributeString("classType", ""));
     for (XmlElement element = xmlPropertySetElement.firstChildElement(); element.notNull();
          element = element.nextSiblingElement()) {
-        const Variant value = variantFromXml(element);
-        const String key = element.getAttributeString("key", "");
-        if (value.isValid() && !key.isEmpty()) set->setValue(key, value);
+        Variant value = variantFromXml(element);
+        String key = element.getAttributeString("key", "");
+        if (value.isValid() && !key.isEmpty()) set->setValue(std::move(key), std::move(value));
     }
     return set;
 }

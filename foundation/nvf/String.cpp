@@ -1,7 +1,8 @@
 #include "nvf/String.h"
 
 #include <algorithm>
-#include <map>
+#include <array>
+#include <bitset>
 
 #include "nvf/Number.h"
 #include "nvf/Utf8.h"
@@ -32,17 +33,19 @@ Placeholder nextPlaceholder(std::wstring_view text, std::size_t from) {
     return {};
 }
 
+using ValueOfNumber = std::array<const String*, kHighestPlaceholder + 1>;
+
 // The value of every placeholder number of the text, as far as the values reach.
-std::map<int, const String*> assignValues(std::wstring_view text,
-                                          const std::vector<String>& values) {
-    std::map<int, const String*> valueOfNumber;
+ValueOfNumber assignValues(std::wstring_view text, std::span<const String> values) {
+    std::bitset<kHighestPlaceholder + 1> present;
     for (auto p = nextPlaceholder(text, 0); p.length;
          p = nextPlaceholder(text, p.position + p.length)) {
-        valueOfNumber[p.number] = nullptr;
+        present.set(p.number);
     }
+    ValueOfNumber valueOfNumber{};
     auto value = values.begin();
-    for (auto& [number, assigned] : valueOfNumber) {
-        if (value != values.end()) assigned = &*value++;
+    for (std::size_t number = 1; number < present.size() && value != values.end(); ++number) {
+        if (present[number]) valueOfNumber[number] = &*value++;
     }
     return valueOfNumber;
 }
@@ -115,26 +118,15 @@ std::vector<String> String::split(const String& delimiters) const {
 }
 
 String String::arg(const String& value) const {
-    return args({value});
+    return filled({&value, 1});
 }
 
 String String::arg(double value, char format, int precision) const {
     return arg(number(value, format, precision));
 }
 
-String String::args(const std::vector<String>& values) const {
-    const auto valueOfNumber = assignValues(m_text, values);
-    String result;
-    std::size_t done = 0;
-    for (auto p = nextPlaceholder(m_text, 0); p.length;
-         p = nextPlaceholder(m_text, p.position + p.length)) {
-        const String* value = valueOfNumber.at(p.number);
-        if (!value) continue;
-        result.m_text.append(m_text, done, p.position - done).append(value->m_text);
-        done = p.position + p.length;
-    }
-    result.m_text.append(m_text, done);
-    return result;
+String String::args(std::initializer_list<String> values) const {
+    return filled({values.begin(), values.size()});
 }
 
 String& String::operator+=(const String& other) {
@@ -146,6 +138,21 @@ String String::rightAligned(int fieldWidth, wchar_t fillChar) const {
     const auto width = static_cast<std::size_t>(std::max(fieldWidth, 0));
     if (m_text.size() >= width) return *this;
     return String(std::wstring(width - m_text.size(), fillChar) + m_text);
+}
+
+String String::filled(std::span<const String> values) const {
+    const auto valueOfNumber = assignValues(m_text, values);
+    String result;
+    std::size_t done = 0;
+    for (auto p = nextPlaceholder(m_text, 0); p.length;
+         p = nextPlaceholder(m_text, p.position + p.length)) {
+        const String* value = valueOfNumber[p.number];
+        if (!value) continue;
+        result.m_text.append(m_text, done, p.position - done).append(value->m_text);
+        done = p.position + p.length;
+    }
+    result.m_text.append(m_text, done);
+    return result;
 }
 
 }  // namespace nvf

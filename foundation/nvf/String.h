@@ -1,6 +1,9 @@
 #pragma once
 
+#include <charconv>
 #include <concepts>
+#include <initializer_list>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -26,7 +29,9 @@ public:
     static String number(float value, char format = 'g', int precision = 6);
     template <std::integral T>
     static String number(T value) {
-        return String(std::to_wstring(value));
+        char digits[24];
+        const auto end = std::to_chars(digits, digits + sizeof(digits), +value).ptr;
+        return String(std::wstring(digits, end));
     }
 
     bool isEmpty() const { return m_text.empty(); }
@@ -59,7 +64,7 @@ public:
 
     /// A copy in which the placeholders are replaced by `values`, the lowest-numbered by the first.
     /// A value that itself looks like a placeholder stays as it is.
-    String args(const std::vector<String>& values) const;
+    String args(std::initializer_list<String> values) const;
 
     String& operator+=(const String& other);
     friend String operator+(String a, const String& b) { return a += b; }
@@ -67,6 +72,7 @@ public:
     friend auto operator<=>(const String& a, const String& b) = default;
 
 private:
+    String filled(std::span<const String> values) const;
     String rightAligned(int fieldWidth, wchar_t fillChar) const;
 
     std::wstring m_text;

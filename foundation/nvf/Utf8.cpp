@@ -1,6 +1,6 @@
 #include "nvf/Utf8.h"
 
-#include <cstdint>
+#include <algorithm>
 
 namespace nvf {
 namespace {
@@ -81,16 +81,19 @@ char32_t takeCharacter(std::wstring_view& text) {
 
 }  // namespace
 
+// Most texts are ASCII from end to end; their characters are copied at once.
 std::wstring wideFromUtf8(std::string_view utf8) {
-    std::wstring text;
-    text.reserve(utf8.size());
+    const auto asciiEnd = std::ranges::find_if(utf8, [](char c) { return (c & 0x80) != 0; });
+    std::wstring text(utf8.begin(), asciiEnd);
+    utf8.remove_prefix(text.size());
     while (!utf8.empty()) appendWide(takeCharacter(utf8), text);
     return text;
 }
 
 std::string utf8FromWide(std::wstring_view text) {
-    std::string utf8;
-    utf8.reserve(text.size());
+    const auto asciiEnd = std::ranges::find_if(text, [](wchar_t c) { return c < 0 || c >= 0x80; });
+    std::string utf8(text.begin(), asciiEnd);
+    text.remove_prefix(utf8.size());
     while (!text.empty()) appendUtf8(takeCharacter(text), utf8);
     return utf8;
 }

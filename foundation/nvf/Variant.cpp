@@ -23,7 +23,7 @@ Variant::Variant(const String& value) : m_type(STRING), m_data(value.toUtf8()) {
     m_data.push_back('\0');
 }
 
-Variant::Variant(const std::vector<Variant>& values) : m_type(ARRAY), m_array(values) {}
+Variant::Variant(std::vector<Variant> values) : m_type(ARRAY), m_array(std::move(values)) {}
 
 int Variant::getInt() const {
     NVF_ASSERT(m_type == INT);

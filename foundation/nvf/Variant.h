@@ -30,7 +30,7 @@ public:
     explicit Variant(const Vec3d& value) : Variant(VEC3D, value) {}
     explicit Variant(const Color3f& value) : Variant(COLOR3F, value) {}
     explicit Variant(const String& value);
-    explicit Variant(const std::vector<Variant>& values);
+    explicit Variant(std::vector<Variant> values);
 
     Type type() const { return m_type; }
     bool isValid() const { return m_type != INVALID; }

@@ -17,8 +17,8 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 struct PropDefTest : test::LogCapture {
-    PropertySet& AddSet(const char* classType) {
-        collection.addPropertySet(new PropertySet(classType));
+    PropertySet& AddSet(std::string_view classType) {
+        collection.addPropertySet(new PropertySet(String::fromUtf8(classType)));
         return *collection.propertySet(collection.count() - 1);
     }
 
@@ -40,36 +40,27 @@ Variant Text(std::string_view text) {
 
 // A value of the type, legal where the definition restricts it.
 Variant ValueFor(const PropDef& def) {
-    switch (def.type) {
-        case Variant::INT:
-            return Variant(1);
-        case Variant::UINT:
-            return Variant(1u);
-        case Variant::DOUBLE:
-            return Variant(1.0);
-        case Variant::FLOAT:
-            return Variant(1.0f);
-        case Variant::BOOL:
-            return Variant(true);
-        case Variant::VEC3D:
-            return Variant(nvf::Vec3d());
-        case Variant::COLOR3F:
-            return Variant(nvf::Color3f());
-        case Variant::STRING:
-            return Text(def.legalValues.substr(def.legalValues.rfind(' ') + 1));
-        default:
-            return Variant(std::vector<Variant>{Text("anything")});
-    }
+    const Variant ofType[] = {Variant(),
+                              Variant(1),
+                              Variant(1u),
+                              Variant(1.0),
+                              Variant(1.0f),
+                              Variant(true),
+                              Variant(nvf::Vec3d()),
+                              Variant(nvf::Color3f()),
+                              Text(def.legalValues.substr(def.legalValues.rfind(' ') + 1)),
+                              Variant(std::vector<Variant>{Text("anything")})};
+    return ofType[def.type];
 }
 
 TEST_F(PropDefTest, SetsWithAllKeysOfAllGroupsPass) {
     for (const PropClassDef& group : PropClassDef::all()) {
-        PropertySet& set = AddSet(std::string(group.className()).c_str());
+        PropertySet& set = AddSet(group.className());
         for (const PropDef& def : group.propDefs()) {
             set.setValue(String::fromUtf8(def.name), ValueFor(def));
         }
         EXPECT_EQ(set.valuesByKey().size(), group.propDefs().size()) << "a key is defined twice";
-        AddSet(std::string(group.className()).c_str());  // without any key
+        AddSet(group.className());  // without any key
     }
     EXPECT_THAT(Validate(), IsEmpty());
 }
@@ -80,9 +71,7 @@ TEST_F(PropDefTest, DefaultsAreThemselvesLegalAndDescriptionsDiffer) {
         for (const PropDef& def : group.propDefs()) {
             EXPECT_TRUE(descriptions.insert(def.description).second) << def.name;
             if (def.defaultValue.empty() || def.type != Variant::STRING) continue;
-            collection.addPropertySet(new PropertySet(String::fromUtf8(group.className())));
-            collection.propertySet(collection.count() - 1)
-                ->setValue(String::fromUtf8(def.name), Text(def.defaultValue));
+            AddSet(group.className()).setValue(String::fromUtf8(def.name), Text(def.defaultValue));
         }
     }
     EXPECT_EQ(collection.count(), 9u);
@@ -131,10 +120,8 @@ TEST_F(PropDefTest, OnlyTheItemsOfTheLegalValuesAreLegal) {
                  {"", false},           {"ort", false},    {"perspective, ortho", false},
                  {",", false},          {"ortho ", false}, {"orth\u00F8", false}};
     for (const auto& [value, isLegal] : cases) {
-        collection.addPropertySet(new PropertySet("camera"));
-        PropertySet& camera = *collection.propertySet(collection.count() - 1);
         const std::size_t errorsBefore = Validate().size();
-        camera.setValue("projection_type", Text(value));
+        AddSet("camera").setValue("projection_type", Text(value));
         EXPECT_EQ(Validate().size() - errorsBefore, isLegal ? 0u : 1u) << value;
     }
 }

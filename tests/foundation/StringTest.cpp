@@ -15,7 +15,7 @@ namespace {
 TEST(String, PlaceholdersAreFilledLowestFirst) {
     const struct {
         const char* text;
-        std::vector<String> values;
+        std::initializer_list<String> values;
         const char* expected;
     } cases[] = {
         {"%1 of %2", {"a", "b"}, "a of b"},
