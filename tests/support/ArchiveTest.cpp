@@ -1,0 +1,121 @@
+#include "support/ArchiveTest.h"
+
+#include <gmock/gmock.h>
+#include <stdio.h>
+
+#include <cstdlib>
+#include <fstream>
+#include <memory>
+
+#include "support/TemporaryFolder.h"
+
+namespace test {
+
+using namespace unstruct;
+
+namespace {
+
+// For each entry: the number of bytes of its name, the name, the number of its bytes, the bytes.
+constexpr const char* kPrintEntries =
+    "import sys, zipfile\n"
+    "out = sys.stdout.buffer\n"
+    "with zipfile.ZipFile(sys.argv[1]) as z:\n"
+    "    for i in z.infolist():\n"
+    "        for b in (i.filename.encode(), z.read(i)):\n"
+    "            out.write(b'%d ' % len(b) + b)\n";
+
+std::string OutputOf(const std::string& command) {
+    std::string output;
+    const std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(command.c_str(), "r"), pclose);
+    char piece[4096];
+    while (pipe && !feof(pipe.get())) output.append(piece, fread(piece, 1, sizeof(piece), pipe.get()));
+    return output;
+}
+
+std::string TakeCounted(std::string_view& text) {
+    const std::size_t blank = text.find(' ');
+    const std::size_t count = std::stoul(std::string(text.substr(0, blank)));
+    const std::string taken(text.substr(blank + 1, count));
+    text.remove_prefix(blank + 1 + count);
+    return taken;
+}
+
+}  // namespace
+
+Entries UnpackWithPython(const ZRFxZipMemFile& file) {
+    const TemporaryFolder folder;
+    std::ofstream(folder.Path("a.zip"), std::ios::binary)
+        .write(reinterpret_cast<const char*>(file.Data()),
+               static_cast<std::streamsize>(file.Length()));
+    std::ofstream(folder.Path("print.py")) << kPrintEntries;
+    const std::string output =
+        OutputOf("python3 '" + folder.Path("print.py") + "' '" + folder.Path("a.zip") + "'");
+    Entries entries;
+    for (std::string_view rest = output; !rest.empty();) {
+        const std::string name = TakeCounted(rest);
+        entries[name] = TakeCounted(rest);
+    }
+    return entries;
+}
+
+Entries Unpack(ZRFxAccess& access) {
+    Entries entries;
+    ZRStringArray names;
+    EXPECT_TRUE(access.FindFiles("", true, &names));
+    for (const ZRString& name : names) {
+        ZRFxZipRawData raw;
+        EXPECT_TRUE(access.InternalReadDataRaw(name, LogMode::LOG, &raw));
+        entries[name.Bytes()].assign(raw.Buffer(), raw.Buffer() + raw.Length());
+    }
+    return entries;
+}
+
+void ArchiveTest::SetUp() {
+    const ZRFxDateTime date{2024, 2, 9, 7, 5, 3, 0};
+    ASSERT_TRUE(m_access.Open(&m_file, ZRZipAccessMode::CREATE));
+    ASSERT_TRUE(m_access.WriteXmlFile(
+        "ZRF.xml", *ZRFxAccess::CreateMainDocument("Exporter", "Vendor", 42, &date), false));
+}
+
+void ArchiveTest::Reopen(ZRZipAccessMode mode) {
+    ASSERT_TRUE(m_access.Close());
+    ASSERT_TRUE(m_access.Open(&m_file, mode));
+}
+
+void ArchiveTest::Put(const std::string& name, std::string_view bytes) {
+    ASSERT_TRUE(m_access.RemoveFile(name));
+    ASSERT_TRUE(m_access.WriteDataRaw(name, bytes.data(), bytes.size(), true));
+}
+
+std::string ArchiveTest::Get(const std::string& name) {
+    ZRFxZipRawData raw;
+    EXPECT_TRUE(m_access.InternalReadDataRaw(name, LogMode::LOG, &raw)) << name;
+    return std::string(raw.Buffer(), raw.Buffer() + raw.Length());
+}
+
+void ArchiveTest::Edit(const std::string& name, std::string_view from, std::string_view to) {
+    std::string text = Get(name);
+    const std::size_t at = text.find(from);
+    ASSERT_NE(at, std::string::npos) << "no " << from << " in " << text;
+    Put(name, text.replace(at, from.size(), to));
+}
+
+void ArchiveTest::ExpectTexts(const std::vector<std::string>& texts) {
+    EXPECT_THAT(TakeTexts(), testing::ElementsAreArray(texts));
+}
+
+void DatabaseTest::SetUp() {
+    ArchiveTest::SetUp();
+    ASSERT_TRUE(CreateDatabase(m_database, 1));
+}
+
+void DatabaseTest::Write(const nvf::ref<ZRFxBlock>& block) {
+    ASSERT_TRUE(block->WriteBlock(&m_database));
+}
+
+bool CreateDatabase(ZRFxDatabase& database, int id) {
+    return database.Create("Bridge", id, "bridge.fem", ZRFEMSimulationType::STRUCTURAL,
+                           ZRFEMSolutionType::LINEAR_STATIC, "A bridge");
+}
+
+}  // namespace test

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "ZROZRFxAccess.h"
+#include "ZROZRFxDatabase.h"
+#include "ZROZRFxZipMemFile.h"
+#include "support/LogCapture.h"
+
+namespace test {
+
+/// Entries of an archive: names and contents.
+using Entries = std::map<std::string, std::string>;
+
+/// The entries of an archive as Python's zipfile module reads them, in any order.
+Entries UnpackWithPython(const unstruct::ZRFxZipMemFile& file);
+
+/// The same without Python, for tests that compare many archives.
+Entries Unpack(unstruct::ZRFxAccess& access);
+
+/// An archive in memory, open for writing, that holds a new main document.
+class ArchiveTest : public LogCapture {
+protected:
+    void SetUp() override;
+
+    /// Closes the archive, which must be open, and opens it again.
+    void Reopen(unstruct::ZRZipAccessMode mode);
+
+    /// Puts an entry in place of the one of that name, bytes as they stand.
+    void Put(const std::string& name, std::string_view bytes);
+    std::string Get(const std::string& name);
+
+    /// Replaces the first occurrence of a text in an entry; the test fails when there is none.
+    void Edit(const std::string& name, std::string_view from, std::string_view to);
+
+    void ExpectTexts(const std::vector<std::string>& texts);
+
+    unstruct::ZRFxZipMemFile m_file;
+    unstruct::ZRFxAccess m_access;
+};
+
+/// An archive in memory with one database, of id 1.
+class DatabaseTest : public ArchiveTest {
+protected:
+    void SetUp() override;
+
+    /// Writes the block in place of the one of its type and id.
+    void Write(const nvf::ref<unstruct::ZRFxBlock>& block);
+
+    unstruct::ZRFxDatabase m_database{&m_access};
+};
+
+/// A database with that id and a name, created in an archive.
+bool CreateDatabase(unstruct::ZRFxDatabase& database, int id);
+
+}  // namespace test

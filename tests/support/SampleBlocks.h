@@ -1,0 +1,14 @@
+#pragma once
+
+#include "ZROZRFxBlock.h"
+
+namespace test {
+
+/// A block of a type with every part of it filled: ids, groups of all kinds, undefined values,
+/// names in several scripts. Written, read back and written again it gives the same entries.
+nvf::ref<unstruct::ZRFxBlock> SampleBlock(int type, int id);
+
+/// The types of which there are blocks.
+std::vector<int> StoredTypes();
+
+}  // namespace test
