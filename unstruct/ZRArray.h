@@ -67,7 +67,9 @@ public:
     }
 
     /// Makes room for `count` items in all, without changing the size.
-    bool Reserve(std::int64_t count) { return count <= m_nAllocated || Reallocate(count); }
+    bool Reserve(std::int64_t count) {
+        return count <= m_nAllocated || Reallocate(count > m_nSize ? count : m_nSize);
+    }
 
     bool SetSize(std::int64_t count) {
         if (count < 0 || !Reserve(count)) return false;
