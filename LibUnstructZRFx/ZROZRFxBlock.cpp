@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <utility>
 
 #include "ZROZRFxDatabase.h"
 #include "ZROZRFxFileRecord.h"
@@ -21,14 +22,13 @@ bool ZRFxBlock::ReadBlock() {
     nvf::XmlDocument doc;
     const nvf::XmlElement root = GetRootElement(&doc);
     if (root.isNull()) return Log().fail("Invalid XML");
-    if (!DoReadBlock(root)) return false;
-    m_bRead = true;
-    return true;
+    m_bRead = DoReadBlock(root);  // filling the block from a damaged document set it on the way
+    return m_bRead;
 }
 
 bool ZRFxBlock::WriteBlock() {
     NVF_ASSERT(m_pDatabase);
-    if (!m_pDatabase) return false;
+    if (!m_pDatabase || !CheckContents()) return false;
     nvf::XmlDocument doc;
     if (!DoWriteBlock(CreateRootElement(&doc))) return false;
     return WriteXml(doc) || Log().fail("File write error");
@@ -36,13 +36,18 @@ bool ZRFxBlock::WriteBlock() {
 
 bool ZRFxBlock::WriteBlock(ZRFxDatabase* pDatabase) {
     NVF_ASSERT(pDatabase);
-    if (!pDatabase) return false;
-    ZRFxDatabase* const pOwnDatabase = m_pDatabase;
+    if (!pDatabase || !CheckContents()) return false;
+    // Keeps this block alive where it is itself the entry that the database replaces.
+    const nvf::ref<ZRFxBlock> replaced = pDatabase->GetBlockByID(m_iType, m_iID);
+    if (!pDatabase->RemoveBlockFiles(*this)) return false;
+    ZRFxDatabase* const pOwnDatabase = std::exchange(m_pDatabase, pDatabase);
     const ZRString ownFileName = m_sFileName;
-    m_pDatabase = pDatabase;
-    const bool isWritten = pDatabase->RemoveBlockFiles(*this) && WriteBlock();
+    pDatabase->SetReplacing(true);
+    const bool isWritten = WriteBlock();
+    pDatabase->SetReplacing(false);
     m_pDatabase = pOwnDatabase;
     if (pDatabase != pOwnDatabase) m_sFileName = ownFileName;
+    if (!isWritten) pDatabase->RemoveBlock(*this);
     return isWritten;
 }
 
@@ -125,7 +130,10 @@ bool ZRFxBlock::CheckIndices(const ZRString& file, const char* what,
 
 nvf::XmlElement ZRFxBlock::GetRootElement(nvf::XmlDocument* pDoc) const {
     NVF_ASSERT(pDoc);
-    if (!pDoc || !m_pDatabase->ReadXmlFile(m_sFileName, pDoc)) return nvf::XmlElement();
+    NVF_ASSERT(m_pDatabase);
+    if (!pDoc || !m_pDatabase || !m_pDatabase->ReadXmlFile(m_sFileName, pDoc)) {
+        return nvf::XmlElement();
+    }
     const ZRString typeName = ZRFxBlockTypeName(m_iType);
     const nvf::XmlElement root = pDoc->getRootElement(typeName.CStr());
     if (root.isNull()) {
@@ -149,6 +157,7 @@ nvf::XmlElement ZRFxBlock::CreateRootElement(nvf::XmlDocument* pDoc) const {
 }
 
 bool ZRFxBlock::WriteXml(const nvf::XmlDocument& doc) {
+    const nvf::ref<ZRFxBlock> replaced = m_pDatabase->GetBlockByID(m_iType, m_iID);
     const ZRString fileName = m_pDatabase->EntryName(GetFilebase() + ".xml");
     if (!m_pDatabase->WriteBlock(ZRFxBlockTypeName(m_iType), m_iID, fileName, doc, true)) {
         return false;

@@ -34,7 +34,8 @@ public:
     virtual bool WriteBlock();
 
     /// Writes into a database, in place of the block of this type and id that it may hold. The
-    /// block stays attached to its own database.
+    /// block stays attached to its own database. Contents that cannot be stored leave the database
+    /// as it is; when its archive fails, neither the old nor the new block is in it.
     bool WriteBlock(ZRFxDatabase* pDatabase);
 
     /// Drops what was loaded, so that the next ReadBlock reads again.
@@ -60,6 +61,9 @@ protected:
 
     /// Reads what lies below the root, data files included.
     virtual bool DoReadBlock(const nvf::XmlElement& root) = 0;
+
+    /// Whether the contents can be stored; called before anything is written.
+    virtual bool CheckContents() const { return true; }
 
     /// Writes the data files and what lies below the root.
     virtual bool DoWriteBlock(nvf::XmlElement root) = 0;

@@ -102,7 +102,7 @@ bool ZRFxDataFolder::WriteData(const ZRString& name, const ZRUbyteArray& data) {
 }
 
 bool ZRFxDataFolder::WriteDataString(const ZRString& name, const ZRString& text) {
-    return GetAccess() && m_pAccess->WriteDataString(EntryToWrite(name), text);
+    return PrepareToWrite(name) && m_pAccess->WriteDataString(EntryToWrite(name), text);
 }
 
 bool ZRFxDataFolder::ReadDataInt(const ZRString& name, std::int64_t numItems,
@@ -193,8 +193,17 @@ ZRFxAccess* ZRFxDataFolder::GetAccess() const {
     return m_pAccess;
 }
 
+bool ZRFxDataFolder::RemoveDataFile(const ZRString& name) {
+    return GetAccess() && m_pAccess->RemoveFile(EntryName(name) + ".dat") &&
+           m_pAccess->RemoveFile(EntryName(name) + ".txt");
+}
+
 ZRString ZRFxDataFolder::EntryName(const ZRString& name) const {
     return m_sFolder + std::string(1, kFolderSeparator) + name;
+}
+
+bool ZRFxDataFolder::PrepareToWrite(const ZRString& name) {
+    return GetAccess() && (!m_bReplacing || RemoveDataFile(name));
 }
 
 ZRString ZRFxDataFolder::EntryToWrite(const ZRString& name) const {
@@ -219,7 +228,7 @@ template <typename Item, typename AppendLine>
 bool ZRFxDataFolder::WriteItems(const ZRString& name, const ZRArray<Item>& data,
                                 WriteBinary<Item> writeBinary, const WriteMessages& messages,
                                 AppendLine appendLine) {
-    if (!GetAccess()) return false;
+    if (!PrepareToWrite(name)) return false;
     if (!m_bTextMode) {
         return (m_pAccess->*writeBinary)(EntryToWrite(name), data) || Log().fail(messages.binary);
     }

@@ -10,7 +10,7 @@
 namespace unstruct {
 
 /// The data files of one folder of the archive, in binary or text form. Names are base names,
-/// without folder and extension. Writing does not replace a file. Reading finds a file in either
+/// without folder and extension. Writing does not replace a file, unless told to. Reading finds a file in either
 /// form, takes a name with extension as it stands, and fails, with the array empty, when it does
 /// not hold the number of items that is expected. Every operation that fails logs why and gives
 /// false. Uses an archive that its owner keeps open. Used by one thread at a time.
@@ -49,6 +49,12 @@ public:
     /// Set it before anything is written.
     void SetTextMode(bool textMode) { m_bTextMode = textMode; }
 
+    /// While set, writing replaces the file of a name, in either form.
+    void SetReplacing(bool replacing) { m_bReplacing = replacing; }
+
+    /// Removes the file of a name, in either form; that there is none is no failure.
+    bool RemoveDataFile(const ZRString& name);
+
     /// The whole name of an entry of the folder.
     ZRString EntryName(const ZRString& name) const;
 
@@ -72,6 +78,7 @@ private:
     template <typename Item>
     using ReadBinary = bool (ZRFxAccess::*)(const ZRString& entry, ZRArray<Item>* data);
 
+    bool PrepareToWrite(const ZRString& name);
     ZRString EntryToWrite(const ZRString& name) const;
     ZRString EntryToRead(const ZRString& name) const;
     template <typename Item, typename AppendLine>
@@ -87,6 +94,7 @@ private:
     ZRFxAccess* m_pAccess;
     ZRString m_sFolder;
     bool m_bTextMode = false;
+    bool m_bReplacing = false;
     nvf::ref<nvf::Logger> m_logger;
 };
 

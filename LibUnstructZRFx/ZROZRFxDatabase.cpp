@@ -26,6 +26,19 @@ auto positionOf(BlockArray& blocks, int id) {
                             [](const auto& block, int wanted) { return block->GetID() < wanted; });
 }
 
+// The data files that an element and those below it record, as far as they are named as the files
+// of the block are: a document may refer to the files of another block, which stay.
+void collectFiles(const nvf::XmlElement& element, const ZRString& base, ZRStringArray* names) {
+    for (const char* attribute : {"Filename", "IDs"}) {
+        const ZRString name = GetAttribute(element, attribute);
+        if (name == base || name.StartsWith(base.Bytes() + "-")) names->push_back(name);
+    }
+    for (nvf::XmlElement child = element.firstChildElement(); child.notNull();
+         child = child.nextSiblingElement()) {
+        collectFiles(child, base, names);
+    }
+}
+
 bool isBlockDocument(const ZRString& entry) {
     const ZRString name = entry.FileName().ToLower();
     return name.Extension() == ".xml" && name != "database.xml" && name != "database-toc.xml";
@@ -80,7 +93,8 @@ bool ZRFxDatabase::WriteTOC() {
 
 bool ZRFxDatabase::WriteBlock(const ZRString& typeName, int id, const ZRString& fileName,
                               const nvf::XmlDocument& xmlDoc, bool overwrite) {
-    if (!GetAccess() || !GetAccess()->WriteXmlFile(fileName, xmlDoc, overwrite)) {
+    const bool isBlock = id >= 0 && ZRFxBlock::IsStored(ZRFxBlockTypeFromName(typeName));
+    if (!isBlock || !GetAccess() || !GetAccess()->WriteXmlFile(fileName, xmlDoc, overwrite)) {
         return Log().fail("Error writing block xml file (type '%1' ID %2)", typeName, id);
     }
     EnterInTOC(typeName, id, fileName);
@@ -90,13 +104,31 @@ bool ZRFxDatabase::WriteBlock(const ZRString& typeName, int id, const ZRString& 
 
 bool ZRFxDatabase::RemoveBlockFiles(const ZRFxBlock& block) {
     const ZRFxBlock* written = GetBlockByID(block.GetType(), block.GetID());
-    if (!written) return true;
+    if (!written || !GetAccess()) return true;
+    nvf::XmlDocument doc;
     ZRStringArray files;
-    const ZRString base = EntryName(block.GetFilebase());
-    if (!GetAccess()->FindFilesOfBase(base, &files)) return false;
-    files.push_back(written->GetFileName());
+    if (ReadXmlFile(written->GetFileName(), &doc)) {
+        collectFiles(doc.getRootElement(), block.GetFilebase(), &files);
+    }
     return std::all_of(files.begin(), files.end(),
-                       [&](const ZRString& file) { return GetAccess()->RemoveFile(file); });
+                       [&](const ZRString& file) { return RemoveDataFile(file); }) &&
+           GetAccess()->RemoveFile(EntryName(block.GetFilebase()) + ".xml") &&
+           GetAccess()->RemoveFile(written->GetFileName());
+}
+
+void ZRFxDatabase::RemoveBlock(const ZRFxBlock& block) {
+    if (!GetAccess() || !GetAccess()->IsOpen() || GetAccess()->IsReadOnly()) return;
+    ZRStringArray files;
+    GetAccess()->FindFilesOfBase(EntryName(block.GetFilebase()), &files);
+    for (const ZRString& file : files) GetAccess()->RemoveFile(file);
+    const auto line = m_tocLines.find({block.GetType(), block.GetID()});
+    if (line != m_tocLines.end()) {
+        m_pTOC->getRootElement().removeChildElement(line->second);
+        m_tocLines.erase(line);
+    }
+    if (!GetBlockByID(block.GetType(), block.GetID())) return;
+    BlockArray& blocks = m_apBlocks[static_cast<std::size_t>(block.GetType())];
+    blocks.erase(positionOf(blocks, block.GetID()));
 }
 
 bool ZRFxDatabase::AddBlock(ZRFxBlock* block, bool* replaced) {

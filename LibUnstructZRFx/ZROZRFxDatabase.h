@@ -37,13 +37,18 @@ public:
     bool WriteTOC();
 
     /// Stores a block's document and enters it in the table of contents, where each type and id
-    /// stands once. Called by blocks.
+    /// stands once. Fails for a type without blocks and for a negative id, with which the database
+    /// could not be opened again. Called by blocks.
     bool WriteBlock(const ZRString& typeName, int id, const ZRString& fileName,
                     const nvf::XmlDocument& xmlDoc, bool overwrite);
 
     /// Removes document and data files that the block of this type and id has in this database, so
-    /// that they can be written again.
+    /// that they can be written again; what a block takes to find them does not grow with the file.
     bool RemoveBlockFiles(const ZRFxBlock& block);
+
+    /// Removes all that is left of the block of this type and id after it was written in part: its
+    /// files, its entry and its line in the table of contents.
+    void RemoveBlock(const ZRFxBlock& block);
 
     /// Adds an entry, and takes out the one of the same type and id if there is one.
     bool AddBlock(ZRFxBlock* block, bool* replaced);

@@ -43,6 +43,18 @@ bool ZRFxIndexedFaceSetBlock::DoReadBlock(const nvf::XmlElement& root) {
            Log().fail("Error reading IFS IDs");
 }
 
+bool ZRFxIndexedFaceSetBlock::CheckContents() const {
+    std::int64_t previous = 0;
+    bool areRanges = true;
+    for (const std::int32_t start : m_aiPolygonStart) {
+        areRanges = areRanges && start >= previous;
+        previous = start;
+    }
+    areRanges = areRanges && previous <= m_aiConnects.GetSize();
+    NVF_ASSERT_MESSAGE(areRanges, "Internal ZRF Error!");
+    return areRanges;
+}
+
 bool ZRFxIndexedFaceSetBlock::DoWriteBlock(nvf::XmlElement root) {
     root.setAttributeInt("NodeBlock", m_iNodeBlockID);
     root.setAttributeBool("MapToNodeIDs", m_bMapToNodeIDs);
@@ -72,9 +84,6 @@ bool ZRFxIndexedFaceSetBlock::Pack(ZRIntArray* packed) const {
         const std::int64_t begin = m_aiPolygonStart[i];
         const std::int64_t end =
             i + 1 < GetNumPolygons() ? m_aiPolygonStart[i + 1] : m_aiConnects.GetSize();
-        const bool isRange = begin >= 0 && begin <= end && end <= m_aiConnects.GetSize();
-        NVF_ASSERT_MESSAGE(isRange, "Internal ZRF Error!");
-        if (!isRange) return false;
         packed->Add(static_cast<std::int32_t>(end - begin));
         for (std::int64_t at = begin; at < end; ++at) packed->Add(m_aiConnects[at] + offset);
     }
@@ -92,7 +101,8 @@ bool ZRFxIndexedFaceSetBlock::Unpack(const ZRString& file, const ZRIntArray& pac
         }
         m_aiPolygonStart.Add(static_cast<std::int32_t>(m_aiConnects.GetSize()));
         for (const std::int64_t end = at + count; at < end; ++at) {
-            m_aiConnects.Add(static_cast<std::int32_t>(std::int64_t{packed[at]} - offset));
+            // The lowest value stays negative.
+            m_aiConnects.Add(packed[at] < 0 ? packed[at] : packed[at] - offset);
         }
     }
     if (GetNumPolygons() != numPolygons) {

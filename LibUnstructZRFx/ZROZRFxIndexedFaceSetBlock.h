@@ -34,6 +34,7 @@ public:
 
 protected:
     bool DoReadBlock(const nvf::XmlElement& root) override;
+    bool CheckContents() const override;
     bool DoWriteBlock(nvf::XmlElement root) override;
     void DoUnloadData() override;
 

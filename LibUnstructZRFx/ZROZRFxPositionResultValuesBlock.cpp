@@ -65,9 +65,14 @@ bool ZRFxPositionResultValuesBlock::DoReadBlock(const nvf::XmlElement& root) {
     return CheckIndices(GetFileName(), "element index", m_aiElementIndices) && ReadResults(root);
 }
 
-bool ZRFxPositionResultValuesBlock::DoWriteBlock(nvf::XmlElement root) {
+bool ZRFxPositionResultValuesBlock::CheckContents() const {
     if (m_iDimension != 1 && m_iDimension != 3) return Log().fail("Result has illegal dimension.");
     if (m_iMapToBlockID < 0) return Log().fail("No map to block ID (element) specified.");
+    return m_aiElementIndices.GetSize() == m_positions.GetSize() ||
+           Log().fail("Num IDs differs from num. results");
+}
+
+bool ZRFxPositionResultValuesBlock::DoWriteBlock(nvf::XmlElement root) {
     root.setAttributeInt("Dimension", m_iDimension);
     root.setAttributeInt("MapToBlockID", m_iMapToBlockID);
     root.setAttributeBool("GlobalPositions", m_bGlobalPositions);
@@ -75,11 +80,8 @@ bool ZRFxPositionResultValuesBlock::DoWriteBlock(nvf::XmlElement root) {
     SetAttribute(root, "VectorColor", m_vectorColor);
     root.setAttributeFloat("ScalingFactor", m_fScalingFactor);
     const ZRString base = GetFilebase();
-    if (!WriteFile(root, "Positions", base + "-Positions", m_positions)) return false;
-    if (m_aiElementIndices.GetSize() != m_positions.GetSize()) {
-        return Log().fail("Num IDs differs from num. results");
-    }
-    return WriteFile(root, "ElementIndices", base + "-PositionIDs", m_aiElementIndices) &&
+    return WriteFile(root, "Positions", base + "-Positions", m_positions) &&
+           WriteFile(root, "ElementIndices", base + "-PositionIDs", m_aiElementIndices) &&
            WriteResults(root);
 }
 

@@ -71,6 +71,12 @@ bool ZRFxResultValuesBlock::DoReadBlock(const nvf::XmlElement& root) {
     return true;
 }
 
+bool ZRFxResultValuesBlock::CheckContents() const {
+    const bool areTensors = m_iNumDimensions != 6 || m_afResults.GetSize() % 6 == 0;
+    NVF_ASSERT(areTensors);
+    return areTensors;
+}
+
 bool ZRFxResultValuesBlock::DoWriteBlock(nvf::XmlElement root) {
     root.setAttributeInt("MapToBlockID", m_iMapToBlockID);
     root.setAttributeInt("NumDimensions", m_iNumDimensions);

@@ -42,8 +42,11 @@ bool ZRFxSetBlock::DoReadBlock(const nvf::XmlElement& root) {
            FailUnfit(GetFileName(), "items", CountItems(), m_iStoredNumItems);
 }
 
+bool ZRFxSetBlock::CheckContents() const {
+    return m_iItemType == kItemTypeElement || Log().fail("Only element sets are supported");
+}
+
 bool ZRFxSetBlock::DoWriteBlock(nvf::XmlElement root) {
-    if (m_iItemType != kItemTypeElement) return Log().fail("Only element sets are supported");
     root.setAttributeInt("SetID", m_iSetID);
     SetAttribute(root, "Name", m_sName);
     root.setAttributeBool("ItemsSpecifiedAsIDs", m_bItemsSpecifiedAsIDs);
