@@ -250,14 +250,14 @@ bool ZRFxAccess::WriteXmlFile(const ZRString& name, const nvf::XmlDocument& doc,
     if (!IsOpen()) return m_logger->fail("Cannot write Xml file '%1', archive is not open.", name);
     if (m_readOnly) return m_logger->fail("The file is read only.");
     if (name.IsBlank()) return m_logger->fail("No filename specified.");
-    const bool isThere = m_pArchive->Contains(name.Bytes());
+    const bool isThere = m_pArchive->Contains(EntryOf(name));
     if (isThere && !overwrite) {
         return m_logger->fail("Xml file '%1' exists in archive, and overwrite flag is not set",
                               name);
     }
     const std::string text = doc.toUtf8();
-    if (isThere && !m_pArchive->Remove(name.Bytes())) {
-        return FailWithCause("Could not write Xml file '%1' to archive", name);
+    if (isThere && !RemoveFile(name)) {
+        return m_logger->fail("Could not write Xml file '%1' to archive", name);
     }
     return m_pArchive->Add(name.Bytes(), text.data(), text.size(), m_compressionLevel) ||
            FailWithCause("Could not write Xml file '%1' to archive", name);
@@ -305,7 +305,7 @@ bool ZRFxAccess::WriteDataRaw(const ZRString& name, const void* data, std::size_
                FailWithCause("Could not add empty file '%1' to archive", name);
     }
     if ((overwrite || m_alwaysOverwrite) && !RemoveFile(name)) {
-        return FailWithCause("Could not add file '%1' to archive", name);
+        return m_logger->fail("Could not add file '%1' to archive", name);
     }
     return m_pArchive->Add(name.Bytes(), data, numBytes, m_compressionLevel) ||
            FailWithCause("Could not add file '%1' to archive", name);
@@ -353,8 +353,8 @@ bool ZRFxAccess::ReadDataString(const ZRString& name, ZRString* text) {
     NVF_ASSERT(text);
     ZRUbyteArray bytes;
     if (!text || !ReadData(name, &bytes)) return false;
-    const std::string found(bytes.begin(), bytes.end());
-    *text = found.c_str();  // an empty string is one zero byte
+    const bool isEmpty = bytes.GetSize() == 1 && bytes[0] == 0;
+    *text = isEmpty ? ZRString() : ZRString(std::string(bytes.begin(), bytes.end()));
     return true;
 }
 
@@ -428,8 +428,12 @@ std::int32_t ZRFxAccess::InternalFindFile(const ZRString& name, LogMode logMode)
 
 bool ZRFxAccess::RemoveFile(const ZRString& name) {
     if (!CheckWritable(name)) return false;
-    return !m_pArchive->Contains(name.Bytes()) || m_pArchive->Remove(name.Bytes()) ||
-           FailWithCause("Could not remove file '%1' from archive", name);
+    for (std::string entry = EntryOf(name); m_pArchive->Contains(entry); entry = EntryOf(name)) {
+        if (!m_pArchive->Remove(entry)) {
+            return FailWithCause("Could not remove file '%1' from archive", name);
+        }
+    }
+    return true;
 }
 
 bool ZRFxAccess::FindFiles(const ZRString& folder, bool descend, ZRStringArray* names) {
@@ -444,7 +448,10 @@ bool ZRFxAccess::FindFiles(const ZRString& folder, bool descend, ZRStringArray* 
 bool ZRFxAccess::FindFilesOfBase(const ZRString& base, ZRStringArray* names) {
     return ForEachName(names, [&](const std::string& name) {
         const std::size_t length = base.Bytes().size();
-        if (name.size() <= length || !name.starts_with(base.Bytes())) return;
+        if (name.size() <= length ||
+            withSlashes(name.substr(0, length)) != withSlashes(base.Bytes())) {
+            return;
+        }
         if (name[length] == '.' || name[length] == '-') names->push_back(name);
     });
 }
