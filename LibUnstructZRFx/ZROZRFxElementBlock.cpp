@@ -1,5 +1,7 @@
 #include "ZROZRFxElementBlock.h"
 
+#include <algorithm>
+#include <limits>
 #include <numeric>
 #include <utility>
 
@@ -14,13 +16,14 @@ std::int64_t sumOf(const ZRIntArray& counts) {
     return std::accumulate(counts.begin(), counts.end(), std::int64_t{0});
 }
 
-bool addToAll(std::int32_t value, ZRIntArray* items) {
+bool addToAll(std::int64_t value, ZRIntArray* items) {
     std::int32_t* data = items->WritableData();
     if (!data && !items->IsEmpty()) return false;
+    constexpr std::int64_t kLowest = std::numeric_limits<std::int32_t>::min();
+    constexpr std::int64_t kHighest = std::numeric_limits<std::int32_t>::max();
     for (std::int64_t i = 0; i < items->GetSize(); ++i) {
-        // Unsigned, since a file may hold any value.
-        data[i] = static_cast<std::int32_t>(static_cast<std::uint32_t>(data[i]) +
-                                            static_cast<std::uint32_t>(value));
+        // A file may hold any value; the lowest stays negative.
+        data[i] = static_cast<std::int32_t>(std::clamp(data[i] + value, kLowest, kHighest));
     }
     return true;
 }
@@ -245,8 +248,11 @@ bool ZRFxElementBlock::ReadConnectivity(const nvf::XmlElement& element, const ZR
 
 bool ZRFxElementBlock::ReadElementIndices(const nvf::XmlElement& element,
                                           ZRFxElementBlockGroup* group) {
+    if (element.firstChildElement("ElementIndices").isNull()) return true;
     ZRFxFileRecord file;
-    if (!GetFileRecord(element, "ElementIndices", &file)) return true;
+    if (!GetFileRecord(element, "ElementIndices", &file)) {
+        return Log().fail("Error reading element indices");
+    }
     if (file.numItems != group->m_iNumElements) {
         return FailUnfit(file.filename, "element indices", file.numItems, group->m_iNumElements);
     }
@@ -257,8 +263,11 @@ bool ZRFxElementBlock::ReadElementIndices(const nvf::XmlElement& element,
 }
 
 bool ZRFxElementBlock::ReadExpansion(const nvf::XmlElement& element, ZRFxElementBlockGroup* group) {
+    if (element.firstChildElement("ElementToCrossSectionMapping").isNull()) return true;
     ZRFxFileRecord mapping;
-    if (!GetFileRecord(element, "ElementToCrossSectionMapping", &mapping)) return true;
+    if (!GetFileRecord(element, "ElementToCrossSectionMapping", &mapping)) {
+        return Log().fail("Error reading element data");
+    }
     if (mapping.numItems != group->m_iNumElements) {
         return FailUnfit(mapping.filename, "cross section indices", mapping.numItems,
                          group->m_iNumElements);
@@ -267,6 +276,11 @@ bool ZRFxElementBlock::ReadExpansion(const nvf::XmlElement& element, ZRFxElement
         !ReadFile(element, "Directions", &group->m_aDirections) ||
         !ReadFile(element, "Eccentricities", &group->m_aEccentricities)) {
         return Log().fail("Error reading element data");
+    }
+    const std::int64_t numEccentricities = m_iNumEccPerElement * group->m_iNumElements;
+    if (group->m_aEccentricities.GetSize() != numEccentricities) {
+        return FailUnfit(GetFileName(), "eccentricities", group->m_aEccentricities.GetSize(),
+                         numEccentricities);
     }
     return CheckIndices(mapping.filename, "cross section index", group->m_aiExpansionMapping);
 }

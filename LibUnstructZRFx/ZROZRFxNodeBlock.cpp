@@ -1,5 +1,6 @@
 #include "ZROZRFxNodeBlock.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "ZROZRFxDatabase.h"
@@ -43,7 +44,7 @@ std::int64_t ZRFxNodeBlock::GetNumNodes() const {
     if (file.isNull()) return 0;
     const bool bFound = file.hasAttribute("NumItems");
     NVF_ASSERT(bFound);
-    return file.getAttributeInt("NumItems", 0);
+    return std::max(file.getAttributeInt("NumItems", 0), 0);
 }
 
 std::int64_t ZRFxNodeBlock::GetNodeIndex(std::int32_t id) const {
@@ -57,8 +58,9 @@ bool ZRFxNodeBlock::DoReadBlock(const nvf::XmlElement& root) {
     ZRVec3fArray nodes;
     std::unique_ptr<ZRIntArray> ids;
     ZRFxFileRecord file;
-    if (GetFileRecord(root, "File", &file)) {
-        if (!m_pDatabase->ReadDataVector(file.filename, file.numItems, &nodes)) {
+    if (root.firstChildElement("File").notNull()) {
+        if (!GetFileRecord(root, "File", &file) ||
+            !m_pDatabase->ReadDataVector(file.filename, file.numItems, &nodes)) {
             return Log().fail("Error reading node data");
         }
         if (hasIDs && !file.ids.IsBlank()) {
