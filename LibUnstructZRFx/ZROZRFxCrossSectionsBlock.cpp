@@ -94,7 +94,7 @@ bool ZRFxCrossSectionsBlock::ReadCrossSection(const nvf::XmlElement& element) {
     for (const std::string& name : element.attributeNamesUtf8()) {
         if (name == kTypeAttribute) continue;
         float value = 0;
-        if (!nvf::parseNumber(element.getAttributeUtf8(name.c_str(), ""), value)) return false;
+        if (!isParameterName(name) || !nvf::parseNumber(element.getAttributeUtf8(name.c_str(), ""), value)) return false;
         names.push_back(name);
         values.push_back(value);
     }

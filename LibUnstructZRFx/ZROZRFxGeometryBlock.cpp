@@ -2,8 +2,11 @@
 
 #include <algorithm>
 #include <memory>
+#include <set>
+#include <string_view>
 
 #include "ZROZRFxXml.h"
+#include "nvf/Number.h"
 
 namespace unstruct {
 namespace {
@@ -13,24 +16,32 @@ using ZRint = int;
 constexpr const char* kLegacyIDs = "VexlynAPIGeometryIDs";
 
 // Takes the next number off the front of a list with blanks between; -1 when there is none.
-int takeNumber(nvf::String& list) {
-    const std::vector<nvf::String> words = list.split(" ");
-    bool isNumber = false;
-    const int number = words.front().toInt(&isNumber);
-    list = nvf::String(
-        list.text().substr(std::min(list.text().size(), words.front().text().size() + 1)));
-    return isNumber ? number : -1;
+int takeNumber(std::string_view& list) {
+    const std::string_view word = list.substr(0, list.find(' '));
+    list.remove_prefix(std::min(word.size() + 1, list.size()));
+    int number = -1;
+    return nvf::parseNumber(word, number) ? number : -1;
 }
 
 }  // namespace
 
+const std::vector<ZRFxGeometryPart>& ZRFxGeometryParts::operator[](int iGlobalGeometryIndex) const {
+    static const std::vector<ZRFxGeometryPart> kNoParts;
+    const auto found = m_parts.find(iGlobalGeometryIndex);
+    return found == m_parts.end() ? kNoParts : found->second;
+}
+
+void ZRFxGeometryParts::Add(int iGlobalGeometryIndex, const ZRFxGeometryPart& part) {
+    m_parts[iGlobalGeometryIndex].push_back(part);
+}
+
 ZRFxGeometryState::ZRFxGeometryState(int stateID, int geometryCountPerState)
     : m_iStateID(stateID),
-      m_geometryParts(static_cast<std::size_t>(std::max(geometryCountPerState, 0))) {}
+      m_iGeometryCountPerState(std::max(geometryCountPerState, 0)) {}
 
 int ZRFxGeometryState::GetPartCount(int iGlobalGeometryIndex) const {
     if (!IsGeometry(iGlobalGeometryIndex)) return 0;
-    return static_cast<int>(m_geometryParts[static_cast<std::size_t>(iGlobalGeometryIndex)].size());
+    return static_cast<int>(m_geometryParts[iGlobalGeometryIndex].size());
 }
 
 ZRFxGeometryPart ZRFxGeometryState::GetPart(int iGlobalGeometryIndex, int iPartIndex) const {
@@ -39,13 +50,12 @@ ZRFxGeometryPart ZRFxGeometryState::GetPart(int iGlobalGeometryIndex, int iPartI
     NVF_ASSERT(iPartIndex >= 0 && iPartIndex < static_cast<ZRint>(m_geometryParts[iGlobalGeometryIndex].size()));
     // clang-format on
     if (iPartIndex < 0 || iPartIndex >= GetPartCount(iGlobalGeometryIndex)) return {};
-    return m_geometryParts[static_cast<std::size_t>(iGlobalGeometryIndex)]
-                          [static_cast<std::size_t>(iPartIndex)];
+    return m_geometryParts[iGlobalGeometryIndex][static_cast<std::size_t>(iPartIndex)];
 }
 
 bool ZRFxGeometryState::AddPart(int iGlobalGeometryIndex, const ZRFxGeometryPart& part) {
     if (!IsGeometry(iGlobalGeometryIndex)) return false;
-    m_geometryParts[static_cast<std::size_t>(iGlobalGeometryIndex)].push_back(part);
+    m_geometryParts.Add(iGlobalGeometryIndex, part);
     return true;
 }
 
@@ -80,13 +90,14 @@ bool ZRFxGeometryBlock::GetLegacyGeometryInfo(ZRFxGeometryInfoBlock* pGeometryIn
     if (root.isNull()) return Log().fail("Invalid XML");
     pGeometryInfo->SetGeometryCountPerState(1);
     ZRFxPartInfos* parts = pGeometryInfo->GetPartInfos(0);
+    std::set<int> partIDs;
     for (nvf::XmlElement state = root.firstChildElement("State"); state.notNull();
          state = state.nextSiblingElement("State")) {
         for (nvf::XmlElement element = state.firstChildElement(); element.notNull();
              element = element.nextSiblingElement()) {
             ZRFxGeometryPart part;
             if (!ReadPart(element, &part)) return false;
-            if (parts->HasPart(part.partID)) continue;
+            if (!partIDs.insert(part.partID).second) continue;
             parts->AddPartInfo({part.partID, -1, GetAttribute(element, "PartName"), false});
         }
     }
@@ -166,7 +177,7 @@ bool ZRFxGeometryBlock::ReadGeometries(const nvf::XmlElement& element, ZRFxGeome
 // ids as a list of numbers in an attribute of it.
 bool ZRFxGeometryBlock::ReadLegacyParts(const nvf::XmlElement& element, ZRFxGeometryState* pState) {
     NVF_ASSERT(m_iGeometryCountPerState == 1);
-    nvf::String geometryIDs = element.getAttributeString(kLegacyIDs, "");
+    std::string_view geometryIDs = element.getAttributeUtf8(kLegacyIDs, "");
     for (nvf::XmlElement child = element.firstChildElement(); child.notNull();
          child = child.nextSiblingElement()) {
         ZRFxGeometryPart part;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <vector>
 
 #include "ZROZRFxBlock.h"
@@ -17,13 +18,24 @@ struct ZRFxGeometryPart {
     int partID = -1;
 };
 
+/// The parts of each geometry of one state. Takes memory only for geometries that have parts, since
+/// a document can claim many more.
+class ZRFxGeometryParts {
+public:
+    const std::vector<ZRFxGeometryPart>& operator[](int iGlobalGeometryIndex) const;
+    void Add(int iGlobalGeometryIndex, const ZRFxGeometryPart& part);
+
+private:
+    std::map<int, std::vector<ZRFxGeometryPart>> m_parts;
+};
+
 /// The parts of every geometry in one state.
 class ZRFxGeometryState {
 public:
     ZRFxGeometryState(int stateID, int geometryCountPerState);
 
     int GetStateID() const { return m_iStateID; }
-    int GetGeometryCountPerState() const { return static_cast<int>(m_geometryParts.size()); }
+    int GetGeometryCountPerState() const { return m_iGeometryCountPerState; }
 
     /// The number of parts of a geometry; 0 after an assertion when there is no such geometry.
     int GetPartCount(int iGlobalGeometryIndex) const;
@@ -38,7 +50,8 @@ private:
     bool IsGeometry(int iGlobalGeometryIndex) const;
 
     int m_iStateID;
-    std::vector<std::vector<ZRFxGeometryPart>> m_geometryParts;
+    int m_iGeometryCountPerState;
+    ZRFxGeometryParts m_geometryParts;
 };
 
 /// Which blocks make up the model, as geometries made of parts: for each state, or once for all.

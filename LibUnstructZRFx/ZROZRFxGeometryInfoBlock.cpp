@@ -18,11 +18,6 @@ ZRFxPartInfo ZRFxPartInfos::GetPartInfo(int iIndex) const {
     return isPart ? m_partInfos[static_cast<std::size_t>(iIndex)] : ZRFxPartInfo();
 }
 
-bool ZRFxPartInfos::HasPart(int partID) const {
-    return std::any_of(m_partInfos.begin(), m_partInfos.end(),
-                       [&](const ZRFxPartInfo& info) { return info.partID == partID; });
-}
-
 ZRFxGeometryInfoBlock::ZRFxGeometryInfoBlock(ZRFxDatabase* pDatabase, int id)
     : ZRFxBlock(pDatabase, id, BLOCK_GEOMETRY_INFO) {}
 

@@ -25,7 +25,6 @@ public:
 
     /// An empty info after an assertion when there is no such part.
     ZRFxPartInfo GetPartInfo(int iIndex) const;
-    bool HasPart(int partID) const;
 
 private:
     std::vector<ZRFxPartInfo> m_partInfos;

@@ -126,7 +126,8 @@ bool ZRFxPositionResultValuesBlock::ReadResults(const nvf::XmlElement& root) {
         return Log().fail("Error reading position data");
     }
     return CheckCount("vector values", m_vectors.GetSize()) &&
-           CheckCount("vector types", m_aiVectorTypes.GetSize());
+           CheckCount("vector types", m_aiVectorTypes.GetSize()) &&
+           CheckCount("recorded vector types", types.numItems);
 }
 
 bool ZRFxPositionResultValuesBlock::CheckCount(const char* what, std::int64_t count) const {

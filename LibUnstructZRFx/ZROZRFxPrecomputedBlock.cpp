@@ -1,5 +1,6 @@
 #include "ZROZRFxPrecomputedBlock.h"
 
+#include <algorithm>
 #include <memory>
 
 #include "ZROZRFxXml.h"
@@ -26,7 +27,7 @@ bool ZRFxPrecomputedBlock::DoReadBlock(const nvf::XmlElement& root) {
         ZRFxPrecomputedState* pState = AddState(element.getAttributeInt("ID", -1));
         ReadTraces(element, pState);
         ReadParts(element, pState);
-        ReadGrids(element, pState);
+        if (!ReadGrids(element, pState)) return false;
     }
     return true;
 }
@@ -107,7 +108,7 @@ void ZRFxPrecomputedBlock::ReadParts(const nvf::XmlElement& element, ZRFxPrecomp
     }
 }
 
-void ZRFxPrecomputedBlock::ReadGrids(const nvf::XmlElement& element, ZRFxPrecomputedState* pState) {
+bool ZRFxPrecomputedBlock::ReadGrids(const nvf::XmlElement& element, ZRFxPrecomputedState* pState) {
     for (nvf::XmlElement grid = element.firstChildElement("Grid"); grid.notNull();
          grid = grid.nextSiblingElement("Grid")) {
         ZRFxPrecomputedGrid* pGrid = pState->apGrids.Add(std::make_unique<ZRFxPrecomputedGrid>());
@@ -117,7 +118,10 @@ void ZRFxPrecomputedBlock::ReadGrids(const nvf::XmlElement& element, ZRFxPrecomp
         pGrid->computedResultBlockID = grid.getAttributeInt("ComputedResultBlockID", -1);
         pGrid->scalarResultBlockID = grid.getAttributeInt("ScalarResultBlockID", -1);
         pGrid->vectorResultBlockID = grid.getAttributeInt("VectorResultBlockID", -1);
+        const int lowest = std::min(pGrid->numI, pGrid->numJ);
+        if (lowest < 0) return FailUnfit(GetFileName(), "grid lines", lowest, 0);
     }
+    return true;
 }
 
 }  // namespace unstruct

@@ -76,7 +76,7 @@ private:
     void WriteGrid(nvf::XmlElement state, const ZRFxPrecomputedGrid& grid);
     void ReadTraces(const nvf::XmlElement& element, ZRFxPrecomputedState* pState);
     void ReadParts(const nvf::XmlElement& element, ZRFxPrecomputedState* pState);
-    void ReadGrids(const nvf::XmlElement& element, ZRFxPrecomputedState* pState);
+    bool ReadGrids(const nvf::XmlElement& element, ZRFxPrecomputedState* pState);
 
     ZRPtrArray<ZRFxPrecomputedState> m_apStates;
 };
