@@ -4,7 +4,19 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
+#include "ZROZRFxCrossSectionsBlock.h"
+#include "ZROZRFxGeometryBlock.h"
+#include "ZROZRFxIndexedFaceSetBlock.h"
+#include "ZROZRFxNodeBlock.h"
+#include "ZROZRFxPositionResultValuesBlock.h"
+#include "ZROZRFxPrecomputedCuttingPlaneBlock.h"
+#include "ZROZRFxResultBlock.h"
+#include "ZROZRFxResultValuesBlock.h"
+#include "ZROZRFxSetBlock.h"
+#include "ZROZRFxStateInfoBlock.h"
+#include "ZROZRFxTransformationResultsBlock.h"
 #include "support/ArchiveTest.h"
 #include "support/SampleBlocks.h"
 
@@ -14,12 +26,34 @@ namespace {
 using test::Entries;
 using test::SampleBlock;
 
+std::string DocumentOf(int type) {
+    const std::string name = ZRFxBlockTypeName(type).Bytes();
+    return "Database001\\" + name + "\\" + name + "0001.xml";
+}
+
+// A system without memory for more than so many large buffers.
+class ShortOfMemory : public ZRFxSystem {
+public:
+    static constexpr int kEnough = 1 << 30;
+
+    ShortOfMemory() { Install(this); }
+    ~ShortOfMemory() { Install(nullptr); }
+    void* Allocate(std::size_t size) override {
+        return m_requestsLeft-- > 0 ? ZRFxSystem::Allocate(size) : nullptr;
+    }
+    void* Reallocate(void* buffer, std::size_t size) override {
+        return m_requestsLeft-- > 0 ? ZRFxSystem::Reallocate(buffer, size) : nullptr;
+    }
+
+    int m_requestsLeft = kEnough;
+};
+
 // A second archive of a test, with a database of the same id.
 struct Copy {
     Copy() {
         EXPECT_TRUE(access.Open(&file, ZRZipAccessMode::CREATE));
-        EXPECT_TRUE(access.WriteXmlFile(
-            "ZRF.xml", *ZRFxAccess::CreateMainDocument("", "", 0), false));
+        EXPECT_TRUE(access.WriteXmlFile("ZRF.xml", *ZRFxAccess::CreateMainDocument("", "", 0),
+                                        false));
         EXPECT_TRUE(test::CreateDatabase(database, 1));
     }
     Entries BlockEntries() {
@@ -50,17 +84,634 @@ TEST_P(BlockOfEachType, ReadBackAndWrittenAgainGivesTheSameEntries) {
         ASSERT_TRUE(block);
         EXPECT_FALSE(block->IsRead());
         ASSERT_TRUE(block->ReadBlock());
+        ASSERT_TRUE(block->ReadBlock());
         EXPECT_TRUE(block->IsRead());
         ASSERT_TRUE(block->WriteBlock(&second.database));
         ASSERT_TRUE(second.database.WriteTOC());
         EXPECT_EQ(block->GetDatabase(), &parsed);
         EXPECT_EQ(first.BlockEntries(), second.BlockEntries());
+        block->UnloadData();
+        EXPECT_FALSE(block->IsRead());
+        ASSERT_TRUE(block->ReadBlock());
+        ASSERT_TRUE(block->WriteBlock(&second.database));
+        ASSERT_TRUE(second.database.WriteTOC());
+        EXPECT_EQ(first.BlockEntries(), second.BlockEntries());
         ExpectTexts({"Parsing ZRFx file..."});
     }
 }
 
+TEST_P(BlockOfEachType, RewrittenBlockReplacesAllFilesWhateverItsFormWas) {
+    for (const bool wasText : {false, true}) {
+        for (const bool isText : {false, true}) {
+            Copy once;
+            once.database.SetTextMode(isText);
+            ASSERT_TRUE(SampleBlock(GetParam(), 1)->WriteBlock(&once.database));
+            Copy twice;
+            twice.database.SetTextMode(wasText);
+            ASSERT_TRUE(SampleBlock(GetParam(), 1)->WriteBlock(&twice.database));
+            twice.database.SetTextMode(isText);
+            ASSERT_TRUE(SampleBlock(GetParam(), 1)->WriteBlock(&twice.database));
+            EXPECT_EQ(twice.database.GetNumBlocks(), 1);
+            ASSERT_TRUE(once.database.WriteTOC());
+            ASSERT_TRUE(twice.database.WriteTOC());
+            EXPECT_EQ(once.BlockEntries(), twice.BlockEntries());
+        }
+    }
+}
+
+TEST_P(BlockOfEachType, RewrittenWithoutContentsLeavesNoOldFile) {
+    Write(SampleBlock(GetParam(), 1));
+    const nvf::ref<ZRFxBlock> empty = ZRFxBlock::Create(GetParam(), &m_database, 1);
+    if (auto* values = dynamic_cast<ZRFxPositionResultValuesBlock*>(empty.p())) {
+        values->m_iMapToBlockID = 1;
+    }
+    Write(empty);
+    Copy once;
+    ASSERT_TRUE(empty->WriteBlock(&once.database));
+    ASSERT_TRUE(once.database.WriteTOC());
+    ASSERT_TRUE(m_database.WriteTOC());
+    Entries entries = test::Unpack(m_access);
+    entries.erase("ZRF.xml");
+    EXPECT_EQ(entries, once.BlockEntries());
+    empty->UnloadData();
+    EXPECT_TRUE(empty->ReadBlock());
+}
+
+TEST_P(BlockOfEachType, DocumentOfAnotherBlockIsRefused) {
+    const std::string type = ZRFxBlockTypeName(GetParam()).Bytes();
+    const std::string entry = DocumentOf(GetParam());
+    const struct {
+        const char* bytes;
+        std::vector<std::string> messages;
+    } kCases[] = {
+        {"<Other ID=\"1\"/>",
+         {"Illegal root element in " + type + " block Xml '" + entry + "'", "Invalid XML"}},
+        {nullptr,
+         {type + " block ID 2 in '" + entry + "' does not match ID 1 in Database-TOC",
+          "Invalid XML"}},
+        {"<", {"", "Error parsing Xml contents", "Invalid XML"}},
+    };
+    const std::string ofSecond = "<" + type + " ID=\"2\"/>";
+    for (const auto& testCase : kCases) {
+        Put(entry, testCase.bytes ? testCase.bytes : ofSecond);
+        const nvf::ref<ZRFxBlock> block = ZRFxBlock::Create(GetParam(), &m_database, 1);
+        block->SetFileName(entry);
+        EXPECT_FALSE(block->ReadBlock());
+        std::vector<std::string> texts = TakeTexts();
+        if (testCase.messages.front().empty() && !texts.empty()) texts.front().clear();
+        EXPECT_EQ(texts, testCase.messages);
+    }
+}
+
+TEST_P(BlockOfEachType, WithoutDatabaseNothingIsDone) {
+    const nvf::ref<ZRFxBlock> block = ZRFxBlock::Create(GetParam(), nullptr, 1);
+    EXPECT_FALSE(block->ReadBlock());
+    ExpectAssertion("m_pDatabase");
+    EXPECT_FALSE(block->WriteBlock());
+    ExpectAssertion("m_pDatabase");
+    EXPECT_FALSE(block->WriteBlock(nullptr));
+    ExpectAssertion("pDatabase");
+    block->ReadMetaData();
+    TakeTexts();  // some have no meta data to read
+}
+
 INSTANTIATE_TEST_SUITE_P(All, BlockOfEachType, testing::ValuesIn(test::StoredTypes()),
                          [](const auto& test) { return ZRFxBlockTypeName(test.param).Bytes(); });
+
+// One fault in a sample block that was written in text form, and what reading it says.
+struct Damage {
+    const char* name;
+    int type;
+    const char* file;  // below the database's folder; null for the document
+    const char* from;  // null for the whole contents
+    const char* to;    // null to remove the file
+    std::vector<std::string> messages;
+};
+
+void PrintTo(const Damage& damage, std::ostream* stream) {
+    *stream << damage.name;
+}
+
+class DamagedBlock : public test::DatabaseTest, public testing::WithParamInterface<Damage> {};
+
+TEST_P(DamagedBlock, IsRefusedAndStaysUnread) {
+    const Damage& damage = GetParam();
+    m_database.SetTextMode(true);
+    Write(SampleBlock(damage.type, 1));
+    const std::string entry =
+        damage.file ? std::string("Database001\\") + damage.file : DocumentOf(damage.type);
+    if (!damage.to) {
+        ASSERT_TRUE(m_access.RemoveFile(entry));
+    } else if (!damage.from) {
+        Put(entry, damage.to);
+    } else {
+        Edit(entry, damage.from, damage.to);
+    }
+    ZRFxBlock* block = m_database.GetBlockByID(damage.type, 1);
+    for (int attempt = 0; attempt < 2; ++attempt) {
+        EXPECT_FALSE(block->ReadBlock());
+        EXPECT_FALSE(block->IsRead());
+        ExpectTexts(damage.messages);
+    }
+}
+
+const std::vector<Damage> kDamages = {
+    {"NodesMissing", BLOCK_NODES, "Nodes\\Nodes0001.txt", nullptr, nullptr,
+     {"Unable to read raw data from 'Database001\\Nodes\\Nodes0001.dat', file not found.",
+      "Could not read binary vector data.", "Error reading node data"}},
+    {"NodesOneTooFew", BLOCK_NODES, nullptr, "NumItems=\"3\"", "NumItems=\"4\"",
+     {"Number of specified items (4) does not match number of items (3) in "
+      "'Database001\\Nodes\\Nodes0001.txt'",
+      "Error reading node data"}},
+    {"NodesNegative", BLOCK_NODES, nullptr, "NumItems=\"3\"", "NumItems=\"-2147483648\"",
+     {"Number of specified items (-2147483648) does not match number of items (3) in "
+      "'Database001\\Nodes\\Nodes0001.txt'",
+      "Error reading node data"}},
+    {"NodesHuge", BLOCK_NODES, nullptr, "NumItems=\"3\"", "NumItems=\"99999999999\"",
+     {"Error reading node data"}},
+    {"NodesUncounted", BLOCK_NODES, nullptr, "NumItems=\"3\"", "", {"Error reading node data"}},
+    {"NodesUnnamed", BLOCK_NODES, nullptr, "Filename", "Name", {"Error reading node data"}},
+    {"NodesNoNumber", BLOCK_NODES, "Nodes\\Nodes0001.txt", "1 0 -0.5", "1 x -0.5",
+     {"Could not read three float values in file 'Database001\\Nodes\\Nodes0001.txt' "
+      "(text: 1 x -0.5 ...)",
+      "Error reading node data"}},
+    {"NodeIDsOneTooMany", BLOCK_NODES, "Nodes\\Nodes0001-IDs.txt", nullptr, "1\n2\n3\n4\n",
+     {"Number of specified items (3) does not match number of items (4) in "
+      "'Database001\\Nodes\\Nodes0001-IDs.txt'",
+      "Error reading node IDs"}},
+
+    {"PolygonsMissing", BLOCK_INDEXED_FACE_SET, nullptr, "<File", "<Other",
+     {"Error reading IFS connects (IFS block ID 1)"}},
+    {"PolygonsCut", BLOCK_INDEXED_FACE_SET, "IndexedFaceSet\\IndexedFaceSet0001.txt", "4\n3\n2\n",
+     "5\n3\n2\n",
+     {"IndexedFaceSet block ID 1: 'IndexedFaceSet\\IndexedFaceSet0001' holds 4 nodes of the last "
+      "polygon, expected 5"}},
+    {"PolygonOfLessThanNoNodes", BLOCK_INDEXED_FACE_SET,
+     "IndexedFaceSet\\IndexedFaceSet0001.txt", "4\n3\n2\n", "-4\n3\n2\n",
+     {"IndexedFaceSet block ID 1: 'IndexedFaceSet\\IndexedFaceSet0001' holds 4 nodes of the last "
+      "polygon, expected -4"}},
+    {"PolygonNodeZero", BLOCK_INDEXED_FACE_SET, "IndexedFaceSet\\IndexedFaceSet0001.txt", "\n2\n",
+     "\n0\n",
+     {"IndexedFaceSet block ID 1: 'IndexedFaceSet\\IndexedFaceSet0001' holds node index -1 at "
+      "position 1, expected none below 0"}},
+    {"PolygonCountDiffers", BLOCK_INDEXED_FACE_SET, nullptr, "NumPolygons=\"2\"",
+     "NumPolygons=\"3\"",
+     {"IndexedFaceSet block ID 1: 'IndexedFaceSet\\IndexedFaceSet0001' holds 2 polygons, expected "
+      "3"}},
+    {"PolygonIDsTooFew", BLOCK_INDEXED_FACE_SET, "IndexedFaceSet\\IndexedFaceSet0001-IDs.txt",
+     nullptr, "10\n",
+     {"Number of specified items (2) does not match number of items (1) in "
+      "'Database001\\IndexedFaceSet\\IndexedFaceSet0001-IDs.txt'",
+      "Error reading IFS IDs"}},
+
+    {"GeometryIndexTooLarge", BLOCK_GEOMETRY, nullptr, "Index=\"1\"", "Index=\"2\"",
+     {"Illegal Geometry Index specified in Geometry::State::Geometry block"}},
+    {"GeometryIndexNegative", BLOCK_GEOMETRY, nullptr, "Index=\"1\"", "Index=\"-1\"",
+     {"Illegal Geometry Index specified in Geometry::State::Geometry block"}},
+    {"GeometryOfNodes", BLOCK_GEOMETRY, nullptr, "<IndexedFaceSet", "<Nodes",
+     {"Only Elements and Indexed face sets are allowed in geometry spec"}},
+    {"GeometriesHuge", BLOCK_GEOMETRY, nullptr, "PerState=\"2\"", "PerState=\"2000000000\"",
+     {"Geometry block ID 1: 'Database001\\Geometry\\Geometry0001.xml' holds 2000000000 geometries "
+      "per state, expected 1"}},
+    {"GeometryInfoCountMissing", BLOCK_GEOMETRY_INFO, nullptr, "GeometryCountPerState", "Count",
+     {"GeometryInfo::GeometryCountPerState invalid"}},
+    {"GeometryInfoCountHuge", BLOCK_GEOMETRY_INFO, nullptr, "PerState=\"2\"",
+     "PerState=\"2000000000\"", {"GeometryInfo::GeometryCountPerState invalid"}},
+    {"GeometryInfoIndexTooLarge", BLOCK_GEOMETRY_INFO, nullptr, "Index=\"1\"", "Index=\"2\"",
+     {"GeometryInfo::Geometry::Index invalid"}},
+
+    {"ResultValuesUnrecorded", BLOCK_RESULT_VALUES, nullptr, "<File", "<Other",
+     {"Cannot get info from Xml (Result values block ID 1)"}},
+    {"ResultValuesOfTwoDimensions", BLOCK_RESULT_VALUES, nullptr, "NumDimensions=\"6\"",
+     "NumDimensions=\"2\"", {"Illegal number of dimensions for result values"}},
+    {"ResultValuesCut", BLOCK_RESULT_VALUES, "ResultValues\\ResultValues0001.txt", nullptr,
+     "UNDEF\n",
+     {"Number of specified tensors (2) does not match number of tensors (1) in "
+      "'Database001\\ResultValues\\ResultValues0001.txt'",
+      "Error reading node data"}},
+    {"ResultIDsMissing", BLOCK_RESULT_VALUES, nullptr, "IDs=", "Ids=",
+     {"Unable to read raw data from 'Database001\\.dat', file not found.",
+      "Could not read binary int data.", "Error reading result IDs"}},
+    {"ResultStateNoNumber", BLOCK_RESULTS, nullptr, "<Value1>2<", "<Value1>two<", {"Invalid XML"}},
+    {"TransformationStateNoNumber", BLOCK_TRANSFORMATION_RESULTS, nullptr, "<Value0>9<",
+     "<Value0><", {"Invalid XML"}},
+    {"StateListNoNumber", BLOCK_STATE_INFO, nullptr, "<Value0>4<", "<Value0>4.5<",
+     {"Invalid XML"}},
+    {"MatrixRowMissing", BLOCK_TRANSFORMATION_RESULT_VALUES, nullptr, " 8.500000 ", " 8,500000 ",
+     {"Cannot read matrix from Xml (Transformation result values block ID 1"}},
+
+    {"SetOfNodes", BLOCK_SET, nullptr, "BlockType=\"2\"", "BlockType=\"0\"",
+     {"Only element sets are supported"}},
+    {"SetOfOtherItems", BLOCK_SET, nullptr, "ItemType=\"Element\"", "ItemType=\"Node\"",
+     {"Only element sets are supported"}},
+    {"SetItemsUnrecorded", BLOCK_SET, nullptr, "<File", "<Other", {"Error reading set data"}},
+    {"SetItemNegative", BLOCK_SET, "Set\\Set0001-0001.txt", "0\n", "-7\n",
+     {"Set block ID 1: 'Database001\\Set\\Set0001.xml' holds element index -7 at position 1, "
+      "expected none below 0"}},
+    {"SetTotalDiffers", BLOCK_SET, nullptr, "TotalNumItems=\"3\"", "TotalNumItems=\"4\"",
+     {"Set block ID 1: 'Database001\\Set\\Set0001.xml' holds 3 items, expected 4"}},
+
+    {"PlotUnrecorded", BLOCK_PLOT_2D, nullptr, "<File", "<Other",
+     {"No data file specified for plot"}},
+    {"PlotUnnamed", BLOCK_PLOT_2D, nullptr, "Filename", "Name", {"Error reading plot data"}},
+    {"PlotNoNumber", BLOCK_PLOT_2D, "Plot2D\\Plot2D0001-0002.txt", "-3", "-3 1",
+     {"Could not read one float value in file 'Database001\\Plot2D\\Plot2D0001-0002.txt' "
+      "(text: -3 1 ...)",
+      "Error reading plot data"}},
+    {"CrossSectionNoNumber", BLOCK_CROSS_SECTIONS, nullptr, "Width=\"2\"", "Width=\"wide\"",
+     {"Error reading cross section parameters"}},
+    {"CrossSectionOddName", BLOCK_CROSS_SECTIONS, nullptr, "Width=", "H\u00F6he=",
+     {"Error reading cross section parameters"}},
+    {"GridNegative", BLOCK_PRECOMPUTED_CUTTING_PLANE, nullptr, "NumJ=\"7\"", "NumJ=\"-7\"",
+     {"PrecomputedCuttingPlane block ID 1: "
+      "'Database001\\PrecomputedCuttingPlane\\PrecomputedCuttingPlane0001.xml' holds -7 grid "
+      "lines, expected 0"}},
+
+    {"PositionDimension", BLOCK_POSITION_RESULT_VALUES, nullptr, "Dimension=\"3\"",
+     "Dimension=\"2\"", {"Result has illegal dimension."}},
+    {"PositionIndices", BLOCK_POSITION_RESULT_VALUES, nullptr, "<ElementIndices", "<Other",
+     {"No element indices specified for position result values"}},
+    {"Positions", BLOCK_POSITION_RESULT_VALUES, nullptr, "<Positions", "<Other",
+     {"No positions specified for position result values"}},
+    {"PositionScalars", BLOCK_POSITION_RESULT_VALUES, nullptr, "Dimension=\"3\"",
+     "Dimension=\"1\"", {"No scalar values specified for position result values"}},
+    {"PositionVectors", BLOCK_POSITION_RESULT_VALUES, nullptr, "<VectorResult", "<Other",
+     {"No vector values specified for position result values"}},
+    {"PositionTypes", BLOCK_POSITION_RESULT_VALUES, nullptr, "<VectorTypes", "<Other",
+     {"No vector types specified for position result values"}},
+    {"PositionFileMissing", BLOCK_POSITION_RESULT_VALUES, nullptr, "Values0001-VectorResult",
+     "Values0001",
+     {"Unable to read raw data from "
+      "'Database001\\PositionResultValues\\PositionResultValues0001.dat', file not found.",
+      "Could not read binary vector data.", "Error reading position data"}},
+    {"PositionTypesTooFew", BLOCK_POSITION_RESULT_VALUES,
+     "PositionResultValues\\PositionResultValues0001-VectorTypes.txt", "NORMAL_ARROW\n", "",
+     {"PositionResultValues block ID 1: "
+      "'Database001\\PositionResultValues\\PositionResultValues0001.xml' holds 1 vector types, "
+      "expected 2"}},
+};
+
+INSTANTIATE_TEST_SUITE_P(All, DamagedBlock, testing::ValuesIn(kDamages),
+                         [](const auto& test) { return std::string(test.param.name); });
+
+class ZRFxBlockTest : public test::DatabaseTest {
+protected:
+    // A block of that type whose document is the text.
+    nvf::ref<ZRFxBlock> BlockOf(int type, const std::string& document) {
+        Put(DocumentOf(type), document);
+        const nvf::ref<ZRFxBlock> block = ZRFxBlock::Create(type, &m_database, 1);
+        block->SetFileName(DocumentOf(type));
+        return block;
+    }
+
+    template <typename BlockClass>
+    nvf::ref<BlockClass> Read(int type, const std::string& document) {
+        const nvf::ref<ZRFxBlock> block = BlockOf(type, document);
+        EXPECT_TRUE(block->ReadBlock());
+        return dynamic_cast<BlockClass*>(block.p());
+    }
+
+    void ExpectOpensAgain() {
+        ASSERT_TRUE(m_database.WriteTOC());
+        ZRFxDatabase parsed(&m_access);
+        EXPECT_TRUE(parsed.Parse(1));
+        EXPECT_EQ(parsed.GetNumBlocks(), m_database.GetNumBlocks());
+        ExpectTexts({"Parsing ZRFx file..."});
+    }
+};
+
+TEST_F(ZRFxBlockTest, DocumentsHaveElementsAndAttributesInTheirOrder) {
+    const std::vector<std::string> kShapes = {
+        "Nodes[ID WithID](File[Filename NumItems IDs])",
+        "IndexedFaceSet[ID NodeBlock MapToNodeIDs WithID NumPolygons](File[Filename "
+         "NumItems IDs])",
+        "Elements[ID NodeBlock MapToNodeIDs WithID CrossSectionsID "
+         "NumEccPerElement](ElementGroup[Type NumElementNodes](ElementIndices[Filename "
+         "NumItems] File[Filename NumItems IDs] ElementToCrossSectionMapping[Filename "
+         "NumItems] Directions[Filename NumItems] Eccentricities[Filename NumItems]) "
+         "ElementGroup[Type NumElementNodes](File[Filename NumItems IDs]) "
+         "ElementGroup[Type NumElementNodes](File[Filename NumItems IDs] "
+         "PolyhedronElementNodeCounts[Filename NumItems] PolyhedronFaceCounts[Filename "
+         "NumItems] PolyhedronFaceLocalNodes[Filename NumItems] "
+         "PolyhedronFaceNodeCounts[Filename NumItems]) Properties(File[Filename "
+         "NumItems]))",
+        "Geometry[ID GeometryCountPerState](State[ID](Geometry[Index "
+         "APIGeometryID](Elements[BlockID PartID] IndexedFaceSet[BlockID PartID]) "
+         "Geometry[Index APIGeometryID](Elements[BlockID PartID])))",
+        "ResultValues[ID MapToBlockID NumDimensions WithID](File[Filename NumItems IDs])",
+        "Results[ID Name ResultType StrainType ResultMapping ResultID SectionID "
+         "DefaultScaleFactor RelativeDisplacements BaseResultID BaseResultType "
+         "DeriveOperation](Attribute[Name Value] State[ID](ResultValues(Value0 Value1)) "
+         "State[ID](ResultValues))",
+        "CrossSections[ID](CrossSection[Type Height Width] CrossSection[Type])",
+        "StateInfo[ID](State[ID Name RefValue RefType ParentID "
+         "Group](ZRFxExportInfo[PolygonModel VisiblePartsOnly "
+         "FirstOrderNodesOnly](VisibleSetIDs(Value0 Value1) PartFlags(Value0))) State[ID "
+         "Name RefValue RefType ParentID Group](ZRFxExportInfo[PolygonModel "
+         "VisiblePartsOnly FirstOrderNodesOnly](VisibleSetIDs PartFlags)))",
+        "Set[ID SetID Name ItemsSpecifiedAsIDs TotalNumItems ItemType](Items[BlockID "
+         "BlockType](File[Filename NumItems]))",
+        "Plot2D[ID Name](Variable[Name](File[Filename NumItems]))",
+        "TransformationResultValues[ID MapToBlockID MapToBlockType](Row1 Row2 Row3 Row4)",
+        "TransformationResults[ID Name ResultID](State[ID](ResultValues(Value0)))",
+        "PrecomputedItem[ID ItemType ItemID "
+         "CaseID](State[ID](ParticleTrace[PositionNodeBlockID TimeResultBlockID "
+         "ScalarResultBlockID VectorResultBlockID] Part[IFSBlockID NodeBlockID "
+         "FringesResultBlockID FringesResultMapping VectorResultBlockID] Grid[NodeBlockID "
+         "NumI NumJ ComputedResultBlockID ScalarResultBlockID VectorResultBlockID]))",
+        "PositionResultValues[ID Dimension MapToBlockID GlobalPositions GlobalResults "
+         "VectorColor ScalingFactor](Positions[Filename NumItems] ElementIndices[Filename "
+         "NumItems] VectorResult[Filename NumItems] VectorTypes[Filename NumItems])",
+        "GeometryInfo[ID GeometryCountPerState](Geometry[Index](Part[PartID ParentPartID "
+         "PartName BoundaryCondition]))",
+        "PrecomputedCuttingPlane[ID CaseID CuttingPlaneID Point Normal MapScalarResultId "
+         "MapVectorResultId GridSpacing SurfaceVisible SurfaceColor Opacity "
+         "SpecularIntensity UseClipping GridLinesVisible "
+         "DrawStyle](State[ID](Part[IFSBlockID NodeBlockID FringesResultBlockID "
+         "FringesResultMapping VectorResultBlockID SurfaceColor] Grid[NodeBlockID NumI "
+         "NumJ ComputedResultBlockID ScalarResultBlockID VectorResultBlockID]))",
+        "PrecomputedIsosurface[ID CaseID IsosurfaceID IsoValue IsoScalarResultId "
+         "MapScalarResultId MapVectorResultId SurfaceVisible SurfaceColor Opacity "
+         "SpecularIntensity DrawStyle](State[ID](Part[IFSBlockID NodeBlockID "
+         "FringesResultBlockID FringesResultMapping VectorResultBlockID]))",
+        "PrecomputedParticleTraceGroup[ID CaseID GroupID VectorResultId "
+         "MapScalarResultId](Trace[PositionsBlockID TimeStampsBlockID MapScalarsBlockID])",
+        "PrecomputedIsovolume[ID CaseID IsovolumeID MinIsoValue MaxIsoValue "
+         "IsoScalarResultId MapScalarResultId MapVectorResultId SurfaceVisible "
+         "SurfaceColor Opacity SpecularIntensity DrawStyle TextureName "
+         "EnvironmentMapping](State[ID](Part[IFSBlockID NodeBlockID FringesResultBlockID "
+         "FringesResultMapping VectorResultBlockID]))",
+    };
+    for (const int type : test::StoredTypes()) Write(SampleBlock(type, 1));
+    ASSERT_TRUE(m_access.Close());
+    Entries entries = test::UnpackWithPython(m_file);
+    std::vector<std::string> shapes;
+    for (const int type : test::StoredTypes()) shapes.push_back(entries[DocumentOf(type) + "#shape"]);
+    EXPECT_EQ(shapes, kShapes);
+    EXPECT_EQ(entries[DocumentOf(BLOCK_TRANSFORMATION_RESULT_VALUES)],
+              "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+              "<TransformationResultValues xmlns=\"urn:nuo:zrfx\" ID=\"1\" MapToBlockID=\"1\" "
+              "MapToBlockType=\"2\">\n"
+              " <Row1>-0.500000 0.500000 1.500000 2.500000</Row1>\n"
+              " <Row2>3.500000 4.500000 5.500000 6.500000</Row2>\n"
+              " <Row3>7.500000 8.500000 9.500000 10.500000</Row3>\n"
+              " <Row4>11.500000 12.500000 13.500000 14.500000</Row4>\n"
+              "</TransformationResultValues>\n");
+    const std::string ints("\x03\0\0\0\x01\0\0\0\x02\0\0\0\x03\0\0\0\x04\0\0\0"
+                           "\x03\0\0\0\x02\0\0\0\x04\0\0\0\x05\0\0\0", 36);
+    EXPECT_EQ(entries["Database001\\IndexedFaceSet\\IndexedFaceSet0001.dat"], ints);
+}
+
+TEST_F(ZRFxBlockTest, TypesWithoutAClassAreNotMade) {
+    for (const int type : {-1, 6, 7, 9, 13, 23, 999999}) {
+        EXPECT_TRUE(ZRFxBlock::Create(type, &m_database, 1).isNull());
+        ExpectFailure("Block type not implemented");
+    }
+}
+
+TEST_F(ZRFxBlockTest, FilesAreNamedByTypeAndIDOfAtLeastFourDigits) {
+    EXPECT_EQ(ZRFxNodeBlock(nullptr, 7).GetFilebase(), "Nodes\\Nodes0007");
+    EXPECT_EQ(ZRFxNodeBlock(nullptr, 12345).GetFilebase(), "Nodes\\Nodes12345");
+}
+
+// What is wrong with each, the block is not stored and the one before it stays.
+TEST_F(ZRFxBlockTest, ContentsThatCannotBeStoredLeaveTheDatabaseAsItIs) {
+    for (const int type : {BLOCK_SET, BLOCK_POSITION_RESULT_VALUES, BLOCK_INDEXED_FACE_SET,
+                           BLOCK_RESULT_VALUES}) {
+        Write(SampleBlock(type, 1));
+    }
+    const Entries before = test::Unpack(m_access);
+    const auto expectRefused = [&](const nvf::ref<ZRFxBlock>& block) {
+        EXPECT_FALSE(block->WriteBlock(&m_database));
+        EXPECT_EQ(test::Unpack(m_access), before);
+    };
+    const nvf::ref<ZRFxSetBlock> set = new ZRFxSetBlock(nullptr, 1);
+    set->SetItemType(kItemTypeUndefined);
+    expectRefused(set.p());
+    ExpectTexts({"Only element sets are supported"});
+
+    const nvf::ref<ZRFxPositionResultValuesBlock> arrows =
+        new ZRFxPositionResultValuesBlock(nullptr, 1);
+    expectRefused(arrows.p());
+    ExpectTexts({"No map to block ID (element) specified."});
+    arrows->m_iMapToBlockID = 1;
+    arrows->m_aiElementIndices.Add(1);
+    expectRefused(arrows.p());
+    ExpectTexts({"Num IDs differs from num. results"});
+    arrows->SetDimension(2);
+    ExpectAssertion("iDimension == 1 || iDimension == 3");
+    expectRefused(arrows.p());
+    ExpectTexts({"Result has illegal dimension."});
+
+    const nvf::ref<ZRFxIndexedFaceSetBlock> polygons = new ZRFxIndexedFaceSetBlock(nullptr, 1);
+    for (const auto& starts : {std::vector<std::int32_t>{0, 4}, {-1}, {2, 1}}) {
+        const std::int32_t connects[] = {0, 1, 2};
+        polygons->SetConnects(connects, 3);
+        polygons->SetPolygons(starts.data(), static_cast<std::int64_t>(starts.size()));
+        expectRefused(polygons.p());
+        TakeTexts();
+    }
+    const nvf::ref<ZRFxResultValuesBlock> tensors = new ZRFxResultValuesBlock(nullptr, 1);
+    const float floats[7] = {};
+    tensors->SetNumDimensions(6);
+    tensors->SetScalars(floats, 7);
+    expectRefused(tensors.p());
+    TakeTexts();
+    ExpectOpensAgain();
+}
+
+// Memory runs out for the archive at its first request, at its second, and so on.
+TEST_F(ZRFxBlockTest, BlockThatTheArchiveRefusesIsGoneAndCanBeWrittenAgain) {
+    Write(SampleBlock(BLOCK_SET, 7));
+    ShortOfMemory memory;
+    bool isWritten = false;
+    for (int requests = 0; !isWritten; ++requests) {
+        Write(SampleBlock(BLOCK_ELEMENTS, 1));
+        memory.m_requestsLeft = requests;
+        isWritten = SampleBlock(BLOCK_ELEMENTS, 1)->WriteBlock(&m_database);
+        memory.m_requestsLeft = ShortOfMemory::kEnough;
+        EXPECT_EQ(TakeTexts().empty(), isWritten);
+        EXPECT_EQ(m_database.GetNumBlocks(), isWritten ? 2 : 1);
+        ExpectOpensAgain();
+        ASSERT_LT(requests, 1000);
+    }
+}
+
+TEST_F(ZRFxBlockTest, FilesThatAKilledWriterLeftAreReplaced) {
+    Put("Database001\\Nodes\\Nodes0001.dat", "half a block");
+    Put("Database001\\Nodes\\Nodes0001-IDs.txt", "1\n");
+    m_database.SetTextMode(true);
+    Write(SampleBlock(BLOCK_NODES, 1));
+    ZRFxBlock* block = m_database.GetBlockByID(BLOCK_NODES, 1);
+    EXPECT_TRUE(block->ReadBlock());
+    EXPECT_EQ(dynamic_cast<ZRFxNodeBlock*>(block)->GetNumNodes(), 3);
+}
+
+TEST_F(ZRFxBlockTest, EntryOfADatabaseCanBeWrittenIntoIt) {
+    Write(SampleBlock(BLOCK_STATE_INFO, 1));
+    Write(SampleBlock(BLOCK_NODES, 1));
+    for (const int type : {BLOCK_STATE_INFO, BLOCK_NODES}) {
+        ASSERT_TRUE(m_database.GetBlockByID(type, 1)->ReadBlock());
+        EXPECT_TRUE(m_database.GetBlockByID(type, 1)->WriteBlock(&m_database));
+    }
+    EXPECT_TRUE(m_database.GetBlockByID(BLOCK_STATE_INFO, 1)->WriteBlock());
+}
+
+TEST_F(ZRFxBlockTest, RewritingLeavesFilesThatAnotherBlockNames) {
+    Write(SampleBlock(BLOCK_NODES, 1));
+    Write(SampleBlock(BLOCK_NODES, 2));
+    Edit(DocumentOf(BLOCK_NODES), "Nodes\\Nodes0001\"", "Nodes\\Nodes0002\"");
+    Write(SampleBlock(BLOCK_NODES, 1));
+    EXPECT_TRUE(m_database.GetBlockByID(BLOCK_NODES, 2)->ReadBlock());
+}
+
+TEST_F(ZRFxBlockTest, MissingAttributesReadAsTheirDefaults) {
+    const auto plane = Read<ZRFxPrecomputedCuttingPlaneBlock>(
+        BLOCK_PRECOMPUTED_CUTTING_PLANE,
+        "<PrecomputedCuttingPlane ID='1' Point='1 2' Normal='1 2 x'><State><Part/></State>"
+        "</PrecomputedCuttingPlane>");
+    EXPECT_EQ(plane->m_sDrawStyle, "surface");
+    EXPECT_EQ(plane->m_vPoint.x + plane->m_vNormal.x, 0);
+    EXPECT_EQ(plane->GetState(0)->apParts[0]->fringesResultMapping, MAPPING_NODE);
+
+    const auto result = Read<ZRFxResultBlock>(BLOCK_RESULTS, "<Results ID='1'/>");
+    EXPECT_EQ(result->GetDescription().baseResultType, RESULT_UNKNOWN);
+    EXPECT_EQ(result->GetDescription().deriveOperation, kComponentNone);
+    EXPECT_EQ(result->GetDescription().strainType, STRAIN_NONE);
+
+    const auto states = Read<ZRFxStateInfoBlock>(
+        BLOCK_STATE_INFO, "<StateInfo ID='1'><State RefType='frequency'/><State RefType='Step'/>"
+                          "</StateInfo>");
+    EXPECT_EQ(states->GetState(0)->referenceType, REFERENCE_FREQUENCY);
+    EXPECT_EQ(states->GetState(1)->referenceType, REFERENCE_OTHER);
+    EXPECT_EQ(states->GetState(1)->parentID, -1);
+}
+
+TEST_F(ZRFxBlockTest, MetaDataIsReadWithoutTheRest) {
+    const auto set = BlockOf(BLOCK_SET, "<Set ID='1' Name='S' TotalNumItems='5' ItemType='ELEMENT'>"
+                                        "<Items BlockType='0'/></Set>");
+    ASSERT_TRUE(set->ReadMetaData());
+    EXPECT_EQ(dynamic_cast<ZRFxSetBlock*>(set.p())->GetTotalNumItems(), 5);
+    const auto result = BlockOf(
+        BLOCK_RESULTS, "<Results ID='1' Name='R'><Attribute Name='a' Value='b'/><State>"
+                       "<ResultValues><Value0>x</Value0></ResultValues></State></Results>");
+    ASSERT_TRUE(result->ReadMetaData());
+    const ZRFxResultDescription& description =
+        dynamic_cast<ZRFxResultBlock*>(result.p())->GetDescription();
+    EXPECT_EQ(description.name, "R");
+    EXPECT_EQ(description.attributes.size(), 1u);
+    EXPECT_FALSE(result->IsRead());
+    const auto nodes = BlockOf(BLOCK_NODES, "<Nodes ID='1'><File NumItems='-3'/></Nodes>");
+    EXPECT_EQ(dynamic_cast<ZRFxNodeBlock*>(nodes.p())->GetNumNodes(), 0);
+}
+
+TEST_F(ZRFxBlockTest, LegacyGeometryHasOneGeometryPerState) {
+    const auto block = Read<ZRFxGeometryBlock>(
+        BLOCK_GEOMETRY,
+        "<Geometry ID='1'><State ID='4' VexlynAPIGeometryIDs='10 x'>"
+        "<Elements BlockID='1' PartID='5' PartName='Deck'/>"
+        "<IndexedFaceSet BlockID='2' PartID='6' PartName='Rail'/><Elements BlockID='3' PartID='7'/>"
+        "</State><State ID='5'><Elements BlockID='1' PartID='5' PartName='Later'/></State>"
+        "</Geometry>");
+    EXPECT_FALSE(block->HasGeometryCountPerState());
+    EXPECT_EQ(block->GetGeometryCountPerState(), 1);
+    ASSERT_EQ(block->GetState(0)->GetPartCount(0), 3);
+    EXPECT_EQ(block->GetState(0)->GetPart(0, 0).apiGeometryID, 10);
+    EXPECT_EQ(block->GetState(0)->GetPart(0, 1).apiGeometryID, -1);
+    EXPECT_EQ(block->GetState(0)->GetPart(0, 1).blockType, BLOCK_INDEXED_FACE_SET);
+
+    const nvf::ref<ZRFxGeometryInfoBlock> info = new ZRFxGeometryInfoBlock(nullptr, 1);
+    ASSERT_TRUE(block->GetLegacyGeometryInfo(info.p()));
+    ASSERT_EQ(info->GetPartInfos(0)->GetPartCount(), 3);
+    EXPECT_EQ(info->GetPartInfos(0)->GetPartInfo(0).partName, "Deck");
+    EXPECT_EQ(info->GetPartInfos(0)->GetPartInfo(1).partID, 6);
+
+    Put(DocumentOf(BLOCK_GEOMETRY), "<Geometry ID='1'><State><Nodes/></State></Geometry>");
+    EXPECT_FALSE(block->GetLegacyGeometryInfo(info.p()));
+    ExpectTexts({"Only Elements and Indexed face sets are allowed in geometry spec"});
+    Put(DocumentOf(BLOCK_GEOMETRY), "<Nodes/>");
+    EXPECT_FALSE(block->HasGeometryCountPerState());
+    EXPECT_EQ(TakeTexts().back(), "Invalid XML");
+}
+
+// A few kilobytes that ask for gigabytes, or for hours.
+TEST_F(ZRFxBlockTest, DocumentTakesNoMoreThanItHolds) {
+    std::string states;
+    for (int i = 0; i < 20000; ++i) states += "<State/>";
+    const auto geometry = Read<ZRFxGeometryBlock>(
+        BLOCK_GEOMETRY, "<Geometry ID='1' GeometryCountPerState='100000'>" + states + "</Geometry>");
+    EXPECT_EQ(geometry->GetStateCount(), 20000);
+
+    std::string parts;
+    std::string ids;
+    for (int i = 0; i < 100000; ++i) {
+        parts += "<Elements PartID='" + std::to_string(i) + "'/>";
+        ids += "7 ";
+    }
+    const auto legacy = Read<ZRFxGeometryBlock>(
+        BLOCK_GEOMETRY, "<Geometry ID='1'><State VexlynAPIGeometryIDs='" + ids + "'>" + parts +
+                            "</State></Geometry>");
+    EXPECT_EQ(legacy->GetState(0)->GetPart(0, 99999).apiGeometryID, 7);
+    const nvf::ref<ZRFxGeometryInfoBlock> info = new ZRFxGeometryInfoBlock(nullptr, 1);
+    ASSERT_TRUE(legacy->GetLegacyGeometryInfo(info.p()));
+    EXPECT_EQ(info->GetPartInfos(0)->GetPartCount(), 100000);
+
+    std::string deep;
+    for (int i = 0; i < 100000; ++i) deep += "<State>";
+    EXPECT_FALSE(BlockOf(BLOCK_RESULTS, "<Results ID='1'>" + deep)->ReadBlock());
+    EXPECT_EQ(TakeTexts().back(), "Invalid XML");
+}
+
+TEST_F(ZRFxBlockTest, BadArgumentsAreAssertionsAndDoNothing) {
+    ZRFxNodeBlock nodes(nullptr, 1);
+    EXPECT_FALSE(nodes.SetNodes(nullptr, 3, nullptr));
+    ExpectAssertion("pfNodes && (iNumNodes >= 0)");
+    EXPECT_EQ(nodes.GetNumNodes(), 0);
+    ExpectAssertion("m_pDatabase");
+
+    ZRFxResultValuesBlock values(nullptr, 1);
+    EXPECT_FALSE(values.SetScalars(nullptr, 3));
+    ExpectAssertion("pfResult");
+    values.SetVectors(ZRVec3fArray());
+    ExpectAssertion("m_iNumDimensions == 3");
+    EXPECT_EQ(values.GetIndexOfID(-1), -1);
+    ExpectAssertion("iID >= 0");
+
+    ZRFxGeometryState state(1, 2);
+    EXPECT_FALSE(state.AddPart(2, {}));
+    ExpectAssertion(
+        "iGlobalGeometryIndex >= 0 && iGlobalGeometryIndex < GetGeometryCountPerState()");
+    EXPECT_EQ(state.GetPart(1, 0).blockID, -1);
+    ExpectAssertion(
+        "iPartIndex >= 0 && iPartIndex < "
+        "static_cast<ZRint>(m_geometryParts[iGlobalGeometryIndex].size())");
+
+    ZRFxGeometryInfoBlock info(nullptr, 1);
+    EXPECT_EQ(info.GetPartInfos(0), nullptr);
+    ExpectAssertion("iGeometryIndex >= 0 && iGeometryIndex < GetGeometryCountPerState()");
+    EXPECT_EQ(ZRFxPartInfos().GetPartInfo(-1).partID, -1);
+    ExpectAssertion("iIndex >= 0 && iIndex < static_cast<ZRint>(m_partInfos.size())");
+
+    ZRFxResultBlock result(nullptr, 1);
+    result.RemoveStates(0, 0);
+    ExpectAssertion("iTo >= 0 && iTo < m_apStates.GetSize()");
+    ZRFxStateInfoBlock states(nullptr, 1);
+    states.RemoveStates(-5, -1);
+    ExpectAssertion("iTo >= 0 && iTo < m_apStateInfo.GetSize()");
+    ZRFxSetBlock set(nullptr, 1);
+    set.RemoveItems(0, 1000);
+    ExpectAssertion("iTo >= 0 && iTo < m_apSetBlockItems.GetSize()");
+    ZRFxPrecomputedState().RemoveParts(0, 0);
+    ExpectAssertion("iTo >= 0 && iTo < apParts.GetSize()");
+
+    ZRFxCrossSection section(77);
+    EXPECT_FALSE(section.SetParameters({"a"}, {}));
+    ExpectAssertion("names.size() == values.size()");
+    EXPECT_FALSE(section.SetParameters({"Type"}, {1}));
+    ExpectAssertion("areNames");
+    EXPECT_EQ(CrossSectionTypeName(77), "UNKNOWN");
+    ExpectFailure("Unhandled cross section type");
+}
 
 }  // namespace
 }  // namespace unstruct

@@ -15,14 +15,34 @@ using namespace unstruct;
 
 namespace {
 
-// For each entry: the number of bytes of its name, the name, the number of its bytes, the bytes.
-constexpr const char* kPrintEntries =
-    "import sys, zipfile\n"
-    "out = sys.stdout.buffer\n"
-    "with zipfile.ZipFile(sys.argv[1]) as z:\n"
-    "    for i in z.infolist():\n"
-    "        for b in (i.filename.encode(), z.read(i)):\n"
-    "            out.write(b'%d ' % len(b) + b)\n";
+// For each entry and each shape: the number of bytes of its name, the name, the number of its
+// bytes, the bytes.
+constexpr const char* kPrintEntries = R"py(
+import sys, zipfile, xml.etree.ElementTree
+
+def shape(e):
+    inner = []
+    for child in map(shape, e):
+        if child not in inner[-1:]:
+            inner.append(child)
+    text = e.tag.split('}')[1]
+    if e.attrib:
+        text += '[' + ' '.join(e.attrib) + ']'
+    if inner:
+        text += '(' + ' '.join(inner) + ')'
+    return text
+
+def put(*texts):
+    for text in texts:
+        sys.stdout.buffer.write(b'%d ' % len(text) + text)
+
+with zipfile.ZipFile(sys.argv[1]) as z:
+    for i in z.infolist():
+        put(i.filename.encode(), z.read(i))
+        if i.filename.endswith('.xml'):
+            root = xml.etree.ElementTree.fromstring(z.read(i))
+            put(i.filename.encode() + b'#shape', shape(root).encode())
+)py";
 
 std::string OutputOf(const std::string& command) {
     std::string output;

@@ -15,7 +15,9 @@ namespace test {
 /// Entries of an archive: names and contents.
 using Entries = std::map<std::string, std::string>;
 
-/// The entries of an archive as Python's zipfile module reads them, in any order.
+/// The entries of an archive as Python's zipfile module reads them. For each document there is
+/// another one, named with "#shape" behind: the names of its elements with those of their
+/// attributes, in order, as Python's XML parser finds them; equal neighbours stand once.
 Entries UnpackWithPython(const unstruct::ZRFxZipMemFile& file);
 
 /// The same without Python, for tests that compare many archives.
