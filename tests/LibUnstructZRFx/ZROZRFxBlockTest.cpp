@@ -23,13 +23,9 @@
 namespace unstruct {
 namespace {
 
+using test::Damage;
 using test::Entries;
 using test::SampleBlock;
-
-std::string DocumentOf(int type) {
-    const std::string name = ZRFxBlockTypeName(type).Bytes();
-    return "Database001\\" + name + "\\" + name + "0001.xml";
-}
 
 // A system without memory for more than so many large buffers.
 class ShortOfMemory : public ZRFxSystem {
@@ -52,8 +48,8 @@ public:
 struct Copy {
     Copy() {
         EXPECT_TRUE(access.Open(&file, ZRZipAccessMode::CREATE));
-        EXPECT_TRUE(access.WriteXmlFile("ZRF.xml", *ZRFxAccess::CreateMainDocument("", "", 0),
-                                        false));
+        EXPECT_TRUE(
+            access.WriteXmlFile("ZRF.xml", *ZRFxAccess::CreateMainDocument("", "", 0), false));
         EXPECT_TRUE(test::CreateDatabase(database, 1));
     }
     Entries BlockEntries() {
@@ -178,177 +174,121 @@ TEST_P(BlockOfEachType, WithoutDatabaseNothingIsDone) {
 INSTANTIATE_TEST_SUITE_P(All, BlockOfEachType, testing::ValuesIn(test::StoredTypes()),
                          [](const auto& test) { return ZRFxBlockTypeName(test.param).Bytes(); });
 
-// One fault in a sample block that was written in text form, and what reading it says.
-struct Damage {
-    const char* name;
-    int type;
-    const char* file;  // below the database's folder; null for the document
-    const char* from;  // null for the whole contents
-    const char* to;    // null to remove the file
-    std::vector<std::string> messages;
-};
-
-void PrintTo(const Damage& damage, std::ostream* stream) {
-    *stream << damage.name;
-}
-
 class DamagedBlock : public test::DatabaseTest, public testing::WithParamInterface<Damage> {};
 
 TEST_P(DamagedBlock, IsRefusedAndStaysUnread) {
-    const Damage& damage = GetParam();
-    m_database.SetTextMode(true);
-    Write(SampleBlock(damage.type, 1));
-    const std::string entry =
-        damage.file ? std::string("Database001\\") + damage.file : DocumentOf(damage.type);
-    if (!damage.to) {
-        ASSERT_TRUE(m_access.RemoveFile(entry));
-    } else if (!damage.from) {
-        Put(entry, damage.to);
-    } else {
-        Edit(entry, damage.from, damage.to);
-    }
-    ZRFxBlock* block = m_database.GetBlockByID(damage.type, 1);
-    for (int attempt = 0; attempt < 2; ++attempt) {
-        EXPECT_FALSE(block->ReadBlock());
-        EXPECT_FALSE(block->IsRead());
-        ExpectTexts(damage.messages);
-    }
+    ExpectRefused(GetParam());
 }
 
 const std::vector<Damage> kDamages = {
-    {"NodesMissing", BLOCK_NODES, "Nodes\\Nodes0001.txt", nullptr, nullptr,
-     {"Unable to read raw data from 'Database001\\Nodes\\Nodes0001.dat', file not found.",
-      "Could not read binary vector data.", "Error reading node data"}},
-    {"NodesOneTooFew", BLOCK_NODES, nullptr, "NumItems=\"3\"", "NumItems=\"4\"",
-     {"Number of specified items (4) does not match number of items (3) in "
-      "'Database001\\Nodes\\Nodes0001.txt'",
-      "Error reading node data"}},
-    {"NodesNegative", BLOCK_NODES, nullptr, "NumItems=\"3\"", "NumItems=\"-2147483648\"",
-     {"Number of specified items (-2147483648) does not match number of items (3) in "
-      "'Database001\\Nodes\\Nodes0001.txt'",
-      "Error reading node data"}},
-    {"NodesHuge", BLOCK_NODES, nullptr, "NumItems=\"3\"", "NumItems=\"99999999999\"",
-     {"Error reading node data"}},
-    {"NodesUncounted", BLOCK_NODES, nullptr, "NumItems=\"3\"", "", {"Error reading node data"}},
-    {"NodesUnnamed", BLOCK_NODES, nullptr, "Filename", "Name", {"Error reading node data"}},
-    {"NodesNoNumber", BLOCK_NODES, "Nodes\\Nodes0001.txt", "1 0 -0.5", "1 x -0.5",
-     {"Could not read three float values in file 'Database001\\Nodes\\Nodes0001.txt' "
-      "(text: 1 x -0.5 ...)",
-      "Error reading node data"}},
-    {"NodeIDsOneTooMany", BLOCK_NODES, "Nodes\\Nodes0001-IDs.txt", nullptr, "1\n2\n3\n4\n",
-     {"Number of specified items (3) does not match number of items (4) in "
-      "'Database001\\Nodes\\Nodes0001-IDs.txt'",
-      "Error reading node IDs"}},
-
-    {"PolygonsMissing", BLOCK_INDEXED_FACE_SET, nullptr, "<File", "<Other",
-     {"Error reading IFS connects (IFS block ID 1)"}},
-    {"PolygonsCut", BLOCK_INDEXED_FACE_SET, "IndexedFaceSet\\IndexedFaceSet0001.txt", "4\n3\n2\n",
-     "5\n3\n2\n",
-     {"IndexedFaceSet block ID 1: 'IndexedFaceSet\\IndexedFaceSet0001' holds 4 nodes of the last "
-      "polygon, expected 5"}},
-    {"PolygonOfLessThanNoNodes", BLOCK_INDEXED_FACE_SET,
-     "IndexedFaceSet\\IndexedFaceSet0001.txt", "4\n3\n2\n", "-4\n3\n2\n",
-     {"IndexedFaceSet block ID 1: 'IndexedFaceSet\\IndexedFaceSet0001' holds 4 nodes of the last "
-      "polygon, expected -4"}},
-    {"PolygonNodeZero", BLOCK_INDEXED_FACE_SET, "IndexedFaceSet\\IndexedFaceSet0001.txt", "\n2\n",
-     "\n0\n",
-     {"IndexedFaceSet block ID 1: 'IndexedFaceSet\\IndexedFaceSet0001' holds node index -1 at "
-      "position 1, expected none below 0"}},
-    {"PolygonCountDiffers", BLOCK_INDEXED_FACE_SET, nullptr, "NumPolygons=\"2\"",
-     "NumPolygons=\"3\"",
-     {"IndexedFaceSet block ID 1: 'IndexedFaceSet\\IndexedFaceSet0001' holds 2 polygons, expected "
-      "3"}},
-    {"PolygonIDsTooFew", BLOCK_INDEXED_FACE_SET, "IndexedFaceSet\\IndexedFaceSet0001-IDs.txt",
-     nullptr, "10\n",
-     {"Number of specified items (2) does not match number of items (1) in "
-      "'Database001\\IndexedFaceSet\\IndexedFaceSet0001-IDs.txt'",
-      "Error reading IFS IDs"}},
-
-    {"GeometryIndexTooLarge", BLOCK_GEOMETRY, nullptr, "Index=\"1\"", "Index=\"2\"",
-     {"Illegal Geometry Index specified in Geometry::State::Geometry block"}},
-    {"GeometryIndexNegative", BLOCK_GEOMETRY, nullptr, "Index=\"1\"", "Index=\"-1\"",
-     {"Illegal Geometry Index specified in Geometry::State::Geometry block"}},
-    {"GeometryOfNodes", BLOCK_GEOMETRY, nullptr, "<IndexedFaceSet", "<Nodes",
-     {"Only Elements and Indexed face sets are allowed in geometry spec"}},
-    {"GeometriesHuge", BLOCK_GEOMETRY, nullptr, "PerState=\"2\"", "PerState=\"2000000000\"",
-     {"Geometry block ID 1: 'Database001\\Geometry\\Geometry0001.xml' holds 2000000000 geometries "
-      "per state, expected 1"}},
-    {"GeometryInfoCountMissing", BLOCK_GEOMETRY_INFO, nullptr, "GeometryCountPerState", "Count",
-     {"GeometryInfo::GeometryCountPerState invalid"}},
-    {"GeometryInfoCountHuge", BLOCK_GEOMETRY_INFO, nullptr, "PerState=\"2\"",
-     "PerState=\"2000000000\"", {"GeometryInfo::GeometryCountPerState invalid"}},
-    {"GeometryInfoIndexTooLarge", BLOCK_GEOMETRY_INFO, nullptr, "Index=\"1\"", "Index=\"2\"",
-     {"GeometryInfo::Geometry::Index invalid"}},
-
-    {"ResultValuesUnrecorded", BLOCK_RESULT_VALUES, nullptr, "<File", "<Other",
-     {"Cannot get info from Xml (Result values block ID 1)"}},
-    {"ResultValuesOfTwoDimensions", BLOCK_RESULT_VALUES, nullptr, "NumDimensions=\"6\"",
-     "NumDimensions=\"2\"", {"Illegal number of dimensions for result values"}},
-    {"ResultValuesCut", BLOCK_RESULT_VALUES, "ResultValues\\ResultValues0001.txt", nullptr,
-     "UNDEF\n",
-     {"Number of specified tensors (2) does not match number of tensors (1) in "
-      "'Database001\\ResultValues\\ResultValues0001.txt'",
-      "Error reading node data"}},
-    {"ResultIDsMissing", BLOCK_RESULT_VALUES, nullptr, "IDs=", "Ids=",
-     {"Unable to read raw data from 'Database001\\.dat', file not found.",
-      "Could not read binary int data.", "Error reading result IDs"}},
-    {"ResultStateNoNumber", BLOCK_RESULTS, nullptr, "<Value1>2<", "<Value1>two<", {"Invalid XML"}},
-    {"TransformationStateNoNumber", BLOCK_TRANSFORMATION_RESULTS, nullptr, "<Value0>9<",
-     "<Value0><", {"Invalid XML"}},
-    {"StateListNoNumber", BLOCK_STATE_INFO, nullptr, "<Value0>4<", "<Value0>4.5<",
-     {"Invalid XML"}},
-    {"MatrixRowMissing", BLOCK_TRANSFORMATION_RESULT_VALUES, nullptr, " 8.500000 ", " 8,500000 ",
-     {"Cannot read matrix from Xml (Transformation result values block ID 1"}},
-
-    {"SetOfNodes", BLOCK_SET, nullptr, "BlockType=\"2\"", "BlockType=\"0\"",
-     {"Only element sets are supported"}},
-    {"SetOfOtherItems", BLOCK_SET, nullptr, "ItemType=\"Element\"", "ItemType=\"Node\"",
-     {"Only element sets are supported"}},
-    {"SetItemsUnrecorded", BLOCK_SET, nullptr, "<File", "<Other", {"Error reading set data"}},
-    {"SetItemNegative", BLOCK_SET, "Set\\Set0001-0001.txt", "0\n", "-7\n",
-     {"Set block ID 1: 'Database001\\Set\\Set0001.xml' holds element index -7 at position 1, "
-      "expected none below 0"}},
-    {"SetTotalDiffers", BLOCK_SET, nullptr, "TotalNumItems=\"3\"", "TotalNumItems=\"4\"",
-     {"Set block ID 1: 'Database001\\Set\\Set0001.xml' holds 3 items, expected 4"}},
-
-    {"PlotUnrecorded", BLOCK_PLOT_2D, nullptr, "<File", "<Other",
-     {"No data file specified for plot"}},
-    {"PlotUnnamed", BLOCK_PLOT_2D, nullptr, "Filename", "Name", {"Error reading plot data"}},
-    {"PlotNoNumber", BLOCK_PLOT_2D, "Plot2D\\Plot2D0001-0002.txt", "-3", "-3 1",
-     {"Could not read one float value in file 'Database001\\Plot2D\\Plot2D0001-0002.txt' "
-      "(text: -3 1 ...)",
-      "Error reading plot data"}},
-    {"CrossSectionNoNumber", BLOCK_CROSS_SECTIONS, nullptr, "Width=\"2\"", "Width=\"wide\"",
-     {"Error reading cross section parameters"}},
-    {"CrossSectionOddName", BLOCK_CROSS_SECTIONS, nullptr, "Width=", "H\u00F6he=",
-     {"Error reading cross section parameters"}},
-    {"GridNegative", BLOCK_PRECOMPUTED_CUTTING_PLANE, nullptr, "NumJ=\"7\"", "NumJ=\"-7\"",
-     {"PrecomputedCuttingPlane block ID 1: "
-      "'Database001\\PrecomputedCuttingPlane\\PrecomputedCuttingPlane0001.xml' holds -7 grid "
-      "lines, expected 0"}},
-
-    {"PositionDimension", BLOCK_POSITION_RESULT_VALUES, nullptr, "Dimension=\"3\"",
-     "Dimension=\"2\"", {"Result has illegal dimension."}},
-    {"PositionIndices", BLOCK_POSITION_RESULT_VALUES, nullptr, "<ElementIndices", "<Other",
-     {"No element indices specified for position result values"}},
-    {"Positions", BLOCK_POSITION_RESULT_VALUES, nullptr, "<Positions", "<Other",
-     {"No positions specified for position result values"}},
-    {"PositionScalars", BLOCK_POSITION_RESULT_VALUES, nullptr, "Dimension=\"3\"",
-     "Dimension=\"1\"", {"No scalar values specified for position result values"}},
-    {"PositionVectors", BLOCK_POSITION_RESULT_VALUES, nullptr, "<VectorResult", "<Other",
-     {"No vector values specified for position result values"}},
-    {"PositionTypes", BLOCK_POSITION_RESULT_VALUES, nullptr, "<VectorTypes", "<Other",
-     {"No vector types specified for position result values"}},
-    {"PositionFileMissing", BLOCK_POSITION_RESULT_VALUES, nullptr, "Values0001-VectorResult",
-     "Values0001",
-     {"Unable to read raw data from "
-      "'Database001\\PositionResultValues\\PositionResultValues0001.dat', file not found.",
-      "Could not read binary vector data.", "Error reading position data"}},
-    {"PositionTypesTooFew", BLOCK_POSITION_RESULT_VALUES,
-     "PositionResultValues\\PositionResultValues0001-VectorTypes.txt", "NORMAL_ARROW\n", "",
-     {"PositionResultValues block ID 1: "
-      "'Database001\\PositionResultValues\\PositionResultValues0001.xml' holds 1 vector types, "
-      "expected 2"}},
+    Damage("NodesMissing", BLOCK_NODES, ".txt", nullptr, nullptr,
+           "Unable to read raw data from '@.dat', file not found.\n"
+           "Could not read binary vector data.\n"
+           "Error reading node data"),
+    Damage("NodesOneTooFew", BLOCK_NODES, ".xml", "NumItems=\"3\"", "NumItems=\"4\"",
+           "Number of specified items (4) does not match number of items (3) in '@.txt'\n"
+           "Error reading node data"),
+    Damage("NodesNegative", BLOCK_NODES, ".xml", "NumItems=\"3\"", "NumItems=\"-2147483648\"",
+           "Number of specified items (-2147483648) does not match number of items (3) in '@.txt'\n"
+           "Error reading node data"),
+    Damage("NodesHuge", BLOCK_NODES, ".xml", "NumItems=\"3\"", "NumItems=\"99999999999\"",
+           "Error reading node data"),
+    Damage("NodesUncounted", BLOCK_NODES, ".xml", "NumItems=\"3\"", "", "Error reading node data"),
+    Damage("NodesUnnamed", BLOCK_NODES, ".xml", "Filename", "Name", "Error reading node data"),
+    Damage("NodesNoNumber", BLOCK_NODES, ".txt", "1 0 -0.5", "1 x -0.5",
+           "Could not read three float values in file '@.txt' (text: 1 x -0.5 ...)\n"
+           "Error reading node data"),
+    Damage("NodeIDsOneTooMany", BLOCK_NODES, "-IDs.txt", nullptr, "1\n2\n3\n4\n",
+           "Number of specified items (3) does not match number of items (4) in '@-IDs.txt'\n"
+           "Error reading node IDs"),
+    Damage("PolygonsMissing", BLOCK_INDEXED_FACE_SET, ".xml", "<File", "<Other",
+           "Error reading IFS connects (IFS block ID 1)"),
+    Damage("PolygonsCut", BLOCK_INDEXED_FACE_SET, ".txt", "4\n3\n2\n", "5\n3\n2\n",
+           "IndexedFaceSet block ID 1: '#' holds 4 nodes of the last polygon, expected 5"),
+    Damage("PolygonOfLessThanNoNodes", BLOCK_INDEXED_FACE_SET, ".txt", "4\n3\n2\n", "-4\n3\n2\n",
+           "IndexedFaceSet block ID 1: '#' holds 4 nodes of the last polygon, expected -4"),
+    Damage(
+        "PolygonNodeZero", BLOCK_INDEXED_FACE_SET, ".txt", "\n2\n", "\n0\n",
+        "IndexedFaceSet block ID 1: '#' holds node index -1 at position 1, expected none below 0"),
+    Damage("PolygonCountDiffers", BLOCK_INDEXED_FACE_SET, ".xml", "NumPolygons=\"2\"",
+           "NumPolygons=\"3\"", "IndexedFaceSet block ID 1: '#' holds 2 polygons, expected 3"),
+    Damage("PolygonIDsTooFew", BLOCK_INDEXED_FACE_SET, "-IDs.txt", nullptr, "10\n",
+           "Number of specified items (2) does not match number of items (1) in '@-IDs.txt'\n"
+           "Error reading IFS IDs"),
+    Damage("GeometryIndexTooLarge", BLOCK_GEOMETRY, ".xml", "Index=\"1\"", "Index=\"2\"",
+           "Illegal Geometry Index specified in Geometry::State::Geometry block"),
+    Damage("GeometryIndexNegative", BLOCK_GEOMETRY, ".xml", "Index=\"1\"", "Index=\"-1\"",
+           "Illegal Geometry Index specified in Geometry::State::Geometry block"),
+    Damage("GeometryOfNodes", BLOCK_GEOMETRY, ".xml", "<IndexedFaceSet", "<Nodes",
+           "Only Elements and Indexed face sets are allowed in geometry spec"),
+    Damage("GeometriesHuge", BLOCK_GEOMETRY, ".xml", "PerState=\"2\"", "PerState=\"2000000000\"",
+           "Geometry block ID 1: '@.xml' holds 2000000000 geometries per state, expected 1"),
+    Damage("GeometryInfoCountMissing", BLOCK_GEOMETRY_INFO, ".xml", "GeometryCountPerState",
+           "Count", "GeometryInfo::GeometryCountPerState invalid"),
+    Damage("GeometryInfoCountHuge", BLOCK_GEOMETRY_INFO, ".xml", "PerState=\"2\"",
+           "PerState=\"2000000000\"", "GeometryInfo::GeometryCountPerState invalid"),
+    Damage("GeometryInfoIndexTooLarge", BLOCK_GEOMETRY_INFO, ".xml", "Index=\"1\"", "Index=\"2\"",
+           "GeometryInfo::Geometry::Index invalid"),
+    Damage("ResultValuesUnrecorded", BLOCK_RESULT_VALUES, ".xml", "<File", "<Other",
+           "Cannot get info from Xml (Result values block ID 1)"),
+    Damage("ResultValuesOfTwoDimensions", BLOCK_RESULT_VALUES, ".xml", "NumDimensions=\"6\"",
+           "NumDimensions=\"2\"", "Illegal number of dimensions for result values"),
+    Damage("ResultValuesCut", BLOCK_RESULT_VALUES, ".txt", nullptr, "UNDEF\n",
+           "Number of specified tensors (2) does not match number of tensors (1) in '@.txt'\n"
+           "Error reading node data"),
+    Damage("ResultIDsMissing", BLOCK_RESULT_VALUES, ".xml", "IDs=", "Ids=",
+           "Unable to read raw data from 'Database001\\.dat', file not found.\n"
+           "Could not read binary int data.\n"
+           "Error reading result IDs"),
+    Damage("ResultStateNoNumber", BLOCK_RESULTS, ".xml", "<Value1>2<", "<Value1>two<",
+           "Invalid XML"),
+    Damage("TransformationStateNoNumber", BLOCK_TRANSFORMATION_RESULTS, ".xml", "<Value0>9<",
+           "<Value0><", "Invalid XML"),
+    Damage("StateListNoNumber", BLOCK_STATE_INFO, ".xml", "<Value0>4<", "<Value0>4.5<",
+           "Invalid XML"),
+    Damage("MatrixRowMissing", BLOCK_TRANSFORMATION_RESULT_VALUES, ".xml", " 8.500000 ",
+           " 8,500000 ", "Cannot read matrix from Xml (Transformation result values block ID 1"),
+    Damage("SetOfNodes", BLOCK_SET, ".xml", "BlockType=\"2\"", "BlockType=\"0\"",
+           "Only element sets are supported"),
+    Damage("SetOfOtherItems", BLOCK_SET, ".xml", "ItemType=\"Element\"", "ItemType=\"Node\"",
+           "Only element sets are supported"),
+    Damage("SetItemsUnrecorded", BLOCK_SET, ".xml", "<File", "<Other", "Error reading set data"),
+    Damage("SetItemNegative", BLOCK_SET, "-0001.txt", "0\n", "-7\n",
+           "Set block ID 1: '@.xml' holds element index -7 at position 1, expected none below 0"),
+    Damage("SetTotalDiffers", BLOCK_SET, ".xml", "TotalNumItems=\"3\"", "TotalNumItems=\"4\"",
+           "Set block ID 1: '@.xml' holds 3 items, expected 4"),
+    Damage("PlotUnrecorded", BLOCK_PLOT_2D, ".xml", "<File", "<Other",
+           "No data file specified for plot"),
+    Damage("PlotUnnamed", BLOCK_PLOT_2D, ".xml", "Filename", "Name", "Error reading plot data"),
+    Damage("PlotNoNumber", BLOCK_PLOT_2D, "-0002.txt", "-3", "-3 1",
+           "Could not read one float value in file '@-0002.txt' (text: -3 1 ...)\n"
+           "Error reading plot data"),
+    Damage("CrossSectionNoNumber", BLOCK_CROSS_SECTIONS, ".xml", "Width=\"2\"", "Width=\"wide\"",
+           "Error reading cross section parameters"),
+    Damage("CrossSectionOddName", BLOCK_CROSS_SECTIONS, ".xml",
+           "Width=", "H\u00F6he=", "Error reading cross section parameters"),
+    Damage("GridNegative", BLOCK_PRECOMPUTED_CUTTING_PLANE, ".xml", "NumJ=\"7\"", "NumJ=\"-7\"",
+           "PrecomputedCuttingPlane block ID 1: '@.xml' holds -7 grid lines, expected 0"),
+    Damage("PositionDimension", BLOCK_POSITION_RESULT_VALUES, ".xml", "Dimension=\"3\"",
+           "Dimension=\"2\"", "Result has illegal dimension."),
+    Damage("PositionIndices", BLOCK_POSITION_RESULT_VALUES, ".xml", "<ElementIndices", "<Other",
+           "No element indices specified for position result values"),
+    Damage("Positions", BLOCK_POSITION_RESULT_VALUES, ".xml", "<Positions", "<Other",
+           "No positions specified for position result values"),
+    Damage("PositionScalars", BLOCK_POSITION_RESULT_VALUES, ".xml", "Dimension=\"3\"",
+           "Dimension=\"1\"", "No scalar values specified for position result values"),
+    Damage("PositionVectors", BLOCK_POSITION_RESULT_VALUES, ".xml", "<VectorResult", "<Other",
+           "No vector values specified for position result values"),
+    Damage("PositionTypes", BLOCK_POSITION_RESULT_VALUES, ".xml", "<VectorTypes", "<Other",
+           "No vector types specified for position result values"),
+    Damage("PositionFileMissing", BLOCK_POSITION_RESULT_VALUES, ".xml", "Values0001-VectorResult",
+           "Values0001",
+           "Unable to read raw data from '@.dat', file not found.\n"
+           "Could not read binary vector data.\n"
+           "Error reading position data"),
+    Damage("PositionTypesTooFew", BLOCK_POSITION_RESULT_VALUES, "-VectorTypes.txt",
+           "NORMAL_ARROW\n", "",
+           "PositionResultValues block ID 1: '@.xml' holds 1 vector types, expected 2"),
 };
 
 INSTANTIATE_TEST_SUITE_P(All, DamagedBlock, testing::ValuesIn(kDamages),
@@ -384,69 +324,70 @@ TEST_F(ZRFxBlockTest, DocumentsHaveElementsAndAttributesInTheirOrder) {
     const std::vector<std::string> kShapes = {
         "Nodes[ID WithID](File[Filename NumItems IDs])",
         "IndexedFaceSet[ID NodeBlock MapToNodeIDs WithID NumPolygons](File[Filename "
-         "NumItems IDs])",
+        "NumItems IDs])",
         "Elements[ID NodeBlock MapToNodeIDs WithID CrossSectionsID "
-         "NumEccPerElement](ElementGroup[Type NumElementNodes](ElementIndices[Filename "
-         "NumItems] File[Filename NumItems IDs] ElementToCrossSectionMapping[Filename "
-         "NumItems] Directions[Filename NumItems] Eccentricities[Filename NumItems]) "
-         "ElementGroup[Type NumElementNodes](File[Filename NumItems IDs]) "
-         "ElementGroup[Type NumElementNodes](File[Filename NumItems IDs] "
-         "PolyhedronElementNodeCounts[Filename NumItems] PolyhedronFaceCounts[Filename "
-         "NumItems] PolyhedronFaceLocalNodes[Filename NumItems] "
-         "PolyhedronFaceNodeCounts[Filename NumItems]) Properties(File[Filename "
-         "NumItems]))",
+        "NumEccPerElement](ElementGroup[Type NumElementNodes](ElementIndices[Filename "
+        "NumItems] File[Filename NumItems IDs] ElementToCrossSectionMapping[Filename "
+        "NumItems] Directions[Filename NumItems] Eccentricities[Filename NumItems]) "
+        "ElementGroup[Type NumElementNodes](File[Filename NumItems IDs]) "
+        "ElementGroup[Type NumElementNodes](File[Filename NumItems IDs] "
+        "PolyhedronElementNodeCounts[Filename NumItems] PolyhedronFaceCounts[Filename "
+        "NumItems] PolyhedronFaceLocalNodes[Filename NumItems] "
+        "PolyhedronFaceNodeCounts[Filename NumItems]) Properties(File[Filename "
+        "NumItems]))",
         "Geometry[ID GeometryCountPerState](State[ID](Geometry[Index "
-         "APIGeometryID](Elements[BlockID PartID] IndexedFaceSet[BlockID PartID]) "
-         "Geometry[Index APIGeometryID](Elements[BlockID PartID])))",
+        "APIGeometryID](Elements[BlockID PartID] IndexedFaceSet[BlockID PartID]) "
+        "Geometry[Index APIGeometryID](Elements[BlockID PartID])))",
         "ResultValues[ID MapToBlockID NumDimensions WithID](File[Filename NumItems IDs])",
         "Results[ID Name ResultType StrainType ResultMapping ResultID SectionID "
-         "DefaultScaleFactor RelativeDisplacements BaseResultID BaseResultType "
-         "DeriveOperation](Attribute[Name Value] State[ID](ResultValues(Value0 Value1)) "
-         "State[ID](ResultValues))",
+        "DefaultScaleFactor RelativeDisplacements BaseResultID BaseResultType "
+        "DeriveOperation](Attribute[Name Value] State[ID](ResultValues(Value0 Value1)) "
+        "State[ID](ResultValues))",
         "CrossSections[ID](CrossSection[Type Height Width] CrossSection[Type])",
         "StateInfo[ID](State[ID Name RefValue RefType ParentID "
-         "Group](ZRFxExportInfo[PolygonModel VisiblePartsOnly "
-         "FirstOrderNodesOnly](VisibleSetIDs(Value0 Value1) PartFlags(Value0))) State[ID "
-         "Name RefValue RefType ParentID Group](ZRFxExportInfo[PolygonModel "
-         "VisiblePartsOnly FirstOrderNodesOnly](VisibleSetIDs PartFlags)))",
+        "Group](ZRFxExportInfo[PolygonModel VisiblePartsOnly "
+        "FirstOrderNodesOnly](VisibleSetIDs(Value0 Value1) PartFlags(Value0))) State[ID "
+        "Name RefValue RefType ParentID Group](ZRFxExportInfo[PolygonModel "
+        "VisiblePartsOnly FirstOrderNodesOnly](VisibleSetIDs PartFlags)))",
         "Set[ID SetID Name ItemsSpecifiedAsIDs TotalNumItems ItemType](Items[BlockID "
-         "BlockType](File[Filename NumItems]))",
+        "BlockType](File[Filename NumItems]))",
         "Plot2D[ID Name](Variable[Name](File[Filename NumItems]))",
         "TransformationResultValues[ID MapToBlockID MapToBlockType](Row1 Row2 Row3 Row4)",
         "TransformationResults[ID Name ResultID](State[ID](ResultValues(Value0)))",
         "PrecomputedItem[ID ItemType ItemID "
-         "CaseID](State[ID](ParticleTrace[PositionNodeBlockID TimeResultBlockID "
-         "ScalarResultBlockID VectorResultBlockID] Part[IFSBlockID NodeBlockID "
-         "FringesResultBlockID FringesResultMapping VectorResultBlockID] Grid[NodeBlockID "
-         "NumI NumJ ComputedResultBlockID ScalarResultBlockID VectorResultBlockID]))",
+        "CaseID](State[ID](ParticleTrace[PositionNodeBlockID TimeResultBlockID "
+        "ScalarResultBlockID VectorResultBlockID] Part[IFSBlockID NodeBlockID "
+        "FringesResultBlockID FringesResultMapping VectorResultBlockID] Grid[NodeBlockID "
+        "NumI NumJ ComputedResultBlockID ScalarResultBlockID VectorResultBlockID]))",
         "PositionResultValues[ID Dimension MapToBlockID GlobalPositions GlobalResults "
-         "VectorColor ScalingFactor](Positions[Filename NumItems] ElementIndices[Filename "
-         "NumItems] VectorResult[Filename NumItems] VectorTypes[Filename NumItems])",
+        "VectorColor ScalingFactor](Positions[Filename NumItems] ElementIndices[Filename "
+        "NumItems] VectorResult[Filename NumItems] VectorTypes[Filename NumItems])",
         "GeometryInfo[ID GeometryCountPerState](Geometry[Index](Part[PartID ParentPartID "
-         "PartName BoundaryCondition]))",
+        "PartName BoundaryCondition]))",
         "PrecomputedCuttingPlane[ID CaseID CuttingPlaneID Point Normal MapScalarResultId "
-         "MapVectorResultId GridSpacing SurfaceVisible SurfaceColor Opacity "
-         "SpecularIntensity UseClipping GridLinesVisible "
-         "DrawStyle](State[ID](Part[IFSBlockID NodeBlockID FringesResultBlockID "
-         "FringesResultMapping VectorResultBlockID SurfaceColor] Grid[NodeBlockID NumI "
-         "NumJ ComputedResultBlockID ScalarResultBlockID VectorResultBlockID]))",
+        "MapVectorResultId GridSpacing SurfaceVisible SurfaceColor Opacity "
+        "SpecularIntensity UseClipping GridLinesVisible "
+        "DrawStyle](State[ID](Part[IFSBlockID NodeBlockID FringesResultBlockID "
+        "FringesResultMapping VectorResultBlockID SurfaceColor] Grid[NodeBlockID NumI "
+        "NumJ ComputedResultBlockID ScalarResultBlockID VectorResultBlockID]))",
         "PrecomputedIsosurface[ID CaseID IsosurfaceID IsoValue IsoScalarResultId "
-         "MapScalarResultId MapVectorResultId SurfaceVisible SurfaceColor Opacity "
-         "SpecularIntensity DrawStyle](State[ID](Part[IFSBlockID NodeBlockID "
-         "FringesResultBlockID FringesResultMapping VectorResultBlockID]))",
+        "MapScalarResultId MapVectorResultId SurfaceVisible SurfaceColor Opacity "
+        "SpecularIntensity DrawStyle](State[ID](Part[IFSBlockID NodeBlockID "
+        "FringesResultBlockID FringesResultMapping VectorResultBlockID]))",
         "PrecomputedParticleTraceGroup[ID CaseID GroupID VectorResultId "
-         "MapScalarResultId](Trace[PositionsBlockID TimeStampsBlockID MapScalarsBlockID])",
+        "MapScalarResultId](Trace[PositionsBlockID TimeStampsBlockID MapScalarsBlockID])",
         "PrecomputedIsovolume[ID CaseID IsovolumeID MinIsoValue MaxIsoValue "
-         "IsoScalarResultId MapScalarResultId MapVectorResultId SurfaceVisible "
-         "SurfaceColor Opacity SpecularIntensity DrawStyle TextureName "
-         "EnvironmentMapping](State[ID](Part[IFSBlockID NodeBlockID FringesResultBlockID "
-         "FringesResultMapping VectorResultBlockID]))",
+        "IsoScalarResultId MapScalarResultId MapVectorResultId SurfaceVisible "
+        "SurfaceColor Opacity SpecularIntensity DrawStyle TextureName "
+        "EnvironmentMapping](State[ID](Part[IFSBlockID NodeBlockID FringesResultBlockID "
+        "FringesResultMapping VectorResultBlockID]))",
     };
     for (const int type : test::StoredTypes()) Write(SampleBlock(type, 1));
     ASSERT_TRUE(m_access.Close());
     Entries entries = test::UnpackWithPython(m_file);
     std::vector<std::string> shapes;
-    for (const int type : test::StoredTypes()) shapes.push_back(entries[DocumentOf(type) + "#shape"]);
+    for (const int type : test::StoredTypes())
+        shapes.push_back(entries[DocumentOf(type) + "#shape"]);
     EXPECT_EQ(shapes, kShapes);
     EXPECT_EQ(entries[DocumentOf(BLOCK_TRANSFORMATION_RESULT_VALUES)],
               "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
@@ -457,8 +398,10 @@ TEST_F(ZRFxBlockTest, DocumentsHaveElementsAndAttributesInTheirOrder) {
               " <Row3>7.500000 8.500000 9.500000 10.500000</Row3>\n"
               " <Row4>11.500000 12.500000 13.500000 14.500000</Row4>\n"
               "</TransformationResultValues>\n");
-    const std::string ints("\x03\0\0\0\x01\0\0\0\x02\0\0\0\x03\0\0\0\x04\0\0\0"
-                           "\x03\0\0\0\x02\0\0\0\x04\0\0\0\x05\0\0\0", 36);
+    const std::string ints(
+        "\x03\0\0\0\x01\0\0\0\x02\0\0\0\x03\0\0\0\x04\0\0\0"
+        "\x03\0\0\0\x02\0\0\0\x04\0\0\0\x05\0\0\0",
+        36);
     EXPECT_EQ(entries["Database001\\IndexedFaceSet\\IndexedFaceSet0001.dat"], ints);
 }
 
@@ -476,8 +419,8 @@ TEST_F(ZRFxBlockTest, FilesAreNamedByTypeAndIDOfAtLeastFourDigits) {
 
 // What is wrong with each, the block is not stored and the one before it stays.
 TEST_F(ZRFxBlockTest, ContentsThatCannotBeStoredLeaveTheDatabaseAsItIs) {
-    for (const int type : {BLOCK_SET, BLOCK_POSITION_RESULT_VALUES, BLOCK_INDEXED_FACE_SET,
-                           BLOCK_RESULT_VALUES}) {
+    for (const int type :
+         {BLOCK_SET, BLOCK_POSITION_RESULT_VALUES, BLOCK_INDEXED_FACE_SET, BLOCK_RESULT_VALUES}) {
         Write(SampleBlock(type, 1));
     }
     const Entries before = test::Unpack(m_access);
@@ -580,21 +523,24 @@ TEST_F(ZRFxBlockTest, MissingAttributesReadAsTheirDefaults) {
     EXPECT_EQ(result->GetDescription().strainType, STRAIN_NONE);
 
     const auto states = Read<ZRFxStateInfoBlock>(
-        BLOCK_STATE_INFO, "<StateInfo ID='1'><State RefType='frequency'/><State RefType='Step'/>"
-                          "</StateInfo>");
+        BLOCK_STATE_INFO,
+        "<StateInfo ID='1'><State RefType='frequency'/><State RefType='Step'/>"
+        "</StateInfo>");
     EXPECT_EQ(states->GetState(0)->referenceType, REFERENCE_FREQUENCY);
     EXPECT_EQ(states->GetState(1)->referenceType, REFERENCE_OTHER);
     EXPECT_EQ(states->GetState(1)->parentID, -1);
 }
 
 TEST_F(ZRFxBlockTest, MetaDataIsReadWithoutTheRest) {
-    const auto set = BlockOf(BLOCK_SET, "<Set ID='1' Name='S' TotalNumItems='5' ItemType='ELEMENT'>"
-                                        "<Items BlockType='0'/></Set>");
+    const auto set = BlockOf(BLOCK_SET,
+                             "<Set ID='1' Name='S' TotalNumItems='5' ItemType='ELEMENT'>"
+                             "<Items BlockType='0'/></Set>");
     ASSERT_TRUE(set->ReadMetaData());
     EXPECT_EQ(dynamic_cast<ZRFxSetBlock*>(set.p())->GetTotalNumItems(), 5);
-    const auto result = BlockOf(
-        BLOCK_RESULTS, "<Results ID='1' Name='R'><Attribute Name='a' Value='b'/><State>"
-                       "<ResultValues><Value0>x</Value0></ResultValues></State></Results>");
+    const auto result =
+        BlockOf(BLOCK_RESULTS,
+                "<Results ID='1' Name='R'><Attribute Name='a' Value='b'/><State>"
+                "<ResultValues><Value0>x</Value0></ResultValues></State></Results>");
     ASSERT_TRUE(result->ReadMetaData());
     const ZRFxResultDescription& description =
         dynamic_cast<ZRFxResultBlock*>(result.p())->GetDescription();
@@ -638,8 +584,9 @@ TEST_F(ZRFxBlockTest, LegacyGeometryHasOneGeometryPerState) {
 TEST_F(ZRFxBlockTest, DocumentTakesNoMoreThanItHolds) {
     std::string states;
     for (int i = 0; i < 20000; ++i) states += "<State/>";
-    const auto geometry = Read<ZRFxGeometryBlock>(
-        BLOCK_GEOMETRY, "<Geometry ID='1' GeometryCountPerState='100000'>" + states + "</Geometry>");
+    const auto geometry =
+        Read<ZRFxGeometryBlock>(BLOCK_GEOMETRY, "<Geometry ID='1' GeometryCountPerState='100000'>" +
+                                                    states + "</Geometry>");
     EXPECT_EQ(geometry->GetStateCount(), 20000);
 
     std::string parts;
@@ -648,9 +595,9 @@ TEST_F(ZRFxBlockTest, DocumentTakesNoMoreThanItHolds) {
         parts += "<Elements PartID='" + std::to_string(i) + "'/>";
         ids += "7 ";
     }
-    const auto legacy = Read<ZRFxGeometryBlock>(
-        BLOCK_GEOMETRY, "<Geometry ID='1'><State VexlynAPIGeometryIDs='" + ids + "'>" + parts +
-                            "</State></Geometry>");
+    const auto legacy =
+        Read<ZRFxGeometryBlock>(BLOCK_GEOMETRY, "<Geometry ID='1'><State VexlynAPIGeometryIDs='" +
+                                                    ids + "'>" + parts + "</State></Geometry>");
     EXPECT_EQ(legacy->GetState(0)->GetPart(0, 99999).apiGeometryID, 7);
     const nvf::ref<ZRFxGeometryInfoBlock> info = new ZRFxGeometryInfoBlock(nullptr, 1);
     ASSERT_TRUE(legacy->GetLegacyGeometryInfo(info.p()));

@@ -7,6 +7,7 @@
 #include <fstream>
 #include <memory>
 
+#include "support/SampleBlocks.h"
 #include "support/TemporaryFolder.h"
 
 namespace test {
@@ -48,8 +49,16 @@ std::string OutputOf(const std::string& command) {
     std::string output;
     const std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(command.c_str(), "r"), pclose);
     char piece[4096];
-    while (pipe && !feof(pipe.get())) output.append(piece, fread(piece, 1, sizeof(piece), pipe.get()));
+    while (pipe && !feof(pipe.get()))
+        output.append(piece, fread(piece, 1, sizeof(piece), pipe.get()));
     return output;
+}
+
+std::string Replaced(std::string text, const std::string& from, const std::string& to) {
+    for (std::size_t at = text.find(from); at != std::string::npos; at = text.find(from)) {
+        text.replace(at, from.size(), to);
+    }
+    return text;
 }
 
 std::string TakeCounted(std::string_view& text) {
@@ -131,6 +140,39 @@ void DatabaseTest::SetUp() {
 
 void DatabaseTest::Write(const nvf::ref<ZRFxBlock>& block) {
     ASSERT_TRUE(block->WriteBlock(&m_database));
+}
+
+std::string DatabaseTest::DocumentOf(int type) {
+    const std::string name = ZRFxBlockTypeName(type).Bytes();
+    return "Database001\\" + name + "\\" + name + "0001.xml";
+}
+
+void DatabaseTest::ExpectRefused(const Damage& damage) {
+    m_database.SetTextMode(true);
+    const nvf::ref<ZRFxBlock> sample = SampleBlock(damage.type, 1);
+    Write(sample);
+    const ZRString base = m_database.EntryName(sample->GetFilebase());
+    const std::string entry = (base + damage.file).Bytes();
+    if (!damage.to) {
+        ASSERT_TRUE(m_access.RemoveFile(entry));
+    } else if (!damage.from) {
+        Put(entry, damage.to);
+    } else {
+        Edit(entry, damage.from, damage.to);
+    }
+    ZRFxBlock* block = m_database.GetBlockByID(damage.type, 1);
+    for (int attempt = 0; attempt < 2; ++attempt) {
+        EXPECT_FALSE(block->ReadBlock());
+        EXPECT_FALSE(block->IsRead());
+        std::string texts;
+        for (const std::string& text : TakeTexts()) texts += (texts.empty() ? "" : "\n") + text;
+        texts = Replaced(texts, base.Bytes(), "@");
+        EXPECT_EQ(Replaced(texts, sample->GetFilebase().Bytes(), "#"), damage.messages);
+    }
+}
+
+void PrintTo(const Damage& damage, std::ostream* stream) {
+    *stream << damage.name;
 }
 
 bool CreateDatabase(ZRFxDatabase& database, int id) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <iosfwd>
 #include <map>
 #include <string>
 #include <string_view>
@@ -44,6 +45,19 @@ protected:
     unstruct::ZRFxAccess m_access;
 };
 
+/// One fault in the files of a block that was written in text form, and what reading it says.
+struct Damage {
+    const char* name;
+    int type;
+    const char* file;  ///< What follows the base name of the block.
+    const char* from;  ///< Null for the whole contents.
+    const char* to;    ///< Null to remove the file.
+    /// One a line; "#" stands for the base name, "@" for the same with the database's folder.
+    const char* messages;
+};
+
+void PrintTo(const Damage& damage, std::ostream* stream);
+
 /// An archive in memory with one database, of id 1.
 class DatabaseTest : public ArchiveTest {
 protected:
@@ -51,6 +65,13 @@ protected:
 
     /// Writes the block in place of the one of its type and id.
     void Write(const nvf::ref<unstruct::ZRFxBlock>& block);
+
+    /// The entry name of the document of the block of id 1.
+    static std::string DocumentOf(int type);
+
+    /// Expects that the sample block of id 1, so damaged, is refused with these messages and stays
+    /// unread.
+    void ExpectRefused(const Damage& damage);
 
     unstruct::ZRFxDatabase m_database{&m_access};
 };

@@ -40,13 +40,17 @@ ZRArray<T> ArrayOf(std::initializer_list<T> items) {
     return array;
 }
 
-ZRIntArray Ints(std::initializer_list<std::int32_t> items) { return ArrayOf<std::int32_t>(items); }
+ZRIntArray Ints(std::initializer_list<std::int32_t> items) {
+    return ArrayOf<std::int32_t>(items);
+}
 
 std::unique_ptr<ZRIntArray> NewInts(std::initializer_list<std::int32_t> items) {
     return std::make_unique<ZRIntArray>(Ints(items));
 }
 
-ZRVec3fArray Vectors(std::initializer_list<nuo::Vec3f> items) { return ArrayOf<nuo::Vec3f>(items); }
+ZRVec3fArray Vectors(std::initializer_list<nuo::Vec3f> items) {
+    return ArrayOf<nuo::Vec3f>(items);
+}
 
 void Fill(ZRFxNodeBlock& block) {
     block.SetNodes(Vectors({{0, 0, 0}, {1, 0, -0.5f}, {0, 1.25f, 1e-20f}}), NewInts({7, 3, 5}));
@@ -113,15 +117,35 @@ void Fill(ZRFxGeometryBlock& block) {
 void Fill(ZRFxResultValuesBlock& block) {
     block.SetMapToBlockID(1);
     block.SetNumDimensions(6);
-    const float tensors[] = {1, 2, 3, 4, 5, 6.5f, kUndefinedValue, kUndefinedValue, kUndefinedValue,
-                             kUndefinedValue, kUndefinedValue, kUndefinedValue};
+    const float tensors[] = {1,
+                             2,
+                             3,
+                             4,
+                             5,
+                             6.5f,
+                             kUndefinedValue,
+                             kUndefinedValue,
+                             kUndefinedValue,
+                             kUndefinedValue,
+                             kUndefinedValue,
+                             kUndefinedValue};
     block.SetScalars(tensors, 12);
     block.SetIDs(NewInts({3, 5}));
 }
 
 void Fill(ZRFxResultBlock& block) {
-    block.GetDescription() = {kName, RESULT_DISPLACEMENT, STRAIN_ENGINEERING, MAPPING_NODE, 3, 2,
-                              0.1f,  true, 7, RESULT_UNKNOWN, 18, {{"Unit", "mm"}, {kName, kName}}};
+    block.GetDescription() = {kName,
+                              RESULT_DISPLACEMENT,
+                              STRAIN_ENGINEERING,
+                              MAPPING_NODE,
+                              3,
+                              2,
+                              0.1f,
+                              true,
+                              7,
+                              RESULT_UNKNOWN,
+                              18,
+                              {{"Unit", "mm"}, {kName, kName}}};
     block.AddState(1)->m_aiValuesBlockIDs = Ints({1, 2});
     block.AddState(2);
 }
@@ -135,21 +159,26 @@ void Fill(ZRFxCrossSectionsBlock& block) {
 }
 
 void Fill(ZRFxStateInfoBlock& block) {
-    block.AddState({1, kName, 0.1f, REFERENCE_TIME, 9, kName, {true, true, true, Ints({4, -5}), Ints({1})}});
+    block.AddState(
+        {1, kName, 0.1f, REFERENCE_TIME, 9, kName, {true, true, true, Ints({4, -5}), Ints({1})}});
     block.AddState({2, "", -1e30f, REFERENCE_LOAD_CASE, -1, "", {}});
 }
 
 void Fill(ZRFxSetBlock& block) {
     block.SetSetID(8);
     block.SetName(kName);
-    block.AddItems(std::make_unique<ZRFxSetBlockItems>(ZRFxSetBlockItems{1, BLOCK_ELEMENTS, Ints({2, 0})}));
-    block.AddItems(std::make_unique<ZRFxSetBlockItems>(ZRFxSetBlockItems{2, BLOCK_ELEMENTS, Ints({1})}));
+    block.AddItems(
+        std::make_unique<ZRFxSetBlockItems>(ZRFxSetBlockItems{1, BLOCK_ELEMENTS, Ints({2, 0})}));
+    block.AddItems(
+        std::make_unique<ZRFxSetBlockItems>(ZRFxSetBlockItems{2, BLOCK_ELEMENTS, Ints({1})}));
 }
 
 void Fill(ZRFx2DPlotDataBlock& block) {
     block.SetName(kName);
-    block.AddVariable(std::make_unique<ZRFxPlotVariable>(ZRFxPlotVariable{"Time", ArrayOf({0.f, 0.5f})}));
-    block.AddVariable(std::make_unique<ZRFxPlotVariable>(ZRFxPlotVariable{kName, ArrayOf({kUndefinedValue, -3.f})}));
+    block.AddVariable(
+        std::make_unique<ZRFxPlotVariable>(ZRFxPlotVariable{"Time", ArrayOf({0.f, 0.5f})}));
+    block.AddVariable(std::make_unique<ZRFxPlotVariable>(
+        ZRFxPlotVariable{kName, ArrayOf({kUndefinedValue, -3.f})}));
 }
 
 void Fill(ZRFxTransformationResultValuesBlock& block) {

@@ -1,0 +1,249 @@
+#include "ZROZRFxElementBlock.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "support/ArchiveTest.h"
+#include "support/SampleBlocks.h"
+
+namespace unstruct {
+namespace {
+
+using test::Damage;
+
+ZRIntArray Ints(const std::vector<std::int32_t>& items) {
+    ZRIntArray array;
+    array.Assign(items.data(), static_cast<std::int64_t>(items.size()));
+    return array;
+}
+
+std::unique_ptr<ZRFxElementBlockGroup> Triangles(const std::vector<std::int32_t>& nodes,
+                                                 const std::vector<std::int32_t>& ids) {
+    auto group = std::make_unique<ZRFxElementBlockGroup>();
+    group->m_iElementType = ELEMENT_TRIANGLE;
+    group->m_iNumElements = static_cast<std::int64_t>(nodes.size() / 3);
+    group->m_aiConnectivity = Ints(nodes);
+    group->m_aiIDs = Ints(ids);
+    return group;
+}
+
+class ZRFxElementBlockTest : public test::DatabaseTest {
+protected:
+    std::vector<std::string> FilesOf(const std::string& base) {
+        ZRStringArray names;
+        EXPECT_TRUE(m_access.FindFilesOfBase("Database001\\Elements\\" + base, &names));
+        std::vector<std::string> files;
+        for (const ZRString& name : names) files.push_back(name.FileName().Bytes());
+        return files;
+    }
+
+    const nvf::ref<ZRFxElementBlock> m_block = new ZRFxElementBlock(nullptr, 1);
+};
+
+TEST_F(ZRFxElementBlockTest, GroupsHaveAllIDsOrNone) {
+    for (const bool firstHasIDs : {true, false}) {
+        const nvf::ref<ZRFxElementBlock> block = new ZRFxElementBlock(nullptr, 9);
+        const std::vector<std::int32_t> ids = {5};
+        auto first = Triangles({0, 1, 2}, firstHasIDs ? ids : std::vector<std::int32_t>{});
+        auto second = Triangles({0, 1, 2}, firstHasIDs ? std::vector<std::int32_t>{} : ids);
+        EXPECT_TRUE(block->AddElementGroup(first));
+        EXPECT_FALSE(block->AddElementGroup(second));
+        ExpectTexts({"Either all element groups must have IDs or none. (Element block ID 9)"});
+        EXPECT_TRUE(second);
+        EXPECT_EQ(block->GetNumElementGroups(), 1);
+        EXPECT_EQ(block->GetWithIDs(), firstHasIDs);
+    }
+}
+
+TEST_F(ZRFxElementBlockTest, NodeIndicesCountFromOneInTheFileAndIDsStandAsTheyAre) {
+    for (const bool isIDs : {false, true}) {
+        auto group = Triangles({0, 7, 2147483646}, {});
+        const nvf::ref<ZRFxElementBlock> block = new ZRFxElementBlock(nullptr, 1);
+        block->SetMapToNodeIDs(isIDs);
+        ASSERT_TRUE(block->AddElementGroup(group));
+        m_database.SetTextMode(true);
+        Write(block.p());
+        EXPECT_EQ(Get("Database001\\Elements\\Elements0001-0001.txt"),
+                  isIDs ? "0\n7\n2147483646\n" : "1\n8\n2147483647\n");
+        auto* read = dynamic_cast<ZRFxElementBlock*>(m_database.GetBlockByID(BLOCK_ELEMENTS, 1));
+        ASSERT_TRUE(read->ReadBlock());
+        EXPECT_EQ(read->GetElementGroup(0)->m_aiConnectivity, Ints({0, 7, 2147483646}));
+    }
+}
+
+TEST_F(ZRFxElementBlockTest, OnlyWhatAppliesIsWritten) {
+    auto group = Triangles({0, 1, 2}, {});
+    group->m_aiPolyhedronFaceCounts = Ints({1});
+    group->m_aiExpansionMapping = Ints({0});
+    ASSERT_TRUE(m_block->AddElementGroup(group));
+    m_block->AddUserProperties(std::make_unique<ZRIntArray>(Ints({1})));
+    m_block->AddUserProperties(std::make_unique<ZRIntArray>());
+    m_block->AddUserProperties(std::make_unique<ZRIntArray>(Ints({3})));
+    Write(m_block.p());
+    EXPECT_EQ(FilesOf("Elements0001"),
+              (std::vector<std::string>{"Elements0001-0001.dat", "Elements0001-0001-Properties.dat",
+                                        "Elements0001-0003-Properties.dat", "Elements0001.xml"}));
+    const std::string document = Get("Database001\\Elements\\Elements0001.xml");
+    EXPECT_EQ(document.find("CrossSectionsID"), std::string::npos);
+    EXPECT_EQ(document.find("NumEccPerElement"), std::string::npos);
+}
+
+TEST_F(ZRFxElementBlockTest, GroupWithoutExpansionMappingWritesNoVectors) {
+    auto group = Triangles({0, 1, 2}, {});
+    group->m_aDirections.Add({0, 0, 1});
+    m_block->SetCrossSectionsID(0);
+    ASSERT_TRUE(m_block->AddElementGroup(group));
+    Write(m_block.p());
+    EXPECT_EQ(FilesOf("Elements0001"),
+              (std::vector<std::string>{"Elements0001-0001.dat", "Elements0001.xml"}));
+}
+
+TEST_F(ZRFxElementBlockTest, IDsAndIndicesRunOverAllGroups) {
+    auto first = Triangles({0, 1, 2, 2, 1, 3}, {7, 5});
+    auto second = Triangles({0, 1, 2}, {6});
+    ASSERT_TRUE(m_block->AddElementGroup(first));
+    ASSERT_TRUE(m_block->AddElementGroup(second));
+    ZRIntArray ids;
+    ASSERT_TRUE(m_block->GetAllElementIDs(&ids));
+    EXPECT_EQ(ids, Ints({7, 5, 6}));
+    ASSERT_TRUE(m_block->RenumberElementIndices());
+    EXPECT_EQ(m_block->GetElementGroup(1)->m_aiElementIndices, Ints({2}));
+    m_block->GetElementGroup(1)->m_aiIDs.Add(8);
+    EXPECT_FALSE(m_block->GetAllElementIDs(&ids));
+    ExpectAssertion("paiElementIDs->GetNumItems() == iNumElements");
+}
+
+TEST_F(ZRFxElementBlockTest, BadArgumentsAreAssertionsAndDoNothing) {
+    std::unique_ptr<ZRFxElementBlockGroup> none;
+    EXPECT_FALSE(m_block->AddElementGroup(none));
+    ExpectAssertion("pGroup");
+    EXPECT_FALSE(m_block->GetAllElementIDs(nullptr));
+    ExpectAssertion("paiElementIDs");
+    for (const int index : {-1, 0}) {
+        EXPECT_FALSE(m_block->GetElementGroup(index));
+        ExpectAssertion("(iEltGroupIdx >= 0) && (iEltGroupIdx < m_apElementGroups.GetSize())");
+    }
+    EXPECT_FALSE(m_block->GetUserProperties(0));
+    ExpectAssertion("iPropertiesIdx < m_apUserProperties.GetSize()");
+    EXPECT_FALSE(m_block->GetUserProperties(-1));
+    m_block->RemoveElementGroups(0, 3);
+    ExpectAssertion("iTo >= 0 && iTo < m_apElementGroups.GetSize()");
+    m_block->RemoveUserProperties(0, -1);
+    ExpectAssertion("iTo >= 0 && iTo < m_apUserProperties.GetSize()");
+}
+
+class DamagedElements : public test::DatabaseTest, public testing::WithParamInterface<Damage> {};
+
+TEST_P(DamagedElements, AreRefusedAndStayUnread) {
+    ExpectRefused(GetParam());
+}
+
+const std::vector<Damage> kDamages = {
+    Damage("Unrecorded", BLOCK_ELEMENTS, ".xml", "<File", "<Other",
+           "Cannot get element info from Xml (Element block ID 1)"),
+    Damage("Uncounted", BLOCK_ELEMENTS, ".xml", "0001-0001\" NumItems=\"2\"",
+           "0001-0001\" NumItems=\"\"", "Cannot get element info from Xml (Element block ID 1)"),
+    Damage("NegativeCount", BLOCK_ELEMENTS, ".xml", "0001-0001\" NumItems=\"2\"",
+           "0001-0001\" NumItems=\"-2\"",
+           "Elements block ID 1: '#-0001' holds -2 elements, expected 0"),
+    Damage("HugeCount", BLOCK_ELEMENTS, ".xml", "0001-0001\" NumItems=\"2\"",
+           "0001-0001\" NumItems=\"2147483647\"",
+           "Elements block ID 1: '#-0001' holds 4 element nodes, expected 4294967294"),
+    Damage("CountNotOfTheNodes", BLOCK_ELEMENTS, ".xml", "0001-0001\" NumItems=\"2\"",
+           "0001-0001\" NumItems=\"1\"",
+           "Elements block ID 1: '#-0001' holds 4 element nodes, expected 2"),
+    Damage("NodesNotOfTheType", BLOCK_ELEMENTS, ".xml", "Type=\"Beam\"", "Type=\"Quad\"",
+           "Elements block ID 1: '#-0001' holds 4 element nodes, expected 8"),
+    Damage("UnknownType", BLOCK_ELEMENTS, ".xml", "Type=\"Beam\"", "Type=\"beam\"",
+           "Elements block ID 1: '#-0001' holds 4 element nodes, expected 0"),
+    Damage("NodesCut", BLOCK_ELEMENTS, "-0001.txt", nullptr, "1\n2\n2\n",
+           "Number of specified items (4) does not match number of items (3) in '@-0001.txt'\n"
+           "Error reading element data"),
+    Damage(
+        "NodeZero", BLOCK_ELEMENTS, "-0001.txt", nullptr, "1\n2\n0\n3\n",
+        "Elements block ID 1: '#-0001' holds node index -1 at position 2, expected none below 0"),
+    Damage("NodeLowest", BLOCK_ELEMENTS, "-0001.txt", nullptr, "1\n2\n2\n-2147483648\n",
+           "Elements block ID 1: '#-0001' holds node index -2147483648 at position 3, expected "
+           "none below 0"),
+    Damage("IDsCut", BLOCK_ELEMENTS, "-0002-IDs.txt", nullptr, "",
+           "Number of specified items (1) does not match number of items (0) in '@-0002-IDs.txt'\n"
+           "Error reading element data"),
+    Damage("IDsMissingInOneGroup", BLOCK_ELEMENTS, ".xml",
+           " IDs=\"Elements\\Elements0001-0002-IDs\"", "",
+           "Either all element groups must have IDs or none. (Element block ID 1)"),
+    Damage("IDsDenied", BLOCK_ELEMENTS, ".xml", "WithID=\"true\"", "WithID=\"false\"",
+           "Either all element groups must have IDs or none. (Element block ID 1)"),
+    Damage("IndicesTooMany", BLOCK_ELEMENTS, ".xml", "-ElementIndices\" NumItems=\"2\"",
+           "-ElementIndices\" NumItems=\"3\"",
+           "Elements block ID 1: '#-0001-ElementIndices' holds 3 element indices, expected 2"),
+    Damage("IndicesUncounted", BLOCK_ELEMENTS, ".xml", "-ElementIndices\" NumItems=\"2\"",
+           "-ElementIndices\"", "Error reading element indices"),
+    Damage("IndicesCut", BLOCK_ELEMENTS, "-0001-ElementIndices.txt", nullptr, "1\n",
+           "Number of specified items (2) does not match number of items (1) in "
+           "'@-0001-ElementIndices.txt'\n"
+           "Error reading element indices"),
+    Damage("IndexNegative", BLOCK_ELEMENTS, "-0001-ElementIndices.txt", nullptr, "1\n-1\n",
+           "Elements block ID 1: '#-0001-ElementIndices' holds element index -1 at position 1, "
+           "expected none below 0"),
+    Damage(
+        "MappingTooShort", BLOCK_ELEMENTS, ".xml", "-ExpansionMapping\" NumItems=\"2\"",
+        "-ExpansionMapping\" NumItems=\"1\"",
+        "Elements block ID 1: '#-0001-ExpansionMapping' holds 1 cross section indices, expected 2"),
+    Damage("MappingUncounted", BLOCK_ELEMENTS, ".xml", "-ExpansionMapping\" NumItems=\"2\"",
+           "-ExpansionMapping\"", "Error reading element data"),
+    Damage("DirectionsMissing", BLOCK_ELEMENTS, ".xml", "<Directions", "<Other",
+           "Error reading element data"),
+    Damage("EccentricitiesNotOfTheElements", BLOCK_ELEMENTS, ".xml", "NumEccPerElement=\"2\"",
+           "NumEccPerElement=\"1\"",
+           "Elements block ID 1: '@.xml' holds 4 eccentricities, expected 2"),
+    Damage("MappingNegative", BLOCK_ELEMENTS, "-0001-ExpansionMapping.txt", nullptr, "0\n-1\n",
+           "Elements block ID 1: '#-0001-ExpansionMapping' holds cross section index -1 at "
+           "position 1, expected none below 0"),
+    Damage("NodeCountsMissing", BLOCK_ELEMENTS, ".xml", "<PolyhedronElementNodeCounts", "<Other",
+           "Error reading polyhedrons (PolyhedronElementNodeCounts)"),
+    Damage("FaceCountsMissing", BLOCK_ELEMENTS, ".xml", "<PolyhedronFaceCounts", "<Other",
+           "Error reading polyhedrons (PolyhedronFaceCounts)"),
+    Damage("LocalNodesMissing", BLOCK_ELEMENTS, ".xml", "<PolyhedronFaceLocalNodes", "<Other",
+           "Error reading polyhedrons (PolyhedronFaceLocalNodes)"),
+    Damage("FaceNodeCountsMissing", BLOCK_ELEMENTS, ".xml", "<PolyhedronFaceNodeCounts", "<Other",
+           "Error reading polyhedrons (PolyhedronFaceNodeCounts)"),
+    Damage("NodeCountsTooFew", BLOCK_ELEMENTS, ".xml", "StartNodes\" NumItems=\"2\"",
+           "StartNodes\" NumItems=\"1\"",
+           "Number of specified items (1) does not match number of items (2) in "
+           "'@-0003-PolyhedronStartNodes.txt'\n"
+           "Error reading polyhedrons (PolyhedronElementNodeCounts)"),
+    Damage("NodeCountsNotOfTheNodes", BLOCK_ELEMENTS, "-0003-PolyhedronStartNodes.txt", nullptr,
+           "4\n5\n", "Elements block ID 1: '@.xml' holds 8 polyhedron nodes, expected 9"),
+    Damage("NodeCountNegative", BLOCK_ELEMENTS, "-0003-PolyhedronStartNodes.txt", nullptr,
+           "12\n-4\n",
+           "Elements block ID 1: '@.xml' holds PolyhedronElementNodeCounts -4 at position 1, "
+           "expected none below 0\n"
+           "Error reading polyhedrons (PolyhedronElementNodeCounts)"),
+    Damage("FaceCountsNotOfTheFaces", BLOCK_ELEMENTS, "-0003-PolyhedronFaceCounts.txt", nullptr,
+           "4\n5\n", "Elements block ID 1: '@.xml' holds 8 polyhedron faces, expected 9"),
+    Damage("FaceCountsHuge", BLOCK_ELEMENTS, "-0003-PolyhedronFaceCounts.txt", nullptr,
+           "2147483647\n2147483647\n",
+           "Elements block ID 1: '@.xml' holds 8 polyhedron faces, expected 4294967294"),
+    Damage("FaceNodeCountsNotOfTheNodes", BLOCK_ELEMENTS, "-0003-PolyhedronFaceNodeCounts.txt",
+           "3\n3\n", "3\n4\n",
+           "Elements block ID 1: '@.xml' holds 24 polyhedron face nodes, expected 25"),
+    Damage("LocalNodeBeyondTheElement", BLOCK_ELEMENTS, "-0003-PolyhedronFaceLocalNodes.txt", "3\n",
+           "4\n",
+           "Elements block ID 1: '@.xml' holds local node 4 in polyhedron 0, expected less than 4"),
+    Damage("PropertiesUnrecorded", BLOCK_ELEMENTS, ".xml", "<Properties>",
+           "<Properties/><Properties>", "Error reading element data"),
+    Damage("PropertiesTooFew", BLOCK_ELEMENTS, ".xml", "0001-Properties\" NumItems=\"5\"",
+           "0001-Properties\" NumItems=\"4\"",
+           "Number of specified items (4) does not match number of items (5) in "
+           "'@-0001-Properties.txt'\n"
+           "Error reading element data"),
+};
+
+INSTANTIATE_TEST_SUITE_P(All, DamagedElements, testing::ValuesIn(kDamages),
+                         [](const auto& test) { return std::string(test.param.name); });
+
+}  // namespace
+}  // namespace unstruct
