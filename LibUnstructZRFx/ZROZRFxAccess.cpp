@@ -285,6 +285,8 @@ bool ZRFxAccess::WriteProperties(const ZRString& fileName,
 }
 
 bool ZRFxAccess::ReadProperties(const ZRString& fileName, nvf::PropertySetCollection* collection) {
+    NVF_ASSERT(collection);
+    if (!collection) return false;
     nvf::XmlDocument doc;
     if (!InternalReadXmlFile(fileName, LogMode::LOG, &doc)) {
         return m_logger->fail("Unable to read properties Xml from archive");
