@@ -1,0 +1,378 @@
+#include "ZROZRFxAccess.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include "support/ArchiveTest.h"
+#include "support/HardTexts.h"
+#include "support/TemporaryFolder.h"
+
+namespace unstruct {
+namespace {
+
+class ZRFxAccessTest : public test::ArchiveTest {
+protected:
+    std::vector<std::string> Found(bool (ZRFxAccess::*find)(const ZRString&, bool, ZRStringArray*),
+                                   const char* folder, bool descend) {
+        ZRStringArray names = {"before"};
+        EXPECT_TRUE((m_access.*find)(folder, descend, &names));
+        std::vector<std::string> found;
+        for (const ZRString& name : names) found.push_back(name.Bytes());
+        return found;
+    }
+
+    // An archive file with these entries.
+    void WriteFile(const std::string& path, const std::vector<std::string>& names,
+                   const char* password = "") {
+        ZRFxAccess access;
+        ASSERT_TRUE(access.Open(path, ZRZipAccessMode::CREATE));
+        ASSERT_TRUE(access.SetPassword(password));
+        for (const std::string& name : names) {
+            ASSERT_TRUE(access.WriteDataRaw(name, "text", 4, false));
+        }
+        ASSERT_TRUE(access.Close());
+    }
+
+    test::TemporaryFolder m_folder;
+};
+
+TEST_F(ZRFxAccessTest, OpeningTellsWhatIsWrong) {
+    const std::string path = m_folder.Path("none.zrfx");
+    ZRFxAccess access;
+    for (const ZRZipAccessMode mode : {ZRZipAccessMode::UPDATE, ZRZipAccessMode::READ_ONLY}) {
+        EXPECT_FALSE(access.Open(path, mode));
+        ExpectTexts({"File not found. '" + path + "'"});
+    }
+    EXPECT_FALSE(access.Open(" ", ZRZipAccessMode::CREATE));
+    ExpectTexts({"No filename specified."});
+    EXPECT_FALSE(access.Open(nullptr, ZRZipAccessMode::CREATE));
+    ExpectAssertion("memFile");
+    std::ofstream(path) << "not an archive at all, though it is long enough to hold a directory";
+    EXPECT_FALSE(access.Open(path, ZRZipAccessMode::READ_ONLY));
+    EXPECT_EQ(TakeTexts().back(), "File still closed after opening it.");
+    EXPECT_FALSE(access.Open(m_folder.Path(""), ZRZipAccessMode::UPDATE));
+    EXPECT_EQ(TakeTexts().back(), "File still closed after opening it.");
+    EXPECT_FALSE(access.IsOpen());
+
+    ZRFxZipMemFile other;
+    EXPECT_FALSE(m_access.Open(path, ZRZipAccessMode::CREATE));
+    EXPECT_FALSE(m_access.Open(&other, ZRZipAccessMode::CREATE));
+    ExpectTexts({"The archive is open, close it before opening.",
+                 "The archive is open, close it before opening."});
+    EXPECT_NE(Get("ZRF.xml"), "");
+}
+
+TEST_F(ZRFxAccessTest, ClosedAndReadOnlyArchivesRefuseToWrite) {
+    nvf::XmlDocument doc;
+    const auto expectEachFails = [&](const std::string& message, const std::string& ofXml) {
+        EXPECT_FALSE(m_access.WriteDataRaw("a", "b", 1, true));
+        EXPECT_FALSE(m_access.RemoveFile("a"));
+        EXPECT_FALSE(m_access.OpenNewFile("a"));
+        EXPECT_FALSE(m_access.Commit());
+        ExpectTexts({message, message, message, message});
+        EXPECT_FALSE(m_access.WriteXmlFile("a", doc, true));
+        ExpectTexts({ofXml});
+        EXPECT_FALSE(m_access.WriteProperties("a", nvf::PropertySetCollection()));
+        ExpectTexts({ofXml, "Unable to write properties Xml to archive"});
+    };
+    Reopen(ZRZipAccessMode::READ_ONLY);
+    expectEachFails("The file is read only.", "The file is read only.");
+    ASSERT_TRUE(m_access.Close());
+    expectEachFails("Archive is not open.", "Cannot write Xml file 'a', archive is not open.");
+    EXPECT_FALSE(m_access.SetPassword("p"));
+    ExpectTexts({"Cannot set password, file is closed"});
+    EXPECT_EQ(m_access.InternalFindFile("a", LogMode::LOG), -1);
+    ExpectTexts({"Archive is not open."});
+    ZRStringArray names;
+    bool flag = false;
+    EXPECT_FALSE(m_access.FindFiles("", true, &names));
+    EXPECT_FALSE(m_access.FindSubFolders("", true, &names));
+    EXPECT_FALSE(m_access.GetArchiveInfo(&flag, &flag, &flag));
+    ExpectTexts({"Archive is not open.", "Archive is not open.", "Archive is not open."});
+}
+
+TEST_F(ZRFxAccessTest, EntriesAreWrittenOnceUnlessToldToReplace) {
+    const std::string raw = "Could not add file 'x' to archive";
+    ASSERT_TRUE(m_access.WriteDataInt("x", ZRIntArray()));
+    const struct {
+        bool (*write)(ZRFxAccess&);
+        std::vector<std::string> messages;
+    } kCases[] = {
+        {[](ZRFxAccess& a) { return a.WriteDataRaw("x", "a", 1, false); }, {raw}},
+        {[](ZRFxAccess& a) { return a.WriteDataRaw("x", "", 0, true); },
+         {"Could not add empty file 'x' to archive"}},
+        {[](ZRFxAccess& a) { return a.WriteDataString("x", "a"); },
+         {raw, "Could not write string."}},
+        {[](ZRFxAccess& a) { return a.WriteDataString("x", ""); },
+         {raw, "Could not write empty replacement string."}},
+        {[](ZRFxAccess& a) {
+             ZRIntArray v;
+             v.Add(1);
+             return a.WriteDataInt("x", v);
+         },
+         {raw, "Could not write integer data."}},
+        {[](ZRFxAccess& a) {
+             ZRFloatArray v;
+             v.Add(1);
+             return a.WriteDataFloat("x", v);
+         },
+         {raw, "Could not write float data."}},
+        {[](ZRFxAccess& a) {
+             ZRVec3fArray v;
+             v.Add({});
+             return a.WriteDataVectorAsFloat("x", v);
+         },
+         {raw, "Could not write float vector integer data."}},
+        {[](ZRFxAccess& a) {
+             ZRUbyteArray v;
+             v.Add(1);
+             return a.WriteData("x", v);
+         },
+         {raw, "Could not write unsigned byte data."}},
+        {[](ZRFxAccess& a) { return a.OpenNewFile("x"); }, {"Error opening new file"}},
+        {[](ZRFxAccess& a) { return a.WriteNewFile("x"); }, {"Error writing new file"}},
+        {[](ZRFxAccess& a) { return a.CloseNewFile(); }, {"Error closing new file."}},
+        {[](ZRFxAccess& a) { return a.WriteXmlFile("x", nvf::XmlDocument(), false); },
+         {"Xml file 'x' exists in archive, and overwrite flag is not set"}},
+    };
+    for (const auto& testCase : kCases) {
+        EXPECT_FALSE(testCase.write(m_access));
+        std::vector<std::string> texts = TakeTexts();
+        if (texts.size() > testCase.messages.size()) texts.erase(texts.begin());  // the cause
+        EXPECT_EQ(texts, testCase.messages);
+    }
+    EXPECT_EQ(Get("x"), "");
+    EXPECT_TRUE(m_access.WriteDataRaw("x", "new", 3, true));
+    EXPECT_EQ(Get("x"), "new");
+    m_access.SetAlwaysOverwrite(true);
+    EXPECT_TRUE(m_access.WriteDataString("x", "newer"));
+    EXPECT_TRUE(m_access.OpenNewFile("x"));
+    EXPECT_TRUE(m_access.WriteNewFile("a\n"));
+    EXPECT_TRUE(m_access.WriteNewFile(""));
+    EXPECT_TRUE(m_access.WriteNewFile("b\n"));
+    EXPECT_TRUE(m_access.CloseNewFile());
+    EXPECT_EQ(Get("x"), "a\nb\n");
+}
+
+TEST_F(ZRFxAccessTest, ReadingTakesWholeItemsAndMissesSilentlyOnDemand) {
+    Put("ten", "0123456789");
+    ZRIntArray ints;
+    ZRVec3fArray vectors;
+    ZRFxZipRawData raw;
+    EXPECT_TRUE(m_access.ReadDataInt("ten", &ints));
+    EXPECT_EQ(ints.GetSize(), 2);
+    EXPECT_TRUE(m_access.ReadDataVector("ten", &vectors));
+    EXPECT_EQ(vectors.GetSize(), 0);
+    EXPECT_FALSE(m_access.InternalReadDataRaw("none", LogMode::SILENT, &raw));
+    EXPECT_EQ(m_access.InternalFindFile(" ", LogMode::SILENT), -1);
+    EXPECT_FALSE(m_access.ReadDataInt("none", &ints));
+    ExpectTexts({"Unable to read raw data from 'none', file not found."});
+    EXPECT_EQ(ints.GetSize(), 0);
+    EXPECT_EQ(m_access.InternalFindFile(" ", LogMode::LOG), -1);
+    EXPECT_FALSE(m_access.WriteDataRaw("\t", "a", 1, true));
+    EXPECT_FALSE(m_access.WriteXmlFile("", nvf::XmlDocument(), true));
+    ExpectTexts({"No filename specified.", "No filename specified.", "No filename specified."});
+}
+
+TEST_F(ZRFxAccessTest, NullArgumentsAreAssertionsAndDoNothing) {
+    bool flag = false;
+    EXPECT_FALSE(m_access.ReadDataFloat("ZRF.xml", nullptr));
+    ExpectAssertion("data");
+    EXPECT_FALSE(m_access.ReadDataString("ZRF.xml", nullptr));
+    ExpectAssertion("text");
+    EXPECT_FALSE(m_access.InternalReadDataRaw("ZRF.xml", LogMode::LOG, nullptr));
+    ExpectAssertion("raw");
+    EXPECT_FALSE(m_access.InternalReadXmlFile("ZRF.xml", LogMode::LOG, nullptr));
+    ExpectAssertion("doc");
+    EXPECT_FALSE(m_access.FindFiles("", true, nullptr));
+    ExpectAssertion("names");
+    EXPECT_FALSE(m_access.FindSubFolders("", true, nullptr));
+    ExpectAssertion("names");
+    EXPECT_FALSE(m_access.GetArchiveInfo(&flag, nullptr, &flag));
+    ExpectAssertion("compressed && binary && encrypted");
+    EXPECT_FALSE(m_access.ReadProperties("p.xml", nullptr));
+    ExpectAssertion("collection");
+}
+
+TEST_F(ZRFxAccessTest, FilesAndFoldersAreFoundUnderEitherSeparator) {
+    for (const char* name :
+         {"A\\1.xml", "A/2.xml", "A\\B\\3.xml", "A/B/C/4.xml", "AB\\5.xml", "A/D/"}) {
+        Put(name, "");
+    }
+    using testing::ElementsAre;
+    EXPECT_THAT(Found(&ZRFxAccess::FindFiles, "A", false), ElementsAre("A\\1.xml", "A/2.xml"));
+    EXPECT_THAT(Found(&ZRFxAccess::FindFiles, "A", true),
+                ElementsAre("A\\1.xml", "A/2.xml", "A\\B\\3.xml", "A/B/C/4.xml"));
+    EXPECT_THAT(Found(&ZRFxAccess::FindFiles, "A\\B", true),
+                ElementsAre("A\\B\\3.xml", "A/B/C/4.xml"));
+    EXPECT_THAT(Found(&ZRFxAccess::FindFiles, "", false), ElementsAre("ZRF.xml"));
+    EXPECT_THAT(Found(&ZRFxAccess::FindFiles, "a", true), ElementsAre());
+    EXPECT_THAT(Found(&ZRFxAccess::FindSubFolders, "", false), ElementsAre("A", "AB"));
+    EXPECT_THAT(Found(&ZRFxAccess::FindSubFolders, "A", true),
+                ElementsAre("A\\B", "A/B", "A/B/C", "A/D"));
+    EXPECT_GE(m_access.InternalFindFile("A\\2.xml", LogMode::LOG), 0);
+    EXPECT_EQ(m_access.InternalFindFile("a\\2.xml", LogMode::LOG), -1);
+    EXPECT_TRUE(m_access.WriteXmlFile("A\\2.xml", nvf::XmlDocument(), true));
+    EXPECT_EQ(test::Unpack(m_access).count("A/2.xml"), 0u);
+}
+
+TEST_F(ZRFxAccessTest, ArchiveTellsWhetherItIsCompressedBinaryAndEncrypted) {
+    const struct {
+        const char* name;
+        int level;
+        const char* password;
+        bool flags[3];
+    } kCases[] = {
+        {"a.txt", 0, "", {false, false, false}},
+        {"a.DaT", 0, "", {false, true, false}},
+        {"a.txt", 5, "", {true, false, false}},
+        {"a.txt", 0, "secret", {false, false, true}},
+    };
+    const std::string text(1000, 'x');
+    for (const auto& testCase : kCases) {
+        ZRFxZipMemFile file;
+        ZRFxAccess access;
+        ASSERT_TRUE(access.Open(&file, ZRZipAccessMode::CREATE));
+        ASSERT_TRUE(access.SetPassword(testCase.password));
+        access.SetCompression(testCase.level, 7, 65536, 65536);
+        ASSERT_TRUE(access.WriteDataRaw(testCase.name, text.data(), text.size(), false));
+        bool flags[3] = {};
+        ASSERT_TRUE(access.GetArchiveInfo(&flags[0], &flags[1], &flags[2]));
+        EXPECT_THAT(flags, testing::ElementsAreArray(testCase.flags)) << testCase.name;
+    }
+}
+
+TEST_F(ZRFxAccessTest, ZRFxFileIsToldByExtensionAndMainDocument) {
+    WriteFile(m_folder.Path("good.zrfx"), {"ZRF.xml", "a"});
+    WriteFile(m_folder.Path("other.zip"), {"ZRF.xml"});
+    WriteFile(m_folder.Path("OTHER.ZRFX"), {"ZRF.xml"});
+    WriteFile(m_folder.Path("none.zrfx"), {"zrf.xml", "A\\ZRF.xml"});
+    WriteFile(m_folder.Path("empty.zrfx"), {});
+    WriteFile(m_folder.Path("Tr\u00E4ger \u4E2D.zrfx"), {"ZRF.xml"}, "secret");
+    std::ofstream(m_folder.Path("text.zrfx")) << "ZRF.xml";
+    std::filesystem::create_directory(m_folder.Path("folder.zrfx"));
+    const auto before = std::filesystem::last_write_time(m_folder.Path("good.zrfx"));
+    for (const char* name : {"good.zrfx", "Tr\u00E4ger \u4E2D.zrfx"}) {
+        EXPECT_TRUE(ZRFxAccess::IsZRFxFile(m_folder.Path(name))) << name;
+    }
+    for (const char* name : {"other.zip", "OTHER.ZRFX", "none.zrfx", "empty.zrfx", "text.zrfx",
+                             "folder.zrfx", "missing.zrfx", ""}) {
+        EXPECT_FALSE(ZRFxAccess::IsZRFxFile(m_folder.Path(name))) << name;
+    }
+    EXPECT_EQ(std::filesystem::last_write_time(m_folder.Path("good.zrfx")), before);
+    EXPECT_FALSE(std::filesystem::exists(m_folder.Path("missing.zrfx")));
+}
+
+TEST_F(ZRFxAccessTest, ContainersAreExchangedWithOtherPrograms) {
+    const std::string path = m_folder.Path("a.zrfx");
+    WriteFile(path, {"ZRF.xml", "Database001\\x.dat", "\u4E2D\u6587\\y"});
+    EXPECT_EQ(std::system(("unzip -tqq '" + path + "' >/dev/null 2>&1").c_str()), 0);
+    const std::string packed = m_folder.Path("packed.zrfx");
+    EXPECT_EQ(std::system(("python3 -c \"import zipfile, sys\n"
+                           "z = zipfile.ZipFile(sys.argv[1], 'w', zipfile.ZIP_BZIP2)\n"
+                           "z.writestr('Database001/x.dat', b'text' * 100)\" '" +
+                           packed + "'")
+                              .c_str()),
+              0);
+    ZRFxAccess access;
+    ASSERT_TRUE(access.Open(packed, ZRZipAccessMode::READ_ONLY));
+    ZRString text;
+    EXPECT_TRUE(access.ReadDataString("Database001\\x.dat", &text));
+    EXPECT_EQ(text.Bytes().size(), 400u);
+}
+
+TEST_F(ZRFxAccessTest, SnapshotAndDescriptionAreWhatTheCaseNames) {
+    const std::string unreadable = "Unable to read raw data from '";
+    nvf::XmlDocument doc;
+    ASSERT_TRUE(
+        doc.parse("<Case ID='1' Folder='C'><Snapshot>s.raw</Snapshot>"
+                  "<Description>d.txt</Description></Case>"));
+    ASSERT_TRUE(m_access.AddCase(doc, false));
+    nuo::Image image;
+    ZRString text;
+    EXPECT_FALSE(m_access.GetCaseSnapshot(1, &image));
+    ExpectTexts({unreadable + "s.raw', file not found.", "Error reading JPEG image from archive",
+                 "Error reading snapshot (case ID 1)"});
+    EXPECT_FALSE(m_access.GetCaseDescription(1, &text));
+    ExpectTexts({unreadable + "d.txt', file not found.", "Error reading description(case ID 1)"});
+    Put("C\\s.raw", std::string_view("\1\0\0\0\1\0\0\0abc", 11));
+    Put("d.txt", "about");
+    EXPECT_TRUE(m_access.GetCaseSnapshot(1, &image));
+    EXPECT_EQ(image.width(), 1u);
+    EXPECT_TRUE(m_access.GetCaseDescription(1, &text));
+    EXPECT_EQ(text, "about");
+
+    const struct {
+        int id;
+        const char* document;  // null for none
+        std::vector<std::string> snapshot;
+        std::vector<std::string> description;
+    } kCases[] = {
+        {2,
+         "",
+         {"The specified case does not exist (case ID 2)"},
+         {"The specified case does not exist (case ID 2)"}},
+        {1,
+         nullptr,
+         {unreadable + "C\\Case.xml', file not found.", "Cannot read Case.xml (case ID 1)"},
+         {unreadable + "C\\Case.xml', file not found.", "Cannot read Case.xml (case ID 1)"}},
+        {1,
+         "<case/>",
+         {"Invalid Case.xml file (case ID 1)"},
+         {"Invalid Case.xml file (case ID 1)"}},
+        {1,
+         "<Case/>",
+         {"Cannot find snapshot (case ID 1)"},
+         {"Cannot find description (case ID 1)"}},
+    };
+    for (const auto& testCase : kCases) {
+        ASSERT_TRUE(m_access.RemoveFile("C\\Case.xml"));
+        if (testCase.document) Put("C\\Case.xml", testCase.document);
+        EXPECT_FALSE(m_access.GetCaseSnapshot(testCase.id, &image));
+        ExpectTexts(testCase.snapshot);
+        EXPECT_FALSE(m_access.GetCaseDescription(testCase.id, &text));
+        ExpectTexts(testCase.description);
+    }
+}
+
+TEST_F(ZRFxAccessTest, PropertiesComeBackAndDamageIsReported) {
+    nvf::PropertySetCollection collection;
+    const nvf::ref<nvf::PropertySet> set = new nvf::PropertySet("camera");
+    int number = 0;
+    for (const char* text : test::kHardXmlTexts) {
+        set->setValue(nvf::String("key" + std::to_string(number++)),
+                      nvf::Variant(nvf::String(text)));
+    }
+    collection.addPropertySet(set.p());
+    ASSERT_TRUE(m_access.WriteProperties("C\\ZRFxProperties.xml", collection));
+    nvf::PropertySetCollection found;
+    ASSERT_TRUE(m_access.ReadProperties("C\\ZRFxProperties.xml", &found));
+    ASSERT_EQ(found.count(), 1u);
+    EXPECT_EQ(found.propertySet(0)->valuesByKey().size(), set->valuesByKey().size());
+    ASSERT_TRUE(m_access.WriteProperties("C\\Again.xml", found));
+    EXPECT_EQ(Get("C\\Again.xml"), Get("C\\ZRFxProperties.xml"));
+
+    EXPECT_FALSE(m_access.WriteProperties(" ", collection));
+    ExpectTexts({"No file name."});
+    const std::pair<const char*, std::vector<std::string>> kCases[] = {
+        {"<Properties/>", {"No valid root element found in Xml"}},
+        {"<ZRFxProperties/>", {"No PropertySetCollection element found in Xml"}},
+    };
+    for (const auto& [document, messages] : kCases) {
+        Put("p.xml", document);
+        EXPECT_FALSE(m_access.ReadProperties("p.xml", &found));
+        ExpectTexts(messages);
+    }
+    EXPECT_FALSE(m_access.ReadProperties("none.xml", &found));
+    ExpectTexts({"Unable to read raw data from 'none.xml', file not found.",
+                 "Unable to read properties Xml from archive"});
+}
+
+}  // namespace
+}  // namespace unstruct

@@ -1,0 +1,362 @@
+#include "ZROZRFxDatabase.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "ZROZRFxNodeBlock.h"
+#include "support/ArchiveTest.h"
+#include "support/HardTexts.h"
+#include "support/SampleBlocks.h"
+
+namespace unstruct {
+namespace {
+
+using test::SampleBlock;
+
+constexpr const char* kTOC = "Database001\\Database-TOC.xml";
+constexpr const char* kDescription = "Database001\\Database.xml";
+constexpr const char* kParsing = "Parsing ZRFx file...";
+
+class ZRFxDatabaseTest : public test::DatabaseTest {
+protected:
+    // Type name and id of all blocks, in the order of the database.
+    static std::vector<std::string> BlocksOf(const ZRFxDatabase& database) {
+        std::vector<std::string> blocks;
+        for (int i = 0; i < database.GetNumBlocks(); ++i) {
+            const ZRFxBlock* block = database.GetBlock(i);
+            blocks.push_back(ZRFxBlockTypeName(block->GetType()).Bytes() + " " +
+                             std::to_string(block->GetID()));
+        }
+        return blocks;
+    }
+
+    void ExpectBlocks(const std::vector<std::string>& expected) {
+        ZRFxDatabase parsed(&m_access);
+        EXPECT_TRUE(parsed.Parse(1));
+        EXPECT_EQ(BlocksOf(parsed), expected);
+        for (int i = 0; i < parsed.GetNumBlocks(); ++i) {
+            EXPECT_TRUE(parsed.GetBlock(i)->ReadBlock());
+        }
+        ExpectTexts({kParsing});
+    }
+
+    void ExpectParseFails(const std::vector<std::string>& messages) {
+        ZRFxDatabase parsed(&m_access);
+        EXPECT_FALSE(parsed.Parse(1));
+        EXPECT_EQ(parsed.GetNumBlocks(), 0);
+        std::vector<std::string> expected = messages;
+        expected.insert(expected.begin(), kParsing);
+        ExpectTexts(expected);
+    }
+};
+
+TEST_F(ZRFxDatabaseTest, DescriptionAndTableOfContentsAreWrittenAsDocumented) {
+    Write(SampleBlock(BLOCK_SET, 12));
+    Write(SampleBlock(BLOCK_NODES, 3));
+    Write(SampleBlock(BLOCK_SET, 2));
+    Write(SampleBlock(BLOCK_SET, 12));
+    ASSERT_TRUE(m_database.WriteTOC());
+    ASSERT_TRUE(m_access.Close());
+    test::Entries entries = test::UnpackWithPython(m_file);
+    EXPECT_EQ(entries[kDescription],
+              "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+              "<Database xmlns=\"urn:nuo:zrfx\" ID=\"1\" Name=\"Bridge\" Folder=\"Database001\" "
+              "SourceName=\"bridge.fem\" SimulationType=\"Structural\" "
+              "SolutionType=\"LinearStatic\">\n"
+              " <Description>A bridge</Description>\n"
+              "</Database>\n");
+    EXPECT_EQ(entries[kTOC],
+              "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+              "<DatabaseTOC xmlns=\"urn:nuo:zrfx\" DatabaseID=\"1\">\n"
+              " <Set ID=\"12\" File=\"Database001\\Set\\Set0012.xml\" />\n"
+              " <Nodes ID=\"3\" File=\"Database001\\Nodes\\Nodes0003.xml\" />\n"
+              " <Set ID=\"2\" File=\"Database001\\Set\\Set0002.xml\" />\n"
+              "</DatabaseTOC>\n");
+}
+
+TEST_F(ZRFxDatabaseTest, BlocksAreOrderedByTypeAndIDFromTableOfContentsAndFromFolder) {
+    for (const int id : {5, 2, 70000, 0}) Write(SampleBlock(BLOCK_NODES, id));
+    Write(SampleBlock(BLOCK_RESULTS, 2));
+    Write(SampleBlock(BLOCK_ELEMENTS, 9));
+    const std::vector<std::string> expected = {"Nodes 0",     "Nodes 2",    "Nodes 5",
+                                               "Nodes 70000", "Elements 9", "Results 2"};
+    EXPECT_EQ(BlocksOf(m_database), expected);
+    ExpectBlocks(expected);  // as a writer leaves it that was stopped
+    ASSERT_TRUE(m_database.WriteTOC());
+    ExpectBlocks(expected);
+    Reopen(ZRZipAccessMode::READ_ONLY);
+    ExpectBlocks(expected);
+}
+
+TEST_F(ZRFxDatabaseTest, DatabaseOpenedForUpdateKeepsItsTableOfContents) {
+    for (const bool hadTOC : {true, false}) {
+        if (hadTOC) {
+            Write(SampleBlock(BLOCK_NODES, 1));
+            Write(SampleBlock(BLOCK_RESULTS, 4));
+            ASSERT_TRUE(m_database.WriteTOC());
+        } else {
+            ASSERT_TRUE(m_access.RemoveFile(kTOC));
+        }
+        Reopen(ZRZipAccessMode::UPDATE);
+        ZRFxDatabase appended(&m_access);
+        ASSERT_TRUE(appended.Parse(1));
+        ASSERT_TRUE(SampleBlock(BLOCK_NODES, 2)->WriteBlock(&appended));
+        ASSERT_TRUE(SampleBlock(BLOCK_RESULTS, 4)->WriteBlock(&appended));
+        ASSERT_TRUE(appended.WriteTOC());
+        ExpectTexts({kParsing});
+        ExpectBlocks({"Nodes 1", "Nodes 2", "Results 4"});
+        const std::string toc = Get(kTOC);
+        EXPECT_EQ(toc.find("Results"), toc.rfind("<Results") + 1);
+    }
+}
+
+TEST_F(ZRFxDatabaseTest, EntriesUnderSlashesAreFoundAndReplaced) {
+    Write(SampleBlock(BLOCK_ELEMENTS, 1));
+    Write(SampleBlock(BLOCK_NODES, 1));
+    ASSERT_TRUE(m_database.WriteTOC());
+    for (const bool hasTOC : {true, false}) {
+        if (!hasTOC) {
+            ASSERT_TRUE(m_access.RemoveFile(kTOC));
+        }
+        for (auto& [name, bytes] : test::Unpack(m_access)) {
+            ASSERT_TRUE(m_access.RemoveFile(name));
+            std::string slashed = name;
+            std::replace(slashed.begin(), slashed.end(), '\\', '/');
+            Put(slashed, bytes);
+        }
+        ExpectBlocks({"Nodes 1", "Elements 1"});
+        ZRFxDatabase database(&m_access);
+        ASSERT_TRUE(database.Parse(1));
+        database.SetTextMode(!hasTOC);
+        ASSERT_TRUE(SampleBlock(BLOCK_NODES, 1)->WriteBlock(&database));
+        ASSERT_TRUE(database.WriteTOC());
+        ExpectTexts({kParsing});
+        ExpectBlocks({"Nodes 1", "Elements 1"});
+        ZRStringArray names;
+        EXPECT_TRUE(m_access.FindFilesOfBase("Database001/Nodes/Nodes0001", &names));
+        EXPECT_EQ(names.size(), 3u);
+    }
+}
+
+TEST_F(ZRFxDatabaseTest, TableOfContentsMayNameFilesRelativeToTheFolder) {
+    Write(SampleBlock(BLOCK_NODES, 1));
+    ASSERT_TRUE(m_database.WriteTOC());
+    Edit(kTOC, "Database001\\Nodes\\", "Nodes\\");
+    ExpectBlocks({"Nodes 1"});
+}
+
+TEST_F(ZRFxDatabaseTest, DuplicateLinesGiveOneBlock) {
+    Write(SampleBlock(BLOCK_NODES, 1));
+    ASSERT_TRUE(m_database.WriteTOC());
+    const std::string line = "<Nodes ID=\"1\" File=\"Database001\\Nodes\\Nodes0001.xml\" />";
+    Edit(kTOC, line, line + line);
+    ExpectBlocks({"Nodes 1"});
+}
+
+TEST_F(ZRFxDatabaseTest, DamagedDocumentsEndTheParseWithTheirMessage) {
+    const std::string missing = "Unable to read raw data from '";
+    const struct {
+        const char* entry;
+        const char* from;  // null to remove the entry
+        const char* to;
+        std::vector<std::string> messages;
+    } kCases[] = {
+        {kDescription,
+         nullptr,
+         nullptr,
+         {missing + kDescription + "', file not found.", "Database Xml file not found."}},
+        {kDescription,
+         "<Database ",
+         "<Base><Database ",
+         {"'Database001\\Database.xml' in '': Start-end tags mismatch (at byte 247)",
+          "Error parsing Xml contents", "Database Xml file not found."}},
+        {"ZRF.xml", "<Database ID=\"1\"", "<Database ID=\"2\"", {"Database Xml file not found."}},
+        {"ZRF.xml", "Databases>", "Bases>", {}},
+        {kDescription, " ID=\"1\"", " ID=\"-7\"", {"Invalid Database ID -7 specified"}},
+        {kDescription,
+         "Folder=\"Database001\"",
+         "Folder=\" \"",
+         {"Invalid Database Folder, is blank."}},
+        {kTOC, "DatabaseID=\"1\"", "DatabaseID=\"2\"", {"Illegal database ID in TOC file."}},
+        {kTOC, "DatabaseID=\"1\"", "", {"Illegal database ID in TOC file."}},
+        {kTOC, "File=\"Database001\\Set\\Set0001.xml\"", "", {"No filename specified for block."}},
+        {kTOC, " ID=\"1\"", " ID=\"-1\"", {"Invalid ID -1 specified for block"}},
+        {kTOC, " ID=\"1\"", " ID=\"99999999999\"", {"Invalid ID -1 specified for block"}},
+        {kTOC, "<Set ", "<Sets ", {"Invalid block type 'Sets' specified"}},
+        {kTOC, "<Set ", "<Texture ", {"Error create block (type 'Texture', ID 1)"}},
+        {kTOC,
+         " ID=\"1\"",
+         " ID=\"2\"",
+         {"Set block ID 1 in 'Database001\\Set\\Set0001.xml' does not match ID 2 in Database-TOC",
+          "Invalid XML", "Error reading block meta data."}},
+        {kTOC,
+         "Set0001.xml",
+         "Set0002.xml",
+         {missing + "Database001\\Set\\Set0002.xml', file not found.", "Invalid XML",
+          "Error reading block meta data."}},
+    };
+    Write(SampleBlock(BLOCK_SET, 1));
+    ASSERT_TRUE(m_database.WriteTOC());
+    for (const auto& testCase : kCases) {
+        SCOPED_TRACE(testCase.from ? testCase.from : testCase.entry);
+        const std::string before = Get(testCase.entry);
+        if (!testCase.from) {
+            ASSERT_TRUE(m_access.RemoveFile(testCase.entry));
+        } else if (testCase.messages.empty()) {
+            Put(testCase.entry, "<ZRF/>");
+        } else {
+            Edit(testCase.entry, testCase.from, testCase.to);
+        }
+        ExpectParseFails(testCase.messages.empty()
+                             ? std::vector<std::string>{"Databases root not found in main document",
+                                                        "Database Xml file not found."}
+                             : testCase.messages);
+        Put(testCase.entry, before);
+    }
+    for (const auto& [entry, message] :
+         {std::pair{kDescription, "Illegal root element in database.xml file."},
+          std::pair{kTOC, "Illegal root element in database TOC file."}}) {
+        const std::string before = Get(entry);
+        Put(entry, "<Nodes ID='1'/>");
+        ExpectParseFails({message});
+        Put(entry, before);
+    }
+    Put(kTOC, "");
+    ZRFxDatabase parsed(&m_access);
+    EXPECT_FALSE(parsed.Parse(1));
+    EXPECT_EQ(TakeTexts().back(), "Cannot find database TOC file.");
+}
+
+TEST_F(ZRFxDatabaseTest, FolderScanReportsDocumentsThatAreNoBlocks) {
+    const std::pair<const char*, std::vector<std::string>> kCases[] = {
+        {"<Nodes/>", {"Invalid ID specified for block (type 'Nodes', ID -1)"}},
+        {"<Notes ID='1'/>", {"Invalid block type 'Notes' specified"}},
+        {"<User ID='1'/>", {"Error create block (type 'User', ID 1)"}},
+        {"<Set ID='1'/>",
+         {"Only element sets are supported", "Error reading block meta data (type 'Set', ID 1)"}},
+    };
+    for (const auto& [document, messages] : kCases) {
+        Put("Database001\\a\\b\\X.xml", document);
+        ExpectParseFails(messages);
+    }
+    ASSERT_TRUE(m_access.RemoveFile("Database001\\a\\b\\X.xml"));
+    Put("Database001\\DATABASE.xml", "not looked at");
+    Put("Database001\\notes.txt", "not looked at");
+    Put("Database0010\\Nodes\\Nodes0001.xml", "not looked at");
+    ExpectBlocks({});
+}
+
+TEST_F(ZRFxDatabaseTest, CreateRefusesAnIDInUseAndABrokenFile) {
+    ZRFxDatabase other(&m_access);
+    EXPECT_FALSE(test::CreateDatabase(other, 1));
+    ExpectTexts({"Database with ID=1 already exists"});
+    EXPECT_TRUE(test::CreateDatabase(other, 1000));
+    EXPECT_EQ(other.GetFolder(), "Database1000");
+    Put("Database007\\Database.xml", "taken");
+    EXPECT_FALSE(test::CreateDatabase(other, 7));
+    ExpectTexts(
+        {"Xml file 'Database007\\Database.xml' exists in archive, and overwrite flag is not set",
+         "Error writing Xml file.", "Error adding database."});
+    Put("ZRF.xml", "<ZRF/>");
+    EXPECT_FALSE(test::CreateDatabase(other, 2));
+    ExpectTexts({"Databases root not found in main document", "File structure error."});
+}
+
+TEST_F(ZRFxDatabaseTest, AddedBlockReplacesTheOneOfItsTypeAndID) {
+    bool isReplaced = true;
+    const nvf::ref<ZRFxBlock> first = SampleBlock(BLOCK_NODES, 5);
+    const nvf::ref<ZRFxBlock> second = SampleBlock(BLOCK_NODES, 5);
+    EXPECT_TRUE(m_database.AddBlock(first.p(), &isReplaced));
+    EXPECT_FALSE(isReplaced);
+    EXPECT_TRUE(m_database.AddBlock(SampleBlock(BLOCK_NODES, 2).p(), &isReplaced));
+    EXPECT_TRUE(m_database.AddBlock(SampleBlock(BLOCK_RESULTS, 5).p(), &isReplaced));
+    EXPECT_FALSE(isReplaced);
+    EXPECT_TRUE(m_database.AddBlock(second.p(), &isReplaced));
+    EXPECT_TRUE(isReplaced);
+    EXPECT_EQ(m_database.GetBlockByID(BLOCK_NODES, 5), second.p());
+    EXPECT_EQ(BlocksOf(m_database), (std::vector<std::string>{"Nodes 2", "Nodes 5", "Results 5"}));
+    EXPECT_FALSE(m_database.AddBlock(nullptr, &isReplaced));
+    EXPECT_FALSE(m_database.AddBlock(first.p(), nullptr));
+    ExpectAssertion("replaced");
+}
+
+TEST_F(ZRFxDatabaseTest, WhatCouldNotBeOpenedAgainIsNotWritten) {
+    const std::pair<const char*, int> kBlocks[] = {{"Notes", 1}, {"Texture", 1}, {"Nodes", -1}};
+    nvf::XmlDocument doc;
+    doc.createRootElement("Nodes", "");
+    for (const auto& [type, id] : kBlocks) {
+        EXPECT_FALSE(m_database.WriteBlock(type, id, "Database001\\x.xml", doc, true));
+        ExpectTexts({"Error writing block xml file (type '" + std::string(type) + "' ID " +
+                     std::to_string(id) + ")"});
+    }
+    ExpectBlocks({});
+}
+
+TEST_F(ZRFxDatabaseTest, ReadOnlyAndClosedArchivesAreReported) {
+    Write(SampleBlock(BLOCK_NODES, 1));
+    Reopen(ZRZipAccessMode::READ_ONLY);
+    EXPECT_FALSE(m_database.WriteTOC());
+    ExpectTexts({"The file is read only.", "Cannot write Database TOC to archive."});
+    EXPECT_FALSE(SampleBlock(BLOCK_NODES, 2)->WriteBlock(&m_database));
+    EXPECT_THAT(TakeTexts(), testing::Contains("The file is read only."));
+    EXPECT_FALSE(SampleBlock(BLOCK_NODES, 1)->WriteBlock(&m_database));
+    ExpectTexts({"The file is read only."});
+    EXPECT_FALSE(SampleBlock(BLOCK_STATE_INFO, 1)->WriteBlock(&m_database));
+    ExpectTexts({"The file is read only.", "Error writing block xml file (type 'StateInfo' ID 1)",
+                 "File write error"});
+    EXPECT_EQ(BlocksOf(m_database), std::vector<std::string>{"Nodes 1"});
+    EXPECT_TRUE(m_database.GetBlock(0)->ReadBlock());
+    ASSERT_TRUE(m_access.Close());
+    EXPECT_FALSE(m_database.WriteTOC());
+    ExpectTexts({"Cannot write Xml file 'Database001\\Database-TOC.xml', archive is not open.",
+                 "Cannot write Database TOC to archive."});
+}
+
+TEST_F(ZRFxDatabaseTest, WithoutArchiveOrWithBadArgumentsItFailsAnAssertion) {
+    ZRFxDatabase nowhere(nullptr);
+    EXPECT_FALSE(test::CreateDatabase(nowhere, 1));
+    ExpectAssertion("m_pAccess");
+    EXPECT_FALSE(nowhere.Parse(1));
+    EXPECT_EQ(TakeTexts().back(), "Database Xml file not found.");
+    EXPECT_FALSE(nowhere.WriteTOC());
+    ExpectAssertion("m_pTOC.notNull()");
+    EXPECT_FALSE(SampleBlock(BLOCK_NODES, 1)->WriteBlock(&nowhere));
+    EXPECT_FALSE(SampleBlock(BLOCK_STATE_INFO, 1)->WriteBlock(&nowhere));
+    TakeTexts();
+    EXPECT_EQ(m_database.GetBlock(-1), nullptr);
+    ExpectAssertion("globalIndex >= 0");
+    EXPECT_EQ(m_database.GetBlock(0), nullptr);
+    for (const int type : {-1, 23}) {
+        EXPECT_EQ(m_database.GetNumBlocks(type), 0);
+        EXPECT_EQ(m_database.GetBlock(type, 0), nullptr);
+        EXPECT_EQ(m_database.GetBlockByID(type, 0), nullptr);
+    }
+    EXPECT_EQ(ZRFxBlockTypeName(23), "INVALID_BLOCK");
+    EXPECT_EQ(ZRFxBlockTypeFromName("nodes"), 999999);
+}
+
+TEST_F(ZRFxDatabaseTest, NamesInEveryScriptComeBack) {
+    int id = 2;
+    for (const char* text : test::kHardXmlTexts) {
+        ZRFxDatabase database(&m_access);
+        ASSERT_TRUE(database.Create(text, id, text, ZRFEMSimulationType::OTHER,
+                                    ZRFEMSolutionType::OTHER, text));
+        ZRFxDatabase parsed(&m_access);
+        ASSERT_TRUE(parsed.Parse(id));
+        ExpectTexts({kParsing});
+        EXPECT_EQ(parsed.GetName(), text);
+        EXPECT_EQ(parsed.GetSourceName(), text);
+        EXPECT_EQ(parsed.GetDescription(), text);
+        EXPECT_EQ(ZRString(nvf::String(parsed.GetName())), parsed.GetName());
+        ZRFxDatabaseInfo info;
+        ASSERT_TRUE(m_access.GetDatabaseByID(id++, &info));
+        EXPECT_EQ(info.name, text);
+    }
+}
+
+}  // namespace
+}  // namespace unstruct
