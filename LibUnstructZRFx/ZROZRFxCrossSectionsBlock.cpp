@@ -86,7 +86,9 @@ bool ZRFxCrossSectionsBlock::DoWriteBlock(nvf::XmlElement root) {
     return true;
 }
 
-void ZRFxCrossSectionsBlock::DoUnloadData() { m_apCrossSections.RemoveAll(); }
+void ZRFxCrossSectionsBlock::DoUnloadData() {
+    m_apCrossSections.RemoveAll();
+}
 
 bool ZRFxCrossSectionsBlock::ReadCrossSection(const nvf::XmlElement& element) {
     ZRStringArray names;
@@ -94,7 +96,9 @@ bool ZRFxCrossSectionsBlock::ReadCrossSection(const nvf::XmlElement& element) {
     for (const std::string& name : element.attributeNamesUtf8()) {
         if (name == kTypeAttribute) continue;
         float value = 0;
-        if (!isParameterName(name) || !nvf::parseNumber(element.getAttributeUtf8(name.c_str(), ""), value)) return false;
+        if (!isParameterName(name) ||
+            !nvf::parseNumber(element.getAttributeUtf8(name.c_str(), ""), value))
+            return false;
         names.push_back(name);
         values.push_back(value);
     }

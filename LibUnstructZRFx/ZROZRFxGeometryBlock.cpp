@@ -31,13 +31,8 @@ const std::vector<ZRFxGeometryPart>& ZRFxGeometryParts::operator[](int iGlobalGe
     return found == m_parts.end() ? kNoParts : found->second;
 }
 
-void ZRFxGeometryParts::Add(int iGlobalGeometryIndex, const ZRFxGeometryPart& part) {
-    m_parts[iGlobalGeometryIndex].push_back(part);
-}
-
 ZRFxGeometryState::ZRFxGeometryState(int stateID, int geometryCountPerState)
-    : m_iStateID(stateID),
-      m_iGeometryCountPerState(std::max(geometryCountPerState, 0)) {}
+    : m_iStateID(stateID), m_iGeometryCountPerState(std::max(geometryCountPerState, 0)) {}
 
 int ZRFxGeometryState::GetPartCount(int iGlobalGeometryIndex) const {
     if (!IsGeometry(iGlobalGeometryIndex)) return 0;
@@ -55,7 +50,7 @@ ZRFxGeometryPart ZRFxGeometryState::GetPart(int iGlobalGeometryIndex, int iPartI
 
 bool ZRFxGeometryState::AddPart(int iGlobalGeometryIndex, const ZRFxGeometryPart& part) {
     if (!IsGeometry(iGlobalGeometryIndex)) return false;
-    m_geometryParts.Add(iGlobalGeometryIndex, part);
+    m_geometryParts[iGlobalGeometryIndex].push_back(part);
     return true;
 }
 

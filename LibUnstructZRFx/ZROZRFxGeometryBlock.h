@@ -23,7 +23,9 @@ struct ZRFxGeometryPart {
 class ZRFxGeometryParts {
 public:
     const std::vector<ZRFxGeometryPart>& operator[](int iGlobalGeometryIndex) const;
-    void Add(int iGlobalGeometryIndex, const ZRFxGeometryPart& part);
+    std::vector<ZRFxGeometryPart>& operator[](int iGlobalGeometryIndex) {
+        return m_parts[iGlobalGeometryIndex];
+    }
 
 private:
     std::map<int, std::vector<ZRFxGeometryPart>> m_parts;
