@@ -86,7 +86,9 @@ bool ZRFxCrossSectionsBlock::DoWriteBlock(nvf::XmlElement root) {
     return true;
 }
 
-void ZRFxCrossSectionsBlock::DoUnloadData() { m_apCrossSections.RemoveAll(); }
+void ZRFxCrossSectionsBlock::DoUnloadData() {
+    m_apCrossSections.RemoveAll();
+}
 
 bool ZRFxCrossSectionsBlock::ReadCrossSection(const nvf::XmlElement& element) {
     ZRStringArray names;
