@@ -109,6 +109,10 @@ bool ZRFxAccess::Close() {
     return m_pArchive->Close() || FailWithCause("Could not write archive '%1'", m_sFileName);
 }
 
+void ZRFxAccess::Abandon() {
+    m_pArchive->Abandon();
+}
+
 bool ZRFxAccess::IsOpen() const {
     return m_pArchive->IsOpen();
 }
@@ -462,17 +466,20 @@ bool ZRFxAccess::FindSubFolders(const ZRString& folder, bool descend, ZRStringAr
     });
 }
 
-bool ZRFxAccess::GetArchiveInfo(bool* compressed, bool* binary, bool* encrypted) {
-    NVF_ASSERT(compressed && binary && encrypted);
-    if (!compressed || !binary || !encrypted) return false;
+bool ZRFxAccess::GetArchiveInfo(ZRFxArchiveInfo* info) {
+    NVF_ASSERT(info);
+    if (!info) return false;
     if (!IsOpen()) return m_logger->fail("Archive is not open.");
-    *compressed = *binary = *encrypted = false;
+    *info = ZRFxArchiveInfo();
     for (std::size_t i = 0; i < m_pArchive->EntryCount(); ++i) {
-        const ZRFxZipArchive::EntryInfo info = m_pArchive->EntryAt(i);
-        *compressed = *compressed || info.nPackedSize < info.nSize;
-        *binary = *binary || ZRString(info.sName).Extension().ToUpper() == ".DAT";
-        *encrypted = *encrypted || info.bEncrypted;
-        if (*compressed && *binary && *encrypted) break;
+        const ZRFxZipArchive::EntryInfo entry = m_pArchive->EntryAt(i);
+        const ZRString extension = ZRString(entry.sName).Extension().ToUpper();
+        info->compressed = info->compressed || entry.nPackedSize < entry.nSize;
+        info->encrypted = info->encrypted || entry.bEncrypted;
+        info->binary = info->binary || extension == ".DAT";
+        info->text = info->text ||
+                     (extension == ".TXT" && belowFolder(entry.sName, kUserDataFolder).empty());
+        if (info->compressed && info->encrypted && info->binary) break;
     }
     return true;
 }
