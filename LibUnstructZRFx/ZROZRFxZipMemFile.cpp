@@ -44,7 +44,6 @@ void ZRFxZipMemFile::Clear() {
 }
 
 void ZRFxZipMemFile::Swap(ZRFxZipMemFile& other) noexcept {
-    std::swap(m_nGrowBy, other.m_nGrowBy);
     std::swap(m_pData, other.m_pData);
     std::swap(m_nLength, other.m_nLength);
     std::swap(m_nCapacity, other.m_nCapacity);

@@ -38,6 +38,14 @@ public:
         return true;
     }
 
+    // Keeps the first nLength bytes and gives the memory of the others back.
+    // REQUIRES: 0 < nLength <= Length().
+    void Shrink(uint32_t nLength) {
+        void* pShrunk = ZRFxSystem::Current().Reallocate(m_pBuffer, nLength);
+        if (pShrunk) m_pBuffer = static_cast<uint8_t*>(pShrunk);
+        m_nLength = nLength;
+    }
+
     // Takes over a malloc'ed buffer. REQUIRES: pBuffer is non-null exactly when nLength > 0.
     void Adopt(uint8_t* pBuffer, uint32_t nLength) {
         Clear();
