@@ -144,6 +144,7 @@ bool ZRFxJournaledFile::Write(const void* pData, size_t nSize) {
     if (m_ePhase != Phase::kInPlace && m_ePhase != Phase::kRewrite) {
         return Fail("no commit is under way");
     }
+    if (nSize == 0) return true;
     if (!m_pBuffer) m_pBuffer = MakeBuffer();
     if (!m_pBuffer) return Fail("out of memory");
     if (m_nBuffered + nSize > kBufferSize && !FlushBuffer()) return false;

@@ -424,15 +424,19 @@ bool ZRFxZipArchive::ReadItem(const Item& item, ZRFxZipRawData* pRaw) {
 bool ZRFxZipArchive::CheckDeclared(const ZRFxZipEntry& entry) {
     uint64_t nPacked = entry.nPackedSize;
     if (entry.eEncryption == ZRFxZipEntry::Encryption::kAes) {
-        if (!m_cipher.HasPassword()) return Fail(entry.sName, "the entry needs a password");
-        const uint64_t nOverhead = ZRFxCipher::Overhead(entry.eStrength);
-        if (nPacked < nOverhead) return Fail(entry.sName, "the encrypted entry is cut");
-        nPacked -= nOverhead;
+        if (!CheckAes(entry)) return false;
+        nPacked -= ZRFxCipher::Overhead(entry.eStrength);
     }
     const bool bPossible = entry.nMethod == kZipStored
                                ? nPacked == entry.nSize
                                : ZRFxCodec::IsReachable(nPacked, entry.nSize);
     return bPossible || Fail(entry.sName, "the declared size does not fit the packed size");
+}
+
+bool ZRFxZipArchive::CheckAes(const ZRFxZipEntry& entry) {
+    if (!m_cipher.HasPassword()) return Fail(entry.sName, "the entry needs a password");
+    return entry.nPackedSize >= ZRFxCipher::Overhead(entry.eStrength) ||
+           Fail(entry.sName, "the encrypted entry is cut");
 }
 
 // Gives the packed bytes of a committed entry, in the scratch buffer.
@@ -526,12 +530,42 @@ bool ZRFxZipArchive::CheckCrc(const ZRFxZipEntry& entry, const ZRFxZipRawData& r
 }
 
 bool ZRFxZipArchive::ReadForeign(const Item& item, ZRFxZipRawData* pRaw) {
-    const std::string& sName = item.entry.sName;
+    const ZRFxZipEntry& entry = item.entry;
+    if (entry.eEncryption == ZRFxZipEntry::Encryption::kAes) return ReadForeignAes(entry, pRaw);
     if (!m_library.IsOpen() && !m_library.Open(m_pStorage.get())) {
-        return Fail(sName, m_library.Error());
+        return Fail(entry.sName, m_library.Error());
     }
-    return m_library.Read(item.nIndex, item.entry.nSize, m_cipher.Password(), pRaw) ||
-           Fail(sName, m_library.Error());
+    return m_library.Read(item.nIndex, entry.nSize, true, m_cipher.Password(), pRaw) ||
+           Fail(entry.sName, m_library.Error());
+}
+
+// The library takes the missing CRC of authenticated entries for a damage, so it gets the decrypted
+// data as an archive of this one entry.
+bool ZRFxZipArchive::ReadForeignAes(const ZRFxZipEntry& entry, ZRFxZipRawData* pRaw) {
+    const uint8_t* pPacked = nullptr;
+    if (!CheckAes(entry) || !FetchPacked(entry, &pPacked)) return false;
+    ZRFxZipRawData plain;
+    ZRFxZipEntry single;
+    single.sName = "entry";
+    single.nMethod = entry.nMethod;
+    single.nSize = entry.nSize;
+    single.nPackedSize = entry.nPackedSize - ZRFxCipher::Overhead(entry.eStrength);
+    if (!plain.Allocate(single.nPackedSize)) return Fail(entry.sName, "out of memory");
+    if (!Decrypt(entry, pPacked, plain.Buffer())) return false;
+
+    const std::string sHeader = ZRFxZipDirectory::LocalHeader(single, 0);
+    const std::string sRecord = ZRFxZipDirectory::CentralRecord(single, 0);
+    const uint64_t nDirectory = sHeader.size() + plain.Length();
+    const std::string sEnd = sRecord + ZRFxZipDirectory::End(1, nDirectory, sRecord.size(), {});
+    ZRFxZipMemFile file;
+    if (!file.Append(sHeader.data(), sHeader.size()) ||
+        !file.Append(plain.Buffer(), plain.Length()) || !file.Append(sEnd.data(), sEnd.size())) {
+        return Fail(entry.sName, "out of memory");
+    }
+    ZRFxMemStorage storage(&file, false);
+    ZRFxZipLibrary library;
+    return (library.Open(&storage) && library.Read(0, entry.nSize, false, {}, pRaw)) ||
+           Fail(entry.sName, library.Error());
 }
 
 bool ZRFxZipArchive::CommitChanges() {

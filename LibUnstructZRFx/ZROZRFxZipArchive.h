@@ -128,6 +128,7 @@ private:
 
     bool ReadItem(const Item& item, ZRFxZipRawData* pRaw);
     bool CheckDeclared(const ZRFxZipEntry& entry);
+    bool CheckAes(const ZRFxZipEntry& entry);
     bool FetchPacked(const ZRFxZipEntry& entry, const uint8_t** ppPacked);
     bool FetchStored(const ZRFxZipEntry& entry, ZRFxZipRawData* pRaw);
     bool LocateData(const ZRFxZipEntry& entry, uint64_t* pOffset);
@@ -135,6 +136,7 @@ private:
     bool Decrypt(const ZRFxZipEntry& entry, const uint8_t* pPacked, uint8_t* pData);
     bool CheckCrc(const ZRFxZipEntry& entry, const ZRFxZipRawData& raw);
     bool ReadForeign(const Item& item, ZRFxZipRawData* pRaw);
+    bool ReadForeignAes(const ZRFxZipEntry& entry, ZRFxZipRawData* pRaw);
 
     bool CommitChanges();
     Layout Plan();

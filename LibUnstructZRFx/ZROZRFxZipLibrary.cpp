@@ -98,7 +98,7 @@ void ZRFxZipLibrary::Close() {
     m_pZip = nullptr;
 }
 
-bool ZRFxZipLibrary::Read(uint64_t nIndex, uint64_t nSize, std::string_view sPassword,
+bool ZRFxZipLibrary::Read(uint64_t nIndex, uint64_t nSize, bool bHasCrc, std::string_view sPassword,
                           ZRFxZipRawData* pRaw) {
     std::string sTerminated(sPassword);
     zip_file_t* pFile = zip_fopen_index_encrypted(
@@ -114,6 +114,10 @@ bool ZRFxZipLibrary::Read(uint64_t nIndex, uint64_t nSize, std::string_view sPas
     while ((nRead = zip_fread(pFile, aPart, sizeof(aPart))) > 0) {
         if (data.Length() + static_cast<uint64_t>(nRead) > nSize) break;
         if (!data.Append(aPart, static_cast<size_t>(nRead))) break;
+    }
+    // The sum is compared when all has been read.
+    if (nRead < 0 && !bHasCrc && zip_error_code_zip(zip_file_get_error(pFile)) == ZIP_ER_CRC) {
+        nRead = 0;
     }
     const bool bWhole = nRead == 0 && data.Length() == nSize;
     if (!bWhole)

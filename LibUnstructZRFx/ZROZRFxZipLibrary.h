@@ -28,8 +28,9 @@ public:
 
     // Reads the entry at nIndex of the directory, whose size is declared as nSize. The buffer grows
     // with what is unpacked, so that a false size does not cost more than the data is worth. The
-    // password may be empty.
-    bool Read(uint64_t nIndex, uint64_t nSize, std::string_view sPassword, ZRFxZipRawData* pRaw);
+    // password may be empty. The CRC is not checked when bHasCrc is false.
+    bool Read(uint64_t nIndex, uint64_t nSize, bool bHasCrc, std::string_view sPassword,
+              ZRFxZipRawData* pRaw);
 
     const std::string& Error() const { return m_sError; }
 

@@ -57,7 +57,7 @@ inline std::string WithFlippedByte(std::string sBytes, size_t nAt) {
 }
 
 // The exit code of a shell command whose output goes nowhere.
-inline int Run(const std::string& sCommand) {
+inline int Shell(const std::string& sCommand) {
     const int nStatus = std::system(("(" + sCommand + ") >/dev/null 2>&1").c_str());
     return WIFEXITED(nStatus) ? WEXITSTATUS(nStatus) : -1;
 }
