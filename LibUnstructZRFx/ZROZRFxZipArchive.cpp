@@ -14,7 +14,7 @@ namespace unstruct {
 namespace {
 
 constexpr uint64_t kMiB = uint64_t{1} << 20;
-constexpr uint64_t kMinThreshold = 16 * kMiB;
+// Whatever the length of the directory, pending entries take no more memory than this.
 constexpr uint64_t kMaxThreshold = 128 * kMiB;
 // A commit writes the old directory to the journal and the new one to the archive; with this many
 // times as much data they stay a small share.
@@ -41,6 +41,7 @@ struct ZRFxZipArchive::Item {
     ZRFxZipRawData packed;  // While pending: the bytes as the archive will hold them.
     std::time_t nTime = 0;
     uint64_t nIndex = 0;  // In the committed directory, unless pending.
+    size_t nSlot = 0;     // In m_apItems.
 };
 
 struct ZRFxZipArchive::Stream {
@@ -269,7 +270,7 @@ bool ZRFxZipArchive::Take(std::unique_ptr<ZRFxZipStorage> pStorage, ZRFxZipDirec
         pItem->nIndex = i;
         if (Item* pEarlier = FindItem(pItem->entry.sName)) {
             m_byName.erase(pEarlier->entry.sName);
-            m_apItems[pEarlier->nIndex].reset();
+            m_apItems[pEarlier->nSlot].reset();
             m_bHasGaps = true;
         }
         Append(std::move(pItem));
@@ -320,6 +321,7 @@ ZRFxZipArchive::Item* ZRFxZipArchive::FindItem(std::string_view sName) const {
 
 void ZRFxZipArchive::Append(ItemPtr pItem) {
     Item* pAppended = pItem.get();
+    pAppended->nSlot = m_apItems.size();
     m_apItems.push_back(std::move(pItem));
     m_byName.emplace(pAppended->entry.sName, pAppended);
 }
@@ -332,14 +334,14 @@ void ZRFxZipArchive::Drop(Item* pItem) {
         m_nFirstRemoved = std::min(m_nFirstRemoved, pItem->entry.nOffset);
     }
     m_bChanged = true;
-    const auto found = std::find_if(m_apItems.rbegin(), m_apItems.rend(),
-                                    [&](const ItemPtr& p) { return p.get() == pItem; });
-    found->reset();
+    m_apItems[pItem->nSlot].reset();
     m_bHasGaps = true;
 }
 
 void ZRFxZipArchive::Compact() {
-    if (m_bHasGaps) std::erase(m_apItems, nullptr);
+    if (!m_bHasGaps) return;
+    std::erase(m_apItems, nullptr);
+    for (size_t i = 0; i < m_apItems.size(); ++i) m_apItems[i]->nSlot = i;
     m_bHasGaps = false;
 }
 
@@ -680,7 +682,7 @@ void ZRFxZipArchive::Apply(Layout* pLayout) {
     m_apItems.clear();
     for (Item* pItem : pLayout->apKept) m_apItems.emplace_back(pItem);
     for (Item* pItem : pLayout->apWritten) m_apItems.emplace_back(pItem);
-    for (size_t i = 0; i < m_apItems.size(); ++i) m_apItems[i]->nIndex = i;
+    for (size_t i = 0; i < m_apItems.size(); ++i) m_apItems[i]->nIndex = m_apItems[i]->nSlot = i;
     m_library.Close();
     m_nPendingBytes = 0;
     m_bChanged = false;
@@ -692,7 +694,7 @@ void ZRFxZipArchive::Apply(Layout* pLayout) {
 uint64_t ZRFxZipArchive::Threshold() const {
     const uint64_t nDirectory =
         m_pStorage->Size() - std::min(m_pStorage->Size(), m_nDirectoryOffset);
-    return std::clamp(kDirectoryShare * nDirectory, kMinThreshold, kMaxThreshold);
+    return std::max(m_nThreshold, std::min(kDirectoryShare * nDirectory, kMaxThreshold));
 }
 
 }  // namespace unstruct

@@ -21,7 +21,7 @@ namespace unstruct {
 // A new entry is packed at once (deflated, stored when it does not shrink) and, under a password,
 // encrypted at once; it waits in memory, where it can be read, replaced and removed like any other.
 // Pending entries are committed by `Commit`, by `Close`, and by themselves when they pass a
-// threshold: 16 MiB, and more where the directory is long enough to matter. A commit replaces the
+// threshold: 64 MiB, and more where the directory is long enough to matter. A commit replaces the
 // end of the archive in place and shows other openers either all of it or nothing (see
 // ZRFxJournaledFile). Within a commit data comes first, then XML documents, then "ZRF.xml" and the
 // tables of contents: what is replaced again and again stays within the last kilobytes. Where a
@@ -61,6 +61,8 @@ public:
     bool IsReadOnly() const { return m_bReadOnly; }
 
     bool Commit();
+    // Pending bytes from which entries are committed by themselves; a longer directory raises it.
+    void SetCommitThreshold(uint64_t nBytes) { m_nThreshold = nBytes; }
     // Commits and closes. When the commit fails the archive stays open with all that is pending,
     // for another try or for `Abandon`.
     bool Close();
@@ -159,6 +161,7 @@ private:
     uint64_t m_nFirstRemoved = 0;  // Lowest offset of a removed entry; else the directory's.
     std::string m_sComment;
     uint64_t m_nPendingBytes = 0;
+    uint64_t m_nThreshold = uint64_t{64} << 20;
     std::unique_ptr<Stream> m_pStream;
     ZRFxCodec m_codec;
     ZRFxCipher m_cipher;

@@ -96,6 +96,27 @@ TEST_F(ZRFxJournaledFileTest, TornCommitIsUndoneByWriterAndUnseenByReader) {
     }
 }
 
+TEST_F(ZRFxJournaledFileTest, TornCommitIsUndoneEvenAfterARecoveryThatFailed) {
+    DieWhileCommitting(50000, m_sNew);
+    const std::string sTorn = ReadWhole(m_sPath);
+    const std::string sJournal = ReadWhole(m_sJournal);
+    for (int nCall = 1;; ++nCall) {
+        WriteWhole(m_sPath, sTorn);
+        WriteWhole(m_sJournal, sJournal);
+        ziptest::FaultySystem faulty;
+        faulty.FailCall(nCall, EIO, ziptest::FaultySystem::Failing::kFromThenOn);
+        for (ZRFxOpenMode eMode : {ZRFxOpenMode::kReadOnly, ZRFxOpenMode::kUpdate}) {
+            ZRFxJournaledFile file;
+            EXPECT_NE(file.Open(m_sPath, eMode), !file.Error().empty());
+        }
+        const bool bFailed = faulty.HasFailed();
+        faulty.Recover();
+        ASSERT_EQ(SeenByReader() == m_sOld, true) << nCall;
+        ASSERT_EQ(SeenByWriter() == m_sOld, true) << nCall;
+        if (!bFailed) break;
+    }
+}
+
 TEST_F(ZRFxJournaledFileTest, ReaderKeepsTheSavedEndAfterTheWriterHasFinished) {
     ZRFxJournaledFile writer;
     ASSERT_TRUE(writer.Open(m_sPath, ZRFxOpenMode::kUpdate));

@@ -157,7 +157,8 @@ TEST(FullDisk, EntryThatPassesTheThresholdIsRefusedAndTheOthersStay) {
     ZRFxZipArchive archive;
     ASSERT_TRUE(archive.Open(folder.File("m.zrfx"), ZRFxOpenMode::kCreate));
     ASSERT_TRUE(AddText(&archive, "first", "waits"));
-    const std::string sLarge = RandomBytes(17 << 20);
+    archive.SetCommitThreshold(1 << 20);
+    const std::string sLarge = RandomBytes(2 << 20);
     system.FailCall(5, ENOSPC, FaultySystem::Failing::kFromThenOn);
     EXPECT_FALSE(AddText(&archive, "large", sLarge, 0));
     EXPECT_NE(archive.LastError().find("No space left on device"), std::string::npos)

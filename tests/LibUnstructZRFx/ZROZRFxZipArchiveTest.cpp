@@ -127,6 +127,17 @@ TEST_F(ZRFxZipArchiveTest, CreatingKeepsTheOldContentUntilTheFirstCommit) {
     EXPECT_EQ(ReadWhole(m_sPath).size(), 22u);
 }
 
+TEST_F(ZRFxZipArchiveTest, EntriesPastTheThresholdAreCommittedByThemselves) {
+    ASSERT_TRUE(m_archive.Open(m_sPath, ZRFxOpenMode::kCreate));
+    m_archive.SetCommitThreshold(100000);
+    size_t nSeen = 0;
+    for (unsigned i = 0; i < 10; ++i) {
+        ASSERT_TRUE(AddText(&m_archive, std::to_string(i), RandomBytes(40000, i)));
+        nSeen = ReadModel(m_sPath).size();
+        EXPECT_EQ(nSeen, (i + 1) / 3 * 3);
+    }
+}
+
 TEST_F(ZRFxZipArchiveTest, DocumentsReplacedAgainAndAgainCostOnlyTheEndOfTheFile) {
     Model expected;
     FaultySystem system;

@@ -221,6 +221,7 @@ TEST_F(ForeignArchive, DescriptorsAndForced64BitSizesAreCarriedAlong) {
     ExpectReadAndChanged(sStart + "'" + m_sPath + "'" + sEnd);
     // Through a pipe the sizes follow the data.
     ExpectReadAndChanged(sStart + "sys.stdout.buffer" + sEnd + " | cat > " + m_sPath);
+    EXPECT_NE(ReadWhole(m_sPath).find("PK\7\10"), std::string::npos) << "descriptor lost";
 }
 
 TEST_F(ForeignArchive, OthersReadWhatIsWrittenHere) {
