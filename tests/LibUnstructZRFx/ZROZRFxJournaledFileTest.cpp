@@ -107,7 +107,8 @@ TEST_F(ZRFxJournaledFileTest, TornCommitIsUndoneEvenAfterARecoveryThatFailed) {
         faulty.FailCall(nCall, EIO, ziptest::FaultySystem::Failing::kFromThenOn);
         for (ZRFxOpenMode eMode : {ZRFxOpenMode::kReadOnly, ZRFxOpenMode::kUpdate}) {
             ZRFxJournaledFile file;
-            EXPECT_NE(file.Open(m_sPath, eMode), !file.Error().empty());
+            const bool bOpened = file.Open(m_sPath, eMode);
+            EXPECT_EQ(bOpened, file.Error().empty());
         }
         const bool bFailed = faulty.HasFailed();
         faulty.Recover();
