@@ -22,6 +22,7 @@ constexpr uint32_t kVersion = 1;
 constexpr size_t kHeaderSize = 40;
 constexpr size_t kPrefixChecked = 4096;
 constexpr size_t kBufferSize = size_t{1} << 20;
+constexpr uint64_t kStartFlushSize = uint64_t{4} << 20;
 constexpr int kMaxTries = 1000;
 
 // Calls part(offset, size) over [nOffset, nOffset + nSize) in pieces of the buffer's size.
@@ -117,6 +118,7 @@ bool ZRFxJournaledFile::BeginCommit(uint64_t nUnchanged) {
     }
     m_nUnchanged = nUnchanged;
     m_nPosition = nUnchanged;
+    m_nFlushStarted = nUnchanged;
     m_nBuffered = 0;
     m_ePhase = Phase::kInPlace;
     return true;
@@ -133,6 +135,7 @@ bool ZRFxJournaledFile::BeginRewrite() {
     }
     m_ePhase = Phase::kRewrite;
     m_nPosition = 0;
+    m_nFlushStarted = 0;
     m_nBuffered = 0;
     if (m_rewrite.Lock() && m_rewrite.SetMode(status.st_mode & 07777)) return true;
     FailSystem("cannot prepare the temporary file");
@@ -155,6 +158,7 @@ bool ZRFxJournaledFile::Write(const void* pData, size_t nSize) {
         return FailSystem("cannot write");
     }
     m_nPosition += nSize;
+    StartFlush();
     return true;
 }
 
@@ -370,6 +374,14 @@ bool ZRFxJournaledFile::FlushBuffer() {
     }
     m_nBuffered = 0;
     return true;
+}
+
+// Lets the disk work on what is written while the rest is being written.
+void ZRFxJournaledFile::StartFlush() {
+    const uint64_t nWritten = m_nPosition - m_nBuffered;
+    if (nWritten < m_nFlushStarted + kStartFlushSize) return;
+    Target().StartFlush(m_nFlushStarted, nWritten - m_nFlushStarted);
+    m_nFlushStarted = nWritten;
 }
 
 bool ZRFxJournaledFile::FailSystem(const char* sWhat) {

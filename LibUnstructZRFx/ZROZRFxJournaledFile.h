@@ -84,6 +84,7 @@ private:
     bool IsStillAtPath() const;
     bool FinishTorn();
     bool FlushBuffer();
+    void StartFlush();
     ZRFxFile& Target() { return m_ePhase == Phase::kRewrite ? m_rewrite : m_file; }
     bool FailSystem(const char* sWhat);
 
@@ -98,6 +99,7 @@ private:
     uint64_t m_nSize = 0;
     uint64_t m_nUnchanged = 0;
     uint64_t m_nPosition = 0;
+    uint64_t m_nFlushStarted = 0;  // Up to here the disk was asked to write.
     std::unique_ptr<uint8_t[]> m_pBuffer;
     size_t m_nBuffered = 0;
 };

@@ -54,6 +54,10 @@ int ZRFxSystem::Flush(int nFile) {
     return ::fsync(nFile);
 }
 
+int ZRFxSystem::StartFlush(int nFile, off_t nOffset, off_t nSize) {
+    return ::sync_file_range(nFile, nOffset, nSize, SYNC_FILE_RANGE_WRITE);
+}
+
 int ZRFxSystem::Truncate(int nFile, off_t nLength) {
     return ::ftruncate(nFile, nLength);
 }
@@ -152,6 +156,12 @@ bool ZRFxFile::WriteAt(uint64_t nOffset, const void* pData, size_t nSize) {
 
 bool ZRFxFile::Flush() {
     return Uninterrupted([&] { return ZRFxSystem::Current().Flush(m_nFile); }) == 0;
+}
+
+void ZRFxFile::StartFlush(uint64_t nOffset, uint64_t nSize) {
+    // Only a hint: what it misses, Flush does.
+    ZRFxSystem::Current().StartFlush(m_nFile, static_cast<off_t>(nOffset),
+                                     static_cast<off_t>(nSize));
 }
 
 bool ZRFxFile::Truncate(uint64_t nLength) {

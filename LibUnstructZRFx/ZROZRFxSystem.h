@@ -27,6 +27,8 @@ public:
     virtual ssize_t ReadAt(int nFile, void* pData, size_t nSize, off_t nOffset);
     virtual ssize_t WriteAt(int nFile, const void* pData, size_t nSize, off_t nOffset);
     virtual int Flush(int nFile);
+    // Asks for the range to be written to the disk soon, so that a later Flush finds less to do.
+    virtual int StartFlush(int nFile, off_t nOffset, off_t nSize);
     virtual int Truncate(int nFile, off_t nLength);
     // Takes the exclusive advisory lock without waiting; EWOULDBLOCK when another opener has it.
     virtual int Lock(int nFile);
@@ -59,6 +61,7 @@ public:
     bool ReadAt(uint64_t nOffset, void* pData, size_t nSize) const;
     bool WriteAt(uint64_t nOffset, const void* pData, size_t nSize);
     bool Flush();
+    void StartFlush(uint64_t nOffset, uint64_t nSize);
     bool Truncate(uint64_t nLength);
     bool Lock();
     bool SetMode(mode_t nMode);
