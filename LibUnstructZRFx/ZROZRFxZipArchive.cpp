@@ -23,6 +23,7 @@ constexpr uint64_t kMaxTail = 64 * kMiB;
 constexpr size_t kCopySize = size_t{1} << 20;
 // Entries up to this length are fetched together with their local header.
 constexpr uint64_t kSmallEntry = 64 * 1024;
+constexpr uint32_t kCachedPart = 256 * 1024;
 constexpr size_t kUsualExtra = 48;
 constexpr int kMaxTries = 1000;
 constexpr int kMaxDamagedTries = 3;
@@ -68,15 +69,17 @@ ZRFxZipArchive::~ZRFxZipArchive() {
 }
 
 bool ZRFxZipArchive::Open(const std::string& sPath, ZRFxOpenMode eMode) {
-    return Guarded({}, [&] {
+    const bool bOpened = Guarded({}, [&] {
         if (IsOpen()) return Fail({}, "another archive is open");
         m_sArchive = sPath;
         return eMode == ZRFxOpenMode::kReadOnly ? OpenSnapshot(sPath) : OpenFile(sPath, eMode);
     });
+    if (!IsOpen()) Reset();
+    return bOpened;
 }
 
 bool ZRFxZipArchive::Open(ZRFxZipMemFile* pFile, ZRFxOpenMode eMode) {
-    return Guarded({}, [&] {
+    const bool bOpened = Guarded({}, [&] {
         if (IsOpen()) return Fail({}, "another archive is open");
         m_sArchive = "archive in memory";
         auto pStorage = std::make_unique<ZRFxMemStorage>(pFile, eMode == ZRFxOpenMode::kCreate);
@@ -84,6 +87,8 @@ bool ZRFxZipArchive::Open(ZRFxZipMemFile* pFile, ZRFxOpenMode eMode) {
         if (!directory.Load(pStorage.get())) return Fail({}, directory.sError);
         return Take(std::move(pStorage), &directory, eMode);
     });
+    if (!IsOpen()) Reset();
+    return bOpened;
 }
 
 bool ZRFxZipArchive::Commit() {
@@ -124,23 +129,15 @@ ZRFxZipArchive::EntryInfo ZRFxZipArchive::EntryAt(size_t nIndex) {
     Compact();
     assert(nIndex < m_apItems.size());
     EntryInfo info;
-    if (nIndex < m_apItems.size()) Find(m_apItems[nIndex]->entry.sName, &info);
+    if (nIndex < m_apItems.size()) {
+        Guarded({}, [&] { return Describe(m_apItems[nIndex]->entry, &info); });
+    }
     return info;
 }
 
-bool ZRFxZipArchive::Find(std::string_view sName, EntryInfo* pInfo) const {
+bool ZRFxZipArchive::Find(std::string_view sName, EntryInfo* pInfo) {
     const Item* pItem = FindItem(sName);
-    if (!pItem) return false;
-    const ZRFxZipEntry& entry = pItem->entry;
-    pInfo->sName = entry.sName;
-    pInfo->nSize = entry.nSize;
-    const uint64_t nOverhead = entry.eEncryption == ZRFxZipEntry::Encryption::kAes
-                                   ? ZRFxCipher::Overhead(entry.eStrength)
-                                   : 0;
-    pInfo->nPackedSize = entry.nPackedSize - std::min(entry.nPackedSize, nOverhead);
-    pInfo->nMethod = entry.nMethod;
-    pInfo->bEncrypted = entry.eEncryption != ZRFxZipEntry::Encryption::kNone;
-    return true;
+    return pItem && Guarded(sName, [&] { return Describe(pItem->entry, pInfo); });
 }
 
 bool ZRFxZipArchive::Add(std::string_view sName, const void* pData, uint64_t nSize, int nLevel) {
@@ -251,7 +248,8 @@ bool ZRFxZipArchive::OpenSnapshot(const std::string& sPath) {
         if (bLoaded && bConsistent) {
             return Take(std::move(pFile), &directory, ZRFxOpenMode::kReadOnly);
         }
-        if (bConsistent && ++nDamaged == kMaxDamagedTries) return Fail({}, directory.sError);
+        const bool bDamaged = bConsistent && !directory.sError.empty();
+        if (bDamaged && ++nDamaged == kMaxDamagedTries) return Fail({}, directory.sError);
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
     return Fail({}, "the file changes too fast to be read");
@@ -336,6 +334,18 @@ void ZRFxZipArchive::Drop(Item* pItem) {
     m_bChanged = true;
     m_apItems[pItem->nSlot].reset();
     m_bHasGaps = true;
+}
+
+bool ZRFxZipArchive::Describe(const ZRFxZipEntry& entry, EntryInfo* pInfo) {
+    pInfo->sName = entry.sName;
+    pInfo->nSize = entry.nSize;
+    const uint64_t nOverhead = entry.eEncryption == ZRFxZipEntry::Encryption::kAes
+                                   ? ZRFxCipher::Overhead(entry.eStrength)
+                                   : 0;
+    pInfo->nPackedSize = entry.nPackedSize - std::min(entry.nPackedSize, nOverhead);
+    pInfo->nMethod = entry.nMethod;
+    pInfo->bEncrypted = entry.eEncryption != ZRFxZipEntry::Encryption::kNone;
+    return true;
 }
 
 void ZRFxZipArchive::Compact() {
@@ -468,15 +478,22 @@ bool ZRFxZipArchive::FetchPacked(const ZRFxZipEntry& entry, const uint8_t** ppPa
            Fail(entry.sName, m_pStorage->Error());
 }
 
-// Large plain data goes from the file into the caller's buffer without a stop.
+// Large plain data goes from the file into the caller's buffer, and is summed while in the cache.
 bool ZRFxZipArchive::FetchStored(const ZRFxZipEntry& entry, ZRFxZipRawData* pRaw) {
     uint64_t nData = 0;
     if (!LocateData(entry, &nData)) return false;
     if (!pRaw->Allocate(entry.nSize)) return Fail(entry.sName, "out of memory");
-    if (!m_pStorage->Read(nData, pRaw->Buffer(), pRaw->Length())) {
-        return Fail(entry.sName, m_pStorage->Error());
+    uint32_t nCrc = 0;
+    for (uint32_t nDone = 0; nDone < pRaw->Length();) {
+        const uint32_t nPart = std::min(pRaw->Length() - nDone, kCachedPart);
+        uint8_t* pPart = pRaw->Buffer() + nDone;
+        if (!m_pStorage->Read(nData + nDone, pPart, nPart)) {
+            return Fail(entry.sName, m_pStorage->Error());
+        }
+        nCrc = ZRFxCodec::Crc32(nCrc, pPart, nPart);
+        nDone += nPart;
     }
-    return CheckCrc(entry, *pRaw);
+    return nCrc == entry.nCrc || Fail(entry.sName, "damaged data, the checksum differs");
 }
 
 bool ZRFxZipArchive::LocateData(const ZRFxZipEntry& entry, uint64_t* pOffset) {

@@ -78,7 +78,7 @@ public:
     EntryInfo EntryAt(size_t nIndex);
     bool Contains(std::string_view sName) const { return m_byName.count(sName) > 0; }
     // False, without a message, when there is no such entry.
-    bool Find(std::string_view sName, EntryInfo* pInfo) const;
+    bool Find(std::string_view sName, EntryInfo* pInfo);
 
     // Adds an entry at level 0 (stored) to 9, or kDefaultLevel. Fails when the name is taken or
     // empty, or the data is longer than ZRFxZipRawData::kMaxLength. When the threshold is passed
@@ -122,6 +122,7 @@ private:
     Item* FindItem(std::string_view sName) const;
     void Append(ItemPtr pItem);
     void Drop(Item* pItem);
+    static bool Describe(const ZRFxZipEntry& entry, EntryInfo* pInfo);
     void Compact();
 
     bool AddChecked(std::string_view sName, const void* pData, uint64_t nSize, int nLevel);
