@@ -23,6 +23,7 @@ constexpr size_t kHeaderSize = 40;
 constexpr size_t kPrefixChecked = 4096;
 constexpr size_t kBufferSize = size_t{1} << 20;
 constexpr uint64_t kStartFlushSize = uint64_t{4} << 20;
+constexpr uint64_t kPage = 4096;
 constexpr int kMaxTries = 1000;
 
 // Calls part(offset, size) over [nOffset, nOffset + nSize) in pieces of the buffer's size.
@@ -378,7 +379,8 @@ bool ZRFxJournaledFile::FlushBuffer() {
 
 // Lets the disk work on what is written while the rest is being written.
 void ZRFxJournaledFile::StartFlush() {
-    const uint64_t nWritten = m_nPosition - m_nBuffered;
+    // The last page will be written to again, which would have to wait for the disk.
+    const uint64_t nWritten = (m_nPosition - m_nBuffered) / kPage * kPage;
     if (nWritten < m_nFlushStarted + kStartFlushSize) return;
     Target().StartFlush(m_nFlushStarted, nWritten - m_nFlushStarted);
     m_nFlushStarted = nWritten;
