@@ -53,16 +53,16 @@ bool encodeRaw(const nuo::Image& image, ZRUbyteArray* bytes) {
     const std::size_t numPixelBytes = std::size_t{3} * image.width() * image.height();
     if (!bytes->SetSize(static_cast<std::int64_t>(kRawImageHeader + numPixelBytes))) return false;
     unsigned char* data = bytes->WritableData();
-    StoreUint32(image.width(), data);
-    StoreUint32(image.height(), data + 4);
+    StoreLittleEndian<std::uint32_t>(data, image.width());
+    StoreLittleEndian<std::uint32_t>(data + 4, image.height());
     return numPixelBytes == 0 || image.getAsRgb(data + kRawImageHeader, numPixelBytes);
 }
 
 bool decodeRaw(const ZRFxZipRawData& raw, nuo::Image* image) {
     NVF_ASSERT(raw.Length() >= 2);
     if (raw.Length() < kRawImageHeader) return false;
-    const std::uint32_t width = LoadUint32(raw.Buffer());
-    const std::uint32_t height = LoadUint32(raw.Buffer() + 4);
+    const std::uint32_t width = LoadLittleEndian<std::uint32_t>(raw.Buffer());
+    const std::uint32_t height = LoadLittleEndian<std::uint32_t>(raw.Buffer() + 4);
     const std::uint64_t numPixels = std::uint64_t{width} * height;
     if (numPixels > (raw.Length() - kRawImageHeader) / 3) return false;
     return image->setFromRgb(raw.Buffer() + kRawImageHeader, width, height);
