@@ -124,6 +124,18 @@ std::string NameOf(size_t i) {
     return "Database001\\Block" + std::to_string(i) + ".dat";
 }
 
+// The arrays that a reader has read so far: like a viewer's, they stay.
+class Kept {
+public:
+    ~Kept() {
+        for (void* pData : m_apData) std::free(pData);
+    }
+    void* Allocate(size_t nSize) { return m_apData.emplace_back(std::malloc(nSize)); }
+
+private:
+    std::vector<void*> m_apData;
+};
+
 void WriteOurs(const std::string& sPath, const std::vector<Field>& aFields, int nLevel,
                const char* sPassword = "") {
     ZRFxZipArchive archive;
@@ -141,10 +153,10 @@ void ReadOurs(const std::string& sPath, const std::vector<Field>& aFields,
     ZRFxZipArchive archive;
     Require(archive.Open(sPath, ZRFxOpenMode::kReadOnly), archive.LastError());
     Require(archive.SetPassword(sPassword), "password");
+    std::vector<ZRFxZipRawData> aKept(aFields.size());
     for (size_t i = 0; i < aFields.size(); ++i) {
-        ZRFxZipRawData raw;
-        Require(archive.Read(NameOf(i), &raw), archive.LastError());
-        Require(raw.Length() == Bytes(aFields[i]), "length");
+        Require(archive.Read(NameOf(i), &aKept[i]), archive.LastError());
+        Require(aKept[i].Length() == Bytes(aFields[i]), "length");
     }
 }
 
@@ -168,13 +180,13 @@ void ReadLibzip(const std::string& sPath, const std::vector<Field>& aFields,
     zip_t* pZip = zip_open(sPath.c_str(), ZIP_RDONLY, nullptr);
     Require(pZip != nullptr, "zip_open");
     if (*sPassword) zip_set_default_password(pZip, sPassword);
+    Kept kept;
     for (size_t i = 0; i < aFields.size(); ++i) {
         zip_file_t* pFile = zip_fopen(pZip, NameOf(i).c_str(), 0);
         Require(pFile != nullptr, "zip_fopen");
-        void* pData = std::malloc(Bytes(aFields[i]));
+        void* pData = kept.Allocate(Bytes(aFields[i]));
         const zip_int64_t nRead = zip_fread(pFile, pData, Bytes(aFields[i]));
         Require(nRead == static_cast<zip_int64_t>(Bytes(aFields[i])), "zip_fread");
-        std::free(pData);
         zip_fclose(pFile);
     }
     zip_discard(pZip);
@@ -226,14 +238,14 @@ void InflateBare(const std::vector<std::vector<char>>& aaPacked,
                  const std::vector<Field>& aFields) {
     libdeflate_decompressor* pDecompressor = libdeflate_alloc_decompressor();
     uint32_t nCrc = 0;
+    Kept kept;
     for (size_t i = 0; i < aFields.size(); ++i) {
-        void* pData = std::malloc(Bytes(aFields[i]));
+        void* pData = kept.Allocate(Bytes(aFields[i]));
         Require(
             libdeflate_deflate_decompress(pDecompressor, aaPacked[i].data(), aaPacked[i].size(),
                                           pData, Bytes(aFields[i]), nullptr) == LIBDEFLATE_SUCCESS,
             "inflate");
         nCrc ^= libdeflate_crc32(0, pData, Bytes(aFields[i]));
-        std::free(pData);
     }
     libdeflate_free_decompressor(pDecompressor);
     if (nCrc == 1) std::puts("");
@@ -251,10 +263,10 @@ void WritePlain(const std::string& sPath, const std::vector<Field>& aFields, boo
 
 void ReadPlain(const std::string& sPath, const std::vector<Field>& aFields) {
     const int nFile = open(sPath.c_str(), O_RDONLY);
+    Kept kept;
     for (const Field& field : aFields) {
-        void* pData = std::malloc(Bytes(field));
+        void* pData = kept.Allocate(Bytes(field));
         Require(read(nFile, pData, Bytes(field)) == static_cast<ssize_t>(Bytes(field)), "read");
-        std::free(pData);
     }
     close(nFile);
 }
