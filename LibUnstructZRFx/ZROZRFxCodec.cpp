@@ -2,6 +2,9 @@
 
 #include <libdeflate.h>
 
+#include <algorithm>
+#include <cstring>
+
 namespace unstruct {
 
 ZRFxCodec::ZRFxCodec() = default;
@@ -38,6 +41,18 @@ bool ZRFxCodec::IsReachable(uint64_t nPackedSize, uint64_t nSize) {
 uint32_t ZRFxCodec::Crc32(uint32_t nCrc, const void* pData, size_t nSize) {
     // A null pointer would restart the sum instead of continuing it over nothing.
     return nSize == 0 ? nCrc : libdeflate_crc32(nCrc, pData, nSize);
+}
+
+uint32_t ZRFxCodec::CopyWithCrc(const void* pData, size_t nSize, void* pTo) {
+    constexpr size_t kPiece = size_t{128} << 10;
+    uint32_t nCrc = 0;
+    for (size_t nDone = 0; nDone < nSize; nDone += kPiece) {
+        const size_t nPiece = std::min(kPiece, nSize - nDone);
+        uint8_t* pPiece = static_cast<uint8_t*>(pTo) + nDone;
+        std::memcpy(pPiece, static_cast<const uint8_t*>(pData) + nDone, nPiece);
+        nCrc = Crc32(nCrc, pPiece, nPiece);
+    }
+    return nCrc;
 }
 
 void ZRFxCodec::FreeCompressor::operator()(libdeflate_compressor* pCompressor) const {

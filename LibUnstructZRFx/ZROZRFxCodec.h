@@ -35,6 +35,8 @@ public:
 
     /// Continues nCrc over the data; starts at 0.
     static uint32_t Crc32(uint32_t nCrc, const void* pData, size_t nSize);
+    /// Copies the data and gives its CRC, each piece while it is in the cache.
+    static uint32_t CopyWithCrc(const void* pData, size_t nSize, void* pTo);
 
 private:
     struct FreeCompressor {

@@ -402,12 +402,13 @@ bool ZRFxZipArchive::Pack(const void* pData, size_t nSize, int nLevel, Item* pIt
     }
     entry.nMethod = nPacked > 0 ? kZipDeflated : kZipStored;
     if (nPacked == 0) {
-        std::memcpy(pPacked, pData, nSize);
+        entry.nCrc = ZRFxCodec::CopyWithCrc(pData, nSize, pPacked);
         nPacked = nSize;
+    } else {
+        entry.nCrc = ZRFxCodec::Crc32(0, pData, nSize);
     }
     pItem->packed.Shrink(static_cast<uint32_t>(nPrefix + nPacked + nSuffix));
     entry.nPackedSize = pItem->packed.Length();
-    entry.nCrc = ZRFxCodec::Crc32(0, pData, nSize);
     return !bEncrypt || Encrypt(pItem);
 }
 
