@@ -46,6 +46,8 @@ bool ZRFx2DPlotDataBlock::DoWriteBlock(nvf::XmlElement root) {
     return true;
 }
 
-void ZRFx2DPlotDataBlock::DoUnloadData() { m_apVariables.RemoveAll(); }
+void ZRFx2DPlotDataBlock::DoUnloadData() {
+    m_apVariables.RemoveAll();
+}
 
 }  // namespace unstruct

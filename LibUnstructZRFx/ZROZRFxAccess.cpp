@@ -53,16 +53,16 @@ bool encodeRaw(const nuo::Image& image, ZRUbyteArray* bytes) {
     const std::size_t numPixelBytes = std::size_t{3} * image.width() * image.height();
     if (!bytes->SetSize(static_cast<std::int64_t>(kRawImageHeader + numPixelBytes))) return false;
     unsigned char* data = bytes->WritableData();
-    StoreUint32(image.width(), data);
-    StoreUint32(image.height(), data + 4);
+    StoreLittleEndian<std::uint32_t>(data, image.width());
+    StoreLittleEndian<std::uint32_t>(data + 4, image.height());
     return numPixelBytes == 0 || image.getAsRgb(data + kRawImageHeader, numPixelBytes);
 }
 
 bool decodeRaw(const ZRFxZipRawData& raw, nuo::Image* image) {
     NVF_ASSERT(raw.Length() >= 2);
     if (raw.Length() < kRawImageHeader) return false;
-    const std::uint32_t width = LoadUint32(raw.Buffer());
-    const std::uint32_t height = LoadUint32(raw.Buffer() + 4);
+    const std::uint32_t width = LoadLittleEndian<std::uint32_t>(raw.Buffer());
+    const std::uint32_t height = LoadLittleEndian<std::uint32_t>(raw.Buffer() + 4);
     const std::uint64_t numPixels = std::uint64_t{width} * height;
     if (numPixels > (raw.Length() - kRawImageHeader) / 3) return false;
     return image->setFromRgb(raw.Buffer() + kRawImageHeader, width, height);
@@ -107,6 +107,10 @@ bool ZRFxAccess::Commit() {
 
 bool ZRFxAccess::Close() {
     return m_pArchive->Close() || FailWithCause("Could not write archive '%1'", m_sFileName);
+}
+
+void ZRFxAccess::Abandon() {
+    m_pArchive->Abandon();
 }
 
 bool ZRFxAccess::IsOpen() const {
@@ -471,17 +475,20 @@ bool ZRFxAccess::FindSubFolders(const ZRString& folder, bool descend, ZRStringAr
     });
 }
 
-bool ZRFxAccess::GetArchiveInfo(bool* compressed, bool* binary, bool* encrypted) {
-    NVF_ASSERT(compressed && binary && encrypted);
-    if (!compressed || !binary || !encrypted) return false;
+bool ZRFxAccess::GetArchiveInfo(ZRFxArchiveInfo* info) {
+    NVF_ASSERT(info);
+    if (!info) return false;
     if (!IsOpen()) return m_logger->fail("Archive is not open.");
-    *compressed = *binary = *encrypted = false;
+    *info = ZRFxArchiveInfo();
     for (std::size_t i = 0; i < m_pArchive->EntryCount(); ++i) {
-        const ZRFxZipArchive::EntryInfo info = m_pArchive->EntryAt(i);
-        *compressed = *compressed || info.nPackedSize < info.nSize;
-        *binary = *binary || ZRString(info.sName).Extension().ToUpper() == ".DAT";
-        *encrypted = *encrypted || info.bEncrypted;
-        if (*compressed && *binary && *encrypted) break;
+        const ZRFxZipArchive::EntryInfo entry = m_pArchive->EntryAt(i);
+        const ZRString extension = ZRString(entry.sName).Extension().ToUpper();
+        info->compressed = info->compressed || entry.nPackedSize < entry.nSize;
+        info->encrypted = info->encrypted || entry.bEncrypted;
+        info->binary = info->binary || extension == ".DAT";
+        info->text = info->text ||
+                     (extension == ".TXT" && belowFolder(entry.sName, kUserDataFolder).empty());
+        if (info->compressed && info->encrypted && info->binary) break;
     }
     return true;
 }

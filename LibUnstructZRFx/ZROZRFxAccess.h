@@ -22,6 +22,17 @@ enum class ZRZipAccessMode : int { UPDATE = 0, READ_ONLY = 1, CREATE = 2 };
 /// Whether a missing entry is an error or an answer.
 enum class LogMode { LOG, SILENT };
 
+/// How an archive was made, as far as its entries show it.
+struct ZRFxArchiveInfo {
+    bool compressed = false;
+    bool encrypted = false;
+    bool binary = false;  ///< Some data file is binary.
+    bool text = false;    ///< Some data file is text.
+};
+
+/// The folder of the user's text files, which are no data files.
+inline constexpr const char* kUserDataFolder = "UserData";
+
 /// The one class that touches the container: opens it, keeps its main document, and writes and
 /// reads its entries by name. Entry names are UTF-8 with a backslash between folders; an entry of a
 /// container packed by another program is also found under slashes. Every operation that fails logs
@@ -52,6 +63,9 @@ public:
     /// Commits and closes. When the commit fails the archive stays open with all that it was given,
     /// so that closing can be tried again; its file holds the last commit.
     bool Close();
+
+    /// Closes without committing what was written since the last commit.
+    void Abandon();
 
     bool IsOpen() const;
     bool IsReadOnly() const { return m_readOnly; }
@@ -159,8 +173,8 @@ public:
     /// Whole names of the folders in a folder; with `descend`, also those below them.
     bool FindSubFolders(const ZRString& folder, bool descend, ZRStringArray* names);
 
-    /// Whether some entry is compressed, some entry holds binary data, and some entry is encrypted.
-    bool GetArchiveInfo(bool* compressed, bool* binary, bool* encrypted);
+    /// What the entries tell of how the archive was made.
+    bool GetArchiveInfo(ZRFxArchiveInfo* info);
 
 private:
     bool TakeOpened(bool isOpened, ZRZipAccessMode mode);

@@ -49,14 +49,16 @@ constexpr std::array kClasses{
     BlockClassOfType{BLOCK_STATE_INFO, create<ZRFxStateInfoBlock>},
     BlockClassOfType{BLOCK_SET, create<ZRFxSetBlock>},
     BlockClassOfType{BLOCK_PLOT_2D, create<ZRFx2DPlotDataBlock>},
-    BlockClassOfType{BLOCK_TRANSFORMATION_RESULT_VALUES, create<ZRFxTransformationResultValuesBlock>},
+    BlockClassOfType{BLOCK_TRANSFORMATION_RESULT_VALUES,
+                     create<ZRFxTransformationResultValuesBlock>},
     BlockClassOfType{BLOCK_TRANSFORMATION_RESULTS, create<ZRFxTransformationResultsBlock>},
     BlockClassOfType{BLOCK_PRECOMPUTED_ITEM, create<ZRFxPrecomputedItemBlock>},
     BlockClassOfType{BLOCK_POSITION_RESULT_VALUES, create<ZRFxPositionResultValuesBlock>},
     BlockClassOfType{BLOCK_GEOMETRY_INFO, create<ZRFxGeometryInfoBlock>},
     BlockClassOfType{BLOCK_PRECOMPUTED_CUTTING_PLANE, create<ZRFxPrecomputedCuttingPlaneBlock>},
     BlockClassOfType{BLOCK_PRECOMPUTED_ISOSURFACE, create<ZRFxPrecomputedIsosurfaceBlock>},
-    BlockClassOfType{BLOCK_PRECOMPUTED_PARTICLE_TRACE_GROUP, create<ZRFxPrecomputedParticleTraceGroupBlock>},
+    BlockClassOfType{BLOCK_PRECOMPUTED_PARTICLE_TRACE_GROUP,
+                     create<ZRFxPrecomputedParticleTraceGroupBlock>},
     BlockClassOfType{BLOCK_PRECOMPUTED_ISOVOLUME, create<ZRFxPrecomputedIsovolumeBlock>},
 };
 

@@ -69,6 +69,7 @@ bool ZRFxDatabase::Create(const ZRString& name, int id, const ZRString& sourceNa
         return Log().fail("Error adding database.");
     }
     StartTOC();
+    m_bTOCModified = true;
     return true;
 }
 
@@ -87,8 +88,11 @@ bool ZRFxDatabase::Parse(int id) {
 bool ZRFxDatabase::WriteTOC() {
     NVF_ASSERT(m_pTOC.notNull());
     if (m_pTOC.isNull() || !GetAccess()) return false;
-    return GetAccess()->WriteXmlFile(EntryName(kTOCName), *m_pTOC, true) ||
-           Log().fail("Cannot write Database TOC to archive.");
+    if (!GetAccess()->WriteXmlFile(EntryName(kTOCName), *m_pTOC, true)) {
+        return Log().fail("Cannot write Database TOC to archive.");
+    }
+    m_bTOCModified = false;
+    return true;
 }
 
 bool ZRFxDatabase::WriteBlock(const ZRString& typeName, int id, const ZRString& fileName,
@@ -165,6 +169,11 @@ ZRFxBlock* ZRFxDatabase::GetBlockByID(int type, int id) const {
     return position != blocks.end() && (*position)->GetID() == id ? position->p() : nullptr;
 }
 
+nvf::ref<ZRFxBlock> ZRFxDatabase::OpenBlock(int type, int id) {
+    const ZRFxBlock* entry = GetBlockByID(type, id);
+    return entry ? CreateEntry(type, id, entry->GetFileName()) : nullptr;
+}
+
 int ZRFxDatabase::GetNumBlocks() const {
     int count = 0;
     for (int type = 0; type < kNumBlockTypes; ++type) count += GetNumBlocks(type);
@@ -213,6 +222,7 @@ void ZRFxDatabase::EnterInTOC(const ZRString& typeName, int id, const ZRString& 
     if (line.isNull()) line = m_pTOC->getRootElement().addChildElement(typeName.CStr());
     line.setAttributeInt("ID", id);
     SetAttribute(line, "File", fileName);
+    m_bTOCModified = true;
 }
 
 void ZRFxDatabase::Clear() {
@@ -247,7 +257,9 @@ bool ZRFxDatabase::ParseBlocks() {
     const bool hasTOC = GetAccess()->InternalFindFile(EntryName(kTOCName), LogMode::SILENT) >= 0;
     std::vector<BlockLine> lines;
     if (hasTOC) {
-        return ParseTOC(&lines) && AddParsedBlocks(lines, "Error reading block meta data.");
+        if (!ParseTOC(&lines)) return false;
+        m_bTOCModified = false;
+        return AddParsedBlocks(lines, "Error reading block meta data.");
     }
     return ParseFolder(&lines) &&
            AddParsedBlocks(lines, "Error reading block meta data (type '%1', ID %2)");

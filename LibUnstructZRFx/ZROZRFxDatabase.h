@@ -36,6 +36,9 @@ public:
     /// Stores the table of contents in place of the one stored before.
     bool WriteTOC();
 
+    /// Whether the table of contents has changed since it was stored or read.
+    bool IsTOCModified() const { return m_bTOCModified; }
+
     /// Stores a block's document and enters it in the table of contents, where each type and id
     /// stands once. Fails for a type without blocks and for a negative id, with which the database
     /// could not be opened again. Called by blocks.
@@ -65,6 +68,10 @@ public:
 
     /// Null, without a message, when there is none.
     ZRFxBlock* GetBlockByID(int type, int id) const;
+
+    /// A new object for the block of a type and id, with nothing loaded; null, without a message,
+    /// when there is none.
+    nvf::ref<ZRFxBlock> OpenBlock(int type, int id);
 
     /// Over all types, by type and then by id.
     int GetNumBlocks() const;
@@ -106,6 +113,7 @@ private:
     std::array<BlockArray, kNumBlockTypes> m_apBlocks;
     nvf::ref<nvf::XmlDocument> m_pTOC;
     std::map<BlockKey, nvf::XmlElement> m_tocLines;
+    bool m_bTOCModified = false;
 };
 
 }  // namespace unstruct

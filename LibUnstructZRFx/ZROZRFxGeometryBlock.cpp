@@ -54,6 +54,12 @@ bool ZRFxGeometryState::AddPart(int iGlobalGeometryIndex, const ZRFxGeometryPart
     return true;
 }
 
+bool ZRFxGeometryState::RemoveParts(int iGlobalGeometryIndex) {
+    if (!IsGeometry(iGlobalGeometryIndex)) return false;
+    m_geometryParts[static_cast<std::size_t>(iGlobalGeometryIndex)].clear();
+    return true;
+}
+
 bool ZRFxGeometryState::IsGeometry(int iGlobalGeometryIndex) const {
     NVF_ASSERT(iGlobalGeometryIndex >= 0 && iGlobalGeometryIndex < GetGeometryCountPerState());
     return iGlobalGeometryIndex >= 0 && iGlobalGeometryIndex < GetGeometryCountPerState();

@@ -47,6 +47,7 @@ public:
 
     /// False after an assertion when there is no such geometry.
     bool AddPart(int iGlobalGeometryIndex, const ZRFxGeometryPart& part);
+    bool RemoveParts(int iGlobalGeometryIndex);
 
 private:
     bool IsGeometry(int iGlobalGeometryIndex) const;

@@ -37,7 +37,9 @@ void connect(Info& info, Codec& codec) {
     info.client_data = &codec;
 }
 
-bool isLegalLength(unsigned int pixels) { return pixels > 0 && pixels <= JPEG_MAX_DIMENSION; }
+bool isLegalLength(unsigned int pixels) {
+    return pixels > 0 && pixels <= JPEG_MAX_DIMENSION;
+}
 
 void encodeRows(jpeg_compress_struct& encoder, const nuo::Image& image, const JSAMPLE* rgb) {
     encoder.image_width = image.width();

@@ -35,6 +35,21 @@ bool ZRFxNodeBlock::SetNodes(ZRVec3fArray nodes, std::unique_ptr<ZRIntArray> pai
     return true;
 }
 
+bool ZRFxNodeBlock::Reserve(std::int64_t iNumNodes) {
+    return m_nodes.Reserve(iNumNodes) && (!m_paiNodeIDs || m_paiNodeIDs->Reserve(iNumNodes));
+}
+
+bool ZRFxNodeBlock::AddNode(const nuo::Vec3f& node, std::int32_t id) {
+    if (!m_nodes.Add(node)) return false;
+    if (m_paiNodeIDs && !m_paiNodeIDs->Add(id)) {
+        m_nodes.SetSize(m_nodes.GetSize() - 1);
+        return false;
+    }
+    m_pSortedIDs.reset();
+    SetRead(true);
+    return true;
+}
+
 std::int64_t ZRFxNodeBlock::GetNumNodes() const {
     if (IsRead()) return m_nodes.GetSize();
     NVF_ASSERT(m_pDatabase);

@@ -21,6 +21,12 @@ public:
     /// a node.
     bool SetNodes(ZRVec3fArray nodes, std::unique_ptr<ZRIntArray> paiNodeIDs);
 
+    /// Makes room for a number of nodes in all.
+    bool Reserve(std::int64_t iNumNodes);
+
+    /// Appends a node, and its id when the nodes have ids.
+    bool AddNode(const nuo::Vec3f& node, std::int32_t id);
+
     const ZRVec3fArray& GetNodes() const { return m_nodes; }
 
     /// Null when the nodes have no ids.

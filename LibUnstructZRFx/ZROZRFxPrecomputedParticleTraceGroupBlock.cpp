@@ -43,6 +43,8 @@ bool ZRFxPrecomputedParticleTraceGroupBlock::DoWriteBlock(nvf::XmlElement root) 
     return true;
 }
 
-void ZRFxPrecomputedParticleTraceGroupBlock::DoUnloadData() { m_apTraces.RemoveAll(); }
+void ZRFxPrecomputedParticleTraceGroupBlock::DoUnloadData() {
+    m_apTraces.RemoveAll();
+}
 
 }  // namespace unstruct

@@ -35,6 +35,22 @@ void ZRFxResultValuesBlock::SetVectors(ZRVec3fArray vectors) {
     SetRead(true);
 }
 
+bool ZRFxResultValuesBlock::Reserve(std::int64_t numItems) {
+    const bool isReserved = m_iNumDimensions == 3
+                                ? m_avResults.Reserve(numItems)
+                                : m_afResults.Reserve(numItems * m_iNumDimensions);
+    return isReserved && (!m_paiIDs || m_paiIDs->Reserve(numItems));
+}
+
+bool ZRFxResultValuesBlock::AddScalar(float value, std::int32_t id) {
+    return AddID(id) && m_afResults.Add(value);
+}
+
+bool ZRFxResultValuesBlock::AddVector(const nuo::Vec3f& value, std::int32_t id) {
+    NVF_ASSERT(m_iNumDimensions == 3);
+    return m_iNumDimensions == 3 && AddID(id) && m_avResults.Add(value);
+}
+
 void ZRFxResultValuesBlock::SetIDs(std::unique_ptr<ZRIntArray> paiIDs) {
     m_paiIDs = std::move(paiIDs);
     m_paiSortedIDs.reset();
@@ -94,6 +110,12 @@ void ZRFxResultValuesBlock::DoUnloadData() {
     m_afResults.RemoveAll();
     m_avResults.RemoveAll();
     SetIDs(nullptr);
+}
+
+bool ZRFxResultValuesBlock::AddID(std::int32_t id) {
+    SetRead(true);
+    m_paiSortedIDs.reset();
+    return !m_paiIDs || m_paiIDs->Add(id);
 }
 
 bool ZRFxResultValuesBlock::WriteValues(const ZRString& name) {

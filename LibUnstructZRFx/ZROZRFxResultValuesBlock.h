@@ -24,6 +24,13 @@ public:
     bool SetVectors(const nuo::Vec3f* pVectorArray, std::int64_t count);
     void SetVectors(ZRVec3fArray vectors);
 
+    /// Makes room for a number of items in all.
+    bool Reserve(std::int64_t numItems);
+
+    /// Appends an item, and its id when the values have ids.
+    bool AddScalar(float value, std::int32_t id);
+    bool AddVector(const nuo::Vec3f& value, std::int32_t id);
+
     /// Replaces the ids of the items that the values belong to; null means the items in their
     /// order.
     void SetIDs(std::unique_ptr<ZRIntArray> paiIDs);
@@ -48,6 +55,7 @@ protected:
     void DoUnloadData() override;
 
 private:
+    bool AddID(std::int32_t id);
     bool WriteValues(const ZRString& name);
     bool ReadValues(const ZRString& name, std::int64_t numItems);
 

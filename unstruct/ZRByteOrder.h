@@ -3,6 +3,7 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <utility>
 
 namespace unstruct {
@@ -19,15 +20,28 @@ inline void SwapBytesOf4(void* data, std::size_t numBytes) {
     }
 }
 
-/// Writes and reads one unsigned 32-bit number in the order of the file.
-inline void StoreUint32(std::uint32_t value, unsigned char* bytes) {
-    for (int i = 0; i < 4; ++i) bytes[i] = static_cast<unsigned char>(value >> (8 * i));
+/// Integers in the little-endian order of the container, on hosts of any order.
+template <typename Integer>
+Integer LoadLittleEndian(const std::uint8_t* pBytes) {
+    Integer nValue = 0;
+    for (std::size_t i = sizeof(Integer); i-- > 0;) {
+        nValue = static_cast<Integer>((static_cast<std::uint64_t>(nValue) << 8) | pBytes[i]);
+    }
+    return nValue;
 }
 
-inline std::uint32_t LoadUint32(const unsigned char* bytes) {
-    std::uint32_t value = 0;
-    for (int i = 0; i < 4; ++i) value |= static_cast<std::uint32_t>(bytes[i]) << (8 * i);
-    return value;
+template <typename Integer>
+void StoreLittleEndian(std::uint8_t* pBytes, Integer nValue) {
+    for (std::size_t i = 0; i < sizeof(Integer); ++i) {
+        pBytes[i] = static_cast<std::uint8_t>(static_cast<std::uint64_t>(nValue) >> (8 * i));
+    }
+}
+
+template <typename Integer>
+void AppendLittleEndian(std::string* pBytes, Integer nValue) {
+    std::uint8_t aBytes[sizeof(Integer)];
+    StoreLittleEndian(aBytes, nValue);
+    pBytes->append(reinterpret_cast<const char*>(aBytes), sizeof(aBytes));
 }
 
 }  // namespace unstruct

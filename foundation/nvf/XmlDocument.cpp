@@ -189,9 +189,6 @@ XmlDocument::~XmlDocument() = default;
 
 XmlElement XmlDocument::createRootElement(const char* name, const char* namespaceUri) {
     m_impl->document.reset();
-    pugi::xml_node declaration = m_impl->document.append_child(pugi::node_declaration);
-    declaration.append_attribute("version").set_value("1.0");
-    declaration.append_attribute("encoding").set_value("UTF-8");
     pugi::xml_node root = m_impl->document.append_child(name);
     root.append_attribute("xmlns").set_value(namespaceUri);
     return XmlElement(root.internal_object());
@@ -215,8 +212,10 @@ bool XmlDocument::parse(std::string_view text, String* error) {
 }
 
 std::string XmlDocument::toUtf8() const {
+    constexpr unsigned int kFormat = pugi::format_indent | pugi::format_no_declaration;
     TextCollector collector;
-    m_impl->document.save(collector, " ", pugi::format_default, pugi::encoding_utf8);
+    collector.text = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
+    m_impl->document.save(collector, " ", kFormat, pugi::encoding_utf8);
     return std::move(collector.text);
 }
 

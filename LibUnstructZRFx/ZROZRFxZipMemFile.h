@@ -1,0 +1,72 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "ZROZRFxZipRawData.h"
+#include "ZROZRFxZipStorage.h"
+
+namespace unstruct {
+
+/// A growable file in memory; it can hold a whole archive. Bytes between the old end and a write
+/// beyond it are zero. Used by one thread at a time.
+class ZRFxZipMemFile {
+public:
+    /// The file grows by at least nGrowBy bytes, and by half its size where that is more.
+    explicit ZRFxZipMemFile(size_t nGrowBy = 1024) : m_nGrowBy(nGrowBy > 0 ? nGrowBy : 1) {}
+    ~ZRFxZipMemFile() { Clear(); }
+    ZRFxZipMemFile(const ZRFxZipMemFile&) = delete;
+    ZRFxZipMemFile& operator=(const ZRFxZipMemFile&) = delete;
+
+    uint64_t Length() const { return m_nLength; }
+    const uint8_t* Data() const { return m_pData; }
+
+    /// False, with nothing read, when the range does not lie in the file.
+    bool ReadAt(uint64_t nOffset, void* pData, size_t nSize) const;
+    /// False, with the file unchanged, when there is no memory.
+    bool WriteAt(uint64_t nOffset, const void* pData, size_t nSize);
+    bool Append(const void* pData, size_t nSize) { return WriteAt(m_nLength, pData, nSize); }
+    /// Cuts the file; a longer length leaves it as it is.
+    void Truncate(uint64_t nLength);
+    /// Hands the bytes over without copying and leaves the file empty; false, with the file
+    /// unchanged, when they are more than an entry can have.
+    bool Detach(ZRFxZipRawData* pRaw);
+    void Clear();
+    void Swap(ZRFxZipMemFile& other) noexcept;
+
+private:
+    bool Reserve(uint64_t nLength);
+
+    size_t m_nGrowBy;
+    uint8_t* m_pData = nullptr;
+    size_t m_nLength = 0;
+    size_t m_nCapacity = 0;
+};
+
+/// The archive in a memory file of the caller, who keeps it alive. A commit is gathered beside the
+/// file and put into it at the end.
+class ZRFxMemStorage : public ZRFxZipStorage {
+public:
+    /// bCreate starts from an empty state; the file keeps its content until the first commit.
+    ZRFxMemStorage(ZRFxZipMemFile* pFile, bool bCreate)
+        : m_pFile(pFile), m_nSize(bCreate ? 0 : pFile->Length()) {}
+    ~ZRFxMemStorage() override { RollBack(); }
+
+    uint64_t Size() const override { return m_nSize; }
+    bool Read(uint64_t nOffset, void* pData, size_t nSize) override;
+
+    bool BeginCommit(uint64_t nUnchanged) override;
+    bool BeginRewrite() override;
+    bool Write(const void* pData, size_t nSize) override;
+    uint64_t Position() const override { return m_nUnchanged + m_next.Length(); }
+    ZRFxCommitResult EndCommit() override;
+    void RollBack() override;
+
+private:
+    ZRFxZipMemFile* m_pFile;
+    ZRFxZipMemFile m_next;  // What the commit under way has written from m_nUnchanged on.
+    uint64_t m_nSize;
+    uint64_t m_nUnchanged = 0;
+};
+
+}  // namespace unstruct

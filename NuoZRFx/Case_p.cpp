@@ -1,0 +1,164 @@
+#include "Case_p.h"
+
+#include <string>
+
+#include "Convert_p.h"
+#include "Log_p.h"
+#include "ZROZRFxXml.h"
+#include "nuo/PropertyConvert.h"
+
+namespace nuo::zrfx {
+namespace {
+
+using unstruct::GetText;
+using unstruct::SetAttribute;
+using unstruct::ZRString;
+using unstruct::ZRStringArray;
+
+constexpr const char* kDescriptionName = "Description.html";
+constexpr const char* kSnapshotName = "Snapshot.jpeg";
+constexpr const char* kPropertiesName = "ZRFxProperties.xml";
+constexpr const char* kTexturesFolder = "Textures";
+
+ZRString folderOf(int caseId) {
+    return "Case" + std::to_string(caseId);
+}
+
+// The child element that names a file, added when there is none.
+void setFileElement(nvf::XmlElement root, const char* name, const ZRString& file) {
+    nvf::XmlElement element = root.firstChildElement(name);
+    if (element.isNull()) element = root.addChildElement(name);
+    element.setTextUtf8(file.Bytes());
+}
+
+}  // namespace
+
+bool CasePrivate::createDocument() {
+    if (m_id < 0) return fail("Case id %1 is invalid.", m_id);
+    if (m_caseDocument) return fail("Case document already created");
+    nvf::ref<nvf::XmlDocument> document = new nvf::XmlDocument;
+    nvf::XmlElement root = document->createRootElement("Case", unstruct::kNamespaceUri);
+    if (root.isNull()) return fail("Failed to create case document");
+    root.setAttributeInt("ID", m_id);
+    SetAttribute(root, "Name", ZRConvert::toZRString(m_name));
+    root.setAttributeInt("DatabaseID", m_databaseId);
+    SetAttribute(root, "Folder", folderOf(m_id));
+    m_caseDocument = document;
+    m_isDocumentModified = true;
+    return true;
+}
+
+bool CasePrivate::read(int index) {
+    unstruct::ZRFxCaseInfo info;
+    if (!m_access->GetCaseInfo(index, &info)) {
+        return fail("Could not find case at index %1.", index);
+    }
+    const nvf::ref<nvf::XmlDocument> document = new nvf::XmlDocument;
+    if (!m_access->InternalReadXmlFile(info.path, unstruct::LogMode::LOG, document.p())) {
+        return fail("Could not extract case document for case at index %1.", index);
+    }
+    const nvf::XmlElement root = document->getRootElement("Case");
+    if (root.isNull()) return fail("Invalid Case.xml file.");
+    m_caseDocument = document;
+    m_id = info.id;
+    m_name = ZRConvert::toStr(info.name);
+    m_databaseId = info.databaseId;
+    m_derivedResultsDisabled = !info.fullDatabase;
+    const ZRString descriptionFile = GetText(root.firstChildElement("Description"));
+    ZRString description;
+    if (!descriptionFile.IsBlank() &&
+        !m_access->ReadDataString(entryName(descriptionFile), &description)) {
+        return fail("Could not read case description specified in Case.xml.");
+    }
+    m_description = ZRConvert::toStr(description);
+    return readProperties();
+}
+
+bool CasePrivate::writeDelayed() {
+    if (!m_isDocumentModified && !m_isSnapshotModified && !m_isPropertiesModified) return true;
+    if (write()) return true;
+    return m_isReadFromFile ? fail("Error writing case.") : fail("Eror writing case.");
+}
+
+ZRString CasePrivate::entryName(const ZRString& name) const {
+    const nvf::XmlElement root =
+        m_caseDocument ? m_caseDocument->getRootElement("Case") : nvf::XmlElement();
+    const ZRString folder = unstruct::GetAttribute(root, "Folder");
+    return folder + std::string(1, unstruct::kFolderSeparator) + name;
+}
+
+ZRStringArray CasePrivate::textureEntries() const {
+    ZRStringArray entries;
+    NVF_ASSERT(m_access);
+    if (m_access) m_access->FindFiles(entryName(kTexturesFolder), false, &entries);
+    return entries;
+}
+
+// A case without a properties file has none.
+bool CasePrivate::readProperties() {
+    const ZRString entry = entryName(kPropertiesName);
+    m_properties = new PropertySetCollection;
+    if (m_access->InternalFindFile(entry, unstruct::LogMode::SILENT) < 0) return true;
+    nvf::PropertySetCollection collection;
+    if (!m_access->ReadProperties(entry, &collection)) return false;
+    for (std::size_t i = 0; i < collection.count(); ++i) {
+        m_properties->addPropertySet(
+            PropertyConvert::toPropertySet(*collection.propertySet(i)).p());
+    }
+    return true;
+}
+
+bool CasePrivate::write() {
+    if (!m_access) return false;
+    if (m_caseDocument.isNull()) {
+        return fail("Case document did not exist, call create() before if using delayed writing.");
+    }
+    nvf::XmlElement root = m_caseDocument->getRootElement("Case");
+    if (root.isNull()) return fail("Could not find root element for case.");
+    const ZRString name =
+        m_name.isEmpty() ? ZRString("Case " + std::to_string(m_id)) : ZRConvert::toZRString(m_name);
+    root.setAttributeInt("ID", m_id);
+    SetAttribute(root, "Name", name);
+    root.setAttributeInt("DatabaseID", m_databaseId);
+    SetAttribute(root, "Folder", folderOf(m_id));
+    SetAttribute(root, "ZRFxProperties", ZRString(kPropertiesName));
+    SetAttribute(root, "FullDatabase", ZRString(m_derivedResultsDisabled ? "false" : "true"));
+    if (!writeProperties() || !writeDescription(root) || !writeSnapshot(root)) return false;
+    if (!m_access->AddCase(*m_caseDocument, true)) {
+        return fail("Error adding the case document to the ZRFx file.");
+    }
+    m_isDocumentModified = m_isSnapshotModified = m_isPropertiesModified = false;
+    return true;
+}
+
+bool CasePrivate::writeProperties() {
+    nvf::ref<nvf::PropertySetCollection> collection = new nvf::PropertySetCollection;
+    if (m_properties) collection = PropertyConvert::toNvfPropertySetCollection(*m_properties);
+    return m_access->WriteProperties(entryName(kPropertiesName), *collection);
+}
+
+bool CasePrivate::writeDescription(nvf::XmlElement root) {
+    const ZRString entry = entryName(kDescriptionName);
+    if (m_description.isEmpty()) {
+        root.removeChildElement(root.firstChildElement("Description"));
+        return m_access->RemoveFile(entry);
+    }
+    setFileElement(root, "Description", kDescriptionName);
+    const std::string text = m_description.toStdString();
+    return m_access->WriteDataRaw(entry, text.data(), text.size(), true) ||
+           fail("Error writing the case description image to the ZRFx file.");
+}
+
+bool CasePrivate::writeSnapshot(nvf::XmlElement root) {
+    if (!m_isSnapshotModified) return true;
+    const ZRString entry = entryName(kSnapshotName);
+    if (!m_snapshot) {
+        root.removeChildElement(root.firstChildElement("Snapshot"));
+        return m_access->RemoveFile(entry);
+    }
+    setFileElement(root, "Snapshot", kSnapshotName);
+    return m_access->WriteImage(entry, *m_snapshot) ||
+           fail("Error writing the snapshot image to the ZRFx file.");
+}
+
+}  // namespace nuo::zrfx

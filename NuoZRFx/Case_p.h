@@ -1,0 +1,56 @@
+#pragma once
+
+#include <memory>
+
+#include "NuoCore/Image.h"
+#include "NuoCore/PropertySetCollection.h"
+#include "NuoCore/PtrRef.h"
+#include "NuoZRFx/Case.h"
+#include "ZROZRFxAccess.h"
+#include "nvf/XmlDocument.h"
+
+namespace nuo::zrfx {
+
+/// What a Case holds. The archive is there while its file is open.
+class CasePrivate {
+public:
+    /// Starts the document of a new case.
+    bool createDocument();
+
+    /// Reads the case at an index of the main document, without snapshot and textures.
+    bool read(int index);
+
+    /// Writes what has changed since it was read or written; all of a new case.
+    bool writeDelayed();
+
+    /// The file is closing: nothing of the archive may be used any more.
+    void detach() { m_access = nullptr; }
+
+    /// The name of an entry in the case's folder.
+    unstruct::ZRString entryName(const unstruct::ZRString& name) const;
+    unstruct::ZRStringArray textureEntries() const;
+
+    unstruct::ZRFxAccess* m_access = nullptr;
+    int m_id = -1;
+    int m_databaseId = -1;
+    Str m_name;
+    Str m_description;
+    bool m_derivedResultsDisabled = false;
+    bool m_isReadFromFile = false;
+    bool m_isDocumentModified = false;
+    bool m_isSnapshotModified = false;
+    bool m_isPropertiesModified = false;
+    std::unique_ptr<Image> m_snapshot;
+    std::unique_ptr<Image> m_image;  // the texture given last
+    PtrRef<PropertySetCollection> m_properties;
+    nvf::ref<nvf::XmlDocument> m_caseDocument;
+
+private:
+    bool readProperties();
+    bool write();
+    bool writeDescription(nvf::XmlElement root);
+    bool writeSnapshot(nvf::XmlElement root);
+    bool writeProperties();
+};
+
+}  // namespace nuo::zrfx

@@ -1,0 +1,215 @@
+#include "NuoZRFx/Database.h"
+
+#include <climits>
+
+#include "Convert_p.h"
+#include "Database_p.h"
+#include "Log_p.h"
+#include "NuoZRFx/File.h"
+#include "NuoZRFx/SetBlock.h"
+#include "nvf/Assert.h"
+
+namespace nuo::zrfx {
+namespace {
+
+using unstruct::ZRFxBlock;
+using unstruct::ZRFxDatabase;
+
+// How a block was asked for, which decides about the messages.
+struct Request {
+    Block::BlockType type;
+    int number;
+    const char* missing;
+    const char* unreadable;
+};
+
+Request byIndex(Block::BlockType type, std::size_t index) {
+    return {type, static_cast<int>(index),
+            "Error reading block from file. Block of type %1 with index %2 does not exist",
+            "Error reading block of type %1 with index %2 from file"};
+}
+
+Request byId(Block::BlockType type, int id) {
+    return {type, id, "Error reading block from file. Block of type %1 with id %2 does not exist",
+            "Error reading block of type %1 with id %2 from file"};
+}
+
+PtrRef<Block> readBlock(ZRFxDatabase& database, const ZRFxBlock* entry, const Request& request) {
+    if (!entry) {
+        fail(request.missing, static_cast<int>(request.type), request.number);
+        return nullptr;
+    }
+    const nvf::ref<ZRFxBlock> block = database.OpenBlock(entry->GetType(), entry->GetID());
+    if (block.isNull() || !block->ReadBlock()) {
+        fail(request.unreadable, static_cast<int>(request.type), request.number);
+        return nullptr;
+    }
+    return DatabasePrivate::wrap(block.p());
+}
+
+}  // namespace
+
+Database::Database(File* file, const Str& name, int id, SimulationType simulationType,
+                   SolutionType solutionType, const Str& description)
+    : m_private(std::make_unique<DatabasePrivate>()) {
+    if (isCreated(file, name, id, simulationType, solutionType, description)) return;
+    m_private->detach();
+    m_private->m_id = -1;
+}
+
+Database::Database(File* file, int id) : m_private(std::make_unique<DatabasePrivate>()) {
+    if (isTaken(file, id)) return;
+    m_private->detach();
+    m_private->m_id = -1;
+}
+
+Database::~Database() = default;
+
+int Database::id() const {
+    return m_private->m_id;
+}
+
+Str Database::name() const {
+    return m_private->m_zrfxDatabase ? ZRConvert::toStr(m_private->m_zrfxDatabase->GetName())
+                                     : Str();
+}
+
+Str Database::description() const {
+    return m_private->m_zrfxDatabase ? ZRConvert::toStr(m_private->m_zrfxDatabase->GetDescription())
+                                     : Str();
+}
+
+Database::SimulationType Database::simulationType() const {
+    if (!m_private->m_zrfxDatabase) return OTHER_SIMULATION;
+    return ZRConvert::toSimulationType(m_private->m_zrfxDatabase->GetSimulationType());
+}
+
+Database::SolutionType Database::solutionType() const {
+    if (!m_private->m_zrfxDatabase) return OTHER_SOLUTION;
+    return ZRConvert::toSolutionType(m_private->m_zrfxDatabase->GetSolutionType());
+}
+
+bool Database::writeBlock(const Block* block) {
+    if (!block) fail("Given block pointer was NULL. (Block id %1).", -1);
+    NVF_ASSERT(block);
+    const auto& m_zrfxDatabase = m_private->m_zrfxDatabase;
+    NVF_ASSERT(m_zrfxDatabase);
+    if (!block || !m_zrfxDatabase) return false;
+    ZRFxBlock* zrfxBlock = block->internal_zrfxBlock();
+    if (!block->checkValidity() || !zrfxBlock) {
+        return fail("Cannot write block, weak validity check failed. (block id %1).",
+                    block->blockId());
+    }
+    if (!zrfxBlock->WriteBlock(m_zrfxDatabase.get())) {
+        return fail("Error writing block to database. (block id %1, database id %2).",
+                    block->blockId(), id());
+    }
+    if (zrfxBlock->GetType() == unstruct::BLOCK_GEOMETRY)
+        m_private->m_isGeometryBlockWritten = true;
+    if (zrfxBlock->GetType() == unstruct::BLOCK_STATE_INFO) {
+        m_private->m_isStateInfoBlockWritten = true;
+    }
+    return true;
+}
+
+std::size_t Database::blockCount(Block::BlockType type) const {
+    const auto& m_zrfxDatabase = m_private->m_zrfxDatabase;
+    NVF_ASSERT(m_zrfxDatabase);
+    if (!m_zrfxDatabase) return 0;
+    return static_cast<std::size_t>(m_zrfxDatabase->GetNumBlocks(ZRConvert::fromBlockType(type)));
+}
+
+int Database::blockId(Block::BlockType type, std::size_t index) const {
+    const ZRFxBlock* entry = entryAt(type, index);
+    return entry ? entry->GetID() : -1;
+}
+
+PtrRef<Block> Database::blockByIndex(Block::BlockType type, std::size_t index) {
+    const ZRFxBlock* entry = entryAt(type, index);
+    if (!m_private->m_zrfxDatabase || (entry && type == Block::SET)) return nullptr;
+    return readBlock(*m_private->m_zrfxDatabase, entry, byIndex(type, index));
+}
+
+PtrRef<Block> Database::blockById(Block::BlockType type, int id) {
+    const ZRFxBlock* entry = entryOf(type, id);
+    if (!m_private->m_zrfxDatabase || (entry && type == Block::SET)) return nullptr;
+    return readBlock(*m_private->m_zrfxDatabase, entry, byId(type, id));
+}
+
+PtrRef<SetBlock> Database::setBlockByIndex(std::size_t index) {
+    const ZRFxBlock* entry = entryAt(Block::SET, index);
+    if (!m_private->m_zrfxDatabase) return nullptr;
+    return static_cast<SetBlock*>(
+        readBlock(*m_private->m_zrfxDatabase, entry, byIndex(Block::SET, index)).p());
+}
+
+PtrRef<SetBlock> Database::setBlockById(int id) {
+    const ZRFxBlock* entry = entryOf(Block::SET, id);
+    if (!m_private->m_zrfxDatabase) return nullptr;
+    return static_cast<SetBlock*>(
+        readBlock(*m_private->m_zrfxDatabase, entry, byId(Block::SET, id)).p());
+}
+
+bool Database::isCreated(File* file, const Str& name, int id, SimulationType simulationType,
+                         SolutionType solutionType, const Str& description) {
+    if (!file) return fail("Given file pointer name was NULL. (Database id %1).", id);
+    if (name.isEmpty()) return fail("Given database name was empty. (Database id %1).", id);
+    if (id < 0) return fail("Given database id was negative. (Database id %1).", id);
+    if (!file->internal_access()) {
+        return fail(
+            "Given file was in invalid state. (Database id %1). File must be created or opened for "
+            "append before adding a case.",
+            id);
+    }
+    m_private->m_zrfxDatabase = std::make_unique<ZRFxDatabase>(file->internal_access());
+    m_private->m_zrfxDatabase->SetTextMode(!file->settings()->binary);
+    if (!m_private->m_zrfxDatabase->Create(ZRConvert::toZRString(name), id, unstruct::ZRString(),
+                                           ZRConvert::fromSimulationType(simulationType),
+                                           ZRConvert::fromSolutionType(solutionType),
+                                           ZRConvert::toZRString(description))) {
+        return fail("Error creating database.");
+    }
+    m_private->m_id = id;
+    return file->addDatabase(this) ||
+           fail("Could not register database instance. (Database id %1).", id);
+}
+
+bool Database::isTaken(File* file, int id) {
+    if (!file) return fail("Given file pointer was NULL.");
+    if (id < 0) return fail("Given database id was negative.");
+    if (!file->internal_access()) {
+        return fail(
+            "Given file was in invalid state. File must be created or opened for append before "
+            "adding a database.");
+    }
+    m_private->m_isReadFromFile = true;
+    m_private->m_zrfxDatabase = std::make_unique<ZRFxDatabase>(file->internal_access());
+    m_private->m_zrfxDatabase->SetTextMode(!file->settings()->binary);
+    m_private->m_id = id;
+    return file->addDatabase(this) || fail("Could not register database instance.");
+}
+
+bool Database::internal_parse() {
+    unstruct::ZRFxDatabaseInfo info;
+    if (!m_private->m_zrfxDatabase ||
+        !m_private->m_zrfxDatabase->GetAccess()->GetDatabaseByID(id(), &info)) {
+        return fail("Given database index was in invalid.");
+    }
+    return m_private->m_zrfxDatabase->Parse(id()) || fail("Could not parse database in file.");
+}
+
+const ZRFxBlock* Database::entryAt(Block::BlockType type, std::size_t index) const {
+    const auto& m_zrfxDatabase = m_private->m_zrfxDatabase;
+    NVF_ASSERT(m_zrfxDatabase);
+    if (!m_zrfxDatabase || index > INT_MAX) return nullptr;
+    return m_zrfxDatabase->GetBlock(ZRConvert::fromBlockType(type), static_cast<int>(index));
+}
+
+const ZRFxBlock* Database::entryOf(Block::BlockType type, int id) const {
+    const auto& m_zrfxDatabase = m_private->m_zrfxDatabase;
+    NVF_ASSERT(m_zrfxDatabase);
+    if (!m_zrfxDatabase) return nullptr;
+    return m_zrfxDatabase->GetBlockByID(ZRConvert::fromBlockType(type), id);
+}
+
+}  // namespace nuo::zrfx

@@ -1,0 +1,260 @@
+#include "NuoZRFx/File.h"
+
+#include <algorithm>
+
+#include "Case_p.h"
+#include "Convert_p.h"
+#include "Database_p.h"
+#include "File_p.h"
+#include "Log_p.h"
+#include "NuoZRFx/ZRFxComponent.h"
+#include "ZROZRFxXml.h"
+#include "nvf/Assert.h"
+
+namespace nuo::zrfx {
+namespace {
+
+using unstruct::ZRFxAccess;
+using unstruct::ZRString;
+using unstruct::ZRStringArray;
+using unstruct::ZRZipAccessMode;
+
+constexpr const char* kUserExtension = ".txt";
+
+ZRString userEntry(const Str& name) {
+    return std::string(unstruct::kUserDataFolder) + unstruct::kFolderSeparator +
+           name.toStdString() + kUserExtension;
+}
+
+template <typename Items, typename IdOf>
+int unusedId(const Items& items, IdOf idOf) {
+    int unused = 0;
+    for (const auto& item : items) unused = std::max(unused, idOf(*item) + 1);
+    return unused;
+}
+
+}  // namespace
+
+File::File() : m_private(std::make_unique<FilePrivate>()) {}
+
+File::~File() = default;
+
+bool File::create(const Str& fileName, const FileSettings& settings) {
+    close();
+    if (!ZRFxComponent::isInitialized()) {
+        return fail("ZRFx Component has not been properly initialized.");
+    }
+    if (fileName.isEmpty()) return fail("File name string is NULL.");
+    m_private->reset();
+    m_private->m_settings = settings;
+    ZRFxAccess& access = *m_private->m_zrfxAccess;
+    if (!access.Open(ZRConvert::toZRString(fileName), ZRZipAccessMode::CREATE)) {
+        return fail("Error creating file.");
+    }
+    m_private->applyCompression();
+    if (!m_private->setPassword(settings.password) || !m_private->writeMainDocument()) {
+        access.Abandon();
+        return fail("Error creating file.");
+    }
+    return true;
+}
+
+bool File::open(const Str& fileName) {
+    return open(fileName, Str());
+}
+
+bool File::open(const Str& fileName, const Str& password) {
+    if (!m_private->begin(fileName)) return false;
+    if (!m_private->m_zrfxAccess->Open(ZRConvert::toZRString(fileName),
+                                       ZRZipAccessMode::READ_ONLY)) {
+        return fail("Error opening file.");
+    }
+    if (!m_private->takeFileProperties(fileName, password)) {
+        m_private->m_zrfxAccess->Abandon();
+        return fail("Error opening file.");
+    }
+    m_private->m_openedForReading = true;
+    return readDatabases() && readCases();
+}
+
+bool File::openForAppend(const Str& fileName) {
+    return openForAppend(fileName, Str());
+}
+
+bool File::openForAppend(const Str& fileName, const Str& password) {
+    close();
+    if (!m_private->begin(fileName)) return false;
+    if (!m_private->m_zrfxAccess->Open(ZRConvert::toZRString(fileName), ZRZipAccessMode::UPDATE)) {
+        return fail("Error creating file.");
+    }
+    if (!m_private->takeFileProperties(fileName, password) || !m_private->renewVendorInfo()) {
+        m_private->m_zrfxAccess->Abandon();
+        return fail("Error creating file.");
+    }
+    return readDatabases() && readCases();
+}
+
+bool File::flush() {
+    if (!m_private->isOpen()) return false;
+    if (m_private->m_openedForReading) return fail("Error writing file.");
+    for (const auto& database : m_private->m_databases) {
+        if (!database->m_private->flush()) {
+            return fail("Could not write database (id %1) to file.", database->id());
+        }
+    }
+    return writeCases() && (m_private->m_zrfxAccess->Commit() || fail("Error writing file."));
+}
+
+bool File::close() {
+    if (!m_private->isOpen()) return false;
+    if (!m_private->m_openedForReading && !(writeDatabases() && writeCases())) return false;
+    if (!m_private->m_zrfxAccess->Close()) return fail("Error writing file.");
+    m_private->dropAll();
+    m_private->m_zrfxAccess.reset();
+    return true;
+}
+
+bool File::isZRFxFile(const Str& fileName) {
+    return ZRFxAccess::IsZRFxFile(ZRConvert::toZRString(fileName));
+}
+
+std::size_t File::databaseCount() const {
+    return m_private->m_databases.size();
+}
+
+Database* File::database(std::size_t index) {
+    return index < databaseCount() ? m_private->m_databases[index].p() : nullptr;
+}
+
+std::size_t File::fileCaseCount() const {
+    return m_private->m_cases.size();
+}
+
+Case* File::fileCase(std::size_t index) {
+    return index < fileCaseCount() ? m_private->m_cases[index].p() : nullptr;
+}
+
+const Case* File::fileCase(std::size_t index) const {
+    return index < fileCaseCount() ? m_private->m_cases[index].p() : nullptr;
+}
+
+int File::unusedDatabaseId() const {
+    if (!m_private->isOpen()) {
+        fail("Error writing file.");
+        return -1;
+    }
+    return unusedId(m_private->m_databases, [](const Database& item) { return item.id(); });
+}
+
+int File::unusedFileCaseId() const {
+    return unusedId(m_private->m_cases, [](const Case& item) { return item.id(); });
+}
+
+bool File::addUserTextFile(const Str& fileName, const Str& content) {
+    NVF_ASSERT(m_private->m_zrfxAccess);
+    if (!m_private->isOpen()) return false;
+    if (fileName.isEmpty()) return fail("Given file name string was empty.");
+    if (content.isEmpty()) return fail("Given file content string was empty.");
+    const std::string text = content.toStdString();
+    return m_private->m_zrfxAccess->WriteDataRaw(userEntry(fileName), text.data(), text.size(),
+                                                 true) ||
+           fail("Error writing the user file to the ZRFx file.");
+}
+
+std::size_t File::userTextFileCount() const {
+    return m_private->userTextEntries().size();
+}
+
+Str File::userTextFileName(std::size_t index) const {
+    const ZRStringArray entries = m_private->userTextEntries();
+    if (index >= entries.size()) {
+        fail("No user text file was found at index %1", index);
+        return Str();
+    }
+    const std::string name = entries[index].FileName().Bytes();
+    const std::string extension = kUserExtension;
+    return name.ends_with(extension) ? name.substr(0, name.size() - extension.size()) : name;
+}
+
+Str File::userTextFileContent(std::size_t index) const {
+    const ZRStringArray entries = m_private->userTextEntries();
+    if (index >= entries.size()) {
+        fail("No user text file was found at index %1", index);
+        return Str();
+    }
+    ZRString content;
+    if (!m_private->m_zrfxAccess->ReadDataString(entries[index], &content)) {
+        fail("Not able to read user text file : %1", entries[index].FileName());
+    }
+    return ZRConvert::toStr(content);
+}
+
+const FileSettings* File::settings() const {
+    return &m_private->m_settings;
+}
+
+unstruct::ZRFxAccess* File::internal_access() const {
+    return m_private->isOpen() ? m_private->m_zrfxAccess.get() : nullptr;
+}
+
+bool File::addDatabase(Database* database) {
+    for (const auto& other : m_private->m_databases) {
+        if (other->id() == database->id()) {
+            return fail("Database with id %1 already registered.", database->id());
+        }
+    }
+    m_private->m_databases.emplace_back(database);
+    return true;
+}
+
+bool File::addCase(Case* fileCase) {
+    for (const auto& other : m_private->m_cases) {
+        if (other->id() == fileCase->id()) {
+            return fail("Case with id %1 already registered.", fileCase->id());
+        }
+    }
+    m_private->m_cases.emplace_back(fileCase);
+    return true;
+}
+
+bool File::readDatabases() {
+    int count = 0;
+    if (!m_private->m_zrfxAccess->GetNumDatabases(&count)) return fail("Error opening file.");
+    for (int index = 0; index < count; ++index) {
+        unstruct::ZRFxDatabaseInfo info;
+        m_private->m_zrfxAccess->GetDatabaseInfo(index, &info);
+        const PtrRef<Database> database = new Database(this, info.id);
+        if (database->id() < 0 || !database->internal_parse()) {
+            return fail("Error reading database (index %1) from file.", index);
+        }
+    }
+    return true;
+}
+
+// A case that cannot be read has said so and is left out.
+bool File::readCases() {
+    int count = 0;
+    if (!m_private->m_zrfxAccess->GetNumCases(&count)) return fail("Error opening file.");
+    for (int index = 0; index < count; ++index) const PtrRef<Case> read = new Case(this, index);
+    return true;
+}
+
+bool File::writeDatabases() {
+    for (const auto& database : m_private->m_databases) {
+        if (!database->m_private->writeDelayed()) {
+            return fail("Could not write database (id %1) to file.", database->id());
+        }
+    }
+    return true;
+}
+
+bool File::writeCases() {
+    for (const auto& fileCase : m_private->m_cases) {
+        if (!fileCase->m_private->writeDelayed()) {
+            return fail("Could not write case (id %1) to file.", fileCase->id());
+        }
+    }
+    return true;
+}
+
+}  // namespace nuo::zrfx

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "NuoCore/PtrRef.h"
+#include "NuoZRFx/Case.h"
+#include "NuoZRFx/Database.h"
+#include "NuoZRFx/FileSettings.h"
+#include "ZROZRFxAccess.h"
+
+namespace nuo::zrfx {
+
+/// What a File holds. The archive is there exactly while a file is open, or failed to open.
+class FilePrivate {
+public:
+    ~FilePrivate();
+
+    bool isOpen() const { return m_zrfxAccess && m_zrfxAccess->IsOpen(); }
+
+    /// A new, closed archive and default settings, in place of what was there.
+    void reset();
+
+    /// What opening a file begins with: checks, then a new archive.
+    bool begin(const Str& fileName);
+
+    /// Gives the archive the compression level of the settings, clamped to what there is.
+    void applyCompression();
+
+    /// Sets the password of the open archive; an empty one sets none.
+    bool setPassword(const Str& password);
+
+    /// Stores the main document of a new file.
+    bool writeMainDocument();
+
+    /// Takes the settings over that the opened file was made with, and checks that the password, if
+    /// it needs one, opens its main document.
+    bool takeFileProperties(const Str& fileName, const Str& password);
+
+    /// Stores the vendor id of this process; names stay the file's.
+    bool renewVendorInfo();
+
+    unstruct::ZRStringArray userTextEntries() const;
+
+    /// Detaches databases and cases from the archive and gives the references to them back.
+    void dropAll();
+
+    std::vector<PtrRef<Database>> m_databases;
+    std::vector<PtrRef<Case>> m_cases;
+    std::unique_ptr<unstruct::ZRFxAccess> m_zrfxAccess;
+    FileSettings m_settings;
+    bool m_openedForReading = false;
+};
+
+}  // namespace nuo::zrfx

@@ -1,0 +1,229 @@
+#include "NuoZRFx/GeometryBlock.h"
+
+#include <algorithm>
+#include <map>
+
+#include "Log_p.h"
+#include "ZROZRFxGeometryBlock.h"
+
+namespace nuo::zrfx {
+namespace {
+
+using unstruct::ZRFxGeometryBlock;
+using unstruct::ZRFxGeometryPart;
+using unstruct::ZRFxGeometryState;
+
+constexpr int kBlockId = 1;
+
+// The state id of the record that is used for all states.
+constexpr int kAllStates = 0;
+
+}  // namespace
+
+class GeometryBlockPrivate {
+public:
+    ZRFxGeometryState* stateOf(int stateId) const {
+        for (std::int64_t i = 0; i < m_geometryBlock->GetStateCount(); ++i) {
+            if (m_geometryBlock->GetState(i)->GetStateID() == stateId) {
+                return m_geometryBlock->GetState(i);
+            }
+        }
+        return nullptr;
+    }
+
+    // Without a state, the first record is meant, whatever its state.
+    ZRFxGeometryState* firstState() const {
+        ZRFxGeometryState* first = m_geometryBlock->GetState(0);
+        return first ? first : m_geometryBlock->AddState(kAllStates);
+    }
+
+    nvf::ref<ZRFxGeometryBlock> m_geometryBlock;
+};
+
+GeometryBlock::GeometryBlock(std::size_t geometryCountPerState)
+    : Block(kBlockId, GEOMETRY), m_private(std::make_unique<GeometryBlockPrivate>()) {
+    if (geometryCountPerState == 0) fail("geometryCountPerState cannot be 0");
+    m_private->m_geometryBlock = new ZRFxGeometryBlock(nullptr, kBlockId);
+    m_private->m_geometryBlock->SetGeometryCountPerState(static_cast<int>(geometryCountPerState));
+}
+
+GeometryBlock::GeometryBlock(ZRFxGeometryBlock* geometryBlock, int blockId)
+    : Block(blockId, GEOMETRY), m_private(std::make_unique<GeometryBlockPrivate>()) {
+    m_private->m_geometryBlock = geometryBlock;
+}
+
+GeometryBlock::~GeometryBlock() = default;
+
+bool GeometryBlock::checkValidity() const {
+    if (stateCount() == 0) {
+        return fail(
+            "No states defined in geometry block, at least one state definition is required.");
+    }
+    const ZRFxGeometryState& first = *m_private->m_geometryBlock->GetState(0);
+    for (std::int64_t i = 1; i < m_private->m_geometryBlock->GetStateCount(); ++i) {
+        if (!hasSameParts(first, *m_private->m_geometryBlock->GetState(i))) return false;
+    }
+    return Block::checkValidity();
+}
+
+unstruct::ZRFxBlock* GeometryBlock::internal_zrfxBlock() const {
+    return m_private->m_geometryBlock.p();
+}
+
+bool GeometryBlock::addElementBlock(std::size_t geometryIndex, int elementBlockId, int partId) {
+    return checkGeometry(geometryIndex) &&
+           addPart(*m_private->firstState(), geometryIndex, elementBlockId, partId);
+}
+
+bool GeometryBlock::addElementBlockForState(std::size_t geometryIndex, int elementBlockId,
+                                            int partId, int stateId) {
+    if (!checkGeometry(geometryIndex)) return false;
+    if (stateId < 0) return fail("stateId cannot be negative.");
+    ZRFxGeometryState* state = m_private->stateOf(stateId);
+    if (elementBlockId < 0) return fail("elementBlockId cannot be negative.");
+    if (!state) state = m_private->m_geometryBlock->AddState(stateId);
+    return addPart(*state, geometryIndex, elementBlockId, partId);
+}
+
+bool GeometryBlock::setElementBlocks(std::size_t geometryIndex,
+                                     const std::vector<int>& elementBlockIds,
+                                     const std::vector<int>& partIds) {
+    const ZRFxGeometryState* first = m_private->m_geometryBlock->GetState(0);
+    return setElementBlocksForState(geometryIndex, elementBlockIds,
+                                    first ? first->GetStateID() : kAllStates, partIds);
+}
+
+bool GeometryBlock::setElementBlocksForState(std::size_t geometryIndex,
+                                             const std::vector<int>& elementBlockIds, int stateId,
+                                             const std::vector<int>& partIds) {
+    if (!checkGeometry(geometryIndex) || !checkParts(elementBlockIds, stateId, partIds)) {
+        return false;
+    }
+    ZRFxGeometryState* state = m_private->stateOf(stateId);
+    if (!state) state = m_private->m_geometryBlock->AddState(stateId);
+    const int geometry = static_cast<int>(geometryIndex);
+    state->RemoveParts(geometry);
+    for (std::size_t i = 0; i < partIds.size(); ++i) {
+        state->AddPart(geometry, {-1, elementBlockIds[i], unstruct::BLOCK_ELEMENTS, partIds[i]});
+    }
+    return true;
+}
+
+std::size_t GeometryBlock::geometryCountPerState() const {
+    return static_cast<std::size_t>(m_private->m_geometryBlock->GetGeometryCountPerState());
+}
+
+std::size_t GeometryBlock::stateCount() const {
+    return static_cast<std::size_t>(m_private->m_geometryBlock->GetStateCount());
+}
+
+int GeometryBlock::stateId(std::size_t stateIndex) const {
+    const ZRFxGeometryState* state = stateAt(stateIndex);
+    return state ? state->GetStateID() : -1;
+}
+
+std::size_t GeometryBlock::partCount(std::size_t geometryIndex, std::size_t stateIndex) const {
+    if (!checkGeometry(geometryIndex)) return 0;
+    const ZRFxGeometryState* state = stateAt(stateIndex);
+    return state ? static_cast<std::size_t>(state->GetPartCount(static_cast<int>(geometryIndex)))
+                 : 0;
+}
+
+std::vector<int> GeometryBlock::elementBlockIds(std::size_t geometryIndex,
+                                                std::size_t stateIndex) const {
+    return idsOfParts(geometryIndex, stateIndex, &ZRFxGeometryPart::blockID);
+}
+
+std::vector<int> GeometryBlock::partIds(std::size_t geometryIndex, std::size_t stateIndex) const {
+    return idsOfParts(geometryIndex, stateIndex, &ZRFxGeometryPart::partID);
+}
+
+bool GeometryBlock::checkGeometry(std::size_t geometryIndex) const {
+    return geometryIndex < geometryCountPerState() ||
+           fail("Invalid geometry index: %1. This geometry block has %2 geometry(ies).",
+                geometryIndex, geometryCountPerState());
+}
+
+bool GeometryBlock::checkParts(const std::vector<int>& elementBlockIds, int stateId,
+                               const std::vector<int>& partIds) const {
+    if (elementBlockIds.empty()) return fail("elementBlockIds cannot be empty.");
+    if (stateId < 0) return fail("stateId cannot be negative.");
+    NVF_ASSERT(elementBlockIds.size() == partIds.size());
+    if (elementBlockIds.size() != partIds.size()) return false;
+    std::map<int, std::size_t> indexOfPart;
+    for (std::size_t i = 0; i < partIds.size(); ++i) {
+        if (partIds[i] < 0) {
+            return fail("Negative part id supplied for part at index %1. (state id %2).", i,
+                        stateId);
+        }
+        if (elementBlockIds[i] < 0) {
+            return fail("Invalid block id (%1) specified for part at index %2. (state id %3).",
+                        elementBlockIds[i], i, stateId);
+        }
+        const auto [other, isNew] = indexOfPart.emplace(partIds[i], i);
+        if (!isNew) {
+            return fail("Non unique part id detected (id %1 at idx %2 and idx %3) (state id %4).",
+                        partIds[i], other->second, i, stateId);
+        }
+    }
+    return true;
+}
+
+bool GeometryBlock::addPart(ZRFxGeometryState& state, std::size_t geometryIndex, int elementBlockId,
+                            int partId) {
+    const int geometry = static_cast<int>(geometryIndex);
+    if (elementBlockId < 0) return fail("elementBlockId cannot be negative.");
+    for (int i = 0; i < state.GetPartCount(geometry); ++i) {
+        const ZRFxGeometryPart part = state.GetPart(geometry, i);
+        if (part.blockID == elementBlockId) {
+            return fail("Found existing part with same block id (%1).", elementBlockId);
+        }
+        if (part.partID == partId) {
+            return fail("Found existing part with same part id (%1).", partId);
+        }
+    }
+    return state.AddPart(geometry, {-1, elementBlockId, unstruct::BLOCK_ELEMENTS, partId});
+}
+
+bool GeometryBlock::hasSameParts(const ZRFxGeometryState& first,
+                                 const ZRFxGeometryState& state) const {
+    for (int geometry = 0; geometry < first.GetGeometryCountPerState(); ++geometry) {
+        if (state.GetPartCount(geometry) != first.GetPartCount(geometry)) {
+            return fail(
+                "Part count error: state id %1 defines %2 parts, whereas previous states defined "
+                "%3 parts.",
+                state.GetStateID(), state.GetPartCount(geometry), first.GetPartCount(geometry));
+        }
+        for (int i = 0; i < first.GetPartCount(geometry); ++i) {
+            const int expected = first.GetPart(geometry, i).partID;
+            const int found = state.GetPart(geometry, i).partID;
+            if (found == expected) continue;
+            return fail(
+                "Part id error: state id %1 defines part id %2 for part at index %3, whereas "
+                "previous states defined part id %4.",
+                state.GetStateID(), found, i, expected);
+        }
+    }
+    return true;
+}
+
+ZRFxGeometryState* GeometryBlock::stateAt(std::size_t stateIndex) const {
+    if (stateIndex < stateCount()) {
+        return m_private->m_geometryBlock->GetState(static_cast<std::int64_t>(stateIndex));
+    }
+    fail("State index %1 not found in this geometry block", stateIndex);
+    return nullptr;
+}
+
+std::vector<int> GeometryBlock::idsOfParts(std::size_t geometryIndex, std::size_t stateIndex,
+                                           int ZRFxGeometryPart::*id) const {
+    std::vector<int> ids;
+    const std::size_t count = partCount(geometryIndex, stateIndex);
+    for (std::size_t i = 0; i < count; ++i) {
+        ids.push_back(
+            stateAt(stateIndex)->GetPart(static_cast<int>(geometryIndex), static_cast<int>(i)).*id);
+    }
+    return ids;
+}
+
+}  // namespace nuo::zrfx

@@ -1,0 +1,75 @@
+#include "NuoZRFx/GeometryInfoBlock.h"
+
+#include "Convert_p.h"
+#include "Log_p.h"
+#include "ZROZRFxGeometryInfoBlock.h"
+
+namespace nuo::zrfx {
+namespace {
+
+using unstruct::ZRFxGeometryInfoBlock;
+using unstruct::ZRFxPartInfos;
+
+constexpr int kBlockId = 1;
+
+}  // namespace
+
+class GeometryInfoBlockPrivate {
+public:
+    nvf::ref<ZRFxGeometryInfoBlock> m_geometryInfoBlock;
+};
+
+GeometryInfoBlock::GeometryInfoBlock(std::size_t geometryCountPerState)
+    : Block(kBlockId, GEOMETRY_INFO), m_private(std::make_unique<GeometryInfoBlockPrivate>()) {
+    m_private->m_geometryInfoBlock = new ZRFxGeometryInfoBlock(nullptr, kBlockId);
+    m_private->m_geometryInfoBlock->SetGeometryCountPerState(
+        static_cast<int>(geometryCountPerState));
+}
+
+GeometryInfoBlock::GeometryInfoBlock(ZRFxGeometryInfoBlock* geometryInfoBlock, int blockId)
+    : Block(blockId, GEOMETRY_INFO), m_private(std::make_unique<GeometryInfoBlockPrivate>()) {
+    m_private->m_geometryInfoBlock = geometryInfoBlock;
+}
+
+GeometryInfoBlock::~GeometryInfoBlock() = default;
+
+unstruct::ZRFxBlock* GeometryInfoBlock::internal_zrfxBlock() const {
+    return m_private->m_geometryInfoBlock.p();
+}
+
+bool GeometryInfoBlock::addPartInfo(std::size_t geometryIndex, int partId, const Str& partName) {
+    ZRFxPartInfos* parts = partsOf(geometryIndex);
+    if (!parts) return false;
+    parts->AddPartInfo({partId, -1, ZRConvert::toZRString(partName), false});
+    return true;
+}
+
+std::size_t GeometryInfoBlock::geometryCountPerState() const {
+    return static_cast<std::size_t>(m_private->m_geometryInfoBlock->GetGeometryCountPerState());
+}
+
+std::size_t GeometryInfoBlock::partCount(std::size_t geometryIndex) const {
+    const ZRFxPartInfos* parts = partsOf(geometryIndex);
+    return parts ? static_cast<std::size_t>(parts->GetPartCount()) : 0;
+}
+
+int GeometryInfoBlock::partId(std::size_t geometryIndex, std::size_t partIndex) const {
+    const ZRFxPartInfos* parts = partsOf(geometryIndex);
+    return parts ? parts->GetPartInfo(static_cast<int>(partIndex)).partID : -1;
+}
+
+Str GeometryInfoBlock::partName(std::size_t geometryIndex, std::size_t partIndex) const {
+    const ZRFxPartInfos* parts = partsOf(geometryIndex);
+    return parts ? ZRConvert::toStr(parts->GetPartInfo(static_cast<int>(partIndex)).partName)
+                 : Str();
+}
+
+ZRFxPartInfos* GeometryInfoBlock::partsOf(std::size_t geometryIndex) const {
+    if (geometryIndex < geometryCountPerState()) {
+        return m_private->m_geometryInfoBlock->GetPartInfos(static_cast<int>(geometryIndex));
+    }
+    fail("Geometry with index %1 not found", geometryIndex);
+    return nullptr;
+}
+
+}  // namespace nuo::zrfx

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "NuoCore/Export.h"
+#include "NuoCore/RefCountedObject.h"
+
+namespace unstruct {
+class ZRFxBlock;
+}
+
+namespace nuo::zrfx {
+
+/// Base of all blocks: a numbered unit of model or result data. Fill one and hand it to
+/// Database::writeBlock, or get one from Database::blockByIndex. Ids are the caller's, unique for
+/// each type within a database. Used by one thread at a time.
+class NUO_API Block : public RefCountedObject {
+public:
+    enum BlockType : int {
+        NODES = 0,
+        ELEMENTS = 1,
+        GEOMETRY = 2,
+        GEOMETRY_INFO = 3,
+        RESULT = 4,
+        RESULT_VALUES = 5,
+        TRANSFORMATION_RESULT = 6,
+        TRANSFORMATION_RESULT_VALUES = 7,
+        STATE_INFO = 8,
+        SET = 9,
+        INVALID_BLOCK = 10
+    };
+
+    /// Whether the block can be written; logs why not.
+    virtual bool checkValidity() const;
+
+    /// The block behind this face, for the component's own use.
+    virtual unstruct::ZRFxBlock* internal_zrfxBlock() const;
+
+    int blockId() const { return m_blockId; }
+    BlockType blockType() const { return m_blockType; }
+
+protected:
+    /// A negative id is reported; such a block cannot be written.
+    explicit Block(int blockId, BlockType blockType = INVALID_BLOCK);
+
+private:
+    int m_blockId;
+    BlockType m_blockType;
+};
+
+}  // namespace nuo::zrfx

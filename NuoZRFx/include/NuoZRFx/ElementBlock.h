@@ -1,0 +1,140 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <vector>
+
+#include "NuoCore/Export.h"
+#include "NuoZRFx/Block.h"
+
+namespace unstruct {
+class ZRFxElementBlock;
+struct ZRFxElementBlockGroup;
+template <typename T>
+class ZRArray;
+}  // namespace unstruct
+
+namespace nuo::zrfx {
+
+/// The elements of one part of a model, in groups: one for each run of one element type. Their
+/// nodes are given by index into one node block, from 0, or by the ids of its nodes. The order of
+/// the nodes of an element is the one that VTK documents for its cell of the same kind.
+class NUO_API ElementBlock : public Block {
+public:
+    enum ElementType : int {
+        POINTS = 0,
+        BEAMS = 1,
+        BEAMS_3 = 2,
+        TRIANGLES = 3,
+        TRIANGLES_6 = 4,
+        QUADS = 5,
+        QUADS_8 = 6,
+        QUADS_9 = 7,
+        PYRAMIDS = 8,
+        PYRAMIDS_13 = 9,
+        TETRAHEDRONS = 10,
+        TETRAHEDRONS_10 = 11,
+        HEXAHEDRONS = 12,
+        HEXAHEDRONS_20 = 13,
+        PENTAHEDRONS = 14,
+        PENTAHEDRONS_15 = 15,
+        POLYHEDRONS = 16,
+        UNKNOWN = 17
+    };
+
+    /// Nodes of one element; the largest value for POLYHEDRONS, where it varies.
+    static std::size_t nodesPerElement(ElementType elementType);
+    static std::size_t surfacesPerElement(ElementType elementType);
+    static bool isVolumeElement(ElementType elementType);
+
+    /// The local nodes of a surface: corners with the normal of the right-hand rule pointing out of
+    /// the element, then mid-side nodes in the same sense. Empty, with a message, when there is
+    /// none.
+    static std::vector<unsigned int> elementSurface(ElementType elementType,
+                                                    std::size_t surfaceIndex);
+
+    ElementBlock(int blockId, bool withElementIds, bool referNodesByIds);
+    ~ElementBlock() override;
+
+    bool checkValidity() const override;
+    unstruct::ZRFxBlock* internal_zrfxBlock() const override;
+
+    bool hasElementIds() const;
+    bool referNodesByIds() const;
+
+    /// The node block that the elements refer to; -1 until it is set.
+    int nodeBlockId() const;
+    void setNodeBlockId(int nodeBlockId);
+
+    /// Appends one element. An id of 0 or more goes with a block built with ids, a negative one
+    /// with a block built without. The number of nodes must be that of the type.
+    bool addElement(ElementType elementType, const std::vector<int>& elementNodes,
+                    int elementId = -1);
+    bool addElement(ElementType elementType, const int* elementNodes, std::size_t nodeCount,
+                    int elementId = -1);
+
+    /// Appends a polyhedron, given by its faces as lists of nodes, at least four, each outward.
+    bool addPolyhedron(const std::vector<std::vector<int>>& faces, int elementId = -1);
+
+    /// Appends copies of many elements: all their nodes, element after element, and one id an
+    /// element exactly when the block was built with ids.
+    bool addElements(ElementType elementType, const std::vector<int>& elementNodes,
+                     const std::vector<int>& elementIds);
+    bool addElements(ElementType elementType, const int* elementNodes, std::size_t elementCount,
+                     const int* elementIds);
+
+    /// The same after dropping the elements that the block has.
+    bool setElements(ElementType elementType, const std::vector<int>& elementNodes,
+                     const std::vector<int>& elementIds);
+
+    /// Appends a group without a copy: the block refers to the nodes and, unless null, the ids,
+    /// which must stay unchanged until it is written and done with.
+    bool addElementData(ElementType elementType, const int* elementNodes, std::size_t elementCount,
+                        const int* elementIds);
+
+    /// Elements, and node references, of all groups.
+    std::size_t elementCount() const;
+    std::size_t elementNodeCount() const;
+
+    std::size_t elementGroupCount() const;
+
+    /// UNKNOWN, or 0, with a message, when there is no such group.
+    ElementType elementGroupType(std::size_t groupIndex) const;
+    std::size_t elementGroupElementCount(std::size_t groupIndex) const;
+    std::size_t elementGroupElementNodeCount(std::size_t groupIndex) const;
+
+    /// Copies of the nodes of a group, element after element, and of its ids, empty when the block
+    /// has none. `elementIds` may be null.
+    bool elementGroup(std::size_t groupIndex, std::vector<int>* elementNodes,
+                      std::vector<int>* elementIds) const;
+
+    /// elementGroupElementNodeCount() nodes, valid while the block lives and is not changed.
+    const int* elementNodeData(std::size_t groupIndex) const;
+
+    /// elementGroupElementCount() ids, valid alike; null when the block has none.
+    const int* elementIdData(std::size_t groupIndex) const;
+
+    /// The indices that were stored for the elements of a group; empty when there are none.
+    bool elementIndices(std::size_t groupIndex, std::vector<int>* indices) const;
+
+    /// Of a group of polyhedrons: nodes of each element; faces of each element; nodes of each face;
+    /// the nodes of the faces, as local indices into the nodes of their element.
+    bool polyhedronsElementNodeCounts(std::size_t groupIndex, std::vector<int>* counts) const;
+    bool polyhedronsFaceCounts(std::size_t groupIndex, std::vector<int>* counts) const;
+    bool polyhedronsFaceNodeCounts(std::size_t groupIndex, std::vector<int>* counts) const;
+    bool polyhedronsLocalNodes(std::size_t groupIndex, std::vector<int>* localNodes) const;
+
+private:
+    friend class DatabasePrivate;
+    explicit ElementBlock(unstruct::ZRFxElementBlock* elementBlock);
+    bool checkIds(bool isGiven) const;
+    bool checkElements(ElementType elementType, const int* elementNodes, bool hasIds) const;
+    unstruct::ZRFxElementBlockGroup* lastGroupOf(int zrElementType) const;
+    const unstruct::ZRFxElementBlockGroup* groupAt(std::size_t groupIndex) const;
+    bool copyGroupArray(std::size_t groupIndex, std::vector<int>* items,
+                        unstruct::ZRArray<int> unstruct::ZRFxElementBlockGroup::*array) const;
+
+    std::unique_ptr<class ElementBlockPrivate> m_private;
+};
+
+}  // namespace nuo::zrfx

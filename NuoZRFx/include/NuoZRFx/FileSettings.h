@@ -1,0 +1,18 @@
+#pragma once
+
+#include "NuoCore/Str.h"
+
+namespace nuo::zrfx {
+
+/// How File::create makes a file: a plain value.
+class FileSettings {
+public:
+    bool binary = true;            ///< Data files are packed binary values; else lines of text.
+    bool digitallySigned = false;  ///< Kept with the file's settings; no signature is made.
+    int compressionLevel = 5;      ///< 0 (stored) to 9 (smallest); what lies outside is clamped.
+    Str vendorName;                ///< Who makes the exporting application.
+    Str applicationName;           ///< The exporting application.
+    Str password;                  ///< When not empty, the file is encrypted with AES-256.
+};
+
+}  // namespace nuo::zrfx

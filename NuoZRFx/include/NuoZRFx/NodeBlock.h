@@ -1,0 +1,64 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <vector>
+
+#include "NuoCore/Export.h"
+#include "NuoCore/Vec3f.h"
+#include "NuoZRFx/Block.h"
+
+namespace unstruct {
+class ZRFxNodeBlock;
+}
+
+namespace nuo::zrfx {
+
+/// The nodes of a model: coordinates and, when the block is built with them, one user id a node.
+class NUO_API NodeBlock : public Block {
+public:
+    NodeBlock(int blockId, bool withNodeIds);
+    ~NodeBlock() override;
+
+    unstruct::ZRFxBlock* internal_zrfxBlock() const override;
+
+    /// Makes room for a number of nodes in all.
+    bool allocateNodes(std::size_t count);
+
+    /// Appends a node. An id of 0 or more goes with a block built with ids, a negative one with a
+    /// block built without; anything else is an assertion and adds nothing.
+    bool addNode(const Vec3f& node, int nodeId = -1);
+    bool addNode(float x, float y, float z, int nodeId = -1);
+
+    /// Replaces all nodes by copies. Coordinates are interleaved x y z, three a node; ids are as
+    /// many as nodes, exactly when the block was built with ids.
+    bool setNodes(const std::vector<Vec3f>& nodes, const std::vector<int>& nodeIds);
+    bool setNodes(const std::vector<float>& coordinates, const std::vector<int>& nodeIds);
+
+    /// The same without a copy: the block refers to 3 * nodeCount floats and, unless null,
+    /// nodeCount ids, which must stay unchanged until it is written and done with.
+    bool setNodeData(const float* coordinates, std::size_t nodeCount, const int* nodeIds);
+
+    std::size_t nodeCount() const;
+    bool hasNodeIds() const;
+    std::vector<Vec3f> nodes() const;
+    std::vector<int> nodeIds() const;
+
+    /// 3 * nodeCount() floats, x y z interleaved; valid while the block lives and is not changed.
+    const float* nodeData() const;
+
+    /// nodeCount() ids, valid alike; null when the block has none.
+    const int* nodeIdData() const;
+
+    /// The index of the node of an id; -1 when there is none.
+    int nodeIndex(int nodeId) const;
+
+private:
+    friend class DatabasePrivate;
+    explicit NodeBlock(unstruct::ZRFxNodeBlock* nodeBlock);
+    bool checkIds(const Vec3f* nodes, std::size_t nodeCount, const std::vector<int>& nodeIds) const;
+
+    std::unique_ptr<class NodeBlockPrivate> m_private;
+};
+
+}  // namespace nuo::zrfx

@@ -1,0 +1,61 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+
+#include "NuoCore/Export.h"
+#include "NuoCore/Str.h"
+#include "NuoZRFx/Block.h"
+#include "NuoZRFx/SetItemGroup.h"
+
+namespace unstruct {
+class ZRFxSetBlock;
+}
+
+namespace nuo::zrfx {
+
+/// A named set of elements, such as those of a load or a material. Sets are read with
+/// Database::setBlockByIndex and setBlockById.
+class NUO_API SetBlock : public Block {
+public:
+    /// What the items of a set are. Only sets of elements can be written.
+    enum ItemType : int { ELEMENT_ITEMS = 0, UNDEFINED_ITEMS = 1 };
+
+    /// `itemsSpecifiedAsIds` says whether items are ids of elements, or indices of them from 0.
+    SetBlock(int blockId, bool itemsSpecifiedAsIds);
+    ~SetBlock() override;
+
+    unstruct::ZRFxBlock* internal_zrfxBlock() const override;
+
+    int setId() const;
+    void setSetId(int setId);
+    Str setName() const;
+    void setSetName(const Str& name);
+    ItemType itemType() const;
+    void setItemType(ItemType itemType);
+    bool itemsSpecifiedAsIds() const;
+
+    /// Appends items that lie in an element block, to the group of that block.
+    void addItem(int item, int elementBlockId);
+    void addItems(const int* items, std::size_t count, int elementBlockId);
+
+    /// Takes the group over.
+    void addItemGroup(SetItemGroup* group);
+
+    std::size_t itemGroupCount() const;
+
+    /// A group, which the set owns; null with a message when there is none.
+    SetItemGroup* itemGroup(std::size_t index);
+    const SetItemGroup* itemGroup(std::size_t index) const;
+
+    /// The items of all groups.
+    std::size_t totalItemCount() const;
+
+private:
+    friend class DatabasePrivate;
+    explicit SetBlock(unstruct::ZRFxSetBlock* setBlock);
+
+    std::unique_ptr<class SetBlockPrivate> m_private;
+};
+
+}  // namespace nuo::zrfx

@@ -1,0 +1,66 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <vector>
+
+#include "NuoCore/Export.h"
+#include "NuoCore/Str.h"
+#include "NuoZRFx/Block.h"
+
+namespace unstruct {
+class ZRFxStateInfoBlock;
+struct ZRFxStateInfo;
+}  // namespace unstruct
+
+namespace nuo::zrfx {
+
+/// The states of a model, such as time steps or load cases, each with an id, a name and a reference
+/// value, and groups of them. State and group ids share one range. The block id is 1.
+class NUO_API StateInfoBlock : public Block {
+public:
+    /// What the reference value of a state is; its unit is the model's own.
+    enum ReferenceValueType : int { TIME = 0, FREQUENCY = 1, LOAD_CASE = 2, OTHER = 3 };
+
+    StateInfoBlock();
+    ~StateInfoBlock() override;
+
+    bool checkValidity() const override;
+    unstruct::ZRFxBlock* internal_zrfxBlock() const override;
+
+    /// Appends a state. Without a name it is called "State" and its id.
+    bool addStateInfo(int stateId, const Str& stateName, float referenceValue,
+                      ReferenceValueType referenceValueType);
+
+    /// Makes a group of states that were added before. Without a name it is called "Group" and its
+    /// id. A group without states is not stored.
+    bool addGroupInfo(int groupId, const Str& groupName, const std::vector<int>& stateIds);
+
+    std::size_t stateCount() const;
+
+    /// -1, an empty name, 0 or OTHER, with a message, when there is no such state.
+    int stateId(std::size_t index) const;
+    Str stateName(std::size_t index) const;
+    float stateReferenceValue(std::size_t index) const;
+    ReferenceValueType stateReferenceValueType(std::size_t index) const;
+
+    /// The index of the state of an id; -1 when there is none.
+    int stateIndex(int stateId) const;
+
+    std::size_t groupCount() const;
+
+    /// -1 or an empty name, with a message, when there is no such group.
+    int groupId(std::size_t index) const;
+    Str groupName(std::size_t index) const;
+    std::vector<int> groupStateIds(std::size_t index) const;
+
+private:
+    friend class DatabasePrivate;
+    StateInfoBlock(unstruct::ZRFxStateInfoBlock* stateInfoBlock, int blockId);
+    const unstruct::ZRFxStateInfo* stateAt(std::size_t index) const;
+    bool isIdUsed(int id) const;
+
+    std::unique_ptr<class StateInfoBlockPrivate> m_private;
+};
+
+}  // namespace nuo::zrfx

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <vector>
+
+#include "NuoCore/Export.h"
+#include "NuoCore/Str.h"
+#include "NuoZRFx/Block.h"
+
+namespace unstruct {
+class ZRFxTransformationResultsBlock;
+}
+
+namespace nuo::zrfx {
+
+/// A rigid-body result: which transformation result values blocks move which parts in each state.
+class NUO_API TransformationResultBlock : public Block {
+public:
+    /// The name is "Transformation result" and the id until another is set.
+    explicit TransformationResultBlock(int blockId);
+    ~TransformationResultBlock() override;
+
+    bool checkValidity() const override;
+    unstruct::ZRFxBlock* internal_zrfxBlock() const override;
+
+    Str name() const;
+    void setName(const Str& name);
+    int resultId() const;
+    void setResultId(int resultId);
+
+    /// Appends a values block to those of a state, which is added when it is new.
+    bool addTransformationResultValuesBlock(int blockId, int stateId);
+
+    /// Replaces the values blocks of a state; the list must not be empty.
+    bool setTransformationResultValuesBlocks(const std::vector<int>& blockIds, int stateId);
+
+    std::size_t stateCount() const;
+
+    /// -1 when there is no such state.
+    int stateId(std::size_t index) const;
+    int stateIndex(int stateId) const;
+    std::size_t transformationResultValuesBlockCount(std::size_t stateIndex) const;
+    std::vector<int> transformationResultValuesBlocks(std::size_t stateIndex) const;
+
+private:
+    friend class DatabasePrivate;
+    explicit TransformationResultBlock(unstruct::ZRFxTransformationResultsBlock* block);
+
+    std::unique_ptr<class TransformationResultBlockPrivate> m_private;
+};
+
+}  // namespace nuo::zrfx

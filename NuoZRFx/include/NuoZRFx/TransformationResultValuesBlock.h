@@ -1,0 +1,40 @@
+#pragma once
+
+#include <memory>
+
+#include "NuoCore/Export.h"
+#include "NuoCore/Mat4d.h"
+#include "NuoZRFx/Block.h"
+
+namespace unstruct {
+class ZRFxTransformationResultValuesBlock;
+}
+
+namespace nuo::zrfx {
+
+/// The matrix that moves one element block in one state. Files keep six decimals of it.
+class NUO_API TransformationResultValuesBlock : public Block {
+public:
+    explicit TransformationResultValuesBlock(int blockId);
+    ~TransformationResultValuesBlock() override;
+
+    bool checkValidity() const override;
+    unstruct::ZRFxBlock* internal_zrfxBlock() const override;
+
+    Mat4d matrix() const;
+    void setMatrix(const Mat4d& matrix);
+
+    /// The block that is moved. Other types than ELEMENTS are an assertion.
+    bool setMapToBlockId(int blockId, BlockType blockType);
+
+    /// -1 until it is set. `blockType` may be null.
+    int mapToBlockId(BlockType* blockType) const;
+
+private:
+    friend class DatabasePrivate;
+    explicit TransformationResultValuesBlock(unstruct::ZRFxTransformationResultValuesBlock* block);
+
+    std::unique_ptr<class TransformationResultValuesBlockPrivate> m_private;
+};
+
+}  // namespace nuo::zrfx

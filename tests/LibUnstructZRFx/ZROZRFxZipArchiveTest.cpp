@@ -1,0 +1,266 @@
+#include "ZROZRFxZipArchive.h"
+
+#include <sys/resource.h>
+
+#include "support/FaultySystem.h"
+#include "support/ZipArchives.h"
+
+namespace unstruct {
+namespace {
+
+using namespace ziptest;
+
+class ZRFxZipArchiveTest : public testing::Test {
+protected:
+    TempFolder m_folder;
+    const std::string m_sPath = m_folder.File("model.zrfx");
+    ZRFxZipArchive m_archive;
+};
+
+TEST_F(ZRFxZipArchiveTest, WhatIsWrittenIsReadAtEveryLevelWithAndWithoutPassword) {
+    for (const char* sPassword : {"", "geheim"}) {
+        for (int nLevel : {-1, 0, 1, 5, 9}) {
+            WriteModel(m_sPath, SmallModel(), sPassword, nLevel);
+            EXPECT_EQ(ReadModel(m_sPath, sPassword), SmallModel()) << nLevel << sPassword;
+            EXPECT_EQ(m_folder.FileCount(), 1u);
+        }
+    }
+}
+
+TEST_F(ZRFxZipArchiveTest, MemoryFilesWorkLikeFiles) {
+    ZRFxZipMemFile file;
+    ASSERT_TRUE(m_archive.Open(&file, ZRFxOpenMode::kCreate)) << m_archive.LastError();
+    for (const auto& [sName, sData] : SmallModel()) ASSERT_TRUE(AddText(&m_archive, sName, sData));
+    ASSERT_TRUE(m_archive.Close());
+    ASSERT_TRUE(m_archive.Open(&file, ZRFxOpenMode::kUpdate));
+    ASSERT_TRUE(ReplaceText(&m_archive, "ZRF.xml", "<ZRF>more</ZRF>"));
+    ASSERT_TRUE(m_archive.Commit());
+    ASSERT_TRUE(m_archive.Remove("Database001\\Result.dat"));
+    ASSERT_TRUE(m_archive.Close());
+    Model expected = SmallModel();
+    expected["ZRF.xml"] = "<ZRF>more</ZRF>";
+    expected.erase("Database001\\Result.dat");
+    ASSERT_TRUE(m_archive.Open(&file, ZRFxOpenMode::kReadOnly));
+    EXPECT_EQ(ContentOf(&m_archive), expected);
+    ASSERT_TRUE(m_archive.Close());
+    WriteWhole(m_sPath, {reinterpret_cast<const char*>(file.Data()), file.Length()});
+    EXPECT_EQ(ReadModel(m_sPath), expected);
+}
+
+TEST_F(ZRFxZipArchiveTest, PendingEntriesAreReadReplacedAndRemovedAtOnce) {
+    ASSERT_TRUE(m_archive.Open(m_sPath, ZRFxOpenMode::kCreate));
+    for (const char* sPassword : {"", "geheim"}) {
+        ASSERT_TRUE(m_archive.SetPassword(sPassword));
+        const std::string sField = SmoothField(1000);
+        ASSERT_TRUE(ReplaceText(&m_archive, "a.dat", "old"));
+        ASSERT_TRUE(ReplaceText(&m_archive, "a.dat", sField));
+        ASSERT_TRUE(AddText(&m_archive, "b.dat", RandomBytes(100)));
+        ASSERT_TRUE(m_archive.Remove("b.dat"));
+        EXPECT_FALSE(m_archive.Contains("b.dat"));
+        EXPECT_EQ(ContentOf(&m_archive), (Model{{"a.dat", sField}}));
+    }
+}
+
+TEST_F(ZRFxZipArchiveTest, BadUseIsAnsweredWithItsCause) {
+    const std::string sAt = "'" + m_sPath + "'";
+    ZRFxZipRawData raw;
+    EXPECT_FALSE(m_archive.Commit());
+    EXPECT_FALSE(m_archive.Read("a", &raw));
+    EXPECT_FALSE(m_archive.Open(m_sPath, ZRFxOpenMode::kUpdate));
+    EXPECT_EQ(m_archive.LastError(), sAt + ": cannot open: No such file or directory.");
+    ASSERT_TRUE(m_archive.Open(m_sPath, ZRFxOpenMode::kCreate));
+    EXPECT_FALSE(m_archive.Open(m_sPath, ZRFxOpenMode::kReadOnly));
+    EXPECT_FALSE(AddText(&m_archive, "", "x"));
+    EXPECT_EQ(m_archive.LastError(), sAt + ": the entry has no name.");
+    ASSERT_TRUE(AddText(&m_archive, "a", "x"));
+    EXPECT_FALSE(AddText(&m_archive, "a", "y"));
+    EXPECT_EQ(m_archive.LastError(), sAt + ", entry 'a': the entry exists.");
+    EXPECT_FALSE(m_archive.Read("b", &raw));
+    EXPECT_EQ(m_archive.LastError(), sAt + ", entry 'b': no such entry.");
+    EXPECT_FALSE(m_archive.Add("huge", "x", uint64_t{0xFFFFFFFF}));
+    EXPECT_EQ(m_archive.LastError(), sAt + ", entry 'huge': the entry is larger than 4 GiB.");
+    EXPECT_FALSE(m_archive.WriteEntry("x", 1));
+    EXPECT_FALSE(m_archive.CloseEntry());
+    ASSERT_TRUE(m_archive.Close());
+    ASSERT_TRUE(m_archive.Open(m_sPath, ZRFxOpenMode::kReadOnly));
+    EXPECT_FALSE(m_archive.Remove("a"));
+    EXPECT_EQ(m_archive.LastError(), sAt + ", entry 'a': the archive is open for reading only.");
+    EXPECT_EQ(ReadModel(m_sPath), (Model{{"a", "x"}}));
+}
+
+TEST_F(ZRFxZipArchiveTest, StreamedEntryIsTheSumOfItsPieces) {
+    std::string sAll;
+    ASSERT_TRUE(m_archive.Open(m_sPath, ZRFxOpenMode::kCreate));
+    ASSERT_TRUE(m_archive.OpenEntry("ids.txt"));
+    EXPECT_FALSE(m_archive.OpenEntry("other.txt"));
+    for (int i = 0; i < 20000; ++i) {
+        const std::string sLine = std::to_string(i) + " \n";
+        sAll += sLine;
+        ASSERT_TRUE(m_archive.WriteEntry(sLine.data(), sLine.size()));
+    }
+    ASSERT_TRUE(m_archive.CloseEntry());
+    ASSERT_TRUE(m_archive.OpenEntry("none.txt"));
+    ASSERT_TRUE(m_archive.Close()) << m_archive.LastError();
+    EXPECT_EQ(ReadModel(m_sPath), (Model{{"ids.txt", sAll}, {"none.txt", ""}}));
+}
+
+TEST_F(ZRFxZipArchiveTest, ArchiveDestroyedWithoutCloseIsFinished) {
+    {
+        ZRFxZipArchive archive;
+        ASSERT_TRUE(archive.Open(m_sPath, ZRFxOpenMode::kCreate));
+        ASSERT_TRUE(AddText(&archive, "a", "data"));
+    }
+    EXPECT_EQ(ReadModel(m_sPath), (Model{{"a", "data"}}));
+}
+
+TEST_F(ZRFxZipArchiveTest, CreatingKeepsTheOldContentUntilTheFirstCommit) {
+    WriteModel(m_sPath, SmallModel());
+    ASSERT_TRUE(m_archive.Open(m_sPath, ZRFxOpenMode::kCreate));
+    EXPECT_EQ(m_archive.EntryCount(), 0u);
+    ASSERT_TRUE(AddText(&m_archive, "a", "data"));
+    EXPECT_EQ(ReadModel(m_sPath), SmallModel());
+    m_archive.Abandon();
+    EXPECT_EQ(ReadModel(m_sPath), SmallModel());
+    ASSERT_TRUE(m_archive.Open(m_sPath, ZRFxOpenMode::kCreate));
+    ASSERT_TRUE(m_archive.Close());
+    EXPECT_EQ(ReadModel(m_sPath), Model{});
+    EXPECT_EQ(ReadWhole(m_sPath).size(), 22u);
+}
+
+TEST_F(ZRFxZipArchiveTest, EntriesPastTheThresholdAreCommittedByThemselves) {
+    ASSERT_TRUE(m_archive.Open(m_sPath, ZRFxOpenMode::kCreate));
+    m_archive.SetCommitThreshold(100000);
+    size_t nSeen = 0;
+    for (unsigned i = 0; i < 10; ++i) {
+        ASSERT_TRUE(AddText(&m_archive, std::to_string(i), RandomBytes(40000, i)));
+        nSeen = ReadModel(m_sPath).size();
+        EXPECT_EQ(nSeen, (i + 1) / 3 * 3);
+    }
+}
+
+TEST_F(ZRFxZipArchiveTest, DocumentsReplacedAgainAndAgainCostOnlyTheEndOfTheFile) {
+    Model expected;
+    FaultySystem system;
+    ASSERT_TRUE(m_archive.Open(m_sPath, ZRFxOpenMode::kCreate));
+    uint64_t nData = 0;
+    for (unsigned i = 0; i < 40; ++i) {
+        const std::string sState = "Database001\\State" + std::to_string(i);
+        expected[sState + ".dat"] = RandomBytes(40000, i + 1);
+        expected[sState + ".xml"] = "<State/>";
+        expected["Database001\\Database-TOC.xml"] += "<Entry/>";
+        expected["ZRF.xml"] = "<ZRF>" + std::to_string(i) + "</ZRF>";
+        for (const std::string& sName :
+             {std::string("ZRF.xml"), std::string("Database001\\Database-TOC.xml"), sState + ".xml",
+              sState + ".dat"}) {
+            ASSERT_TRUE(ReplaceText(&m_archive, sName, expected[sName]));
+        }
+        ASSERT_TRUE(m_archive.Commit()) << m_archive.LastError();
+        nData += 40000;
+        EXPECT_EQ(ReadModel(m_sPath), expected);
+    }
+    ASSERT_TRUE(m_archive.Close());
+    // Directory and documents, twice: to the journal and to the archive.
+    EXPECT_LT(system.WrittenCount(), nData + 40 * 2 * 12000);
+    EXPECT_LT(std::filesystem::file_size(m_sPath), nData + 20000);
+    EXPECT_EQ(Shell("unzip -t " + m_sPath), 0);
+}
+
+TEST_F(ZRFxZipArchiveTest, EntryReplacedFarAheadRewritesTheArchive) {
+    const std::string sBulk = RandomBytes(30 << 20);
+    ASSERT_TRUE(m_archive.Open(m_sPath, ZRFxOpenMode::kCreate));
+    for (const char* sName : {"first", "a", "b", "c"}) {
+        ASSERT_TRUE(AddText(&m_archive, sName, sBulk, 0)) << m_archive.LastError();
+    }
+    ASSERT_TRUE(m_archive.Close());
+    ASSERT_TRUE(m_archive.Open(m_sPath, ZRFxOpenMode::kUpdate));
+    ASSERT_TRUE(m_archive.Remove("first"));
+    ASSERT_TRUE(AddText(&m_archive, "ZRF.xml", "<ZRF/>"));
+    ASSERT_TRUE(m_archive.Close()) << m_archive.LastError();
+    EXPECT_LT(std::filesystem::file_size(m_sPath), 91u << 20);
+    EXPECT_EQ(m_folder.FileCount(), 1u);
+    EXPECT_EQ(ReadModel(m_sPath),
+              (Model{{"a", sBulk}, {"b", sBulk}, {"c", sBulk}, {"ZRF.xml", "<ZRF/>"}}));
+}
+
+TEST_F(ZRFxZipArchiveTest, SeventyThousandEntries) {
+    ASSERT_TRUE(m_archive.Open(m_sPath, ZRFxOpenMode::kCreate));
+    for (int i = 0; i < 70000; ++i) {
+        ASSERT_TRUE(AddText(&m_archive, "Blocks\\" + std::to_string(i), std::to_string(i)));
+    }
+    ASSERT_TRUE(m_archive.Close()) << m_archive.LastError();
+    ASSERT_TRUE(m_archive.Open(m_sPath, ZRFxOpenMode::kUpdate)) << m_archive.LastError();
+    EXPECT_EQ(m_archive.EntryCount(), 70000u);
+    std::string sData;
+    for (int i : {0, 1, 65535, 65536, 69999}) {
+        ASSERT_TRUE(ReadText(&m_archive, "Blocks\\" + std::to_string(i), &sData));
+        EXPECT_EQ(sData, std::to_string(i));
+    }
+    for (int i = 69999; i > 60000; --i) {
+        ASSERT_TRUE(m_archive.Remove("Blocks\\" + std::to_string(i)));
+    }
+    ASSERT_TRUE(m_archive.Close());
+    EXPECT_EQ(Shell("python3 -c \"import zipfile,sys; z=zipfile.ZipFile('" + m_sPath +
+                    "'); sys.exit(len(z.namelist())!=60001 or z.testzip() is not None)\""),
+              0);
+}
+
+// The prefix is a hole, so that the test writes next to nothing.
+TEST_F(ZRFxZipArchiveTest, ArchiveAboveFourGigabytesIsExtendedAndReadByOthers) {
+    WriteModel(m_sPath, {{"first.dat", "before the hole"}});
+    const std::string sSmall = ReadWhole(m_sPath);
+    const size_t nEnd = sSmall.size() - 22;
+    const size_t nRecords = sSmall.find("PK\1\2");
+    const uint64_t nHole = uint64_t{5} << 30;
+    std::filesystem::resize_file(m_sPath, nHole);
+    {
+        std::ofstream file(m_sPath, std::ios::binary | std::ios::app);
+        file << sSmall.substr(nRecords, nEnd - nRecords)
+             << ZRFxZipDirectory::End(1, nHole, nEnd - nRecords, "");
+    }
+    ASSERT_TRUE(m_archive.Open(m_sPath, ZRFxOpenMode::kUpdate)) << m_archive.LastError();
+    ASSERT_TRUE(AddText(&m_archive, "behind.dat", SmoothField(1000)));
+    ASSERT_TRUE(AddText(&m_archive, "ZRF.xml", "<ZRF/>"));
+    ASSERT_TRUE(m_archive.Commit()) << m_archive.LastError();
+    ASSERT_TRUE(m_archive.Remove("behind.dat"));
+    ASSERT_TRUE(AddText(&m_archive, "more.dat", SmoothField(500)));
+    ASSERT_TRUE(m_archive.Close()) << m_archive.LastError();
+    EXPECT_EQ(ReadModel(m_sPath), (Model{{"first.dat", "before the hole"},
+                                         {"more.dat", SmoothField(500)},
+                                         {"ZRF.xml", "<ZRF/>"}}));
+    EXPECT_EQ(Shell("unzip -t " + m_sPath), 0);
+    EXPECT_EQ(Shell("7z t " + m_sPath), 0);
+    EXPECT_EQ(Shell("python3 -m zipfile -t " + m_sPath), 0);
+}
+
+TEST_F(ZRFxZipArchiveTest, ReadingChangesNothing) {
+    WriteModel(m_sPath, SmallModel());
+    FaultySystem system;
+    EXPECT_EQ(ReadModel(m_sPath), SmallModel());
+    EXPECT_TRUE(ZRFxZipArchive::Probe(m_sPath, "ZRF.xml"));
+    EXPECT_FALSE(ZRFxZipArchive::Probe(m_sPath, "zrf.xml"));
+    EXPECT_FALSE(ZRFxZipArchive::Probe(m_folder.File("none"), "ZRF.xml"));
+    EXPECT_EQ(system.ChangeCount(), 0);
+}
+
+TEST_F(ZRFxZipArchiveTest, NothingOfAnEncryptedModelIsWrittenInTheClear) {
+    FaultySystem system;
+    system.KeepWrittenBytes();
+    const std::string sMarker = "recognizable-node-label ";
+    std::string sText;
+    for (int i = 0; i < 2000; ++i) sText += sMarker;
+    ASSERT_TRUE(m_archive.Open(m_sPath, ZRFxOpenMode::kCreate));
+    ASSERT_TRUE(m_archive.SetPassword("geheim"));
+    for (int i = 0; i < 5; ++i) {
+        ASSERT_TRUE(ReplaceText(&m_archive, "labels.dat", sText, 0));
+        ASSERT_TRUE(ReplaceText(&m_archive, "ZRF.xml", sMarker));
+        ASSERT_TRUE(AddText(&m_archive, "state" + std::to_string(i), sText, i));
+        ASSERT_TRUE(m_archive.Commit());
+    }
+    ASSERT_TRUE(m_archive.Close());
+    EXPECT_GT(system.WrittenBytes().size(), 6 * sText.size());
+    EXPECT_EQ(system.WrittenBytes().find(sMarker), std::string::npos);
+    EXPECT_EQ(system.WrittenBytes().find("geheim"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace unstruct

@@ -1,0 +1,84 @@
+#pragma once
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cmath>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <random>
+#include <string>
+#include <vector>
+
+// Files, damage and data for tests of the container.
+namespace ziptest {
+
+// A folder of its own for a test, removed with all it holds.
+class TempFolder {
+public:
+    TempFolder() {
+        std::string sTemplate = (std::filesystem::temp_directory_path() / "zrfxXXXXXX").string();
+        m_sPath = mkdtemp(sTemplate.data());
+    }
+    ~TempFolder() { std::filesystem::remove_all(m_sPath); }
+    TempFolder(const TempFolder&) = delete;
+    TempFolder& operator=(const TempFolder&) = delete;
+
+    std::string File(const std::string& sName) const { return m_sPath + "/" + sName; }
+    size_t FileCount() const {
+        return static_cast<size_t>(std::distance(std::filesystem::directory_iterator(m_sPath), {}));
+    }
+
+private:
+    std::string m_sPath;
+};
+
+inline std::string ReadWhole(const std::string& sPath) {
+    std::ifstream file(sPath, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+inline void WriteWhole(const std::string& sPath, const std::string& sBytes) {
+    std::ofstream file(sPath, std::ios::binary | std::ios::trunc);
+    file.write(sBytes.data(), static_cast<std::streamsize>(sBytes.size()));
+}
+
+inline std::string Truncated(const std::string& sBytes, size_t nLength) {
+    return sBytes.substr(0, nLength);
+}
+
+inline std::string WithFlippedByte(std::string sBytes, size_t nAt) {
+    sBytes[nAt] = static_cast<char>(sBytes[nAt] ^ 0x5A);
+    return sBytes;
+}
+
+// The exit code of a shell command whose output goes nowhere.
+inline int Shell(const std::string& sCommand) {
+    const int nStatus = std::system(("(" + sCommand + ") >/dev/null 2>&1").c_str());
+    return WIFEXITED(nStatus) ? WEXITSTATUS(nStatus) : -1;
+}
+
+// A displacement-like field: smooth, with noise in the last digits. The bytes of nCount floats.
+inline std::string SmoothField(size_t nCount, unsigned nSeed = 1) {
+    std::minstd_rand random(nSeed);
+    std::uniform_real_distribution<float> noise(-1e-4f, 1e-4f);
+    std::vector<float> values(nCount);
+    for (size_t i = 0; i < nCount; ++i) {
+        values[i] = std::sin(static_cast<float>(i) * 1e-3f + static_cast<float>(nSeed)) *
+                    (1.0f + noise(random));
+    }
+    return {reinterpret_cast<const char*>(values.data()), nCount * sizeof(float)};
+}
+
+inline std::string RandomBytes(size_t nCount, unsigned nSeed = 1) {
+    std::minstd_rand random(nSeed);
+    std::string s(nCount, '\0');
+    for (char& c : s) c = static_cast<char>(random() >> 8);
+    return s;
+}
+
+}  // namespace ziptest
