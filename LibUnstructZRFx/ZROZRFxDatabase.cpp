@@ -129,6 +129,7 @@ void ZRFxDatabase::RemoveBlock(const ZRFxBlock& block) {
     if (line != m_tocLines.end()) {
         m_pTOC->getRootElement().removeChildElement(line->second);
         m_tocLines.erase(line);
+        m_bTOCModified = true;
     }
     if (!GetBlockByID(block.GetType(), block.GetID())) return;
     BlockArray& blocks = m_apBlocks[static_cast<std::size_t>(block.GetType())];
@@ -220,6 +221,7 @@ void ZRFxDatabase::EnterInTOC(const ZRString& typeName, int id, const ZRString& 
     if (m_pTOC.isNull()) StartTOC();
     nvf::XmlElement& line = m_tocLines[{ZRFxBlockTypeFromName(typeName), id}];
     if (line.isNull()) line = m_pTOC->getRootElement().addChildElement(typeName.CStr());
+    if (GetAttribute(line, "File") == fileName) return;
     line.setAttributeInt("ID", id);
     SetAttribute(line, "File", fileName);
     m_bTOCModified = true;
