@@ -90,10 +90,10 @@ TEST_F(ZRFxAccessTest, ClosedAndReadOnlyArchivesRefuseToWrite) {
     EXPECT_EQ(m_access.InternalFindFile("a", LogMode::LOG), -1);
     ExpectTexts({"Archive is not open."});
     ZRStringArray names;
-    bool flag = false;
+    ZRFxArchiveInfo info;
     EXPECT_FALSE(m_access.FindFiles("", true, &names));
     EXPECT_FALSE(m_access.FindSubFolders("", true, &names));
-    EXPECT_FALSE(m_access.GetArchiveInfo(&flag, &flag, &flag));
+    EXPECT_FALSE(m_access.GetArchiveInfo(&info));
     ExpectTexts({"Archive is not open.", "Archive is not open.", "Archive is not open."});
 }
 
@@ -181,7 +181,6 @@ TEST_F(ZRFxAccessTest, ReadingTakesWholeItemsAndMissesSilentlyOnDemand) {
 }
 
 TEST_F(ZRFxAccessTest, NullArgumentsAreAssertionsAndDoNothing) {
-    bool flag = false;
     EXPECT_FALSE(m_access.ReadDataFloat("ZRF.xml", nullptr));
     ExpectAssertion("data");
     EXPECT_FALSE(m_access.ReadDataString("ZRF.xml", nullptr));
@@ -194,8 +193,8 @@ TEST_F(ZRFxAccessTest, NullArgumentsAreAssertionsAndDoNothing) {
     ExpectAssertion("names");
     EXPECT_FALSE(m_access.FindSubFolders("", true, nullptr));
     ExpectAssertion("names");
-    EXPECT_FALSE(m_access.GetArchiveInfo(&flag, nullptr, &flag));
-    ExpectAssertion("compressed && binary && encrypted");
+    EXPECT_FALSE(m_access.GetArchiveInfo(nullptr));
+    ExpectAssertion("info");
     EXPECT_FALSE(m_access.ReadProperties("p.xml", nullptr));
     ExpectAssertion("collection");
 }
@@ -227,12 +226,10 @@ TEST_F(ZRFxAccessTest, ArchiveTellsWhetherItIsCompressedBinaryAndEncrypted) {
         const char* name;
         int level;
         const char* password;
-        bool flags[3];
+        const char* told;  // the first letters of what is so
     } kCases[] = {
-        {"a.txt", 0, "", {false, false, false}},
-        {"a.DaT", 0, "", {false, true, false}},
-        {"a.txt", 5, "", {true, false, false}},
-        {"a.txt", 0, "secret", {false, false, true}},
+        {"a.xml", 0, "", ""},           {"a.DaT", 0, "", "b"}, {"a.txt", 0, "", "t"},
+        {"UserData\\a.txt", 0, "", ""}, {"a.xml", 5, "", "c"}, {"a.xml", 0, "secret", "e"},
     };
     const std::string text(1000, 'x');
     for (const auto& testCase : kCases) {
@@ -242,9 +239,12 @@ TEST_F(ZRFxAccessTest, ArchiveTellsWhetherItIsCompressedBinaryAndEncrypted) {
         ASSERT_TRUE(access.SetPassword(testCase.password));
         access.SetCompression(testCase.level, 7, 65536, 65536);
         ASSERT_TRUE(access.WriteDataRaw(testCase.name, text.data(), text.size(), false));
-        bool flags[3] = {};
-        ASSERT_TRUE(access.GetArchiveInfo(&flags[0], &flags[1], &flags[2]));
-        EXPECT_THAT(flags, testing::ElementsAreArray(testCase.flags)) << testCase.name;
+        ZRFxArchiveInfo info;
+        ASSERT_TRUE(access.GetArchiveInfo(&info));
+        EXPECT_EQ(std::string(info.compressed, 'c') + std::string(info.encrypted, 'e') +
+                      std::string(info.binary, 'b') + std::string(info.text, 't'),
+                  testCase.told)
+            << testCase.name;
     }
 }
 

@@ -104,8 +104,11 @@ TEST_F(ZRFxDatabaseTest, DatabaseOpenedForUpdateKeepsItsTableOfContents) {
         Reopen(ZRZipAccessMode::UPDATE);
         ZRFxDatabase appended(&m_access);
         ASSERT_TRUE(appended.Parse(1));
-        ASSERT_TRUE(SampleBlock(BLOCK_NODES, 2)->WriteBlock(&appended));
+        EXPECT_NE(appended.IsTOCModified(), hadTOC);
         ASSERT_TRUE(SampleBlock(BLOCK_RESULTS, 4)->WriteBlock(&appended));
+        EXPECT_NE(appended.IsTOCModified(), hadTOC);
+        ASSERT_TRUE(SampleBlock(BLOCK_NODES, 2)->WriteBlock(&appended));
+        EXPECT_TRUE(appended.IsTOCModified());
         ASSERT_TRUE(appended.WriteTOC());
         ExpectTexts({kParsing});
         ExpectBlocks({"Nodes 1", "Nodes 2", "Results 4"});
