@@ -197,12 +197,19 @@ unstruct::ZRFxAccess* File::internal_access() const {
     return m_private->isOpen() ? m_private->m_zrfxAccess.get() : nullptr;
 }
 
-bool File::addDatabase(Database* database) {
-    for (const auto& other : m_private->m_databases) {
-        if (other->id() == database->id()) {
-            return fail("Database with id %1 already registered.", database->id());
-        }
+unstruct::ZRFxAccess* File::writableAccess() const {
+    return m_private->m_openedForReading ? nullptr : internal_access();
+}
+
+bool File::isNewDatabaseId(int id) const {
+    for (const auto& database : m_private->m_databases) {
+        if (database->id() == id) return fail("Database with id %1 already registered.", id);
     }
+    return true;
+}
+
+bool File::addDatabase(Database* database) {
+    if (!isNewDatabaseId(database->id())) return false;
     m_private->m_databases.emplace_back(database);
     return true;
 }

@@ -100,6 +100,8 @@ public:
 private:
     friend class Database;
     friend class Case;
+    unstruct::ZRFxAccess* writableAccess() const;
+    bool isNewDatabaseId(int id) const;
     bool addDatabase(Database* database);
     bool addCase(Case* fileCase);
     bool readDatabases();
