@@ -28,7 +28,7 @@ bool ZRFxBlock::ReadBlock() {
 
 bool ZRFxBlock::WriteBlock() {
     NVF_ASSERT(m_pDatabase);
-    if (!m_pDatabase) return false;
+    if (!m_pDatabase || !CheckContents()) return false;
     nvf::XmlDocument doc;
     if (!DoWriteBlock(CreateRootElement(&doc))) return false;
     return WriteXml(doc) || Log().fail("File write error");
@@ -36,11 +36,13 @@ bool ZRFxBlock::WriteBlock() {
 
 bool ZRFxBlock::WriteBlock(ZRFxDatabase* pDatabase) {
     NVF_ASSERT(pDatabase);
-    if (!pDatabase) return false;
+    if (!pDatabase || !CheckContents()) return false;
     ZRFxDatabase* const pOwnDatabase = m_pDatabase;
     const ZRString ownFileName = m_sFileName;
     m_pDatabase = pDatabase;
-    const bool isWritten = pDatabase->RemoveBlockFiles(*this) && WriteBlock();
+    const bool isRemoved = pDatabase->RemoveBlockFiles(*this);
+    const bool isWritten = isRemoved && WriteBlock();
+    if (isRemoved && !isWritten) pDatabase->DropBlock(*this);
     m_pDatabase = pOwnDatabase;
     if (pDatabase != pOwnDatabase) m_sFileName = ownFileName;
     return isWritten;

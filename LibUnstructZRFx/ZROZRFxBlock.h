@@ -33,8 +33,9 @@ public:
     /// Writes document and data files, none of which may be in the archive.
     virtual bool WriteBlock();
 
-    /// Writes into a database, in place of the block of this type and id that it may hold. The
-    /// block stays attached to its own database.
+    /// Writes into a database, in place of the block of this type and id that it may hold, which
+    /// stays when this one's contents cannot be stored. Where writing fails on the way, the
+    /// database is left with neither. The block stays attached to its own database.
     bool WriteBlock(ZRFxDatabase* pDatabase);
 
     /// Drops what was loaded, so that the next ReadBlock reads again.
@@ -57,6 +58,9 @@ public:
 
 protected:
     ZRFxBlock(ZRFxDatabase* pDatabase, int id, int type);
+
+    /// Whether the contents can be stored; logs why not. Asked before anything is written.
+    virtual bool CheckContents() const { return true; }
 
     /// Reads what lies below the root, data files included.
     virtual bool DoReadBlock(const nvf::XmlElement& root) = 0;

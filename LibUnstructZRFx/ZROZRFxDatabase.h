@@ -48,6 +48,10 @@ public:
     /// that they can be written again.
     bool RemoveBlockFiles(const ZRFxBlock& block);
 
+    /// Takes out what is left of a block that could not be written: its files, its entry and its
+    /// line in the table of contents, so that the rest can be read and the block written again.
+    void DropBlock(const ZRFxBlock& block);
+
     /// Adds an entry, and takes out the one of the same type and id if there is one.
     bool AddBlock(ZRFxBlock* block, bool* replaced);
 

@@ -65,9 +65,13 @@ bool ZRFxPositionResultValuesBlock::DoReadBlock(const nvf::XmlElement& root) {
     return CheckIndices(GetFileName(), "element index", m_aiElementIndices) && ReadResults(root);
 }
 
-bool ZRFxPositionResultValuesBlock::DoWriteBlock(nvf::XmlElement root) {
+bool ZRFxPositionResultValuesBlock::CheckContents() const {
     if (m_iDimension != 1 && m_iDimension != 3) return Log().fail("Result has illegal dimension.");
     if (m_iMapToBlockID < 0) return Log().fail("No map to block ID (element) specified.");
+    return true;
+}
+
+bool ZRFxPositionResultValuesBlock::DoWriteBlock(nvf::XmlElement root) {
     root.setAttributeInt("Dimension", m_iDimension);
     root.setAttributeInt("MapToBlockID", m_iMapToBlockID);
     root.setAttributeBool("GlobalPositions", m_bGlobalPositions);
