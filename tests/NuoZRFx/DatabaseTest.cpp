@@ -242,6 +242,19 @@ TEST_F(DatabaseTest, BlockWrittenAgainReplacesAllThatItWas) {
     EXPECT_EQ(Describe(*first), Describe(*m_file->database(0)->blockById(Block::ELEMENTS, 1)));
 }
 
+TEST_F(DatabaseTest, BlockStaysWhenWhatIsToReplaceItCannotBeStored) {
+    const PtrRef<Database> database = WriteDatabase(*m_file, "a", 0);
+    PtrRef<SetBlock> set = new SetBlock(1, false);
+    set->addItem(3, 1);
+    ASSERT_TRUE(database->writeBlock(set.p()));
+    const std::string before = Describe(*set);
+    set->setItemType(SetBlock::UNDEFINED_ITEMS);
+    EXPECT_FALSE(database->writeBlock(set.p()));
+    TakeTexts();
+    Reopen();
+    EXPECT_EQ(before, Describe(*m_file->database(0)->setBlockById(1)));
+}
+
 // A block that differs from a written one only in more digits of its id is another block.
 TEST_F(DatabaseTest, ReplacingABlockLeavesThoseOfSimilarIdsAlone) {
     const PtrRef<Database> database = WriteDatabase(*m_file, "a", 0);

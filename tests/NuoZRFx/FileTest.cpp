@@ -441,6 +441,31 @@ TEST_F(FileTest, FlushAndCloseThatFailCanBeTriedAgain) {
     EXPECT_EQ(100000u, NodeCountOf(reader, 1));
 }
 
+// The disk is full between two data files of the block.
+TEST_F(FileTest, BlockThatWasWrittenInPartCanBeWrittenAgain) {
+    File file;
+    FileSettings settings;
+    settings.compressionLevel = 0;
+    ASSERT_TRUE(file.create(m_name, settings));
+    const PtrRef<Database> database = WriteDatabase(file, "First", 0);
+    ASSERT_TRUE(file.flush());
+    const std::vector<float> coordinates(std::size_t{3} * 5000000, 0.5f);
+    const std::vector<int> ids(5000000, 7);
+    const PtrRef<NodeBlock> nodes = new NodeBlock(1, true);
+    ASSERT_TRUE(nodes->setNodeData(coordinates.data(), ids.size(), ids.data()));
+    {
+        const FullDisk disk(50000);
+        ExpectRefused({{"write",
+                        [&] { return database->writeBlock(nodes.p()); },
+                        {"Error writing block to database. (block id 1, database id 0)."}}});
+    }
+    EXPECT_EQ(0u, database->blockCount(Block::NODES));
+    EXPECT_TRUE(database->writeBlock(nodes.p()));
+    ASSERT_TRUE(file.close());
+    ASSERT_TRUE(file.open(m_name));
+    EXPECT_EQ(ids.size(), NodeCountOf(file, 1));
+}
+
 TEST_F(FileTest, UnfinishedDatabaseKeepsTheFileOpenUntilItIsFinished) {
     File file;
     ASSERT_TRUE(file.create(m_name, FileSettings()));
