@@ -75,7 +75,8 @@ public:
     Case* fileCase(std::size_t index);
     const Case* fileCase(std::size_t index) const;
 
-    /// One more than the largest id in use, 0 at first. With nothing open, -1 and a message.
+    /// One more than the largest id in use, 0 at first; the lowest free one where the largest is
+    /// the largest of all. With nothing open, -1 and a message.
     int unusedDatabaseId() const;
 
     /// One more than the largest id in use, 0 at first and with nothing open.
