@@ -159,13 +159,13 @@ bool Case::isCreated(File* file, const Str& name, int id, int databaseId) {
         return fail("Given database id was negative. (case id %1, database id %2).", id,
                     databaseId);
     }
-    if (!file->internal_access()) {
+    if (!file->writableAccess()) {
         return fail(
             "Given file was in invalid state. (case id %1). File must be created or opened for "
             "append before adding a case.",
             id);
     }
-    m_private->m_access = file->internal_access();
+    m_private->m_access = file->writableAccess();
     m_private->m_id = id;
     m_private->m_databaseId = databaseId;
     m_private->m_name = name;

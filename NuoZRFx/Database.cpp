@@ -96,7 +96,8 @@ bool Database::writeBlock(const Block* block) {
     NVF_ASSERT(m_zrfxDatabase);
     if (!block || !m_zrfxDatabase) return false;
     ZRFxBlock* zrfxBlock = block->internal_zrfxBlock();
-    if (!block->checkValidity() || !zrfxBlock) {
+    // Some blocks are valid whatever they hold, but none can be stored under a negative id.
+    if (!block->checkValidity() || !zrfxBlock || block->blockId() < 0) {
         return fail("Cannot write block, weak validity check failed. (block id %1).",
                     block->blockId());
     }
@@ -155,13 +156,17 @@ bool Database::isCreated(File* file, const Str& name, int id, SimulationType sim
     if (!file) return fail("Given file pointer name was NULL. (Database id %1).", id);
     if (name.isEmpty()) return fail("Given database name was empty. (Database id %1).", id);
     if (id < 0) return fail("Given database id was negative. (Database id %1).", id);
-    if (!file->internal_access()) {
+    if (!file->writableAccess()) {
         return fail(
             "Given file was in invalid state. (Database id %1). File must be created or opened for "
             "append before adding a case.",
             id);
     }
-    m_private->m_zrfxDatabase = std::make_unique<ZRFxDatabase>(file->internal_access());
+    // Asked before anything is made, as the archive too refuses an id that it has.
+    if (!file->isNewDatabaseId(id)) {
+        return fail("Could not register database instance. (Database id %1).", id);
+    }
+    m_private->m_zrfxDatabase = std::make_unique<ZRFxDatabase>(file->writableAccess());
     m_private->m_zrfxDatabase->SetTextMode(!file->settings()->binary);
     if (!m_private->m_zrfxDatabase->Create(ZRConvert::toZRString(name), id, unstruct::ZRString(),
                                            ZRConvert::fromSimulationType(simulationType),
@@ -170,8 +175,7 @@ bool Database::isCreated(File* file, const Str& name, int id, SimulationType sim
         return fail("Error creating database.");
     }
     m_private->m_id = id;
-    return file->addDatabase(this) ||
-           fail("Could not register database instance. (Database id %1).", id);
+    return file->addDatabase(this);
 }
 
 bool Database::isTaken(File* file, int id) {

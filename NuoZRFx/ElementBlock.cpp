@@ -1,5 +1,7 @@
 #include "NuoZRFx/ElementBlock.h"
 
+#include <algorithm>
+#include <cstring>
 #include <limits>
 #include <map>
 #include <utility>
@@ -17,11 +19,26 @@ using unstruct::ZRFxElementBlock;
 using unstruct::ZRFxElementBlockGroup;
 using unstruct::ZRIntArray;
 
+// Grows by parts of what is there, so that adding elements one by one stays linear.
 bool append(const int* items, std::size_t count, ZRIntArray& array) {
     const std::int64_t size = array.GetSize();
-    if (!array.Reserve(size + static_cast<std::int64_t>(count))) return false;
-    for (std::size_t i = 0; i < count; ++i) array.Add(items[i]);
+    const std::int64_t newSize = size + static_cast<std::int64_t>(count);
+    if (newSize > array.GetAllocatedSize() && !array.Reserve(std::max(newSize, size + size / 2))) {
+        return false;
+    }
+    if (count == 0) return true;
+    if (!array.SetSize(newSize)) return false;
+    std::memcpy(array.WritableData() + size, items, count * sizeof(int));
     return true;
+}
+
+// Indices count from 0, and ids are never negative: what is written can be read.
+bool hasNegative(const int* nodes, std::size_t count) {
+    return std::any_of(nodes, nodes + count, [](int node) { return node < 0; });
+}
+
+bool isFace(const std::vector<int>& face) {
+    return face.size() >= 3 && !hasNegative(face.data(), face.size());
 }
 
 std::vector<int> copyOf(const ZRIntArray& array) {
@@ -119,6 +136,9 @@ bool ElementBlock::addElement(ElementType elementType, const int* elementNodes,
 }
 
 bool ElementBlock::addPolyhedron(const std::vector<std::vector<int>>& faces, int elementId) {
+    const bool isSolid = faces.size() >= 4 && std::all_of(faces.begin(), faces.end(), isFace);
+    NVF_ASSERT(isSolid);
+    if (!isSolid || !checkIds(elementId >= 0)) return false;
     ZRIntArray elementNodes;
     ZRIntArray localNodes;
     std::map<int, int> localOfNode;
@@ -130,8 +150,6 @@ bool ElementBlock::addPolyhedron(const std::vector<std::vector<int>>& faces, int
             localNodes.Add(found->second);
         }
     }
-    NVF_ASSERT(faces.size() >= 4);
-    if (faces.size() < 4 || !checkIds(elementId >= 0)) return false;
     auto group = std::make_unique<ZRFxElementBlockGroup>();
     group->m_iElementType = unstruct::ELEMENT_POLYHEDRON;
     ZRFxElementBlockGroup* target = lastGroupOf(unstruct::ELEMENT_POLYHEDRON);
@@ -152,20 +170,15 @@ bool ElementBlock::addPolyhedron(const std::vector<std::vector<int>>& faces, int
 
 bool ElementBlock::addElements(ElementType elementType, const std::vector<int>& elementNodes,
                                const std::vector<int>& elementIds) {
-    const std::size_t nodeCount = nodesPerElement(elementType);
-    const bool isWhole = nodeCount > 0 && elementNodes.size() % nodeCount == 0;
-    NVF_ASSERT(isWhole);
-    if (!isWhole) return false;
-    const std::size_t elementCount = elementNodes.size() / nodeCount;
-    NVF_ASSERT(elementIds.empty() || elementIds.size() == elementCount);
-    if (!elementIds.empty() && elementIds.size() != elementCount) return false;
-    return addElements(elementType, elementNodes.data(), elementCount,
+    std::size_t elementCount = 0;
+    return countElements(elementType, elementNodes, elementIds, &elementCount) &&
+           addElements(elementType, elementNodes.data(), elementCount,
                        elementIds.empty() ? nullptr : elementIds.data());
 }
 
 bool ElementBlock::addElements(ElementType elementType, const int* elementNodes,
                                std::size_t elementCount, const int* elementIds) {
-    if (!checkElements(elementType, elementNodes, elementIds != nullptr)) return false;
+    if (!checkElements(elementType, elementNodes, elementCount, elementIds)) return false;
     const int zrType = ZRConvert::fromElementType(elementType);
     auto group = std::make_unique<ZRFxElementBlockGroup>();
     group->m_iElementType = zrType;
@@ -182,13 +195,19 @@ bool ElementBlock::addElements(ElementType elementType, const int* elementNodes,
 
 bool ElementBlock::setElements(ElementType elementType, const std::vector<int>& elementNodes,
                                const std::vector<int>& elementIds) {
+    std::size_t elementCount = 0;
+    const int* ids = elementIds.empty() ? nullptr : elementIds.data();
+    if (!countElements(elementType, elementNodes, elementIds, &elementCount) ||
+        !checkElements(elementType, elementNodes.data(), elementCount, ids)) {
+        return false;
+    }
     m_private->m_elementBlock->UnloadData();
-    return addElements(elementType, elementNodes, elementIds);
+    return addElements(elementType, elementNodes.data(), elementCount, ids);
 }
 
 bool ElementBlock::addElementData(ElementType elementType, const int* elementNodes,
                                   std::size_t elementCount, const int* elementIds) {
-    if (!checkElements(elementType, elementNodes, elementIds != nullptr)) return false;
+    if (!checkElements(elementType, elementNodes, elementCount, elementIds)) return false;
     const auto count = static_cast<std::int64_t>(elementCount);
     auto group = std::make_unique<ZRFxElementBlockGroup>();
     group->m_iElementType = ZRConvert::fromElementType(elementType);
@@ -279,12 +298,28 @@ bool ElementBlock::checkIds(bool isGiven) const {
     return isGiven == m_hasElementIds;
 }
 
+bool ElementBlock::countElements(ElementType elementType, const std::vector<int>& elementNodes,
+                                 const std::vector<int>& elementIds, std::size_t* elementCount) {
+    const std::size_t nodeCount = nodesPerElement(elementType);
+    const bool isWhole = nodeCount > 0 && elementNodes.size() % nodeCount == 0;
+    NVF_ASSERT(isWhole);
+    if (!isWhole) return false;
+    *elementCount = elementNodes.size() / nodeCount;
+    NVF_ASSERT(elementIds.empty() || elementIds.size() == *elementCount);
+    return elementIds.empty() || elementIds.size() == *elementCount;
+}
+
 bool ElementBlock::checkElements(ElementType elementType, const int* elementNodes,
-                                 bool hasIds) const {
+                                 std::size_t elementCount, const int* elementIds) const {
     const bool hasFixedNodes = elementType != POLYHEDRONS && nodesPerElement(elementType) > 0;
-    NVF_ASSERT(elementNodes);
+    NVF_ASSERT(elementNodes && elementCount > 0);
     NVF_ASSERT(hasFixedNodes);
-    return elementNodes && hasFixedNodes && checkIds(hasIds);
+    if (!elementNodes || elementCount == 0 || !hasFixedNodes || !checkIds(elementIds != nullptr)) {
+        return false;
+    }
+    const bool areNodes = !hasNegative(elementNodes, elementCount * nodesPerElement(elementType));
+    NVF_ASSERT(areNodes);
+    return areNodes;
 }
 
 ZRFxElementBlockGroup* ElementBlock::lastGroupOf(int zrElementType) const {

@@ -1,6 +1,7 @@
 #include "NuoZRFx/File.h"
 
-#include <algorithm>
+#include <climits>
+#include <set>
 
 #include "Case_p.h"
 #include "Convert_p.h"
@@ -26,10 +27,15 @@ ZRString userEntry(const Str& name) {
            name.toStdString() + kUserExtension;
 }
 
-template <typename Items, typename IdOf>
-int unusedId(const Items& items, IdOf idOf) {
+// Where the highest id that there is stands for an item, the lowest gap.
+template <typename Items>
+int unusedId(const Items& items) {
+    std::set<int> ids;
+    for (const auto& item : items) ids.insert(item->id());
+    if (ids.empty()) return 0;
+    if (*ids.rbegin() < INT_MAX) return *ids.rbegin() + 1;
     int unused = 0;
-    for (const auto& item : items) unused = std::max(unused, idOf(*item) + 1);
+    while (ids.count(unused) > 0) ++unused;
     return unused;
 }
 
@@ -143,11 +149,11 @@ int File::unusedDatabaseId() const {
         fail("Error writing file.");
         return -1;
     }
-    return unusedId(m_private->m_databases, [](const Database& item) { return item.id(); });
+    return unusedId(m_private->m_databases);
 }
 
 int File::unusedFileCaseId() const {
-    return unusedId(m_private->m_cases, [](const Case& item) { return item.id(); });
+    return unusedId(m_private->m_cases);
 }
 
 bool File::addUserTextFile(const Str& fileName, const Str& content) {
@@ -197,12 +203,19 @@ unstruct::ZRFxAccess* File::internal_access() const {
     return m_private->isOpen() ? m_private->m_zrfxAccess.get() : nullptr;
 }
 
-bool File::addDatabase(Database* database) {
-    for (const auto& other : m_private->m_databases) {
-        if (other->id() == database->id()) {
-            return fail("Database with id %1 already registered.", database->id());
-        }
+unstruct::ZRFxAccess* File::writableAccess() const {
+    return m_private->m_openedForReading ? nullptr : internal_access();
+}
+
+bool File::isNewDatabaseId(int id) const {
+    for (const auto& database : m_private->m_databases) {
+        if (database->id() == id) return fail("Database with id %1 already registered.", id);
     }
+    return true;
+}
+
+bool File::addDatabase(Database* database) {
+    if (!isNewDatabaseId(database->id())) return false;
     m_private->m_databases.emplace_back(database);
     return true;
 }

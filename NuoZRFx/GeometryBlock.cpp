@@ -5,6 +5,7 @@
 
 #include "Log_p.h"
 #include "ZROZRFxGeometryBlock.h"
+#include "nvf/Assert.h"
 
 namespace nuo::zrfx {
 namespace {
@@ -17,6 +18,14 @@ constexpr int kBlockId = 1;
 
 // The state id of the record that is used for all states.
 constexpr int kAllStates = 0;
+
+// None where they are more than a file may have.
+int checkedGeometryCount(std::size_t geometryCountPerState) {
+    if (geometryCountPerState == 0) fail("geometryCountPerState cannot be 0");
+    NVF_ASSERT(geometryCountPerState <= std::size_t{unstruct::kMostGeometriesPerState});
+    const bool isValid = geometryCountPerState <= std::size_t{unstruct::kMostGeometriesPerState};
+    return isValid ? static_cast<int>(geometryCountPerState) : 0;
+}
 
 }  // namespace
 
@@ -42,9 +51,9 @@ public:
 
 GeometryBlock::GeometryBlock(std::size_t geometryCountPerState)
     : Block(kBlockId, GEOMETRY), m_private(std::make_unique<GeometryBlockPrivate>()) {
-    if (geometryCountPerState == 0) fail("geometryCountPerState cannot be 0");
     m_private->m_geometryBlock = new ZRFxGeometryBlock(nullptr, kBlockId);
-    m_private->m_geometryBlock->SetGeometryCountPerState(static_cast<int>(geometryCountPerState));
+    m_private->m_geometryBlock->SetGeometryCountPerState(
+        checkedGeometryCount(geometryCountPerState));
 }
 
 GeometryBlock::GeometryBlock(ZRFxGeometryBlock* geometryBlock, int blockId)

@@ -1,8 +1,11 @@
 #include "NuoZRFx/GeometryInfoBlock.h"
 
+#include <climits>
+
 #include "Convert_p.h"
 #include "Log_p.h"
 #include "ZROZRFxGeometryInfoBlock.h"
+#include "nvf/Assert.h"
 
 namespace nuo::zrfx {
 namespace {
@@ -11,6 +14,11 @@ using unstruct::ZRFxGeometryInfoBlock;
 using unstruct::ZRFxPartInfos;
 
 constexpr int kBlockId = 1;
+
+// -1, which no part has, for what is beyond all numbers.
+int partNumber(std::size_t partIndex) {
+    return partIndex <= INT_MAX ? static_cast<int>(partIndex) : -1;
+}
 
 }  // namespace
 
@@ -22,8 +30,10 @@ public:
 GeometryInfoBlock::GeometryInfoBlock(std::size_t geometryCountPerState)
     : Block(kBlockId, GEOMETRY_INFO), m_private(std::make_unique<GeometryInfoBlockPrivate>()) {
     m_private->m_geometryInfoBlock = new ZRFxGeometryInfoBlock(nullptr, kBlockId);
+    NVF_ASSERT(geometryCountPerState <= std::size_t{unstruct::kMostGeometriesPerState});
+    const bool isValid = geometryCountPerState <= std::size_t{unstruct::kMostGeometriesPerState};
     m_private->m_geometryInfoBlock->SetGeometryCountPerState(
-        static_cast<int>(geometryCountPerState));
+        isValid ? static_cast<int>(geometryCountPerState) : 0);
 }
 
 GeometryInfoBlock::GeometryInfoBlock(ZRFxGeometryInfoBlock* geometryInfoBlock, int blockId)
@@ -55,13 +65,12 @@ std::size_t GeometryInfoBlock::partCount(std::size_t geometryIndex) const {
 
 int GeometryInfoBlock::partId(std::size_t geometryIndex, std::size_t partIndex) const {
     const ZRFxPartInfos* parts = partsOf(geometryIndex);
-    return parts ? parts->GetPartInfo(static_cast<int>(partIndex)).partID : -1;
+    return parts ? parts->GetPartInfo(partNumber(partIndex)).partID : -1;
 }
 
 Str GeometryInfoBlock::partName(std::size_t geometryIndex, std::size_t partIndex) const {
     const ZRFxPartInfos* parts = partsOf(geometryIndex);
-    return parts ? ZRConvert::toStr(parts->GetPartInfo(static_cast<int>(partIndex)).partName)
-                 : Str();
+    return parts ? ZRConvert::toStr(parts->GetPartInfo(partNumber(partIndex)).partName) : Str();
 }
 
 ZRFxPartInfos* GeometryInfoBlock::partsOf(std::size_t geometryIndex) const {

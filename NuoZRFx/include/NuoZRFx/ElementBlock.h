@@ -67,13 +67,16 @@ public:
     void setNodeBlockId(int nodeBlockId);
 
     /// Appends one element. An id of 0 or more goes with a block built with ids, a negative one
-    /// with a block built without. The number of nodes must be that of the type.
+    /// with a block built without. The number of nodes must be that of the type, and none may be
+    /// negative. This and the operations below add nothing, after an assertion, when what they get
+    /// does not fit.
     bool addElement(ElementType elementType, const std::vector<int>& elementNodes,
                     int elementId = -1);
     bool addElement(ElementType elementType, const int* elementNodes, std::size_t nodeCount,
                     int elementId = -1);
 
-    /// Appends a polyhedron, given by its faces as lists of nodes, at least four, each outward.
+    /// Appends a polyhedron, given by its faces as lists of nodes: at least four faces of at least
+    /// three nodes, each so ordered that its normal points outward.
     bool addPolyhedron(const std::vector<std::vector<int>>& faces, int elementId = -1);
 
     /// Appends copies of many elements: all their nodes, element after element, and one id an
@@ -83,12 +86,13 @@ public:
     bool addElements(ElementType elementType, const int* elementNodes, std::size_t elementCount,
                      const int* elementIds);
 
-    /// The same after dropping the elements that the block has.
+    /// The same in place of the elements that the block has, which stay when it fails.
     bool setElements(ElementType elementType, const std::vector<int>& elementNodes,
                      const std::vector<int>& elementIds);
 
     /// Appends a group without a copy: the block refers to the nodes and, unless null, the ids,
-    /// which must stay unchanged until it is written and done with.
+    /// which must stay unchanged until the block has been written; after that, until it is used
+    /// again or gone. A later addElements of the same type makes a copy and extends the group.
     bool addElementData(ElementType elementType, const int* elementNodes, std::size_t elementCount,
                         const int* elementIds);
 
@@ -128,7 +132,10 @@ private:
     friend class DatabasePrivate;
     explicit ElementBlock(unstruct::ZRFxElementBlock* elementBlock);
     bool checkIds(bool isGiven) const;
-    bool checkElements(ElementType elementType, const int* elementNodes, bool hasIds) const;
+    static bool countElements(ElementType elementType, const std::vector<int>& elementNodes,
+                              const std::vector<int>& elementIds, std::size_t* elementCount);
+    bool checkElements(ElementType elementType, const int* elementNodes, std::size_t elementCount,
+                       const int* elementIds) const;
     unstruct::ZRFxElementBlockGroup* lastGroupOf(int zrElementType) const;
     const unstruct::ZRFxElementBlockGroup* groupAt(std::size_t groupIndex) const;
     bool copyGroupArray(std::size_t groupIndex, std::vector<int>* items,

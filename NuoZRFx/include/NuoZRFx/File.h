@@ -75,7 +75,8 @@ public:
     Case* fileCase(std::size_t index);
     const Case* fileCase(std::size_t index) const;
 
-    /// One more than the largest id in use, 0 at first. With nothing open, -1 and a message.
+    /// One more than the largest id in use, 0 at first; the lowest free one where the largest is
+    /// the largest of all. With nothing open, -1 and a message.
     int unusedDatabaseId() const;
 
     /// One more than the largest id in use, 0 at first and with nothing open.
@@ -100,6 +101,8 @@ public:
 private:
     friend class Database;
     friend class Case;
+    unstruct::ZRFxAccess* writableAccess() const;
+    bool isNewDatabaseId(int id) const;
     bool addDatabase(Database* database);
     bool addCase(Case* fileCase);
     bool readDatabases();

@@ -1,0 +1,152 @@
+#include "NuoZRFx/Case.h"
+
+#include <gmock/gmock.h>
+
+#include <string>
+
+#include "support/InterfaceTest.h"
+#include "support/Model.h"
+
+namespace {
+
+using namespace nuo::zrfx;
+using namespace test;
+using testing::ElementsAre;
+using testing::SizeIs;
+
+class CaseTest : public InterfaceTest {
+protected:
+    CaseTest() { EXPECT_TRUE(m_file.create(m_name, FileSettings())); }
+
+    static Refused Construct(const char* what, File* file, const nuo::Str& name, int id,
+                             int databaseId, std::vector<std::string> messages) {
+        return {what,
+                [=] {
+                    const PtrRef<Case> view = new Case(file, name, id, databaseId);
+                    return view->id() >= 0;
+                },
+                std::move(messages)};
+    }
+
+    void Reopen() {
+        ASSERT_TRUE(m_file.close());
+        ASSERT_TRUE(m_file.open(m_name));
+    }
+
+    const nuo::Str m_name = nuo::Str(m_folder.File("file.zrfx"));
+    File m_file;
+};
+
+TEST_F(CaseTest, WhatCannotBeConstructedIsReportedAndNotPartOfTheFile) {
+    File closed;
+    const PtrRef<Case> used = new Case(&m_file, "Used", 2, 0);
+    ExpectRefused({
+        Construct("no file", nullptr, "a", 1, 0, {"Given file pointer was NULL. (case id 1)."}),
+        Construct("no name", &m_file, "", 1, 0, {"Given case name was empty. (case id 1)."}),
+        Construct("negative id", &m_file, "a", -1, 0,
+                  {"Given case id was negative. (case id -1)."}),
+        Construct("negative database id", &m_file, "a", 1, -3,
+                  {"Given database id was negative. (case id 1, database id -3)."}),
+        Construct("closed file", &closed, "a", 1, 0,
+                  {"Given file was in invalid state. (case id 1). File must be created or opened "
+                   "for append before adding a case."}),
+        Construct("used id", &m_file, "a", 2, 0,
+                  {"Case with id 2 already registered.",
+                   "Could not register case instance. (case id 2)."}),
+    });
+    EXPECT_EQ(1u, m_file.fileCaseCount());
+    EXPECT_TRUE(m_file.close());
+}
+
+TEST_F(CaseTest, ImagesAreStoredReplacedAndRefused) {
+    const PtrRef<Case> view = new Case(&m_file, "View", 0, 0);
+    nuo::Image small = MakeImage(2, 2);
+    nuo::Image large = MakeImage(9, 4);
+    EXPECT_TRUE(view->addImage("a", &small));
+    EXPECT_TRUE(view->addImage("b.raw", &small));
+    EXPECT_TRUE(view->addImage("a", &large));
+    Reopen();
+    const Case& read = *m_file.fileCase(0);
+    ASSERT_EQ(2u, read.imageCount());
+    EXPECT_EQ(nuo::Str("b.raw"), read.imageName(0));
+    EXPECT_EQ(2u, read.image(0)->width());
+    EXPECT_EQ(nuo::Str("a"), read.imageName(1));
+    EXPECT_EQ(9u, read.image(1)->width());
+    ExpectRefused({
+        {"null",
+         [&] { return m_file.fileCase(0)->addImage("c", nullptr); },
+         {"Image object is invalid. Image pointer is NULL."}},
+        {"name",
+         [&] { return !m_file.fileCase(0)->imageName(2).isEmpty(); },
+         {"No image was found at index 2"}},
+        {"image",
+         [&] { return m_file.fileCase(0)->image(2) != nullptr; },
+         {"No image was found at index 2"}},
+    });
+}
+
+TEST_F(CaseTest, CaseWithoutNameIsCalledByItsId) {
+    const PtrRef<Case> view = new Case(&m_file, "a", 5, 0);
+    view->setName("");
+    Reopen();
+    EXPECT_EQ(nuo::Str("Case 5"), m_file.fileCase(0)->name());
+}
+
+TEST_F(CaseTest, PropertiesOutsideTheCatalogueAreReportedOneByOne) {
+    const PtrRef<Case> view = new Case(&m_file, "View", 0, 0);
+    PtrRef<nuo::PropertySet> set = new nuo::PropertySet("camera");
+    set->setValue("eye", 1);
+    set->setValue("no_such_key", 1);
+    PtrRef<nuo::PropertySetCollection> properties = new nuo::PropertySetCollection;
+    properties->addPropertySet(set.p());
+    EXPECT_FALSE(view->setProperties(properties.p()));
+    EXPECT_THAT(TakeTexts(), SizeIs(2));
+    EXPECT_EQ(properties.p(), view->properties());
+    EXPECT_TRUE(view->setProperties(nullptr));
+    EXPECT_TRUE(m_file.close());
+}
+
+TEST_F(CaseTest, UnchangedCaseOfAnAppendedFileStaysAndChangedOnesAreRewritten) {
+    PtrRef<Case> view = new Case(&m_file, "View", 0, 0);
+    view->setDescription("text");
+    view->setProperties(MakeCamera().p());
+    ASSERT_TRUE(m_file.close());
+    const auto change = [&](const auto& setter) {
+        ASSERT_TRUE(m_file.openForAppend(m_name));
+        setter(*m_file.fileCase(0));
+        Reopen();
+        ASSERT_EQ(1u, m_file.fileCaseCount());
+    };
+    change([](Case&) {});
+    EXPECT_EQ(nuo::Str("text"), m_file.fileCase(0)->description());
+    change([](Case& read) { read.setDerivedResultsDisabled(true); });
+    EXPECT_TRUE(m_file.fileCase(0)->derivedResultsDisabled());
+    EXPECT_EQ(nuo::Str("text"), m_file.fileCase(0)->description());
+    EXPECT_EQ(1u, m_file.fileCase(0)->properties()->count());
+    change([](Case& read) { read.setProperties(nullptr); });
+    EXPECT_EQ(0u, m_file.fileCase(0)->properties()->count());
+    EXPECT_TRUE(m_file.fileCase(0)->derivedResultsDisabled());
+}
+
+// A snapshot without pixels is no picture.
+TEST_F(CaseTest, CaseThatCannotBeWrittenIsReportedAndCanBeMended) {
+    const PtrRef<Case> view = new Case(&m_file, "View", 4, 0);
+    nuo::Image empty;
+    view->setSnapshot(&empty);
+    ExpectRefused({{"close",
+                    [&] { return m_file.close(); },
+                    {"Error writing the snapshot image to the ZRFx file.", "Eror writing case.",
+                     "Could not write case (id 4) to file."}}});
+    view->setSnapshot(nullptr);
+    ASSERT_TRUE(m_file.close());
+    ASSERT_TRUE(m_file.openForAppend(m_name));
+    m_file.fileCase(0)->setSnapshot(&empty);
+    ExpectRefused({{"flush",
+                    [&] { return m_file.flush(); },
+                    {"Error writing the snapshot image to the ZRFx file.", "Error writing case.",
+                     "Could not write case (id 4) to file."}}});
+    m_file.fileCase(0)->setSnapshot(nullptr);
+    EXPECT_TRUE(m_file.close());
+}
+
+}  // namespace

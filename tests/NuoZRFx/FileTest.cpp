@@ -1,0 +1,501 @@
+#include <gmock/gmock.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+#include "support/InterfaceTest.h"
+#include "support/Model.h"
+
+namespace {
+
+using namespace nuo::zrfx;
+using namespace test;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+constexpr const char* kNeedsPassword = "The file is encrypted, a password is needed. '%1'";
+constexpr const char* kWrongPassword = "The password is wrong, or the file is damaged. '%1'";
+
+class FileTest : public InterfaceTest {
+protected:
+    FileTest() : m_name(m_folder.File("file.zrfx")) {}
+
+    std::string Filled(std::string message) const {
+        return message.replace(message.find("%1"), 2, m_name.toStdString());
+    }
+
+    // A finished file of one database, 0, and one case, 0.
+    void WriteFile(const FileSettings& settings = FileSettings()) {
+        File file;
+        ASSERT_TRUE(file.create(m_name, settings));
+        const PtrRef<Database> database = WriteDatabase(file, "First", 0);
+        ASSERT_TRUE(database->writeBlock(NodesOf(1, 3).p()));
+        const PtrRef<Case> view = new Case(&file, "View", 0, 0);
+        nuo::Image image = MakeImage(8, 8);
+        view->setDescription("old");
+        view->setSnapshot(&image);
+        ASSERT_TRUE(view->addImage("steel", &image));
+        ASSERT_TRUE(file.close());
+    }
+
+    // Nodes whose x tells how many of them there are.
+    static PtrRef<NodeBlock> NodesOf(int blockId, int count) {
+        PtrRef<NodeBlock> nodes = new NodeBlock(blockId, false);
+        for (int i = 0; i < count; ++i) nodes->addNode(static_cast<float>(count), 0, 0);
+        return nodes;
+    }
+
+    static std::size_t NodeCountOf(File& file, int blockId) {
+        const PtrRef<Block> block = file.database(0)->blockById(Block::NODES, blockId);
+        return block ? static_cast<NodeBlock*>(block.p())->nodeCount() : 0;
+    }
+
+    nuo::Str m_name;
+};
+
+TEST_F(FileTest, WhatCannotBeOpenedOrCreatedIsReported) {
+    const std::string text = m_folder.File("text.zrfx");
+    std::ofstream(text) << "no archive";
+    const nuo::Str nowhere = nuo::Str(m_folder.File("no/such/folder/file.zrfx"));
+    File file;
+    ExpectRefused({
+        {"create without a name",
+         [&] { return file.create("", FileSettings()); },
+         {"File name string is NULL."}},
+        {"open without a name", [&] { return file.open(""); }, {"File name string is empty."}},
+        {"append without a name",
+         [&] { return file.openForAppend(""); },
+         {"File name string is empty."}},
+        {"create in no folder",
+         [&] { return file.create(nowhere, FileSettings()); },
+         {"Error creating file."}},
+        {"open nothing", [&] { return file.open(nowhere); }, {"Error opening file."}},
+        {"append to nothing",
+         [&] { return file.openForAppend(nowhere); },
+         {"Error creating file."}},
+        {"open a text", [&] { return file.open(nuo::Str(text)); }, {"Error opening file."}},
+        {"append to a text",
+         [&] { return file.openForAppend(nuo::Str(text)); },
+         {"Error creating file."}},
+        {"close nothing", [&] { return file.close(); }, {}},
+        {"flush nothing", [&] { return file.flush(); }, {}},
+    });
+    EXPECT_FALSE(File::isZRFxFile(nuo::Str(text)));
+    ASSERT_TRUE(file.create(m_name, FileSettings()));  // usable after all that
+    EXPECT_TRUE(file.close());
+    EXPECT_FALSE(file.close());
+    EXPECT_TRUE(File::isZRFxFile(m_name));
+}
+
+TEST_F(FileTest, ClosedFileAnswersWithoutHarm) {
+    File file;
+    EXPECT_EQ(-1, file.unusedDatabaseId());
+    EXPECT_THAT(TakeTexts(), ElementsAre("Error writing file."));
+    EXPECT_EQ(0, file.unusedFileCaseId());
+    EXPECT_EQ(nullptr, file.database(0));
+    EXPECT_EQ(nullptr, file.fileCase(0));
+    ExpectRefused({{"text",
+                    [&] { return file.addUserTextFile("a", "b"); },
+                    {Assertion("m_private->m_zrfxAccess")}}});
+    EXPECT_EQ(0u, file.userTextFileCount());
+    EXPECT_THAT(TakeTexts(), ElementsAre(Assertion("m_zrfxAccess")));
+}
+
+TEST_F(FileTest, IdsFollowTheHighestInUse) {
+    File file;
+    ASSERT_TRUE(file.create(m_name, FileSettings()));
+    EXPECT_EQ(0, file.unusedDatabaseId());
+    const PtrRef<Database> first = WriteDatabase(file, "a", 0);
+    const PtrRef<Database> second = WriteDatabase(file, "b", 7);
+    const PtrRef<Case> view = new Case(&file, "c", 4, 7);
+    EXPECT_EQ(8, file.unusedDatabaseId());
+    EXPECT_EQ(5, file.unusedFileCaseId());
+    EXPECT_EQ(nullptr, file.database(file.databaseCount()));
+    EXPECT_EQ(nullptr, file.fileCase(file.fileCaseCount()));
+    EXPECT_TRUE(file.close());
+}
+
+TEST_F(FileTest, LevelsOutsideTheRangeAreClamped) {
+    const auto sizeAt = [&](int level) {
+        FileSettings settings;
+        settings.compressionLevel = level;
+        WriteFile(settings);
+        return std::filesystem::file_size(m_name.toStdString());
+    };
+    EXPECT_EQ(sizeAt(0), sizeAt(-3));
+    EXPECT_EQ(sizeAt(9), sizeAt(12));
+    EXPECT_LT(sizeAt(9), sizeAt(0));
+}
+
+TEST_F(FileTest, UserTextsAreStoredReplacedAndRefused) {
+    File file;
+    ASSERT_TRUE(file.create(m_name, FileSettings()));
+    ExpectRefused({
+        {"no name",
+         [&] { return file.addUserTextFile("", "x"); },
+         {"Given file name string was empty."}},
+        {"no content",
+         [&] { return file.addUserTextFile("x", ""); },
+         {"Given file content string was empty."}},
+        {"no file",
+         [&] { return !file.userTextFileName(0).isEmpty(); },
+         {"No user text file was found at index 0"}},
+        {"no content",
+         [&] { return !file.userTextFileContent(9).isEmpty(); },
+         {"No user text file was found at index 9"}},
+    });
+    EXPECT_TRUE(file.addUserTextFile("log.v1", "old"));
+    EXPECT_TRUE(file.addUserTextFile("log.v1", "new"));
+    EXPECT_EQ(1u, file.userTextFileCount());
+    EXPECT_EQ(nuo::Str("log.v1"), file.userTextFileName(0));
+    EXPECT_EQ(nuo::Str("new"), file.userTextFileContent(0));
+    EXPECT_TRUE(file.close());
+    ASSERT_TRUE(file.open(m_name));
+    ExpectRefused({{"read only",
+                    [&] { return file.addUserTextFile("x", "y"); },
+                    {"Error writing the user file to the ZRFx file."}}});
+}
+
+TEST_F(FileTest, CreatingClosesWhatIsOpen) {
+    File file;
+    ASSERT_TRUE(file.create(m_name, FileSettings()));
+    const PtrRef<Database> database = WriteDatabase(file, "First", 0);
+    ASSERT_TRUE(file.create(nuo::Str(m_folder.File("other.zrfx")), FileSettings()));
+    EXPECT_EQ(0u, file.databaseCount());
+    EXPECT_TRUE(file.close());
+    ASSERT_TRUE(file.open(m_name));
+    EXPECT_EQ(1u, file.databaseCount());
+}
+
+TEST_F(FileTest, FileOpenedForReadingTakesNothing) {
+    WriteFile();
+    File file;
+    ASSERT_TRUE(file.open(m_name));
+    ExpectRefused({
+        {"flush", [&] { return file.flush(); }, {"Error writing file."}},
+        {"database",
+         [&] { return WriteDatabase(file, "New", 1)->id() >= 0; },
+         {"Given file was in invalid state. (Database id 1). File must be created or opened for "
+          "append before adding a case."}},
+        {"case",
+         [&] {
+             const PtrRef<Case> view = new Case(&file, "New", 1, 0);
+             return view->id() >= 0;
+         },
+         {"Given file was in invalid state. (case id 1). File must be created or opened for "
+          "append before adding a case."}},
+        {"block",
+         [&] { return file.database(0)->writeBlock(NodesOf(2, 1).p()); },
+         {"Error writing block to database. (block id 2, database id 0)."}},
+        {"image",
+         [&] {
+             nuo::Image image = MakeImage(1, 1);
+             return file.fileCase(0)->addImage("new", &image);
+         },
+         {"Error writing the image to the ZRFx file."}},
+    });
+    EXPECT_EQ(1u, file.databaseCount());
+    EXPECT_EQ(1u, file.fileCaseCount());
+    EXPECT_TRUE(file.close());
+}
+
+struct Entrance {
+    const char* password;
+    const char* message;
+};
+
+class EncryptedFileTest : public FileTest, public testing::WithParamInterface<Entrance> {};
+
+TEST_P(EncryptedFileTest, OnlyTheRightPasswordOpens) {
+    FileSettings settings;
+    settings.password = "r\u00EFght";
+    WriteFile(settings);
+    File file;
+    ExpectRefused({
+        {"open",
+         [&] { return file.open(m_name, GetParam().password); },
+         {Filled(GetParam().message), "Error opening file."}},
+        {"append",
+         [&] { return file.openForAppend(m_name, GetParam().password); },
+         {Filled(GetParam().message), "Error creating file."}},
+    });
+    EXPECT_EQ(0u, file.databaseCount());
+    ASSERT_TRUE(file.openForAppend(m_name, settings.password));
+    ASSERT_TRUE(file.database(0)->writeBlock(NodesOf(2, 5).p()));
+    ASSERT_TRUE(file.close());
+    ASSERT_TRUE(file.open(m_name, settings.password));
+    EXPECT_EQ(3u, NodeCountOf(file, 1));
+    EXPECT_EQ(5u, NodeCountOf(file, 2));
+}
+
+INSTANTIATE_TEST_SUITE_P(Passwords, EncryptedFileTest,
+                         testing::Values(Entrance{"", kNeedsPassword},
+                                         Entrance{"right", kWrongPassword},
+                                         Entrance{"r\u00EFght ", kWrongPassword}));
+
+TEST_F(FileTest, PasswordOfAnOpenFileIsIgnored) {
+    WriteFile();
+    File file;
+    EXPECT_TRUE(file.open(m_name, "any"));
+}
+
+// Appending.
+
+TEST_F(FileTest, AppendingAddsReplacesAndKeepsTheRest) {
+    WriteFile();
+    File file;
+    ASSERT_TRUE(file.openForAppend(m_name));
+    ASSERT_EQ(1, file.unusedDatabaseId());
+    const PtrRef<Database> second = WriteDatabase(file, "Second", 1);
+    const PtrRef<Case> added = new Case(&file, "Added", file.unusedFileCaseId(), 1);
+    EXPECT_TRUE(file.database(0)->writeBlock(NodesOf(1, 4).p()));
+    EXPECT_TRUE(file.database(0)->writeBlock(NodesOf(2, 2).p()));
+    file.fileCase(0)->setName("Renamed");
+    file.fileCase(0)->setDescription("");
+    ASSERT_TRUE(file.close());
+
+    ASSERT_TRUE(file.open(m_name));
+    ASSERT_EQ(2u, file.databaseCount());
+    EXPECT_EQ(nuo::Str("Second"), file.database(1)->name());
+    EXPECT_EQ(2u, file.database(0)->blockCount(Block::NODES));
+    EXPECT_EQ(4u, NodeCountOf(file, 1));
+    EXPECT_EQ(2u, NodeCountOf(file, 2));
+    ASSERT_EQ(2u, file.fileCaseCount());
+    EXPECT_EQ(nuo::Str("Renamed"), file.fileCase(0)->name());
+    EXPECT_TRUE(file.fileCase(0)->description().isEmpty());
+    EXPECT_NE(nullptr, file.fileCase(0)->snapshot());
+    EXPECT_EQ(nuo::Str("steel"), file.fileCase(0)->imageName(0));
+    EXPECT_EQ(1, file.fileCase(1)->id());
+    EXPECT_EQ(1, file.fileCase(1)->databaseId());
+}
+
+TEST_F(FileTest, SnapshotOfACaseIsReplacedAndTakenAway) {
+    WriteFile();
+    for (const unsigned int width : {24u, 0u}) {
+        File file;
+        ASSERT_TRUE(file.openForAppend(m_name));
+        nuo::Image image = MakeImage(width, 8);
+        file.fileCase(0)->setSnapshot(width ? &image : nullptr);
+        ASSERT_TRUE(file.close());
+        ASSERT_TRUE(file.open(m_name));
+        const nuo::Image* snapshot = file.fileCase(0)->snapshot();
+        EXPECT_EQ(width, snapshot ? snapshot->width() : 0);
+        if (width > 0) continue;
+        EXPECT_THAT(TakeTexts(), ElementsAre("Not able to read snapshot image"));
+    }
+}
+
+TEST_F(FileTest, AppendingNothingLeavesTheModelAsItIs) {
+    File file;
+    ASSERT_TRUE(file.create(m_name, FileSettings()));
+    ASSERT_TRUE(WriteModel(file, "x"));
+    ASSERT_TRUE(file.close());
+    ASSERT_TRUE(file.openForAppend(m_name));
+    ASSERT_TRUE(file.close());
+    ASSERT_TRUE(file.open(m_name));
+    EXPECT_EQ(DescribeModel("x"), Describe(file));
+}
+
+class AppendedFormTest : public FileTest, public testing::WithParamInterface<bool> {};
+
+// The settings of the file decide, not the defaults.
+TEST_P(AppendedFormTest, IsTheFormOfTheFile) {
+    FileSettings settings;
+    settings.binary = GetParam();
+    settings.compressionLevel = GetParam() ? 5 : 0;
+    settings.vendorName = "Maker";
+    WriteFile(settings);
+    const auto sizeBefore = std::filesystem::file_size(m_name.toStdString());
+    File file;
+    ASSERT_TRUE(file.openForAppend(m_name));
+    EXPECT_EQ(GetParam(), file.settings()->binary);
+    EXPECT_EQ(nuo::Str("Maker"), file.settings()->vendorName);
+    ASSERT_TRUE(file.database(0)->writeBlock(NodesOf(2, 20000).p()));
+    const PtrRef<Database> second = WriteDatabase(file, "Second", 1);
+    ASSERT_TRUE(second->writeBlock(NodesOf(1, 20000).p()));
+    ASSERT_TRUE(file.close());
+    const auto added = std::filesystem::file_size(m_name.toStdString()) - sizeBefore;
+    if (GetParam()) {
+        EXPECT_LT(added, 20000u);  // compressed
+    } else {
+        EXPECT_GT(added, 2u * 20000u * sizeof("20000 0 0"));  // stored lines of text
+    }
+    ASSERT_TRUE(file.open(m_name));
+    EXPECT_EQ(20000u, NodeCountOf(file, 2));
+}
+
+INSTANTIATE_TEST_SUITE_P(TextAndBinary, AppendedFormTest, testing::Bool());
+
+// Flushing.
+
+TEST_F(FileTest, ReadersSeeWhatWasFlushedWhileTheWriterGoesOn) {
+    File writer;
+    ASSERT_TRUE(writer.create(m_name, FileSettings()));
+    const PtrRef<Database> database =
+        new Database(&writer, "Running", 0, Database::STRUCTURAL, Database::TRANSIENT, "");
+    const PtrRef<Case> view = new Case(&writer, "View", 0, 0);
+    for (int step = 1; step <= 3; ++step) {
+        ASSERT_TRUE(database->writeBlock(NodesOf(step, step).p()));
+        ASSERT_TRUE(database->writeBlock(NodesOf(99, step).p()));
+        view->setName(nuo::Str("Step %1").arg(step));
+        ASSERT_TRUE(writer.flush());
+        File reader;
+        ASSERT_TRUE(reader.open(m_name));
+        EXPECT_EQ(static_cast<std::size_t>(step + 1), reader.database(0)->blockCount(Block::NODES));
+        EXPECT_EQ(static_cast<std::size_t>(step), NodeCountOf(reader, step));
+        EXPECT_EQ(static_cast<std::size_t>(step), NodeCountOf(reader, 99));
+        ASSERT_EQ(1u, reader.fileCaseCount());
+        EXPECT_EQ(nuo::Str("Step %1").arg(step), reader.fileCase(0)->name());
+    }
+    ASSERT_TRUE(WriteFrame(*database));
+    EXPECT_TRUE(writer.close());
+}
+
+TEST_F(FileTest, FlushingNothingNewWritesNothing) {
+    File file;
+    ASSERT_TRUE(file.create(m_name, FileSettings()));
+    const PtrRef<Database> database = WriteDatabase(file, "First", 0);
+    const PtrRef<Case> view = new Case(&file, "View", 0, 0);
+    ASSERT_TRUE(file.flush());
+    const auto time = std::filesystem::last_write_time(m_name.toStdString());
+    const auto size = std::filesystem::file_size(m_name.toStdString());
+    usleep(20000);
+    ASSERT_TRUE(file.flush());
+    EXPECT_EQ(time, std::filesystem::last_write_time(m_name.toStdString()));
+    EXPECT_EQ(size, std::filesystem::file_size(m_name.toStdString()));
+    EXPECT_TRUE(file.close());
+}
+
+TEST_F(FileTest, WriterThatIsKilledLosesNothingOfWhatItFlushed) {
+    const pid_t writer = fork();
+    ASSERT_GE(writer, 0);
+    if (writer == 0) {
+        File file;
+        bool isWritten = file.create(m_name, FileSettings());
+        const PtrRef<Database> database = WriteDatabase(file, "Killed", 0);
+        for (int step = 1; step <= 5; ++step) {
+            isWritten = isWritten && database->writeBlock(NodesOf(step, 100 * step).p()) &&
+                        database->writeBlock(NodesOf(99, step).p()) && file.flush();
+        }
+        isWritten = isWritten && database->writeBlock(NodesOf(6, 600).p()) &&
+                    database->writeBlock(NodesOf(99, 6).p());
+        if (isWritten) kill(getpid(), SIGKILL);
+        _exit(1);
+    }
+    int status = 0;
+    ASSERT_EQ(writer, waitpid(writer, &status, 0));
+    ASSERT_TRUE(WIFSIGNALED(status));
+
+    File file;
+    ASSERT_TRUE(file.open(m_name));
+    EXPECT_EQ(6u, file.database(0)->blockCount(Block::NODES));
+    for (int step = 1; step <= 5; ++step) {
+        EXPECT_EQ(static_cast<std::size_t>(100 * step), NodeCountOf(file, step));
+    }
+    EXPECT_EQ(5u, NodeCountOf(file, 99));
+    ASSERT_TRUE(file.openForAppend(m_name));  // and it can be gone on with
+    EXPECT_TRUE(file.database(0)->writeBlock(NodesOf(6, 600).p()));
+    EXPECT_TRUE(file.close());
+}
+
+// A disk that is full until the limit goes.
+class FullDisk {
+public:
+    explicit FullDisk(std::size_t bytes) {
+        signal(SIGXFSZ, SIG_IGN);
+        getrlimit(RLIMIT_FSIZE, &m_before);
+        const rlimit limit{bytes, m_before.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    ~FullDisk() { setrlimit(RLIMIT_FSIZE, &m_before); }
+
+private:
+    rlimit m_before{};
+};
+
+TEST_F(FileTest, FlushAndCloseThatFailCanBeTriedAgain) {
+    File file;
+    FileSettings settings;
+    settings.compressionLevel = 0;
+    ASSERT_TRUE(file.create(m_name, settings));
+    const PtrRef<Database> database = WriteDatabase(file, "First", 0);
+    ASSERT_TRUE(file.flush());
+    ASSERT_TRUE(database->writeBlock(NodesOf(1, 100000).p()));
+    {
+        const FullDisk disk(50000);
+        ExpectRefused({{"flush", [&] { return file.flush(); }, {"Error writing file."}},
+                       {"close", [&] { return file.close(); }, {"Error writing file."}}});
+    }
+    File reader;
+    ASSERT_TRUE(reader.open(m_name));  // as of the last flush that went well
+    EXPECT_EQ(0u, reader.database(0)->blockCount(Block::NODES));
+    ASSERT_TRUE(file.flush());
+    ASSERT_TRUE(file.close());
+    ASSERT_TRUE(reader.open(m_name));
+    EXPECT_EQ(100000u, NodeCountOf(reader, 1));
+}
+
+// The disk is full between two data files of the block.
+TEST_F(FileTest, BlockThatWasWrittenInPartCanBeWrittenAgain) {
+    File file;
+    FileSettings settings;
+    settings.compressionLevel = 0;
+    ASSERT_TRUE(file.create(m_name, settings));
+    const PtrRef<Database> database = WriteDatabase(file, "First", 0);
+    ASSERT_TRUE(file.flush());
+    const std::vector<float> coordinates(std::size_t{3} * 5000000, 0.5f);
+    const std::vector<int> ids(5000000, 7);
+    const PtrRef<NodeBlock> nodes = new NodeBlock(1, true);
+    ASSERT_TRUE(nodes->setNodeData(coordinates.data(), ids.size(), ids.data()));
+    {
+        const FullDisk disk(50000);
+        ExpectRefused({{"write",
+                        [&] { return database->writeBlock(nodes.p()); },
+                        {"Error writing block to database. (block id 1, database id 0)."}}});
+    }
+    EXPECT_EQ(0u, database->blockCount(Block::NODES));
+    EXPECT_TRUE(database->writeBlock(nodes.p()));
+    ASSERT_TRUE(file.close());
+    ASSERT_TRUE(file.open(m_name));
+    EXPECT_EQ(ids.size(), NodeCountOf(file, 1));
+}
+
+TEST_F(FileTest, UnfinishedDatabaseKeepsTheFileOpenUntilItIsFinished) {
+    File file;
+    ASSERT_TRUE(file.create(m_name, FileSettings()));
+    const PtrRef<Database> database =
+        new Database(&file, "Bare", 3, Database::STRUCTURAL, Database::MODAL, "");
+    PtrRef<StateInfoBlock> states = new StateInfoBlock;
+    states->addStateInfo(0, "", 0, StateInfoBlock::TIME);
+    ExpectRefused({{"nothing",
+                    [&] { return file.close(); },
+                    {"No state info block had been written to database (database id 3).",
+                     "Could not write database (id 3) to file."}}});
+    EXPECT_TRUE(database->writeBlock(states.p()));
+    ExpectRefused({{"states only",
+                    [&] { return file.close(); },
+                    {"No geometry block had been written to database (database id 3).",
+                     "Could not write database (id 3) to file."}}});
+    EXPECT_TRUE(WriteFrame(*database));
+    EXPECT_TRUE(file.close());
+}
+
+TEST_F(FileTest, FileThatIsLetGoKeepsWhatWasFlushed) {
+    {
+        File file;
+        ASSERT_TRUE(file.create(m_name, FileSettings()));
+        const PtrRef<Database> database = WriteDatabase(file, "First", 0);
+        ASSERT_TRUE(file.flush());
+    }
+    File file;
+    ASSERT_TRUE(file.open(m_name));
+    EXPECT_EQ(1u, file.databaseCount());
+}
+
+}  // namespace

@@ -1,0 +1,86 @@
+#include <gmock/gmock.h>
+
+#include <string>
+#include <tuple>
+
+#include "support/InterfaceTest.h"
+#include "support/Model.h"
+
+namespace {
+
+using namespace nuo::zrfx;
+using namespace test;
+using testing::ElementsAreArray;
+
+using Form = std::tuple<bool, const char*, int>;
+
+// How a file can be made: binary or text, its password, its level.
+class ModelTest : public InterfaceTest, public testing::WithParamInterface<Form> {
+protected:
+    FileSettings Settings() const {
+        FileSettings settings;
+        settings.vendorName = "V\u00E9ndor";
+        settings.applicationName = "Solver & Sons <1>";
+        std::tie(settings.binary, settings.password, settings.compressionLevel) = GetParam();
+        return settings;
+    }
+};
+
+TEST_P(ModelTest, EveryBlockAndCaseComesBackEqual) {
+    const std::string name = m_folder.File("model.zrfx");
+    File file;
+    ASSERT_TRUE(file.create(Str(name), Settings()));
+    ASSERT_TRUE(WriteModel(file, "Tr\u00E4ger"));
+    EXPECT_TRUE(file.addUserTextFile("notes", "first\nsecond \u4E2D\u6587"));
+    ASSERT_TRUE(file.close());
+
+    ASSERT_TRUE(file.open(Str(name), Settings().password));
+    EXPECT_THAT(Describe(file), ElementsAreArray(DescribeModel("Tr\u00E4ger")));
+    ASSERT_EQ(1u, file.userTextFileCount());
+    EXPECT_EQ(Str("notes"), file.userTextFileName(0));
+    EXPECT_EQ(Str("first\nsecond \u4E2D\u6587"), file.userTextFileContent(0));
+    EXPECT_EQ(Settings().binary, file.settings()->binary);
+    EXPECT_EQ(Settings().vendorName, file.settings()->vendorName);
+    EXPECT_EQ(Settings().applicationName, file.settings()->applicationName);
+    EXPECT_TRUE(file.close());
+}
+
+// What a block was read from may be gone; it is written as if it had been made anew.
+TEST_P(ModelTest, BlocksThatWereReadAreWrittenToAnotherFile) {
+    File source;
+    ASSERT_TRUE(source.create(Str(m_folder.File("source.zrfx")), Settings()));
+    ASSERT_TRUE(WriteModel(source, "x"));
+    ASSERT_TRUE(source.close());
+    ASSERT_TRUE(source.open(Str(m_folder.File("source.zrfx")), Settings().password));
+
+    std::vector<PtrRef<Block>> blocks;
+    for (int type = Block::NODES; type < Block::SET; ++type) {
+        const auto blockType = static_cast<Block::BlockType>(type);
+        for (std::size_t i = 0; i < source.database(0)->blockCount(blockType); ++i) {
+            blocks.push_back(source.database(0)->blockByIndex(blockType, i));
+        }
+    }
+    for (std::size_t i = 0; i < 2; ++i) blocks.push_back(source.database(0)->setBlockByIndex(i));
+    ASSERT_TRUE(source.close());
+
+    File copy;
+    ASSERT_TRUE(copy.create(Str(m_folder.File("copy.zrfx")), FileSettings()));
+    const PtrRef<Database> database =
+        new Database(&copy, "Model x", 0, Database::MULTIBODY, Database::TRANSIENT, "x described");
+    for (const PtrRef<Block>& block : blocks) EXPECT_TRUE(database->writeBlock(block.p()));
+    EXPECT_EQ(DescribeModel("x").front(), Describe(*database));
+    EXPECT_TRUE(copy.close());
+}
+
+std::string nameOf(const testing::TestParamInfo<Form>& info) {
+    const auto& [isBinary, password, level] = info.param;
+    return std::string(isBinary ? "Binary" : "Text") + (*password ? "Encrypted" : "Plain") +
+           "Level" + std::to_string(level);
+}
+
+INSTANTIATE_TEST_SUITE_P(Forms, ModelTest,
+                         testing::Combine(testing::Bool(), testing::Values("", "gehe\u00EFm"),
+                                          testing::Values(0, 5, 9)),
+                         nameOf);
+
+}  // namespace

@@ -1,0 +1,121 @@
+#include <gmock/gmock.h>
+
+#include <clocale>
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "support/InterfaceTest.h"
+#include "support/Model.h"
+
+namespace {
+
+using namespace nuo::zrfx;
+using namespace test;
+using testing::ElementsAreArray;
+
+class PlacesTest : public InterfaceTest {
+protected:
+    // Writes the model to a file and reads it back equal.
+    static void ExpectRoundTrip(const std::string& path, const std::string& text, bool isBinary) {
+        FileSettings settings;
+        settings.binary = isBinary;
+        settings.vendorName = settings.applicationName = nuo::Str(text);
+        File file;
+        ASSERT_TRUE(file.create(nuo::Str(path), settings));
+        ASSERT_TRUE(WriteModel(file, text));
+        ASSERT_TRUE(file.addUserTextFile(nuo::Str(text), nuo::Str(text)));
+        ASSERT_TRUE(file.close());
+        EXPECT_TRUE(File::isZRFxFile(nuo::Str(path)));
+        ASSERT_TRUE(file.open(nuo::Str(path)));
+        EXPECT_THAT(Describe(file), ElementsAreArray(DescribeModel(text)));
+        EXPECT_EQ(nuo::Str(text), file.settings()->vendorName);
+        EXPECT_EQ(nuo::Str(text), file.settings()->applicationName);
+        EXPECT_EQ(nuo::Str(text), file.userTextFileName(0));
+        EXPECT_EQ(nuo::Str(text), file.userTextFileContent(0));
+        EXPECT_TRUE(file.close());
+    }
+};
+
+TEST_F(PlacesTest, EveryTextFieldTakesEveryScript) {
+    for (const std::string text :
+         {"Gr\u00F6\u00DFe \u0141\u00F3d\u017A", "\u0411\u0430\u043B\u043A\u0430",
+          "\u6881\u306E\u5FDC\u529B", "\u0639\u0627\u0631\u0636\u0629",
+          "\u0928\u092E\u0938\u094D\u0924\u0947", "e\u0301 \u00E9", "\U0001F600\U00010348",
+          "<&\"'> %1 %2", "  blanks  "}) {
+        SCOPED_TRACE(text);
+        ExpectRoundTrip(m_folder.File("file.zrfx"), text, true);
+    }
+}
+
+TEST_F(PlacesTest, FileLiesInFoldersOfEveryScript) {
+    for (const char* name : {"Tr\u00E4ger", "\u6881\u67F1", "\U0001F4C1 a b", "%1"}) {
+        const TemporaryFolder folder(name);
+        ExpectRoundTrip(folder.File(std::string(name) + ".zrfx"), "x", true);
+    }
+}
+
+// A locale that writes numbers with commas and groups, made for the test.
+class CommaLocale {
+public:
+    explicit CommaLocale(const TemporaryFolder& folder) {
+        const std::string target = folder.File("de_DE.UTF-8");
+        const std::string make = "localedef -i de_DE -f UTF-8 '" + target + "' >/dev/null 2>&1";
+        if (std::system(make.c_str()) > 1) return;
+        const auto path = std::filesystem::path(target).parent_path().string();
+        setenv("LOCPATH", path.c_str(), 1);
+        m_isSet = std::setlocale(LC_ALL, "de_DE.UTF-8") && *std::localeconv()->decimal_point == ',';
+    }
+    ~CommaLocale() {
+        std::setlocale(LC_ALL, "C");
+        unsetenv("LOCPATH");
+    }
+
+    bool IsSet() const { return m_isSet; }
+
+private:
+    bool m_isSet = false;
+};
+
+TEST_F(PlacesTest, LocaleOfTheProcessChangesNothing) {
+    const TemporaryFolder folder;
+    const CommaLocale locale(folder);
+    if (!locale.IsSet()) GTEST_SKIP() << "localedef cannot make a locale here";
+    for (const bool isBinary : {true, false}) {
+        ExpectRoundTrip(m_folder.File("file.zrfx"), "1,5", isBinary);
+    }
+}
+
+TEST_F(PlacesTest, ThreadsWorkOnFilesOfTheirOwn) {
+    std::vector<std::thread> threads;
+    for (const std::string text : {"first", "second"}) {
+        threads.emplace_back([&, text] {
+            for (int round = 0; round < 3; ++round) {
+                ExpectRoundTrip(m_folder.File(text + ".zrfx"), text, round > 0);
+                File missing;  // which logs
+                EXPECT_FALSE(missing.open(nuo::Str(m_folder.File(text + ".none"))));
+                EXPECT_EQ(0.0, nuo::Mat4d().rowCol(7, 7));
+            }
+        });
+    }
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_EQ(12u, TakeTexts().size());
+}
+
+// Python's own ZIP and XML modules check documents, registries and data files of the file.
+TEST_F(PlacesTest, IndependentReaderFindsTheModel) {
+    if (std::system("python3 -c 'import zipfile' >/dev/null 2>&1") != 0) {
+        GTEST_SKIP() << "no python3";
+    }
+    File file;
+    ASSERT_TRUE(file.create(nuo::Str(m_folder.File("file.zrfx")), FileSettings()));
+    ASSERT_TRUE(WriteModel(file, "Tr\u00E4ger"));
+    ASSERT_TRUE(file.close());
+    const std::string command =
+        "python3 " NUO_TEST_FOLDER "/support/read_model.py '" + m_folder.File("file.zrfx") + "'";
+    EXPECT_EQ(0, std::system(command.c_str()));
+}
+
+}  // namespace

@@ -1,0 +1,82 @@
+#include "support/InterfaceTest.h"
+
+#include <gmock/gmock.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <mutex>
+#include <utility>
+
+namespace test {
+
+TemporaryFolder::TemporaryFolder(const std::string& utf8Name) {
+    static std::atomic<int> s_count{0};
+    m_base = std::filesystem::temp_directory_path() /
+             ("zrfx-test-" + std::to_string(getpid()) + "-" + std::to_string(s_count++));
+    m_folder = m_base / utf8Name;
+    std::filesystem::create_directories(m_folder);
+}
+
+TemporaryFolder::~TemporaryFolder() {
+    std::error_code ignored;
+    std::filesystem::remove_all(m_base, ignored);
+}
+
+std::string TemporaryFolder::File(const std::string& utf8Name) const {
+    return (m_folder / utf8Name).string();
+}
+
+std::string Assertion(const std::string& expression) {
+    return "ASSERT:  (" + expression + ")";
+}
+
+class InterfaceTest::Recorder : public nuo::LogDestination {
+public:
+    void log(const nuo::LogMessage& message) override {
+        if (message.level != nuo::LL_ERROR) return;
+        const std::lock_guard lock(m_mutex);
+        const bool isCause = message.logger.toStdString().rfind("nuo.nvf.unstruct", 0) == 0;
+        EXPECT_GT(message.lineNumber, 0) << message.text.toStdString();
+        (isCause ? causes : texts).push_back(message.text.toStdString());
+    }
+
+    std::vector<std::string> texts;
+    std::vector<std::string> causes;
+
+private:
+    std::mutex m_mutex;
+};
+
+InterfaceTest::InterfaceTest() : m_recorder(new Recorder) {
+    nuo::Instance instance;
+    EXPECT_TRUE(nuo::zrfx::ZRFxComponent::initialize(&instance));
+    nuo::CoreComponent::logManager()->setDestination(m_recorder.p());
+}
+
+InterfaceTest::~InterfaceTest() {
+    nuo::CoreComponent::logManager()->setDestination(nullptr);
+}
+
+std::vector<std::string> InterfaceTest::TakeTexts() {
+    m_recorder->causes.clear();
+    return std::exchange(m_recorder->texts, {});
+}
+
+std::vector<std::string> InterfaceTest::TakeCauses() {
+    return std::exchange(m_recorder->causes, {});
+}
+
+void InterfaceTest::ExpectRefused(const std::vector<Refused>& calls) {
+    for (const Refused& refused : calls) {
+        SCOPED_TRACE(refused.what);
+        EXPECT_FALSE(refused.call());
+        EXPECT_THAT(TakeTexts(), testing::ElementsAreArray(refused.messages));
+    }
+}
+
+void InterfaceTest::TearDown() {
+    EXPECT_THAT(m_recorder->texts, testing::IsEmpty()) << "messages that the test did not look at";
+    EXPECT_THAT(m_recorder->causes, testing::IsEmpty()) << "causes that the test did not look at";
+}
+
+}  // namespace test
