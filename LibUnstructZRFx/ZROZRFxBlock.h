@@ -59,9 +59,6 @@ public:
 protected:
     ZRFxBlock(ZRFxDatabase* pDatabase, int id, int type);
 
-    /// Whether the contents can be stored; logs why not. Asked before anything is written.
-    virtual bool CheckContents() const { return true; }
-
     /// Reads what lies below the root, data files included.
     virtual bool DoReadBlock(const nvf::XmlElement& root) = 0;
 

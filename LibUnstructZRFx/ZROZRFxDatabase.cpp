@@ -136,21 +136,6 @@ void ZRFxDatabase::RemoveBlock(const ZRFxBlock& block) {
     blocks.erase(positionOf(blocks, block.GetID()));
 }
 
-void ZRFxDatabase::DropBlock(const ZRFxBlock& block) {
-    ZRStringArray files;
-    GetAccess()->FindFilesOfBase(EntryName(block.GetFilebase()), &files);
-    for (const ZRString& file : files) GetAccess()->RemoveFile(file);
-    const auto line = m_tocLines.find({block.GetType(), block.GetID()});
-    if (line != m_tocLines.end()) {
-        m_pTOC->getRootElement().removeChildElement(line->second);
-        m_tocLines.erase(line);
-        m_bTOCModified = true;
-    }
-    if (!GetBlockByID(block.GetType(), block.GetID())) return;
-    BlockArray& blocks = m_apBlocks[static_cast<std::size_t>(block.GetType())];
-    blocks.erase(positionOf(blocks, block.GetID()));
-}
-
 bool ZRFxDatabase::AddBlock(ZRFxBlock* block, bool* replaced) {
     NVF_ASSERT(replaced);
     if (!block || !replaced || block->GetType() < 0 || block->GetType() >= kNumBlockTypes) {

@@ -29,7 +29,6 @@ public:
     ZRIntArray m_aiVectorTypes;     ///< For three dimensions, of ZRVectorType.
 
 protected:
-    bool CheckContents() const override;
     bool DoReadBlock(const nvf::XmlElement& root) override;
     bool CheckContents() const override;
     bool DoWriteBlock(nvf::XmlElement root) override;

@@ -31,10 +31,6 @@ void ZRFxSetBlock::RemoveItems(std::int64_t iFrom, std::int64_t iTo) {
     m_apSetBlockItems.RemoveRange(iFrom, iTo);
 }
 
-bool ZRFxSetBlock::CheckContents() const {
-    return m_iItemType == kItemTypeElement || Log().fail("Only element sets are supported");
-}
-
 bool ZRFxSetBlock::DoReadBlock(const nvf::XmlElement& root) {
     DoUnloadData();
     if (!DoReadMetaData(root)) return false;

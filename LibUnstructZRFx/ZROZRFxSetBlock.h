@@ -47,7 +47,6 @@ public:
     void RemoveItems(std::int64_t iFrom, std::int64_t iTo);
 
 protected:
-    bool CheckContents() const override;
     bool DoReadBlock(const nvf::XmlElement& root) override;
     bool CheckContents() const override;
     bool DoWriteBlock(nvf::XmlElement root) override;
