@@ -27,10 +27,7 @@ int main() {
     PtrRef<StateInfoBlock> states = new StateInfoBlock;
     if (!states->addStateInfo(1, "Static", 0, StateInfoBlock::LOAD_CASE)) return 1;
 
-    for (const Block* block :
-         {static_cast<Block*>(nodes.p()), static_cast<Block*>(elements.p()),
-          static_cast<Block*>(geometry.p()), static_cast<Block*>(states.p())}) {
-        if (!database->writeBlock(block)) return 1;
-    }
-    return file.close() ? 0 : 1;
+    const bool isWritten = database->writeBlock(nodes.p()) && database->writeBlock(elements.p()) &&
+                           database->writeBlock(geometry.p()) && database->writeBlock(states.p());
+    return isWritten && file.close() ? 0 : 1;
 }
