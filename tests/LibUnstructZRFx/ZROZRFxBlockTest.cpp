@@ -486,7 +486,7 @@ TEST_F(ZRFxBlockTest, FilesThatAKilledWriterLeftAreReplaced) {
     m_database.SetTextMode(true);
     Write(SampleBlock(BLOCK_NODES, 1));
     ZRFxBlock* block = m_database.GetBlockByID(BLOCK_NODES, 1);
-    EXPECT_TRUE(block->ReadBlock());
+    ASSERT_TRUE(block && block->ReadBlock());
     EXPECT_EQ(dynamic_cast<ZRFxNodeBlock*>(block)->GetNumNodes(), 3);
 }
 

@@ -4,6 +4,7 @@
 #include <stdlib.h>
 
 #include <clocale>
+#include <functional>
 #include <limits>
 #include <string>
 #include <vector>
@@ -284,46 +285,39 @@ TEST_F(ZRFxDataFolderTest, DamagedTextFileIsReportedAsSuch) {
 }
 
 TEST_F(ZRFxDataFolderTest, FilesInTheWayAndClosedArchivesAreReported) {
-    const struct {
-        bool textMode;
-        bool (*write)(ZRFxDataFolder&);
-        const char* message;
-    } kCases[] = {
-        {true, [](ZRFxDataFolder& f) { return f.WriteDataInt("x", Ints({1}), 1); },
-         "Could not open new file for ASCII int data."},
-        {true, [](ZRFxDataFolder& f) { return f.WriteDataFloat("x", Floats({1})); },
-         "Could not open new file for ASCII float data."},
-        {true, [](ZRFxDataFolder& f) { return f.WriteDataVector("x", ZRVec3fArray()); },
-         "Could not open new file for ASCII vector data."},
-        {true, [](ZRFxDataFolder& f) { return f.WriteDataTensor("x", ZRFloatArray()); },
-         "Could not open new file for ASCII tensor data."},
-        {true, [](ZRFxDataFolder& f) { return f.WriteData("x", ZRUbyteArray()); },
-         "Could not open new file for ASCII unsigned byte data."},
-        {false, [](ZRFxDataFolder& f) { return f.WriteDataInt("x", Ints({1}), 1); },
-         "CCould not write new file for binary int data."},
-        {false, [](ZRFxDataFolder& f) { return f.WriteDataFloat("x", Floats({1})); },
-         "Error writing binary float data."},
-        {false, [](ZRFxDataFolder& f) { return f.WriteDataVector("x", ZRVec3fArray()); },
-         "Error writing binary vector data."},
-        {false, [](ZRFxDataFolder& f) { return f.WriteDataTensor("x", ZRFloatArray()); },
-         "Error writing binary tensor data."},
-        {false, [](ZRFxDataFolder& f) { return f.WriteData("x", ZRUbyteArray()); },
-         "Error writing binary unsigned byte data."},
+    using Write = std::function<bool()>;
+    struct Row {
+        Write write;
+        const char* ofText;
+        const char* ofBinary;
+    };
+    const std::vector<Row> kCases = {
+        Row([&] { return m_database.WriteDataInt("x", Ints({1}), 1); },
+            "Could not open new file for ASCII int data.",
+            "CCould not write new file for binary int data."),
+        Row([&] { return m_database.WriteDataFloat("x", Floats({1})); },
+            "Could not open new file for ASCII float data.", "Error writing binary float data."),
+        Row([&] { return m_database.WriteDataVector("x", ZRVec3fArray()); },
+            "Could not open new file for ASCII vector data.", "Error writing binary vector data."),
+        Row([&] { return m_database.WriteDataTensor("x", ZRFloatArray()); },
+            "Could not open new file for ASCII tensor data.", "Error writing binary tensor data."),
+        Row([&] { return m_database.WriteData("x", ZRUbyteArray()); },
+            "Could not open new file for ASCII unsigned byte data.",
+            "Error writing binary unsigned byte data."),
     };
     Put("Database001\\x.dat", "a");
     Put("Database001\\x.txt", "b");
     for (const bool isOpen : {true, false}) {
-        if (!isOpen) {
-            ASSERT_TRUE(m_access.Close());
-        }
         for (const auto& testCase : kCases) {
-            EXPECT_FALSE(testCase.write(Folder(testCase.textMode)));
-            const std::vector<std::string> texts = TakeTexts();
-            EXPECT_EQ(texts.back(), testCase.message);
-            if (!isOpen) {
-                EXPECT_EQ(texts.front(), "Archive is not open.");
+            for (const bool textMode : {true, false}) {
+                m_database.SetTextMode(textMode);
+                EXPECT_FALSE(testCase.write());
+                const std::vector<std::string> texts = TakeTexts();
+                EXPECT_EQ(texts.back(), textMode ? testCase.ofText : testCase.ofBinary);
+                EXPECT_EQ(texts.front() == "Archive is not open.", !isOpen);
             }
         }
+        if (isOpen) m_access.Close();
     }
     EXPECT_FALSE(Folder().WriteDataTensor("y", Floats({1, 2, 3, 4, 5})));
     ExpectAssertion("data.GetSize() % kTensorComponents == 0");

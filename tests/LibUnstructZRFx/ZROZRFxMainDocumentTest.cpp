@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -95,82 +96,48 @@ TEST_F(ZRFxMainDocumentTest, DamagedDocumentIsReportedByEachOperation) {
     ASSERT_TRUE(database.parse("<Database Folder='D' ID='1'/>"));
     ASSERT_TRUE(aCase.parse("<Case Folder='C' ID='1'/>"));
     const std::string missing = "Error reading main document file, <";
-    using Operation = bool (*)(ZRFxAccess&, const nvf::XmlDocument&, const nvf::XmlDocument&);
-    const auto setVendor = [](ZRFxAccess& a, const nvf::XmlDocument&, const nvf::XmlDocument&) {
-        return a.SetVendorInfo("a", "v", 1);
-    };
-    const struct {
+    using Operation = std::function<bool()>;
+    int count = 0;
+    ZRFxDatabaseInfo databaseInfo;
+    ZRFxCaseInfo caseInfo;
+    ZRFxDateTime date;
+    bool isOnly = false;
+    const Operation addDatabase = [&] { return m_access.AddDatabase(database, true); };
+    const Operation addCase = [&] { return m_access.AddCase(aCase, true); };
+    const Operation setVendor = [&] { return m_access.SetVendorInfo("a", "v", 1); };
+    struct Row {
         const char* document;  // null for none
         Operation operation;
         std::vector<std::string> messages;
-    } kCases[] = {
-        {nullptr,
-         setVendor,
-         {"Unable to read raw data from 'ZRF.xml', file not found.",
-          "Main document file (ZRF.xml) is either missing or invalid"}},
-        {nullptr,
-         [](ZRFxAccess& a, const auto& d, const auto&) { return a.AddDatabase(d, true); },
-         {"Unable to read raw data from 'ZRF.xml', file not found.",
-          "Error reading main document (ZRF.xml) file."}},
-        {"<Zrf/>",
-         [](ZRFxAccess& a, const auto&, const auto& c) { return a.AddCase(c, true); },
-         {"Error validating main document file, <ZRF> missing"}},
-        {"<ZRF/>",
-         [](ZRFxAccess& a, const auto& d, const auto&) { return a.AddDatabase(d, true); },
-         {"Database root not found in main document"}},
-        {"<ZRF/>",
-         [](ZRFxAccess& a, const auto&, const auto& c) { return a.AddCase(c, true); },
-         {"Could not find case root element in main document"}},
-        {"<Zrf/>", setVendor, {missing + "ZRF> missing"}},
-        {"<ZRF/>", setVendor, {missing + "FileInfo> missing"}},
-        {"<ZRF><FileInfo/></ZRF>", setVendor, {missing + "VendorID> missing"}},
-        {"<ZRF><FileInfo><VendorID/></FileInfo></ZRF>",
-         setVendor,
-         {missing + "VendorName> missing"}},
-        {"<ZRF><FileInfo><VendorID/><VendorName/></FileInfo></ZRF>",
-         setVendor,
-         {missing + "ExportApplication> missing"}},
-        {"<ZRF/>",
-         [](ZRFxAccess& a, const auto&, const auto&) {
-             int n;
-             return a.GetNumDatabases(&n);
-         },
-         {"Databases root not found in main document"}},
-        {"<ZRF/>",
-         [](ZRFxAccess& a, const auto&, const auto&) {
-             int n;
-             return a.GetNumCases(&n);
-         },
-         {"Cases root not found in main document"}},
-        {"<ZRF/>",
-         [](ZRFxAccess& a, const auto&, const auto&) {
-             ZRFxDatabaseInfo i;
-             return a.GetDatabaseByID(1, &i);
-         },
-         {"Databases root not found in main document"}},
-        {"<ZRF/>",
-         [](ZRFxAccess& a, const auto&, const auto&) {
-             ZRFxCaseInfo i;
-             return a.GetCaseByID(1, &i);
-         },
-         {"Cases root not found in main document"}},
-        {"<ZRF/>",
-         [](ZRFxAccess& a, const auto&, const auto&) {
-             ZRFxDateTime d;
-             return a.GetExportDateTime(&d);
-         },
-         {}},
-        {"<ZRF/>",
-         [](ZRFxAccess& a, const auto&, const auto&) {
-             bool b;
-             return a.GetDisplayModelOnly(&b);
-         },
-         {}},
+    };
+    const std::string noFile = "Unable to read raw data from 'ZRF.xml', file not found.";
+    const std::string noDatabases = "Databases root not found in main document";
+    const std::string noCases = "Cases root not found in main document";
+    const std::vector<Row> kCases = {
+        Row(nullptr, setVendor,
+            {noFile, "Main document file (ZRF.xml) is either missing or invalid"}),
+        Row(nullptr, addDatabase, {noFile, "Error reading main document (ZRF.xml) file."}),
+        Row("<Zrf/>", addCase, {"Error validating main document file, <ZRF> missing"}),
+        Row("<ZRF/>", addDatabase, {"Database root not found in main document"}),
+        Row("<ZRF/>", addCase, {"Could not find case root element in main document"}),
+        Row("<Zrf/>", setVendor, {missing + "ZRF> missing"}),
+        Row("<ZRF/>", setVendor, {missing + "FileInfo> missing"}),
+        Row("<ZRF><FileInfo/></ZRF>", setVendor, {missing + "VendorID> missing"}),
+        Row("<ZRF><FileInfo><VendorID/></FileInfo></ZRF>", setVendor,
+            {missing + "VendorName> missing"}),
+        Row("<ZRF><FileInfo><VendorID/><VendorName/></FileInfo></ZRF>", setVendor,
+            {missing + "ExportApplication> missing"}),
+        Row("<ZRF/>", [&] { return m_access.GetNumDatabases(&count); }, {noDatabases}),
+        Row("<ZRF/>", [&] { return m_access.GetDatabaseByID(1, &databaseInfo); }, {noDatabases}),
+        Row("<ZRF/>", [&] { return m_access.GetNumCases(&count); }, {noCases}),
+        Row("<ZRF/>", [&] { return m_access.GetCaseByID(1, &caseInfo); }, {noCases}),
+        Row("<ZRF/>", [&] { return m_access.GetExportDateTime(&date); }, {}),
+        Row("<ZRF/>", [&] { return m_access.GetDisplayModelOnly(&isOnly); }, {}),
     };
     for (const auto& testCase : kCases) {
         ASSERT_TRUE(m_access.RemoveFile("ZRF.xml"));
         if (testCase.document) Put("ZRF.xml", testCase.document);
-        EXPECT_FALSE(testCase.operation(m_access, database, aCase));
+        EXPECT_FALSE(testCase.operation());
         ExpectTexts(testCase.messages);
         ASSERT_TRUE(m_access.RemoveFile("D\\Database.xml"));
         ASSERT_TRUE(m_access.RemoveFile("C\\Case.xml"));
