@@ -429,7 +429,9 @@ std::int32_t ZRFxAccess::InternalFindFile(const ZRString& name, LogMode logMode)
         if (logMode == LogMode::LOG) m_logger->fail("No filename specified.");
         return -1;
     }
-    return static_cast<std::int32_t>(m_pArchive->IndexOf(EntryOf(name)));
+    const std::int64_t index = m_pArchive->IndexOf(name.Bytes());
+    if (index >= 0) return static_cast<std::int32_t>(index);
+    return static_cast<std::int32_t>(m_pArchive->IndexOf(withSlashes(name.Bytes())));
 }
 
 bool ZRFxAccess::RemoveFile(const ZRString& name) {

@@ -120,7 +120,8 @@ bool Case::addImage(const Str& name, Image* image) {
         return fail("Case document is invalid. Case folder not found.");
     }
     const std::string file = std::string("Textures\\") + kTexturePrefix + name.toStdString();
-    return m_access->WriteImage(m_private->entryName(file + ".raw"), *image) ||
+    return (ZRConvert::isFileName(name) &&
+            m_access->WriteImage(m_private->entryName(file + ".raw"), *image)) ||
            fail("Error writing the image to the ZRFx file.");
 }
 

@@ -106,6 +106,10 @@ Str ZRConvert::toStr(const ZRString& text) {
     return Str(text.Bytes());
 }
 
+bool ZRConvert::isFileName(const Str& name) {
+    return name.toStdString().find_first_of("/\\") == std::string::npos;
+}
+
 int ZRConvert::fromBlockType(Block::BlockType type) {
     return toZR(kBlockTypes, type, kInvalidBlockType,
                 "Invalid type id %1 given (Block::BlockType).");

@@ -17,6 +17,9 @@ namespace nuo::zrfx {
 class ZRConvert {
 public:
     static unstruct::ZRString toZRString(const Str& text);
+    /// Whether a name lies in no folder, so that what it is given to is listed again.
+    static bool isFileName(const Str& name);
+
     static Str toStr(const unstruct::ZRString& text);
 
     static int fromBlockType(Block::BlockType type);  ///< the invalid block type

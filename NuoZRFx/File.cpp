@@ -162,8 +162,9 @@ bool File::addUserTextFile(const Str& fileName, const Str& content) {
     if (fileName.isEmpty()) return fail("Given file name string was empty.");
     if (content.isEmpty()) return fail("Given file content string was empty.");
     const std::string text = content.toStdString();
-    return m_private->m_zrfxAccess->WriteDataRaw(userEntry(fileName), text.data(), text.size(),
-                                                 true) ||
+    return (ZRConvert::isFileName(fileName) &&
+            m_private->m_zrfxAccess->WriteDataRaw(userEntry(fileName), text.data(), text.size(),
+                                                  true)) ||
            fail("Error writing the user file to the ZRFx file.");
 }
 

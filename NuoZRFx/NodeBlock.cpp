@@ -1,5 +1,6 @@
 #include "NuoZRFx/NodeBlock.h"
 
+#include <limits>
 #include <utility>
 
 #include "Log_p.h"
@@ -42,7 +43,8 @@ unstruct::ZRFxBlock* NodeBlock::internal_zrfxBlock() const {
 }
 
 bool NodeBlock::allocateNodes(std::size_t count) {
-    return m_private->m_nodeBlock->Reserve(static_cast<std::int64_t>(count));
+    return count <= std::numeric_limits<std::int64_t>::max() &&
+           m_private->m_nodeBlock->Reserve(static_cast<std::int64_t>(count));
 }
 
 bool NodeBlock::addNode(const Vec3f& node, int nodeId) {

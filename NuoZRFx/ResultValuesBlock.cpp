@@ -61,7 +61,9 @@ ResultValuesBlock::ResultValueDimension ResultValuesBlock::dimension() const {
 }
 
 bool ResultValuesBlock::allocateResultValues(int count) {
-    return m_private->m_resultValuesBlock->Reserve(count);
+    NVF_ASSERT(count >= 0);
+    return count >= 0 && isValidDimension(dimension()) &&
+           m_private->m_resultValuesBlock->Reserve(count);
 }
 
 bool ResultValuesBlock::addResultValue1d(float value, int mapToItemId) {

@@ -28,11 +28,9 @@ bool readNodes(Database& database) {
         if (block.isNull()) return false;
         const NodeBlock& nodes = static_cast<const NodeBlock&>(*block);
         const float* xyz = nodes.nodeData();
-        std::cout << "  nodes " << nodes.blockId() << ": " << nodes.nodeCount();
-        if (nodes.nodeCount() > 0) {
-            std::cout << ", the first at " << xyz[0] << " " << xyz[1] << " " << xyz[2];
-        }
-        std::cout << "\n";
+        std::cout << "  nodes " << nodes.blockId() << ": " << nodes.nodeCount() << "\n";
+        if (nodes.nodeCount() == 0) continue;
+        std::cout << "  the first at " << xyz[0] << " " << xyz[1] << " " << xyz[2] << "\n";
     }
     return true;
 }

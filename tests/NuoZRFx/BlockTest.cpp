@@ -60,6 +60,7 @@ TEST_F(BlockTest, NodesThatDoNotFitAreRefused) {
     const float xyz[] = {1, 2, 3};
     const int ids[] = {1};
     ExpectRefused({
+        {"too much room", [&] { return with->allocateNodes(SIZE_MAX); }, {}},
         {"no id", [&] { return with->addNode(0, 0, 0); }, {needsId}},
         {"id too many", [&] { return without->addNode(0, 0, 0, 5); }, {needsId}},
         {"no coordinates",
@@ -572,6 +573,9 @@ TEST_F(BlockTest, ValuesThatDoNotFitAreRefused) {
     const float data[6] = {};
     const int itemIds[] = {1};
     ExpectRefused({
+        {"negative room",
+         [&] { return scalars->allocateResultValues(-1); },
+         {Assertion("count >= 0")}},
         {"none",
          [&] { return scalars->setResultValues({}, {}); },
          {Assertion("!resultValues.empty()")}},

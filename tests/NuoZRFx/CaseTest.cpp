@@ -65,6 +65,9 @@ TEST_F(CaseTest, ImagesAreStoredReplacedAndRefused) {
     EXPECT_TRUE(view->addImage("a", &small));
     EXPECT_TRUE(view->addImage("b.raw", &small));
     EXPECT_TRUE(view->addImage("a", &large));
+    ExpectRefused({{"folder",
+                    [&] { return view->addImage("a/b", &small); },
+                    {"Error writing the image to the ZRFx file."}}});
     Reopen();
     const Case& read = *m_file.fileCase(0);
     ASSERT_EQ(2u, read.imageCount());

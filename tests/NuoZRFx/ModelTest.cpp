@@ -12,7 +12,7 @@ using namespace nuo::zrfx;
 using namespace test;
 using testing::ElementsAreArray;
 
-using Form = std::tuple<bool, const char*, int>;
+using Form = std::tuple<bool, std::string, int>;
 
 // How a file can be made: binary or text, its password, its level.
 class ModelTest : public InterfaceTest, public testing::WithParamInterface<Form> {
@@ -21,7 +21,9 @@ protected:
         FileSettings settings;
         settings.vendorName = "V\u00E9ndor";
         settings.applicationName = "Solver & Sons <1>";
-        std::tie(settings.binary, settings.password, settings.compressionLevel) = GetParam();
+        std::string password;
+        std::tie(settings.binary, password, settings.compressionLevel) = GetParam();
+        settings.password = nuo::Str(password);
         return settings;
     }
 };
@@ -74,13 +76,14 @@ TEST_P(ModelTest, BlocksThatWereReadAreWrittenToAnotherFile) {
 
 std::string nameOf(const testing::TestParamInfo<Form>& info) {
     const auto& [isBinary, password, level] = info.param;
-    return std::string(isBinary ? "Binary" : "Text") + (*password ? "Encrypted" : "Plain") +
+    return std::string(isBinary ? "Binary" : "Text") + (password.empty() ? "Plain" : "Encrypted") +
            "Level" + std::to_string(level);
 }
 
-INSTANTIATE_TEST_SUITE_P(Forms, ModelTest,
-                         testing::Combine(testing::Bool(), testing::Values("", "gehe\u00EFm"),
-                                          testing::Values(0, 5, 9)),
-                         nameOf);
+INSTANTIATE_TEST_SUITE_P(
+    Forms, ModelTest,
+    testing::Combine(testing::Bool(), testing::Values(std::string(), std::string("gehe\u00EFm")),
+                     testing::Values(0, 5, 9)),
+    nameOf);
 
 }  // namespace

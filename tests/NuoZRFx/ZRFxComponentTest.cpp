@@ -57,8 +57,7 @@ TEST(ZRFxComponentTest, FailedAssertionReachesTheHostWithItsPlaceAndThrowsWhenAs
     EXPECT_EQ(nuo::LL_ERROR, message.level);
     EXPECT_EQ(nuo::Str("nuo.nvf"), message.logger);
     EXPECT_EQ(nuo::Str("ASSERT:  (index < count())"), message.text);
-    EXPECT_NE(std::string::npos,
-              message.fileName.toStdString().find("PropertySetCollection.cpp"));
+    EXPECT_NE(std::string::npos, message.fileName.toStdString().find("PropertySetCollection.cpp"));
     EXPECT_GT(message.lineNumber, 0);
 }
 
@@ -73,8 +72,7 @@ TEST(ZRFxComponentTest, LevelsApplyToALoggerAndAllBelowIt) {
     nuo::Mat4d().rowCol(4, 0);
     ASSERT_EQ(1u, recorder->messages.size());
     EXPECT_EQ(nuo::Str("ZRFx component 3.11.0 initialized"), recorder->messages[0].text);
-    EXPECT_EQ(nuo::Str("nuo::zrfx::ZRFxComponent::initialize"),
-              recorder->messages[0].functionName);
+    EXPECT_EQ(nuo::Str("nuo::zrfx::ZRFxComponent::initialize"), recorder->messages[0].functionName);
     EXPECT_EQ(nuo::LL_OFF, log->level("nuo.nvf.unstruct"));
     log->setDestination(nullptr);
 }

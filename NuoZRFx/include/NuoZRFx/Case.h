@@ -22,8 +22,8 @@ class File;
 class NUO_API Case : public RefCountedObject {
 public:
     /// Adds a case to a file that was created or opened for append. The id must be new, neither id
-    /// negative, the name not empty. On failure the reason is logged, the case is not part of the
-    /// file, and its id is -1.
+    /// negative, the name not empty. Whether there is such a database is not checked. On failure
+    /// the reason is logged, the case is not part of the file, and its id is -1.
     Case(File* file, const Str& name, int id, int databaseId);
     ~Case() override;
 
@@ -41,7 +41,8 @@ public:
     /// belongs to the case and is valid until the next call or setSnapshot.
     const Image* snapshot() const;
 
-    /// Replaces the picture by a copy; null takes it away.
+    /// Replaces the picture by a copy, which is stored as JPEG; null takes it away. A picture
+    /// without pixels cannot be written.
     void setSnapshot(Image* image);
 
     /// Textures of parts, in the order of the archive, by the names that they were added under.
@@ -52,7 +53,8 @@ public:
     /// the next call.
     const Image* image(std::size_t index) const;
 
-    /// Stores a texture at once, in place of the one of that name. The image stays the caller's.
+    /// Stores a texture at once, in place of the one of that name, which has no folders in it. The
+    /// image stays the caller's.
     bool addImage(const Str& name, Image* image);
 
     /// The viewer settings; empty or null when the case has none. They belong to the case.

@@ -61,7 +61,10 @@ public:
     SolutionType solutionType() const;
 
     /// Writes a block at once, in place of the block of its type and id that the database may have.
-    /// The block is only read and stays the caller's. False when the block is not valid.
+    /// The block is only read and stays the caller's; what it refers to may change or go
+    /// afterwards. When the block cannot be stored, the one that it would replace stays. When
+    /// writing fails on the way, for example on a full disk, the database has neither, and the
+    /// block can be written again.
     bool writeBlock(const Block* block);
 
     std::size_t blockCount(Block::BlockType type) const;
@@ -69,8 +72,12 @@ public:
     /// Id of the block at an index below blockCount(type), in rising order; -1 otherwise.
     int blockId(Block::BlockType type, std::size_t index) const;
 
-    /// Reads a block with all its data into a new object of the class of its type. Null, with a
-    /// message, when there is none or it cannot be read. Sets are read by the operations below.
+    /// Reads a block with all its data into a new object of the class of its type, to which the
+    /// result may be cast. It stays usable after the file is closed. Null, with a message, when
+    /// there is none or it cannot be read. Sets are read by the operations below.
+    ///
+    ///     nuo::PtrRef<nuo::zrfx::Block> block = database->blockById(nuo::zrfx::Block::NODES, 1);
+    ///     if (block) show(static_cast<const nuo::zrfx::NodeBlock&>(*block));
     PtrRef<Block> blockByIndex(Block::BlockType type, std::size_t index);
     PtrRef<Block> blockById(Block::BlockType type, int id);
 

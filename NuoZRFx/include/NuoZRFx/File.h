@@ -38,7 +38,7 @@ public:
     ~File() override;
 
     /// Closes what is open, then creates a file. An existing one of that name is replaced, by the
-    /// first flush or by close.
+    /// first flush or by close. Give the name the extension ".zrfx", by which files are recognized.
     bool create(const Str& fileName, const FileSettings& settings);
 
     /// Opens a file for reading; close first what is open. An encrypted file needs its password. A
@@ -53,7 +53,9 @@ public:
     bool openForAppend(const Str& fileName, const Str& password);
 
     /// Makes all that was written so far durable and visible to others who open the file, and
-    /// leaves it open for writing. A process killed later loses nothing of it.
+    /// leaves it open for writing. A process killed later loses nothing of it. Writes nothing when
+    /// nothing is new. After a failure it can be tried again. False without a message when nothing
+    /// is open.
     bool flush();
 
     /// Writes databases and cases out and closes. Every new database must have a state info block
@@ -82,8 +84,8 @@ public:
     /// One more than the largest id in use, 0 at first and with nothing open.
     int unusedFileCaseId() const;
 
-    /// Stores a text under a name, without ".txt", in the folder of user files. Neither may be
-    /// empty.
+    /// Stores a text under a name, without ".txt" and without folders, in the folder of user files,
+    /// in place of the one of that name. Neither may be empty.
     bool addUserTextFile(const Str& fileName, const Str& content);
     std::size_t userTextFileCount() const;
 

@@ -7,7 +7,9 @@ namespace nuo::zrfx {
 /// How File::create makes a file: a plain value.
 class FileSettings {
 public:
-    bool binary = true;            ///< Data files are packed binary values; else lines of text.
+    /// Data files are packed binary values; else lines of text, which keep six significant digits
+    /// of a value and bring each undefined one back as 2.99e38.
+    bool binary = true;
     bool digitallySigned = false;  ///< Kept with the file's settings; no signature is made.
     int compressionLevel = 5;      ///< 0 (stored) to 9 (smallest); what lies outside is clamped.
     Str vendorName;                ///< Who makes the exporting application.

@@ -22,7 +22,7 @@ public:
 
     unstruct::ZRFxBlock* internal_zrfxBlock() const override;
 
-    /// Makes room for a number of nodes in all.
+    /// Makes room for a number of nodes in all; false when there is not so much memory.
     bool allocateNodes(std::size_t count);
 
     /// Appends a node. An id of 0 or more goes with a block built with ids, a negative one with a

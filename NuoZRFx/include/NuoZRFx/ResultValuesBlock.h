@@ -30,7 +30,7 @@ public:
 
     ResultValueDimension dimension() const;
 
-    /// Makes room for a number of items in all.
+    /// Makes room for a number of items in all, 0 or more; false when there is not so much memory.
     bool allocateResultValues(int count);
 
     /// Appends one item; the id goes with a block built with item ids, else it must be negative.

@@ -35,7 +35,8 @@ public:
     void setItemType(ItemType itemType);
     bool itemsSpecifiedAsIds() const;
 
-    /// Appends items that lie in an element block, to the group of that block.
+    /// Appends items that lie in an element block, to the group of that block. Indices are not
+    /// negative: a set that has one cannot be read.
     void addItem(int item, int elementBlockId);
     void addItems(const int* items, std::size_t count, int elementBlockId);
 

@@ -32,8 +32,9 @@ public:
     bool addStateInfo(int stateId, const Str& stateName, float referenceValue,
                       ReferenceValueType referenceValueType);
 
-    /// Makes a group of states that were added before. Without a name it is called "Group" and its
-    /// id. A group without states is not stored.
+    /// Makes a group of states that were added before; other ids are left out. A state belongs to
+    /// the last group that it was given to. Without a name the group is called "Group" and its id.
+    /// A group without states is not stored.
     bool addGroupInfo(int groupId, const Str& groupName, const std::vector<int>& stateIds);
 
     std::size_t stateCount() const;

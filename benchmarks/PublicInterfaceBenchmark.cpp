@@ -1,0 +1,245 @@
+// What the public interface costs on top of the container: the same arrays and documents, written
+// and read by both in turn. Counters give the best time of each in milliseconds, and their ratio.
+// TMPDIR decides where the files lie.
+#include <NuoZRFx/NuoZRFx.h>
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <chrono>
+#include <filesystem>
+#include <functional>
+#include <limits>
+#include <string>
+#include <vector>
+
+#include "ZROZRFxAccess.h"
+#include "ZROZRFxXml.h"
+
+namespace {
+
+using namespace nuo::zrfx;
+using nuo::PtrRef;
+using unstruct::ZRFxAccess;
+using unstruct::ZRString;
+using unstruct::ZRZipAccessMode;
+
+constexpr std::size_t kNodeCount = 10'000'000;
+constexpr int kBlockCount = 20'000;
+constexpr std::size_t kValueCount = 1'000;
+
+std::string pathOf(const char* name) {
+    return (std::filesystem::temp_directory_path() / name).string();
+}
+
+void require(bool isDone) {
+    if (!isDone) std::abort();
+}
+
+// Values that neither compress to nothing nor not at all.
+std::vector<float> makeValues(std::size_t count) {
+    std::vector<float> values(count);
+    for (std::size_t i = 0; i < count; ++i) {
+        values[i] = 0.25f * static_cast<float>(i * 7919 % 1000) + static_cast<float>(i / 1000);
+    }
+    return values;
+}
+
+// What a result values block says of itself.
+void describe(nvf::XmlDocument& document) {
+    nvf::XmlElement root = document.createRootElement("ResultValues", unstruct::kNamespaceUri);
+    for (const char* name : {"ID", "MapToBlockID", "NumDimensions"}) root.setAttributeInt(name, 1);
+    root.setAttributeBool("WithID", false);
+    nvf::XmlElement file = root.addChildElement("File");
+    file.setAttributeUtf8("Filename", "ResultValues\\ResultValues0001");
+    file.setAttributeInt("NumItems", 1000);
+}
+
+template <typename Item>
+unstruct::ZRArray<Item> refer(const Item* items, std::size_t count) {
+    unstruct::ZRArray<Item> array;
+    array.Refer(items, static_cast<std::int64_t>(count));
+    return array;
+}
+
+double timeOf(const std::function<void()>& work) {
+    const auto start = std::chrono::steady_clock::now();
+    work();
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+void compare(benchmark::State& state, const std::function<void()>& container,
+             const std::function<void()>& interface) {
+    double bestContainer = std::numeric_limits<double>::max();
+    double bestInterface = bestContainer;
+    for (auto _ : state) {
+        bestContainer = std::min(bestContainer, timeOf(container));
+        const double time = timeOf(interface);
+        bestInterface = std::min(bestInterface, time);
+        state.SetIterationTime(time);
+    }
+    state.counters["container_ms"] = 1e3 * bestContainer;
+    state.counters["interface_ms"] = 1e3 * bestInterface;
+    state.counters["ratio"] = bestInterface / bestContainer;
+}
+
+// A file of the container alone, open for writing.
+void create(ZRFxAccess& access, const std::string& path, int level) {
+    require(access.Open(path, ZRZipAccessMode::CREATE));
+    access.SetCompression(level, ZRFxAccess::kDefaultSmartness, ZRFxAccess::kDefaultBufferSize,
+                          ZRFxAccess::kDefaultBufferSize);
+    require(access.WriteXmlFile("ZRF.xml", *ZRFxAccess::CreateMainDocument("", "", 0), true));
+}
+
+PtrRef<Database> create(File& file, const std::string& path, int level) {
+    FileSettings settings;
+    settings.compressionLevel = level;
+    require(file.create(path, settings));
+    PtrRef<Database> database =
+        new Database(&file, "a", 0, Database::STRUCTURAL, Database::TRANSIENT, "");
+    PtrRef<GeometryBlock> geometry = new GeometryBlock(1);
+    PtrRef<StateInfoBlock> states = new StateInfoBlock;
+    require(geometry->addElementBlock(0, 1, 1) &&
+            states->addStateInfo(1, "", 0, StateInfoBlock::TIME) &&
+            database->writeBlock(geometry.p()) && database->writeBlock(states.p()));
+    return database;
+}
+
+void initialize() {
+    nuo::Instance instance;
+    require(ZRFxComponent::initialize(&instance));
+}
+
+class Nodes {
+public:
+    explicit Nodes(int level) : m_level(level) {
+        initialize();
+        for (std::size_t i = 0; i < kNodeCount; ++i) m_ids[i] = static_cast<int>(i + 1);
+    }
+
+    void WriteContainer() const {
+        ZRFxAccess access;
+        create(access, m_container, m_level);
+        const auto* vectors = reinterpret_cast<const nuo::Vec3f*>(m_coordinates.data());
+        require(access.WriteDataVectorAsFloat("Nodes.dat", refer(vectors, kNodeCount)) &&
+                access.WriteDataInt("IDs.dat", refer(m_ids.data(), kNodeCount)) && access.Close());
+    }
+
+    void WriteInterface() const {
+        File file;
+        const PtrRef<Database> database = create(file, m_interface, m_level);
+        PtrRef<NodeBlock> nodes = new NodeBlock(1, true);
+        require(nodes->setNodeData(m_coordinates.data(), kNodeCount, m_ids.data()) &&
+                database->writeBlock(nodes.p()) && file.close());
+    }
+
+    void ReadContainer() const {
+        ZRFxAccess access;
+        unstruct::ZRVec3fArray nodes;
+        unstruct::ZRIntArray ids;
+        require(access.Open(m_container, ZRZipAccessMode::READ_ONLY) &&
+                access.ReadDataVector("Nodes.dat", &nodes) && access.ReadDataInt("IDs.dat", &ids));
+        benchmark::DoNotOptimize(nodes.Data());
+    }
+
+    void ReadInterface() const {
+        File file;
+        require(file.open(m_interface));
+        const PtrRef<Block> nodes = file.database(0)->blockById(Block::NODES, 1);
+        require(nodes.notNull());
+        benchmark::DoNotOptimize(static_cast<const NodeBlock&>(*nodes).nodeData());
+    }
+
+private:
+    const std::string m_container = pathOf("benchmark-container.zrfx");
+    const std::string m_interface = pathOf("benchmark-interface.zrfx");
+    const int m_level;
+    const std::vector<float> m_coordinates = makeValues(3 * kNodeCount);
+    std::vector<int> m_ids = std::vector<int>(kNodeCount);
+};
+
+class Results {
+public:
+    explicit Results(int level) : m_level(level) {
+        initialize();
+        describe(m_document);
+    }
+
+    void WriteContainer() const {
+        ZRFxAccess access;
+        create(access, m_container, m_level);
+        for (int i = 0; i < kBlockCount; ++i) {
+            const std::string name = "Values\\Values" + std::to_string(i);
+            require(access.WriteDataFloat(name + ".dat", refer(m_values.data(), kValueCount)) &&
+                    access.WriteXmlFile(name + ".xml", m_document, false));
+        }
+        require(access.Close());
+    }
+
+    void WriteInterface() const {
+        File file;
+        const PtrRef<Database> database = create(file, m_interface, m_level);
+        for (int i = 0; i < kBlockCount; ++i) {
+            PtrRef<ResultValuesBlock> values =
+                new ResultValuesBlock(i, ResultValuesBlock::SCALAR1D, false);
+            require(values->setMapToBlockId(1, Block::NODES) &&
+                    values->setResultValueData(m_values.data(), kValueCount, nullptr) &&
+                    database->writeBlock(values.p()));
+        }
+        require(file.close());
+    }
+
+    void ReadContainer() const {
+        ZRFxAccess access;
+        require(access.Open(m_container, ZRZipAccessMode::READ_ONLY));
+        for (int i = 0; i < kBlockCount; ++i) {
+            const std::string name = "Values\\Values" + std::to_string(i);
+            unstruct::ZRFloatArray values;
+            nvf::XmlDocument document;
+            require(access.ReadDataFloat(name + ".dat", &values) &&
+                    access.InternalReadXmlFile(name + ".xml", unstruct::LogMode::LOG, &document));
+        }
+    }
+
+    void ReadInterface() const {
+        File file;
+        require(file.open(m_interface));
+        for (int i = 0; i < kBlockCount; ++i) {
+            require(file.database(0)->blockById(Block::RESULT_VALUES, i).notNull());
+        }
+    }
+
+private:
+    const std::string m_container = pathOf("benchmark-container.zrfx");
+    const std::string m_interface = pathOf("benchmark-interface.zrfx");
+    const int m_level;
+    const std::vector<float> m_values = makeValues(kValueCount);
+    nvf::XmlDocument m_document;
+};
+
+template <typename Load>
+void Write(benchmark::State& state) {
+    const Load load(static_cast<int>(state.range(0)));
+    compare(
+        state, [&] { load.WriteContainer(); }, [&] { load.WriteInterface(); });
+}
+
+template <typename Load>
+void Read(benchmark::State& state) {
+    const Load load(static_cast<int>(state.range(0)));
+    load.WriteContainer();
+    load.WriteInterface();
+    compare(
+        state, [&] { load.ReadContainer(); }, [&] { load.ReadInterface(); });
+}
+
+// Levels: stored, where nothing hides what the interface does, and the default.
+void levels(benchmark::internal::Benchmark* benchmark) {
+    benchmark->ArgName("level")->Arg(0)->Arg(5)->UseManualTime()->Unit(benchmark::kMillisecond);
+}
+
+BENCHMARK_TEMPLATE(Write, Nodes)->Apply(levels)->Iterations(3);
+BENCHMARK_TEMPLATE(Read, Nodes)->Apply(levels)->Iterations(3);
+BENCHMARK_TEMPLATE(Write, Results)->Apply(levels)->Iterations(3);
+BENCHMARK_TEMPLATE(Read, Results)->Apply(levels)->Iterations(3);
+
+}  // namespace
