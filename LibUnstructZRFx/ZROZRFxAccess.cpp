@@ -260,10 +260,7 @@ bool ZRFxAccess::WriteXmlFile(const ZRString& name, const nvf::XmlDocument& doc,
                               name);
     }
     const std::string text = doc.toUtf8();
-    if (isThere && !RemoveFile(name)) {
-        return m_logger->fail("Could not write Xml file '%1' to archive", name);
-    }
-    return m_pArchive->Add(name.Bytes(), text.data(), text.size(), m_compressionLevel) ||
+    return Store(name, text.data(), text.size(), isThere) ||
            FailWithCause("Could not write Xml file '%1' to archive", name);
 }
 
@@ -310,10 +307,7 @@ bool ZRFxAccess::WriteDataRaw(const ZRString& name, const void* data, std::size_
         return m_pArchive->Add(name.Bytes(), nullptr, 0) ||
                FailWithCause("Could not add empty file '%1' to archive", name);
     }
-    if ((overwrite || m_alwaysOverwrite) && !RemoveFile(name)) {
-        return m_logger->fail("Could not add file '%1' to archive", name);
-    }
-    return m_pArchive->Add(name.Bytes(), data, numBytes, m_compressionLevel) ||
+    return Store(name, data, numBytes, overwrite || m_alwaysOverwrite) ||
            FailWithCause("Could not add file '%1' to archive", name);
 }
 
@@ -490,7 +484,7 @@ bool ZRFxAccess::GetArchiveInfo(ZRFxArchiveInfo* info) {
         info->binary = info->binary || extension == ".DAT";
         info->text = info->text ||
                      (extension == ".TXT" && belowFolder(entry.sName, kUserDataFolder).empty());
-        if (info->compressed && info->encrypted && info->binary) break;
+        if (info->compressed && info->encrypted && info->binary && info->text) break;
     }
     return true;
 }
@@ -508,6 +502,16 @@ bool ZRFxAccess::CheckWritable(const ZRString& name) {
     if (m_readOnly) return m_logger->fail("The file is read only.");
     if (name.IsBlank()) return m_logger->fail("No filename specified.");
     return true;
+}
+
+// Replacing takes the place of the entry under slashes too, and keeps what was there when it fails.
+bool ZRFxAccess::Store(const ZRString& name, const void* data, std::size_t numBytes,
+                       bool overwrite) {
+    if (!overwrite) return m_pArchive->Add(name.Bytes(), data, numBytes, m_compressionLevel);
+    if (!m_pArchive->Replace(name.Bytes(), data, numBytes, m_compressionLevel)) return false;
+    const std::string slashed = withSlashes(name.Bytes());
+    return slashed == name.Bytes() || !m_pArchive->Contains(slashed) ||
+           m_pArchive->Remove(slashed);
 }
 
 template <typename Query>

@@ -179,6 +179,7 @@ public:
 private:
     bool TakeOpened(bool isOpened, ZRZipAccessMode mode);
     bool CheckWritable(const ZRString& name);
+    bool Store(const ZRString& name, const void* data, std::size_t numBytes, bool overwrite);
     template <typename Query>
     bool FromMainDocument(Query query);
     bool GetCaseFile(int caseId, const char* element, ZRString* fileName, bool* isGiven);

@@ -155,6 +155,18 @@ bool ZRFxZipArchive::Add(std::string_view sName, const void* pData, uint64_t nSi
     });
 }
 
+bool ZRFxZipArchive::Replace(std::string_view sName, const void* pData, uint64_t nSize,
+                             int nLevel) {
+    return Guarded(sName, [&] {
+        ItemPtr pItem;
+        if (!CheckWritable(sName) || !CheckName(sName)) return false;
+        if (!MakePending(sName, pData, nSize, nLevel, &pItem)) return false;
+        if (Item* pOld = FindItem(sName)) Drop(pOld);
+        AppendPending(std::move(pItem));
+        return true;
+    });
+}
+
 bool ZRFxZipArchive::Remove(std::string_view sName) {
     return Guarded(sName, [&] {
         if (!CheckWritable(sName)) return false;
@@ -314,10 +326,13 @@ bool ZRFxZipArchive::CheckWritable(std::string_view sName) {
     return !m_bReadOnly || Fail(sName, "the archive is open for reading only");
 }
 
-bool ZRFxZipArchive::CheckNewName(std::string_view sName) {
+bool ZRFxZipArchive::CheckName(std::string_view sName) {
     if (sName.empty()) return Fail(sName, "the entry has no name");
-    if (sName.size() > 0xFFFF) return Fail({}, "the name of the entry is too long");
-    return !Contains(sName) || Fail(sName, "the entry exists");
+    return sName.size() <= 0xFFFF || Fail({}, "the name of the entry is too long");
+}
+
+bool ZRFxZipArchive::CheckNewName(std::string_view sName) {
+    return CheckName(sName) && (!Contains(sName) || Fail(sName, "the entry exists"));
 }
 
 ZRFxZipArchive::Item* ZRFxZipArchive::FindItem(std::string_view sName) const {
@@ -365,6 +380,17 @@ void ZRFxZipArchive::Compact() {
 
 bool ZRFxZipArchive::AddChecked(std::string_view sName, const void* pData, uint64_t nSize,
                                 int nLevel) {
+    ItemPtr pItem;
+    if (!MakePending(sName, pData, nSize, nLevel, &pItem)) return false;
+    Item* pAdded = pItem.get();
+    AppendPending(std::move(pItem));
+    if (m_nPendingBytes < Threshold() || CommitChanges()) return true;
+    if (pAdded->bPending) Drop(pAdded);
+    return false;
+}
+
+bool ZRFxZipArchive::MakePending(std::string_view sName, const void* pData, uint64_t nSize,
+                                 int nLevel, ItemPtr* ppItem) {
     const uint64_t nRoom = ZRFxCipher::kPrefixSize + ZRFxCipher::kSuffixSize;
     if (nSize > ZRFxZipRawData::kMaxLength - (m_cipher.HasPassword() ? nRoom : 0)) {
         return Fail(sName, "the entry is larger than 4 GiB");
@@ -375,14 +401,14 @@ bool ZRFxZipArchive::AddChecked(std::string_view sName, const void* pData, uint6
     pItem->bPending = true;
     pItem->nTime = std::time(nullptr);
     if (nSize > 0 && !Pack(pData, static_cast<size_t>(nSize), nLevel, pItem.get())) return false;
+    *ppItem = std::move(pItem);
+    return true;
+}
 
-    Item* pAdded = pItem.get();
-    m_nPendingBytes += pAdded->packed.Length();
+void ZRFxZipArchive::AppendPending(ItemPtr pItem) {
+    m_nPendingBytes += pItem->packed.Length();
     m_bChanged = true;
     Append(std::move(pItem));
-    if (m_nPendingBytes < Threshold() || CommitChanges()) return true;
-    if (pAdded->bPending) Drop(pAdded);
-    return false;
 }
 
 // Deflates straight into the buffer that waits for the commit, with room for encryption around.

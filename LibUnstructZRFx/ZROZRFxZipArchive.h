@@ -88,6 +88,10 @@ public:
     /// and the commit fails, the entry is not added and those before it stay pending. Data of length
     /// 0 makes an empty entry, which is never encrypted.
     bool Add(std::string_view sName, const void* pData, uint64_t nSize, int nLevel = kDefaultLevel);
+    /// The same in place of the entry of that name, if there is one, which stays when this fails. It
+    /// does not commit by itself.
+    bool Replace(std::string_view sName, const void* pData, uint64_t nSize,
+                 int nLevel = kDefaultLevel);
     bool Remove(std::string_view sName);
     /// Reads the whole entry; what it declares is checked against its length in the archive before
     /// memory is taken, and its data against CRC or authentication code before it is given.
@@ -121,6 +125,7 @@ private:
     void Reset();
 
     bool CheckWritable(std::string_view sName);
+    bool CheckName(std::string_view sName);
     bool CheckNewName(std::string_view sName);
     Item* FindItem(std::string_view sName) const;
     void Append(ItemPtr pItem);
@@ -129,6 +134,9 @@ private:
     void Compact();
 
     bool AddChecked(std::string_view sName, const void* pData, uint64_t nSize, int nLevel);
+    bool MakePending(std::string_view sName, const void* pData, uint64_t nSize, int nLevel,
+                     ItemPtr* ppItem);
+    void AppendPending(ItemPtr pItem);
     bool Pack(const void* pData, size_t nSize, int nLevel, Item* pItem);
     bool Encrypt(Item* pItem);
 
