@@ -6,7 +6,7 @@ execute_process(COMMAND ${CMAKE_COMMAND} --install ${BUILD} --prefix ${prefix}
     OUTPUT_QUIET COMMAND_ERROR_IS_FATAL ANY)
 
 execute_process(
-    COMMAND ${CMAKE_COMMAND} -S ${CONSUMER} -B ${WORK}/build -DCMAKE_PREFIX_PATH=${prefix}
+    COMMAND ${CMAKE_COMMAND} -G ${GENERATOR} -S ${CONSUMER} -B ${WORK}/build -DCMAKE_PREFIX_PATH=${prefix}
             -DCMAKE_CXX_COMPILER=${COMPILER}
     COMMAND_ERROR_IS_FATAL ANY)
 execute_process(COMMAND ${CMAKE_COMMAND} --build ${WORK}/build COMMAND_ERROR_IS_FATAL ANY)

@@ -74,12 +74,15 @@ ref<Logger> LogManager::findOrCreate(const String& name) {
     return m_loggers[name] = new Logger(name, parentLogger->level(), parentLogger->destination());
 }
 
+// Every block asks for its logger, so the names are made once.
 ref<Logger> interfaceLogger() {
-    return LogManager::instance()->logger("nuo.comp.zrfx");
+    static const String name("nuo.comp.zrfx");
+    return LogManager::instance()->logger(name);
 }
 
 ref<Logger> archiveLogger() {
-    return LogManager::instance()->logger("nuo.nvf.unstruct.zrfx");
+    static const String name("nuo.nvf.unstruct.zrfx");
+    return LogManager::instance()->logger(name);
 }
 
 }  // namespace nvf

@@ -47,6 +47,21 @@ TEST_F(ZRFxZipArchiveTest, MemoryFilesWorkLikeFiles) {
     EXPECT_EQ(ReadModel(m_sPath), expected);
 }
 
+TEST_F(ZRFxZipArchiveTest, ReplacingThatFailsKeepsTheOldEntry) {
+    ASSERT_TRUE(m_archive.Open(m_sPath, ZRFxOpenMode::kCreate));
+    for (const bool bCommitted : {false, true}) {
+        ASSERT_TRUE(ReplaceText(&m_archive, "ZRF.xml", "<old/>"));
+        ASSERT_TRUE(!bCommitted || m_archive.Commit());
+        {
+            FaultySystem system;
+            system.FailCall(1, ENOMEM, FaultySystem::Failing::kFromThenOn);
+            EXPECT_FALSE(m_archive.Replace("ZRF.xml", "<new/>", 6));
+        }
+        EXPECT_NE(m_archive.LastError().find("ZRF.xml"), std::string::npos);
+        EXPECT_EQ(ContentOf(&m_archive), (Model{{"ZRF.xml", "<old/>"}}));
+    }
+}
+
 TEST_F(ZRFxZipArchiveTest, PendingEntriesAreReadReplacedAndRemovedAtOnce) {
     ASSERT_TRUE(m_archive.Open(m_sPath, ZRFxOpenMode::kCreate));
     for (const char* sPassword : {"", "geheim"}) {

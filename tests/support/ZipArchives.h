@@ -33,8 +33,7 @@ inline bool AddText(unstruct::ZRFxZipArchive* pArchive, const std::string& sName
 
 inline bool ReplaceText(unstruct::ZRFxZipArchive* pArchive, const std::string& sName,
                         const std::string& sData, int nLevel = 6) {
-    return (!pArchive->Contains(sName) || pArchive->Remove(sName)) &&
-           AddText(pArchive, sName, sData, nLevel);
+    return pArchive->Replace(sName, sData.data(), sData.size(), nLevel);
 }
 
 inline bool ReadText(unstruct::ZRFxZipArchive* pArchive, const std::string& sName,
