@@ -5,29 +5,7 @@
 namespace unstruct {
 
 ZRFxResultBlock::ZRFxResultBlock(ZRFxDatabase* pDatabase, int id)
-    : ZRFxBlock(pDatabase, id, BLOCK_RESULTS) {}
-
-bool ZRFxResultBlock::ReadMetaData() {
-    nvf::XmlDocument doc;
-    const nvf::XmlElement root = GetRootElement(&doc);
-    if (root.isNull()) return Log().fail("Invalid XML");
-    return DoReadMetaData(root) && ZRFxBlock::ReadMetaData();
-}
-
-ZRFxStateValues* ZRFxResultBlock::AddState(int stateID) {
-    SetRead(true);
-    return StateValuesOf(stateID, &m_apStates);
-}
-
-void ZRFxResultBlock::RemoveStates(std::int64_t iFrom, std::int64_t iTo) {
-    NVF_ASSERT(iTo >= 0 && iTo < m_apStates.GetSize());
-    m_apStates.RemoveRange(iFrom, iTo);
-}
-
-bool ZRFxResultBlock::DoReadBlock(const nvf::XmlElement& root) {
-    return DoReadMetaData(root) &&
-           (ReadStateValues(root, &m_apStates) || Log().fail("Invalid XML"));
-}
+    : ZRFxStatesBlock(pDatabase, id, BLOCK_RESULTS) {}
 
 bool ZRFxResultBlock::DoWriteBlock(nvf::XmlElement root) {
     const ZRFxResultDescription& d = m_description;
@@ -47,12 +25,8 @@ bool ZRFxResultBlock::DoWriteBlock(nvf::XmlElement root) {
         SetAttribute(attribute, "Name", name);
         SetAttribute(attribute, "Value", value);
     }
-    WriteStateValues(root, m_apStates);
+    WriteStates(root);
     return true;
-}
-
-void ZRFxResultBlock::DoUnloadData() {
-    m_apStates.RemoveAll();
 }
 
 bool ZRFxResultBlock::DoReadMetaData(const nvf::XmlElement& root) {
