@@ -192,10 +192,10 @@ ZRFxBlock* ZRFxDatabase::GetBlock(int globalIndex) const {
 
 bool ZRFxDatabase::ReadXmlFile(const ZRString& fileName, nvf::XmlDocument* doc) const {
     if (!GetAccess()) return false;
-    const ZRString inFolder = EntryName(fileName);
-    const bool isRelative = GetAccess()->InternalFindFile(fileName, LogMode::SILENT) < 0 &&
-                            GetAccess()->InternalFindFile(inFolder, LogMode::SILENT) >= 0;
-    return GetAccess()->InternalReadXmlFile(isRelative ? inFolder : fileName, LogMode::LOG, doc);
+    const bool isRelative =
+        !GetAccess()->Contains(fileName) && GetAccess()->Contains(EntryName(fileName));
+    return GetAccess()->InternalReadXmlFile(isRelative ? EntryName(fileName) : fileName,
+                                            LogMode::LOG, doc);
 }
 
 nvf::ref<nvf::XmlDocument> ZRFxDatabase::CreateDescription() const {
@@ -256,7 +256,7 @@ bool ZRFxDatabase::ParseDescription(const ZRFxDatabaseInfo& info) {
 
 bool ZRFxDatabase::ParseBlocks() {
     StartTOC();
-    const bool hasTOC = GetAccess()->InternalFindFile(EntryName(kTOCName), LogMode::SILENT) >= 0;
+    const bool hasTOC = GetAccess()->Contains(EntryName(kTOCName));
     std::vector<BlockLine> lines;
     if (hasTOC) {
         if (!ParseTOC(&lines)) return false;
