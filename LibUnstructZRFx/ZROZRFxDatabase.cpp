@@ -11,7 +11,6 @@ namespace unstruct {
 namespace {
 
 constexpr const char* kTOCName = "Database-TOC.xml";
-constexpr const char* kDescriptionName = "Database.xml";
 
 ZRString folderOf(int id) {
     char folder[32];

@@ -530,6 +530,9 @@ bool ZRFxZipArchive::ReadItem(const Item& item, ZRFxZipRawData* pRaw) {
     if (entry.nSize > ZRFxZipRawData::kMaxLength) {
         return Fail(entry.sName, "the entry is larger than 4 GiB");
     }
+    if (entry.eEncryption == ZRFxZipEntry::Encryption::kUnreadable) {
+        return Fail(entry.sName, "the encryption is not supported");
+    }
     if (entry.eEncryption == ZRFxZipEntry::Encryption::kOther ||
         (entry.nMethod != kZipStored && entry.nMethod != kZipDeflated)) {
         return ReadForeign(item, pRaw);
