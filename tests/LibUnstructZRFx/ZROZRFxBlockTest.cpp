@@ -27,23 +27,6 @@ using test::Damage;
 using test::Entries;
 using test::SampleBlock;
 
-// A system without memory for more than so many large buffers.
-class ShortOfMemory : public ZRFxSystem {
-public:
-    static constexpr int kEnough = 1 << 30;
-
-    ShortOfMemory() { Install(this); }
-    ~ShortOfMemory() { Install(nullptr); }
-    void* Allocate(std::size_t size) override {
-        return m_requestsLeft-- > 0 ? ZRFxSystem::Allocate(size) : nullptr;
-    }
-    void* Reallocate(void* buffer, std::size_t size) override {
-        return m_requestsLeft-- > 0 ? ZRFxSystem::Reallocate(buffer, size) : nullptr;
-    }
-
-    int m_requestsLeft = kEnough;
-};
-
 // A second archive of a test, with a database of the same id.
 struct Copy {
     Copy() {
@@ -461,23 +444,6 @@ TEST_F(ZRFxBlockTest, ContentsThatCannotBeStoredLeaveTheDatabaseAsItIs) {
     expectRefused(tensors.p());
     TakeTexts();
     ExpectOpensAgain();
-}
-
-// Memory runs out for the archive at its first request, at its second, and so on.
-TEST_F(ZRFxBlockTest, BlockThatTheArchiveRefusesIsGoneAndCanBeWrittenAgain) {
-    Write(SampleBlock(BLOCK_SET, 7));
-    ShortOfMemory memory;
-    bool isWritten = false;
-    for (int requests = 0; !isWritten; ++requests) {
-        Write(SampleBlock(BLOCK_ELEMENTS, 1));
-        memory.m_requestsLeft = requests;
-        isWritten = SampleBlock(BLOCK_ELEMENTS, 1)->WriteBlock(&m_database);
-        memory.m_requestsLeft = ShortOfMemory::kEnough;
-        EXPECT_EQ(TakeTexts().empty(), isWritten);
-        EXPECT_EQ(m_database.GetNumBlocks(), isWritten ? 2 : 1);
-        ExpectOpensAgain();
-        ASSERT_LT(requests, 1000);
-    }
 }
 
 TEST_F(ZRFxBlockTest, FilesThatAKilledWriterLeftAreReplaced) {

@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <fstream>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "support/InterfaceTest.h"
@@ -16,14 +17,16 @@ namespace {
 using namespace nuo::zrfx;
 using namespace test;
 
-// Compared without ever having the text itself in memory.
+// A piece of a text that repeats itself, so that what is left of it anywhere is found. Compared
+// without ever having the text itself in memory.
 template <typename Character>
 class Needle {
 public:
     static constexpr Character kMask = 0x55;
 
-    explicit Needle(const std::basic_string<Character>& text) : m_masked(text) {
-        for (Character& c : m_masked) c = static_cast<Character>(c ^ kMask);
+    explicit Needle(std::basic_string_view<Character> text) {
+        for (const Character c : text.substr(text.size() / 2, 26))
+            m_masked += static_cast<Character>(c ^ kMask);
     }
 
     bool isIn(const std::vector<char>& bytes) const {
@@ -71,11 +74,12 @@ void forEachRegion(Visit visit) {
 
 class SecretsTest : public InterfaceTest {
 protected:
-    // A text that is in memory once, in the object itself.
+    // A text that is in memory once, in the object itself; long, so that what is given back unwiped
+    // is not soon overwritten by other things.
     static nuo::Str MakePassword() {
         std::wstring text;
-        text.reserve(64);
-        for (int i = 0; i < 40; ++i) text += static_cast<wchar_t>(L'a' + (i * i * 7 + i) % 26);
+        text.reserve(2000);
+        for (int i = 0; i < 2000; ++i) text += static_cast<wchar_t>(L'a' + (i * i * 7 + i) % 26);
         const nuo::Str password(text);
         explicit_bzero(text.data(), text.size() * sizeof(wchar_t));
         return password;
@@ -92,7 +96,7 @@ TEST_F(SecretsTest, PasswordIsNowhereInMemoryOnceTheFileIsClosed) {
     nuo::Str password = MakePassword();
     std::string utf8 = password.toStdString();
     const Needle<char> narrow(utf8);
-    const Needle<wchar_t> wide{std::wstring(password.c_str())};
+    const Needle<wchar_t> wide(password.c_str());
     explicit_bzero(utf8.data(), utf8.size());
     File file;
     {
