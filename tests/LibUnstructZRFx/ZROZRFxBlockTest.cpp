@@ -546,6 +546,33 @@ TEST_F(ZRFxBlockTest, LegacyGeometryHasOneGeometryPerState) {
     EXPECT_EQ(TakeTexts().back(), "Invalid XML");
 }
 
+TEST_F(ZRFxBlockTest, GeometryInfosTakeOneRecordForEachStateOrOneForAll) {
+    ZRFxGeometryBlock block(nullptr, 1);
+    block.AddState(5)->AddPart(0, {-1, 40, BLOCK_ELEMENTS, 7});
+    ZRFxGeometryInfoBlock names(nullptr, 1);
+    names.SetGeometryCountPerState(1);
+    names.GetPartInfos(0)->AddPartInfo({7, -1, "Deck", false});
+    ZRPtrArray<ZRFxStateInfo> states;
+    for (const int id : {5, 6, 8}) states.Add(std::make_unique<ZRFxStateInfo>())->stateID = id;
+    ZRPtrArray<ZRFxGeometryInfo> infos;
+    EXPECT_FALSE(block.FillGeometryInfos(names, &states, &infos));
+    ExpectAssertion("pGeoInfos->GetSize() == GetGeometryCountPerState()");
+    infos.Add(std::make_unique<ZRFxGeometryInfo>());
+    ASSERT_TRUE(block.FillGeometryInfos(names, &states, &infos));
+    ASSERT_EQ(infos[0]->states.size(), 3u);
+    EXPECT_EQ(infos[0]->partInfos.GetPartInfo(0).partName, "Deck");
+    EXPECT_EQ(infos[0]->states[2].stateID, 8);
+    EXPECT_EQ(infos[0]->states[2].parts.at(0).blockID, 40);
+    block.AddState(6);
+    EXPECT_FALSE(block.FillGeometryInfos(names, &states, &infos));
+    ExpectAssertion("iNumGeometryStates == iNumStates || iNumGeometryStates == 1");
+    EXPECT_FALSE(block.FillGeometryInfos(names, nullptr, &infos));
+    ExpectAssertion("pGeoInfos && pStateInfos");
+    states.RemoveRange(2, 2);
+    ASSERT_TRUE(block.FillGeometryInfos(names, &states, &infos));
+    EXPECT_TRUE(infos[0]->states[1].parts.empty());
+}
+
 // A few kilobytes that ask for gigabytes, or for hours.
 TEST_F(ZRFxBlockTest, DocumentTakesNoMoreThanItHolds) {
     std::string states;
