@@ -44,7 +44,8 @@ public:
                                          nLevel) == 0,
                 "zip_set_file_compression");
         if (m_packing.sPassword.empty()) return;
-        Require(zip_file_set_encryption(m_pZip, nEntry, ZIP_EM_AES_256, nullptr) == 0, "encryption");
+        Require(zip_file_set_encryption(m_pZip, nEntry, ZIP_EM_AES_256, nullptr) == 0,
+                "encryption");
     }
 
     void Read(const std::string& sName, PeerReceived* pReceived) {

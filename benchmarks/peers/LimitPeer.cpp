@@ -59,8 +59,7 @@ public:
 
 private:
     PeerBytes Pack(PeerBytes bytes) {
-        const size_t nBound =
-            libdeflate_deflate_compress_bound(m_compressor.get(), bytes.size());
+        const size_t nBound = libdeflate_deflate_compress_bound(m_compressor.get(), bytes.size());
         std::byte* pPacked = m_packed.AtLeast(nBound);
         const size_t nPacked = libdeflate_deflate_compress(m_compressor.get(), bytes.data(),
                                                            bytes.size(), pPacked, nBound);
@@ -106,8 +105,7 @@ private:
         std::byte* pPacked = m_packed.AtLeast(m_header.nPacked);
         Get(pPacked, m_header.nPacked);
         Require(libdeflate_deflate_decompress(m_decompressor.get(), pPacked, m_header.nPacked,
-                                              pData, m_header.nSize,
-                                              nullptr) == LIBDEFLATE_SUCCESS,
+                                              pData, m_header.nSize, nullptr) == LIBDEFLATE_SUCCESS,
                 "libdeflate");
     }
 

@@ -12,9 +12,9 @@
 
 /// How a file is packed. Peers ignore what they do not know.
 struct PeerPacking {
-    int nLevel = 5;           // 0 (not packed) to 9.
-    std::string sVariant;     // One of Peer::Variants.
-    std::string sPassword;    // Empty for a file in the clear.
+    int nLevel = 5;         // 0 (not packed) to 9.
+    std::string sVariant;   // One of Peer::Variants.
+    std::string sPassword;  // Empty for a file in the clear.
 };
 
 using PeerBytes = std::span<const std::byte>;

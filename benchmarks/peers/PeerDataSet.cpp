@@ -164,7 +164,7 @@ std::vector<int> PeerDataSet::Elements::NodesFromOne() const {
     std::vector<int> aResult(aNodes.size());
     std::transform(aNodes.begin(), aNodes.end(), aResult.begin(), [](int n) { return n + 1; });
     // They give the mid-side nodes of the edges between bottom and top before those of the top.
-    const size_t nSides = eType == ElementType::HEXAHEDRONS_20     ? 4
+    const size_t nSides = eType == ElementType::HEXAHEDRONS_20    ? 4
                           : eType == ElementType::PENTAHEDRONS_15 ? 3
                                                                   : 0;
     if (nSides == 0) return aResult;

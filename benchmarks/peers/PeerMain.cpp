@@ -125,8 +125,8 @@ public:
 
     void Append() {
         const size_t nLast = m_data.aStates.size() - 1;
-        const PeerPacking packing{m_peer->HasLevels() ? m_options.anLevels[0] : 0,
-                                  m_peer->ModelVariants()[0], {}};
+        const PeerPacking packing{
+            m_peer->HasLevels() ? m_options.anLevels[0] : 0, m_peer->ModelVariants()[0], {}};
         const WorkFolder original(m_options.sFolder + "/before");
         m_peer->Write(original.File(), packing, nLast);
         PeerCase append;

@@ -114,8 +114,8 @@ void Require(bool bHolds, const std::string& sWhat) {
 
 PeerFigures Measure(const PeerCase& peerCase) {
     std::vector<PeerFigures> aRounds;
-    while (aRounds.size() < kMinRounds ||
-           (aRounds.size() < peerCase.nMaxRounds && Sum(aRounds, &PeerFigures::dWall) < kEnoughSeconds)) {
+    while (aRounds.size() < kMinRounds || (aRounds.size() < peerCase.nMaxRounds &&
+                                           Sum(aRounds, &PeerFigures::dWall) < kEnoughSeconds)) {
         aRounds.push_back(Round(peerCase));
     }
     const double dCpu = Median(aRounds, [](const auto& f) { return f.dUser + f.dSystem; });

@@ -9,11 +9,11 @@ void Require(bool bHolds, const std::string& sWhat);
 
 /// What one case took: medians of at least three rounds.
 struct PeerFigures {
-    double dWall = 0;    // Seconds.
-    double dUser = 0;    // CPU seconds; see below.
+    double dWall = 0;  // Seconds.
+    double dUser = 0;  // CPU seconds; see below.
     double dSystem = 0;
-    double dMemory = 0;  // Peak resident bytes above those before the clock started.
-    double dWritten = 0; // Bytes handed to the system's calls for writing.
+    double dMemory = 0;   // Peak resident bytes above those before the clock started.
+    double dWritten = 0;  // Bytes handed to the system's calls for writing.
     int nRounds = 0;
 };
 

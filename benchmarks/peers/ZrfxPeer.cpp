@@ -182,9 +182,9 @@ private:
                 "setNodeData");
         elements->setNodeBlockId(1);
         for (const PeerDataSet::Elements& group : m_pData->aElements) {
-            Require(elements->addElementData(group.eType, group.aNodes.data(), group.Count(),
-                                             nullptr),
-                    "addElementData");
+            Require(
+                elements->addElementData(group.eType, group.aNodes.data(), group.Count(), nullptr),
+                "addElementData");
         }
         WriteBlock(database, *nodes);
         WriteBlock(database, *elements);
