@@ -45,7 +45,6 @@ public:
                std::to_string(CGNS_VERSION % 1000 / 100);
     }
     bool HasLevels() const override { return false; }
-    std::vector<std::string> ObjectVariants() const override { return {"data"}; }
 
     void Write(const std::string& sPath, const PeerPacking&, size_t nStates) override {
         const File file(sPath, CG_MODE_WRITE);
@@ -75,38 +74,6 @@ public:
                    PeerReceived* pReceived) override {
         const File file(sPath, CG_MODE_READ);
         ReadColumn(file, nState, ColumnNames()[0], pReceived);
-        file.Close();
-    }
-
-    void WriteObjects(const std::string& sPath, const PeerPacking&,
-                      const std::vector<std::vector<float>>& aaObjects) override {
-        const File file(sPath, CG_MODE_WRITE);
-        int nBase = 0;
-        Check(cg_base_write(file, "Base", 3, 3, &nBase), "cg_base_write");
-        Check(cg_goto(file, 1, "end"), "cg_goto");
-        Check(cg_user_data_write("Objects"), "cg_user_data_write");
-        Check(cg_goto(file, 1, "Objects", 0, "end"), "cg_goto");
-        for (size_t i = 0; i < aaObjects.size(); ++i) {
-            const auto nSize = static_cast<cgsize_t>(aaObjects[i].size());
-            Check(cg_array_write(ObjectName(i).c_str(), RealSingle, 1, &nSize, aaObjects[i].data()),
-                  "cg_array_write");
-        }
-        file.Close();
-    }
-
-    void ReadObjects(const std::string& sPath, const PeerPacking&, size_t nObjects,
-                     PeerReceived* pReceived) override {
-        const File file(sPath, CG_MODE_READ);
-        Check(cg_goto(file, 1, "Objects", 0, "end"), "cg_goto");
-        for (int i = 1; i <= static_cast<int>(nObjects); ++i) {
-            char sName[33];
-            DataType_t eType = RealSingle;
-            int nDimensions = 0;
-            cgsize_t nSize = 0;
-            Check(cg_array_info(i, sName, &eType, &nDimensions, &nSize), "cg_array_info");
-            auto* pData = pReceived->Allocate<float>(static_cast<size_t>(nSize));
-            Check(cg_array_read(i, pData), "cg_array_read");
-        }
         file.Close();
     }
 

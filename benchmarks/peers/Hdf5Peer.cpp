@@ -1,5 +1,6 @@
 // HDF5 with its deflate filter, with and without shuffling the bytes before. A dataset an array,
-// whole rows in chunks of about a MiB; without packing contiguous.
+// whole rows in chunks of about 64 KiB, the fastest of 64 KiB to whole arrays; without packing
+// contiguous.
 #include <hdf5.h>
 
 #include <algorithm>
@@ -8,7 +9,7 @@
 
 namespace {
 
-constexpr size_t kChunkBytes = 1 << 20;
+constexpr size_t kChunkBytes = 64 << 10;
 
 // A handle of the library, closed by the function of its kind.
 class Handle {

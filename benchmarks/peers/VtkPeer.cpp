@@ -1,7 +1,7 @@
 // VTK XML (.vtu) with its zlib compressor, as raw appended data. A file holds the mesh once and the
-// arrays of all states under names of their own, which is the shortest that the format allows. A
-// file that is closed takes no further array: the next state goes into a file of its own, with the
-// mesh, as in a series of files.
+// arrays of all states under names of their own, which is the shortest that the format allows;
+// blocks of 64 KiB are the fastest. A file that is closed takes no further array: the next state
+// goes into a file of its own, with the mesh, as in a series of files.
 #include <vtkCellArray.h>
 #include <vtkCellType.h>
 #include <vtkDataArraySelection.h>
@@ -29,7 +29,7 @@ using Type = nuo::zrfx::ElementBlock::ElementType;
 using Grid = vtkSmartPointer<vtkUnstructuredGrid>;
 using Arrays = std::vector<vtkSmartPointer<vtkFloatArray>>;
 
-constexpr size_t kBlockBytes = 1 << 20;
+constexpr size_t kBlockBytes = 64 << 10;
 
 unsigned char CellTypeOf(Type eType) {
     constexpr VTKCellType aTypes[] = {VTK_VERTEX,
