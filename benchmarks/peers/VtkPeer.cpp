@@ -7,11 +7,11 @@
 #include <vtkDataArraySelection.h>
 #include <vtkFieldData.h>
 #include <vtkFloatArray.h>
-#include <vtkIdTypeArray.h>
 #include <vtkNew.h>
 #include <vtkPointData.h>
 #include <vtkPoints.h>
 #include <vtkSmartPointer.h>
+#include <vtkTypeInt32Array.h>
 #include <vtkUnsignedCharArray.h>
 #include <vtkUnstructuredGrid.h>
 #include <vtkVersion.h>
@@ -82,7 +82,6 @@ void WriteGrid(const std::string& sPath, const PeerPacking& packing, vtkUnstruct
     writer->SetDataModeToAppended();
     writer->EncodeAppendedDataOff();
     writer->SetHeaderTypeToUInt64();
-    writer->SetIdTypeToInt32();
     writer->SetBlockSize(kBlockBytes);
     if (packing.nLevel == 0) {
         writer->SetCompressorTypeToNone();
@@ -191,18 +190,17 @@ private:
         return sPath + "-" + std::to_string(nState);
     }
 
-    // The library keeps the cells of all types together, in numbers of 64 bits; the file has
-    // 32.
+    // The library keeps the cells of all types together.
     void PrepareCells(const PeerDataSet& data) {
-        vtkNew<vtkIdTypeArray> offsets;
-        vtkNew<vtkIdTypeArray> nodes;
+        vtkNew<vtkTypeInt32Array> offsets;
+        vtkNew<vtkTypeInt32Array> nodes;
         vtkNew<vtkUnsignedCharArray> types;
         offsets->InsertNextValue(0);
         for (const PeerDataSet::Elements& elements : data.aElements) {
             for (int nNode : elements.aNodes) nodes->InsertNextValue(nNode);
             for (size_t i = 0; i < elements.Count(); ++i) {
-                const vtkIdType nLast = offsets->GetValue(offsets->GetNumberOfValues() - 1);
-                offsets->InsertNextValue(nLast + static_cast<vtkIdType>(elements.NodesOfEach()));
+                const int nLast = offsets->GetValue(offsets->GetNumberOfValues() - 1);
+                offsets->InsertNextValue(nLast + static_cast<int>(elements.NodesOfEach()));
                 types->InsertNextValue(CellTypeOf(elements.eType));
             }
         }
