@@ -114,12 +114,14 @@ void ReadElements(Database& database, int nNodeBlock, PeerDataSet& data) {
     }
 }
 
-// The values of a result in a state; no values where there is not one for each node.
-PeerDataSet::Field ReadField(Database& database, const ResultBlock& result, size_t nState,
+// The values of a result in a state; none where there is not one for each node.
+PeerDataSet::Field ReadField(Database& database, const ResultBlock& result, int nStateId,
                              size_t nNodes) {
-    PeerDataSet::Field field{result.name().toStdString(), 0, {}};
-    std::replace(field.sName.begin(), field.sName.end(), ' ', '_');
-    const std::vector<int> aIds = result.resultValuesBlocks(nState);
+    // All peers take such a name, as they do not the names of all results.
+    PeerDataSet::Field field{"Field" + std::to_string(result.blockId()), 0, {}};
+    const int nState = result.stateIndex(nStateId);
+    if (nState < 0) return field;
+    const std::vector<int> aIds = result.resultValuesBlocks(static_cast<size_t>(nState));
     if (aIds.size() != 1) return field;
     const auto values = ReadBlock<ResultValuesBlock>(database, Block::RESULT_VALUES, aIds[0]);
     if (values->hasMapToItemIds() || values->itemCount() != nNodes) return field;
@@ -128,14 +130,13 @@ PeerDataSet::Field ReadField(Database& database, const ResultBlock& result, size
     return field;
 }
 
+// Adds a field to each state, when the result has it in all.
 void ReadResult(Database& database, const ResultBlock& result, PeerDataSet& data) {
     if (result.resultMapping() != ResultBlock::NODE_MAPPING) return;
     std::vector<PeerDataSet::Field> aFields;
     for (const PeerDataSet::State& state : data.aStates) {
-        const int nState = result.stateIndex(static_cast<int>(state.fTime));
-        if (nState < 0) return;
         aFields.push_back(
-            ReadField(database, result, static_cast<size_t>(nState), data.NodeCount()));
+            ReadField(database, result, static_cast<int>(state.fTime), data.NodeCount()));
         if (aFields.back().aValues.empty()) return;
     }
     for (size_t i = 0; i < aFields.size(); ++i) {
@@ -143,16 +144,13 @@ void ReadResult(Database& database, const ResultBlock& result, PeerDataSet& data
     }
 }
 
-// The states of the first result that has any. Until the values are read, the time of a state is
-// its id, by which the results refer to it.
-void ReadStates(Database& database, PeerDataSet& data) {
+// The states are those of the first result. Their ids serve as their times: peers only store them.
+void ReadResults(Database& database, PeerDataSet& data) {
     for (size_t i = 0; i < database.blockCount(Block::RESULT); ++i) {
         const auto result =
             ReadBlock<ResultBlock>(database, Block::RESULT, database.blockId(Block::RESULT, i));
-        if (data.aStates.empty()) {
-            for (size_t n = 0; n < result->stateCount(); ++n) {
-                data.aStates.push_back({static_cast<float>(result->stateId(n)), {}});
-            }
+        for (size_t n = 0; i == 0 && n < result->stateCount(); ++n) {
+            data.aStates.push_back({static_cast<float>(result->stateId(n)), {}});
         }
         ReadResult(database, *result, data);
     }
@@ -206,7 +204,7 @@ PeerDataSet PeerDataSet::ReadZrfx(const std::string& sPath) {
     PeerDataSet data;
     data.aCoordinates.assign(nodes->nodeData(), nodes->nodeData() + 3 * nodes->nodeCount());
     ReadElements(database, nNodeBlock, data);
-    ReadStates(database, data);
+    ReadResults(database, data);
     Require(!data.aStates.empty() && !data.aStates[0].aFields.empty(), "results in " + sPath);
     return data;
 }

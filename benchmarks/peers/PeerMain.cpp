@@ -28,8 +28,8 @@ struct Options {
 // Gone with all that is in it. The copies of the process end without destructors.
 class WorkFolder {
 public:
-    explicit WorkFolder(const std::string& sParent)
-        : m_folder(fs::absolute(sParent) / ("peers-" + std::to_string(getpid()))) {
+    WorkFolder(const std::string& sParent, const char* sName)
+        : m_folder(fs::absolute(sParent) / (sName + std::to_string(getpid()))) {
         Clear();
     }
     ~WorkFolder() { fs::remove_all(m_folder); }
@@ -101,7 +101,7 @@ void RequireEqual(const std::vector<PeerBytes>& aWritten, const PeerReceived& re
 class Comparison {
 public:
     Comparison(const Options& options, const PeerDataSet& data)
-        : m_options(options), m_data(data), m_folder(options.sFolder), m_peer(MakePeer()) {
+        : m_options(options), m_data(data), m_folder(options.sFolder, "peer-"), m_peer(MakePeer()) {
         m_peer->Prepare(data);
     }
 
@@ -127,7 +127,7 @@ public:
         const size_t nLast = m_data.aStates.size() - 1;
         const PeerPacking packing{
             m_peer->HasLevels() ? m_options.anLevels[0] : 0, m_peer->ModelVariants()[0], {}};
-        const WorkFolder original(m_options.sFolder + "/before");
+        const WorkFolder original(m_options.sFolder, "before-");
         m_peer->Write(original.File(), packing, nLast);
         PeerCase append;
         append.nMaxRounds = 5;
