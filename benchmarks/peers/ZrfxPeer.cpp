@@ -104,8 +104,8 @@ public:
         Require(file.create(sPath.c_str(), SettingsOf(packing)), "create");
         const PtrRef<Database> database = AddDatabase(file);
         WriteMesh(*database);
-        for (size_t i = 0; i < nStates; ++i) WriteState(*database, i);
         WriteLists(*database, nStates);
+        for (size_t i = 0; i < nStates; ++i) WriteState(*database, i);
         Require(file.close(), "close");
     }
 
@@ -219,8 +219,7 @@ private:
                 "addStateInfo");
     }
 
-    // What states and results there are. Written last: the next state replaces them, which is cheap
-    // only near the end of the file.
+    // What states and results there are.
     void WriteLists(Database& database, size_t nStates) const {
         WriteBlock(database, *StateInfos(nStates));
         for (size_t nField = 0; nField < Fields(0).size(); ++nField) {
