@@ -584,7 +584,7 @@ bool ZRFxAccess::ForEachName(ZRStringArray* names, TakeName takeName) {
 bool ZRFxAccess::FindEntry(const ZRString& name, std::string* entry) const {
     *entry = name.Bytes();
     if (m_pArchive->Contains(*entry)) return true;
-    if (entry->find(kFolderSeparator) == std::string::npos) return false;
+    if (!m_pArchive->HasSlashes()) return false;
     *entry = withSlashes(name.Bytes());
     return m_pArchive->Contains(*entry);
 }

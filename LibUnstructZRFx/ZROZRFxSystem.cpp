@@ -1,6 +1,7 @@
 #include "ZROZRFxSystem.h"
 
 #include <sys/file.h>
+#include <sys/mman.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -11,6 +12,16 @@
 
 namespace unstruct {
 namespace {
+
+// Large buffers are filled once, and half of the time that takes is the system's for giving page
+// after page. Where it cannot give larger ones nothing changes.
+void AskForHugePages(void* pBuffer, size_t nSize) {
+    constexpr uintptr_t kHugePage = uintptr_t{2} << 20;
+    const uintptr_t nStart = reinterpret_cast<uintptr_t>(pBuffer);
+    const uintptr_t nFrom = (nStart + kHugePage - 1) / kHugePage * kHugePage;
+    const uintptr_t nTo = (nStart + nSize) / kHugePage * kHugePage;
+    if (nFrom < nTo) madvise(reinterpret_cast<void*>(nFrom), nTo - nFrom, MADV_HUGEPAGE);
+}
 
 std::atomic<ZRFxSystem*> g_pInstalled{nullptr};
 
@@ -91,7 +102,9 @@ char* ZRFxSystem::RealPath(const char* sPath) {
 }
 
 void* ZRFxSystem::Allocate(size_t nSize) {
-    return std::malloc(nSize);
+    void* pBuffer = std::malloc(nSize);
+    if (pBuffer) AskForHugePages(pBuffer, nSize);
+    return pBuffer;
 }
 
 void* ZRFxSystem::Reallocate(void* pBuffer, size_t nSize) {

@@ -12,8 +12,8 @@ namespace unstruct {
 
 /// The one seam through which every system call of the archive layer goes. Each operation is one
 /// call with the result and the errno of its POSIX namesake; the default object makes the calls, a
-/// test installs an object of its own that counts them and fails the N-th. Stateless and usable from
-/// any thread; `Install` is for process start and tests, not while archives are at work.
+/// test installs an object of its own that counts them and fails the N-th. Stateless and usable
+/// from any thread; `Install` is for process start and tests, not while archives are at work.
 class ZRFxSystem {
 public:
     virtual ~ZRFxSystem() = default;

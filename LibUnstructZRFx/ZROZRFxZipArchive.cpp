@@ -1,6 +1,7 @@
 #include "ZROZRFxZipArchive.h"
 
 #include <algorithm>
+#include <array>
 #include <cassert>
 #include <chrono>
 #include <cstring>
@@ -25,6 +26,10 @@ constexpr uint64_t kNone = std::numeric_limits<uint64_t>::max();
 constexpr size_t kCopySize = size_t{1} << 20;
 // Entries up to this length are fetched together with their local header.
 constexpr uint64_t kSmallEntry = 64 * 1024;
+// Stored entries above that length begin where a large array of the heap does, this far behind a
+// multiple of that number: the system copies twice as fast between places of equal alignment.
+constexpr uint64_t kAlignment = 64;
+constexpr uint64_t kArrayStart = 16;
 constexpr uint32_t kCachedPart = 256 * 1024;
 constexpr size_t kUsualExtra = 48;
 // Below this length, a checksum beside encrypted data would tell too much of it. Other programs
@@ -34,11 +39,11 @@ constexpr int kMaxTries = 1000;
 constexpr int kMaxDamagedTries = 3;
 
 // Order within a commit: data, documents, and those documents that nearly every commit replaces.
-enum class WriteOrder { kData, kDocument, kLast };
+enum WriteOrder { kData, kDocument, kLast };
 
 WriteOrder WriteOrderOf(const std::string& sName) {
-    if (sName == "ZRF.xml" || sName.ends_with("-TOC.xml")) return WriteOrder::kLast;
-    return sName.ends_with(".xml") ? WriteOrder::kDocument : WriteOrder::kData;
+    if (sName == "ZRF.xml" || sName.ends_with("-TOC.xml")) return kLast;
+    return sName.ends_with(".xml") ? kDocument : kData;
 }
 
 }  // namespace
@@ -324,6 +329,8 @@ void ZRFxZipArchive::Reset() {
     m_nPendingBytes = 0;
     m_sComment.clear();
     m_scratch.Clear();
+    m_readAhead.Clear();
+    m_bHasSlashes = false;
     m_cipher.SetPassword({});
 }
 
@@ -351,6 +358,7 @@ void ZRFxZipArchive::Append(ItemPtr pItem) {
     pAppended->nSlot = m_apItems.size();
     m_apItems.push_back(std::move(pItem));
     m_byName.emplace(pAppended->entry.sName, pAppended);
+    m_bHasSlashes = m_bHasSlashes || pAppended->entry.sName.find('/') != std::string::npos;
 }
 
 void ZRFxZipArchive::Drop(Item* pItem) {
@@ -459,9 +467,9 @@ bool ZRFxZipArchive::Encrypt(ZRFxZipEntry* pEntry) {
 // fits its limit; once the file is being written to, what is large need not wait.
 bool ZRFxZipArchive::GoesToFile(const ZRFxZipEntry& entry) const {
     const WriteOrder eOrder = WriteOrderOf(entry.sName);
-    if (eOrder == WriteOrder::kLast) return false;
+    if (eOrder == kLast) return false;
     if (m_nPendingBytes + entry.nPackedSize > m_nPendingLimit) return true;
-    return m_bWriting && eOrder == WriteOrder::kData && entry.nPackedSize > kSmallEntry;
+    return m_bWriting && eOrder == kData && entry.nPackedSize > kSmallEntry;
 }
 
 bool ZRFxZipArchive::KeepPending(Item* pItem, const uint8_t* pPacked) {
@@ -487,7 +495,11 @@ bool ZRFxZipArchive::WriteAhead(Item* pItem, const uint8_t* pPacked) {
 }
 
 bool ZRFxZipArchive::WritePacked(const Item& item, const uint8_t* pPacked) {
-    const std::string sHeader = ZRFxZipDirectory::LocalHeader(item.entry, item.nTime);
+    std::string sHeader = ZRFxZipDirectory::LocalHeader(item.entry, item.nTime);
+    if (item.entry.nMethod == kZipStored && item.entry.nPackedSize > kSmallEntry) {
+        const uint64_t nStart = m_pStorage->Position() + sHeader.size();
+        ZRFxZipDirectory::Pad(&sHeader, (kArrayStart - nStart) % kAlignment);
+    }
     return (m_pStorage->Write(sHeader.data(), sHeader.size()) &&
             m_pStorage->Write(pPacked, static_cast<size_t>(item.entry.nPackedSize))) ||
            Fail(item.entry.sName, m_pStorage->Error());
@@ -501,7 +513,7 @@ bool ZRFxZipArchive::StartWriting() {
     for (size_t i = m_apItems.size(); i-- > 0;) {
         const Item& item = *m_apItems[i];
         if (item.ePlace != Item::Place::kCommitted) continue;
-        const bool bMoved = WriteOrderOf(item.entry.sName) != WriteOrder::kData &&
+        const bool bMoved = WriteOrderOf(item.entry.sName) != kData &&
                             m_nDirectoryOffset - item.entry.nOffset <= kMaxMovedDocuments;
         if (!bMoved) break;
         nFrom = std::min(nFrom, item.entry.nOffset);
@@ -572,31 +584,37 @@ bool ZRFxZipArchive::ReadPlace(const Item& item, uint64_t nOffset, void* pData, 
            Fail(item.entry.sName, m_pStorage->Error());
 }
 
-// Gives the packed bytes of an entry in the file, in the scratch buffer.
+// Gives the packed bytes of an entry in the file; they stay until the next read.
 bool ZRFxZipArchive::FetchPacked(const Item& item, const uint8_t** ppPacked) {
     const ZRFxZipEntry& entry = item.entry;
-    const uint64_t nHeader = ZRFxZipDirectory::kLocalHeaderSize + entry.sName.size();
-    const bool bSmall = entry.nPackedSize <= kSmallEntry;
-    const uint64_t nGuess = bSmall ? nHeader + kUsualExtra + entry.nPackedSize : entry.nPackedSize;
-    if (m_scratch.Length() < nGuess && !m_scratch.Allocate(nGuess)) {
+    if (entry.nPackedSize <= kSmallEntry && item.ePlace == Item::Place::kCommitted) {
+        return FetchSmall(entry, ppPacked);
+    }
+    if (m_scratch.Length() < entry.nPackedSize && !m_scratch.Allocate(entry.nPackedSize)) {
         return Fail(entry.sName, "out of memory");
     }
     uint64_t nData = 0;
-    if (bSmall) {
-        const uint64_t nEnd =
-            item.ePlace == Item::Place::kWritten ? m_pStorage->Position() : m_pStorage->Size();
-        const uint64_t nTogether = std::min(nGuess, nEnd - entry.nOffset);
-        if (!ReadPlace(item, entry.nOffset, m_scratch.Buffer(), nTogether)) return false;
-        if (!ZRFxZipDirectory::DataOffset(entry, m_scratch.Buffer(), &nData)) {
-            return Fail(entry.sName, "damaged local header");
-        }
-        *ppPacked = m_scratch.Buffer() + (nData - entry.nOffset);
-        if (nData - entry.nOffset + entry.nPackedSize <= nTogether) return true;
-    } else if (!LocateData(item, &nData)) {
-        return false;
-    }
     *ppPacked = m_scratch.Buffer();
-    return ReadPlace(item, nData, m_scratch.Buffer(), static_cast<size_t>(entry.nPackedSize));
+    return LocateData(item, &nData) &&
+           ReadPlace(item, nData, m_scratch.Buffer(), static_cast<size_t>(entry.nPackedSize));
+}
+
+// Header and data together, and more at once where entry after entry is read.
+bool ZRFxZipArchive::FetchSmall(const ZRFxZipEntry& entry, const uint8_t** ppPacked) {
+    const uint64_t nHeader = ZRFxZipDirectory::kLocalHeaderSize + entry.sName.size();
+    const uint64_t nGuess =
+        std::min(nHeader + kUsualExtra + entry.nPackedSize, m_pStorage->Size() - entry.nOffset);
+    const uint8_t* pHeader =
+        m_readAhead.Get(m_pStorage.get(), entry.nOffset, static_cast<size_t>(nGuess));
+    if (!pHeader) return Fail(entry.sName, m_pStorage->Error());
+    uint64_t nData = 0;
+    if (!ZRFxZipDirectory::DataOffset(entry, pHeader, &nData)) {
+        return Fail(entry.sName, "damaged local header");
+    }
+    *ppPacked = pHeader + (nData - entry.nOffset);
+    if (nData - entry.nOffset + entry.nPackedSize <= nGuess) return true;
+    *ppPacked = m_readAhead.Get(m_pStorage.get(), nData, static_cast<size_t>(entry.nPackedSize));
+    return *ppPacked || Fail(entry.sName, m_pStorage->Error());
 }
 
 // Large plain data goes from the file into the caller's buffer, and is summed while in the cache.
@@ -732,18 +750,20 @@ bool ZRFxZipArchive::CommitChanges() {
 ZRFxZipArchive::Layout ZRFxZipArchive::Plan() {
     Layout layout;
     std::vector<Item*> apAhead;
+    std::array<std::vector<Item*>, 3> aapByOrder;
     for (const ItemPtr& pItem : m_apItems) {
-        const bool bAhead = pItem->ePlace == Item::Place::kWritten;
         const bool bKept =
             pItem->ePlace == Item::Place::kCommitted && pItem->entry.nOffset < m_nWritingFrom;
-        (bAhead ? apAhead : bKept ? layout.apKept : layout.apWritten).push_back(pItem.get());
+        std::vector<Item*>& apPlace = bKept ? layout.apKept
+                                      : pItem->ePlace == Item::Place::kWritten
+                                          ? apAhead
+                                          : aapByOrder[WriteOrderOf(pItem->entry.sName)];
+        apPlace.push_back(pItem.get());
     }
     layout.apKept.insert(layout.apKept.end(), apAhead.begin(), apAhead.end());
-    std::stable_sort(layout.apWritten.begin(), layout.apWritten.end(),
-                     [](const Item* pLeft, const Item* pRight) {
-                         return WriteOrderOf(pLeft->entry.sName) <
-                                WriteOrderOf(pRight->entry.sName);
-                     });
+    for (const auto& apItems : aapByOrder) {
+        layout.apWritten.insert(layout.apWritten.end(), apItems.begin(), apItems.end());
+    }
     layout.anOffsets.reserve(layout.apWritten.size());
     layout.asRecords.reserve(layout.apWritten.size());
     return layout;
@@ -819,6 +839,7 @@ void ZRFxZipArchive::Apply(Layout* pLayout) {
     for (Item* pItem : pLayout->apWritten) m_apItems.emplace_back(pItem);
     for (size_t i = 0; i < m_apItems.size(); ++i) m_apItems[i]->nIndex = m_apItems[i]->nSlot = i;
     m_library.Close();
+    m_readAhead.Clear();
     m_nPendingBytes = 0;
     m_bReplacesAll = false;
     m_nDirectoryOffset = pLayout->nDirectoryOffset;

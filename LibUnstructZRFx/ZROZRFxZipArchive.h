@@ -8,6 +8,7 @@
 
 #include "ZROZRFxCipher.h"
 #include "ZROZRFxCodec.h"
+#include "ZROZRFxReadAhead.h"
 #include "ZROZRFxZipDirectory.h"
 #include "ZROZRFxZipLibrary.h"
 #include "ZROZRFxZipMemFile.h"
@@ -81,6 +82,8 @@ public:
     size_t EntryCount();
     EntryInfo EntryAt(size_t nIndex);
     bool Contains(std::string_view sName) const { return m_byName.count(sName) > 0; }
+    /// Whether a name of any entry, now or before, has a slash in it; foreign ones may.
+    bool HasSlashes() const { return m_bHasSlashes; }
     /// A number that no other entry has until the next change or commit; -1 when there is no such
     /// entry.
     int64_t IndexOf(std::string_view sName) const;
@@ -155,6 +158,7 @@ private:
     bool CheckDeclared(const ZRFxZipEntry& entry);
     bool CheckAes(const ZRFxZipEntry& entry);
     bool ReadPlace(const Item& item, uint64_t nOffset, void* pData, size_t nSize);
+    bool FetchSmall(const ZRFxZipEntry& entry, const uint8_t** ppPacked);
     bool FetchPacked(const Item& item, const uint8_t** ppPacked);
     bool FetchStored(const Item& item, ZRFxZipRawData* pRaw);
     bool LocateData(const Item& item, uint64_t* pOffset);
@@ -181,6 +185,7 @@ private:
     std::vector<ItemPtr> m_apItems;  // Null where an item was removed, until `Compact`.
     std::unordered_map<std::string_view, Item*> m_byName;
     bool m_bHasGaps = false;
+    bool m_bHasSlashes = false;
     uint64_t m_nDirectoryOffset = 0;
     uint64_t m_nFirstRemoved = 0;  // Lowest offset of a removed entry; else the directory's.
     bool m_bWriting = false;       // Entries of the next commit are in the file already.
@@ -193,8 +198,9 @@ private:
     ZRFxCodec m_codec;
     ZRFxCipher m_cipher;
     ZRFxZipLibrary m_library;
-    ZRFxZipRawData m_scratch;  // Packed bytes on their way in.
-    ZRFxZipRawData m_plain;    // The same decrypted, when they are pending and must stay.
+    ZRFxZipRawData m_scratch;  // Packed bytes on their way in or out.
+    ZRFxReadAhead m_readAhead;
+    ZRFxZipRawData m_plain;  // The same decrypted, when they are pending and must stay.
     std::string m_sError;
 };
 

@@ -21,6 +21,7 @@ constexpr size_t kEnd64Size = 56;
 constexpr size_t kLocator64Size = 20;
 constexpr uint16_t kExtraZip64 = 0x0001;
 constexpr uint16_t kExtraAes = 0x9901;
+constexpr uint16_t kExtraAlignment = 0xD935;
 constexpr uint16_t kMethodAes = 99;
 constexpr uint16_t kFlagEncrypted = 1;
 constexpr uint16_t kFlagDescriptor = 1 << 3;
@@ -208,6 +209,19 @@ std::string ZRFxZipDirectory::LocalHeader(const ZRFxZipEntry& entry, std::time_t
     Put16(&s, entry.sName.size());
     Put16(&s, sExtra.size());
     return s + entry.sName + sExtra;
+}
+
+// The extra field by which other ZIP programs align data, too: its multiple, then zeros.
+void ZRFxZipDirectory::Pad(std::string* pHeader, uint64_t nBytes) {
+    constexpr uint64_t kLeast = 6;
+    if (nBytes == 0) return;
+    if (nBytes < kLeast) nBytes += 64;
+    uint8_t* pExtraSize = reinterpret_cast<uint8_t*>(pHeader->data()) + 28;
+    StoreLittleEndian(pExtraSize, static_cast<uint16_t>(Load16(pExtraSize) + nBytes));
+    Put16(pHeader, kExtraAlignment);
+    Put16(pHeader, nBytes - 4);
+    Put16(pHeader, 16);
+    pHeader->append(nBytes - kLeast, '\0');
 }
 
 std::string ZRFxZipDirectory::CentralRecord(const ZRFxZipEntry& entry, std::time_t nTime) {

@@ -58,6 +58,8 @@ public:
 
     /// For a new entry: all fields but sRecord are set.
     static std::string LocalHeader(const ZRFxZipEntry& entry, std::time_t nTime);
+    /// Lengthens a local header by nBytes, or by 64 more where so few cannot be taken up.
+    static void Pad(std::string* pHeader, uint64_t nBytes);
     static std::string CentralRecord(const ZRFxZipEntry& entry, std::time_t nTime);
     /// The record of an entry that was copied as it is to another offset.
     static std::string MovedRecord(const ZRFxZipEntry& entry, uint64_t nNewOffset);
