@@ -289,14 +289,14 @@ bool ZRFxZipArchive::Take(std::unique_ptr<ZRFxZipStorage> pStorage, ZRFxZipDirec
     if (eMode == ZRFxOpenMode::kUpdate && !pDirectory->bOrderly) {
         return Fail({}, "entries overlap, the archive cannot be changed");
     }
-    m_byName.reserve(pDirectory->aEntries.size());
+    m_byName.Reserve(pDirectory->aEntries.size());
     m_apItems.reserve(pDirectory->aEntries.size());
     for (size_t i = 0; i < pDirectory->aEntries.size(); ++i) {
         auto pItem = std::make_unique<Item>();
         pItem->entry = std::move(pDirectory->aEntries[i]);
         pItem->nIndex = i;
         if (Item* pEarlier = FindItem(pItem->entry.sName)) {
-            m_byName.erase(pEarlier->entry.sName);
+            m_byName.Erase(pEarlier);
             m_apItems[pEarlier->nSlot].reset();
             m_bHasGaps = true;
         }
@@ -316,7 +316,7 @@ void ZRFxZipArchive::Reset() {
     m_pStream.reset();
     m_library.Close();
     m_pStorage.reset();
-    m_byName.clear();
+    m_byName.Clear();
     m_apItems.clear();
     m_bHasGaps = false;
     m_bReadOnly = false;
@@ -348,21 +348,20 @@ bool ZRFxZipArchive::CheckNewName(std::string_view sName) {
     return CheckName(sName) && (!Contains(sName) || Fail(sName, "the entry exists"));
 }
 
-ZRFxZipArchive::Item* ZRFxZipArchive::FindItem(std::string_view sName) const {
-    const auto found = m_byName.find(sName);
-    return found == m_byName.end() ? nullptr : found->second;
+std::string_view ZRFxZipArchive::NameOf(const Item& item) {
+    return item.entry.sName;
 }
 
 void ZRFxZipArchive::Append(ItemPtr pItem) {
     Item* pAppended = pItem.get();
     pAppended->nSlot = m_apItems.size();
     m_apItems.push_back(std::move(pItem));
-    m_byName.emplace(pAppended->entry.sName, pAppended);
+    m_byName.Insert(pAppended);
     m_bHasSlashes = m_bHasSlashes || pAppended->entry.sName.find('/') != std::string::npos;
 }
 
 void ZRFxZipArchive::Drop(Item* pItem) {
-    m_byName.erase(pItem->entry.sName);
+    m_byName.Erase(pItem);
     if (pItem->ePlace == Item::Place::kPending) {
         m_nPendingBytes -= pItem->packed.Length();
     } else if (pItem->ePlace == Item::Place::kWritten || !IsMoved(*pItem)) {

@@ -3,11 +3,11 @@
 #include <memory>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 #include "ZROZRFxCipher.h"
 #include "ZROZRFxCodec.h"
+#include "ZROZRFxNameIndex.h"
 #include "ZROZRFxReadAhead.h"
 #include "ZROZRFxZipDirectory.h"
 #include "ZROZRFxZipLibrary.h"
@@ -81,7 +81,7 @@ public:
     /// change or commit. REQUIRES: nIndex < EntryCount().
     size_t EntryCount();
     EntryInfo EntryAt(size_t nIndex);
-    bool Contains(std::string_view sName) const { return m_byName.count(sName) > 0; }
+    bool Contains(std::string_view sName) const { return FindItem(sName) != nullptr; }
     /// Whether a name of any entry, now or before, has a slash in it; foreign ones may.
     bool HasSlashes() const { return m_bHasSlashes; }
     /// A number that no other entry has until the next change or commit; -1 when there is no such
@@ -134,7 +134,8 @@ private:
     bool CheckWritable(std::string_view sName);
     bool CheckName(std::string_view sName);
     bool CheckNewName(std::string_view sName);
-    Item* FindItem(std::string_view sName) const;
+    static std::string_view NameOf(const Item& item);
+    Item* FindItem(std::string_view sName) const { return m_byName.Find(sName); }
     void Append(ItemPtr pItem);
     void Drop(Item* pItem);
     static bool Describe(const ZRFxZipEntry& entry, EntryInfo* pInfo);
@@ -183,7 +184,7 @@ private:
     bool m_bReplacesAll = false;  // Created: what the storage holds is dropped by the first commit.
     bool m_bChanged = false;
     std::vector<ItemPtr> m_apItems;  // Null where an item was removed, until `Compact`.
-    std::unordered_map<std::string_view, Item*> m_byName;
+    ZRFxNameIndex<Item, &ZRFxZipArchive::NameOf> m_byName;
     bool m_bHasGaps = false;
     bool m_bHasSlashes = false;
     uint64_t m_nDirectoryOffset = 0;
