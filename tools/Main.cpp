@@ -8,6 +8,7 @@
 #include "CopyCommand.h"
 #include "DiffCommand.h"
 #include "ExtractCommand.h"
+#include "ImportCommand.h"
 #include "InfoCommand.h"
 #include "ListCommand.h"
 #include "NuoZRFx/ZRFxComponent.h"
@@ -23,6 +24,7 @@ void addCommands(CLI::App& application, tools::ToolContext& context) {
     tools::addCatCommand(application, context);
     tools::addDiffCommand(application, context);
     tools::addCopyCommand(application, context);
+    tools::addImportCommand(application, context);
 }
 
 int run(int argc, char** argv) {

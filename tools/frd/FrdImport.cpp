@@ -1,0 +1,108 @@
+#include "frd/FrdImport.h"
+
+#include <utility>
+
+#include "frd/FrdView.h"
+
+namespace tools {
+namespace {
+
+using nuo::zrfx::Case;
+using nuo::zrfx::Database;
+
+bool isThermal(const FrdResult& result) {
+    return result.name == "NDTEMP" || result.name == "FLUX" || result.name == "RFL";
+}
+
+// What the first result tells. The file does not say whether a static analysis was linear: one that
+// took increments is taken for one that was not.
+Database::SimulationType simulationType(const FrdResult* first) {
+    if (!first) return Database::OTHER_SIMULATION;
+    if (first->name.starts_with("DISP")) return Database::STRUCTURAL;
+    return isThermal(*first) ? Database::THERMAL : Database::OTHER_SIMULATION;
+}
+
+Database::SolutionType solutionType(const FrdResult* first) {
+    if (!first) return Database::OTHER_SOLUTION;
+    switch (first->step.analysis) {
+        case FrdStep::STATIC:
+            if (isThermal(*first)) return Database::STEADY_STATE;
+            return first->step.increment > 1 ? Database::NONLINEAR_STATIC : Database::LINEAR_STATIC;
+        case FrdStep::TIME_STEP:
+            return Database::TRANSIENT;
+        case FrdStep::FREQUENCY:
+            return Database::MODAL;
+        case FrdStep::BUCKLING:
+            return Database::BUCKLING;
+        default:
+            return Database::OTHER_SOLUTION;
+    }
+}
+
+std::string counted(std::size_t count, const std::string& noun) {
+    return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
+}
+
+}  // namespace
+
+bool FrdImport::begin(const FrdHeader& header, const FrdResult* first) {
+    if (m_results) return true;
+    m_error = hasMesh() ? "" : "it has no mesh";
+    if (!hasMesh() || !m_file.create(m_target.file, m_target.settings)) return false;
+    std::string description = m_target.description;
+    for (const std::string& text : {header.title, header.program, header.date}) {
+        if (!text.empty()) description += ", " + text;
+    }
+    m_database = new Database(&m_file, m_target.name, 0, simulationType(first), solutionType(first),
+                              description);
+    if (m_database->id() < 0 || !m_mesh.write(*m_database, header.materialNames)) return false;
+    m_case = new Case(&m_file, m_target.name, 0, m_database->id());
+    m_results = std::make_unique<FrdResults>(*m_database, m_mesh);
+    return m_case->id() >= 0;
+}
+
+bool FrdImport::addResult(FrdResult& result, const FrdHeader& header) {
+    m_hasNews = true;
+    return begin(header, &result) && m_results->add(result);
+}
+
+bool FrdImport::completesState(const FrdResult& next) const {
+    return m_hasNews && m_results && !m_results->continuesState(next);
+}
+
+bool FrdImport::writeLists() {
+    m_hasNews = false;
+    return m_results->writeLists() &&
+           m_case->setProperties(frdViewSettings(m_mesh, *m_results).p());
+}
+
+bool FrdImport::commit() {
+    return writeLists() && m_file.flush();
+}
+
+bool FrdImport::finish(const FrdHeader& header) {
+    if (!begin(header, nullptr)) return false;
+    if (m_results->stateCount() == 0 && !m_results->addMeshState()) return false;
+    return writeLists() && m_file.close();
+}
+
+std::string FrdImport::summary() const {
+    return counted(m_mesh.nodeIds().size(), "node") + ", " +
+           counted(m_mesh.elementCount(), "element") + ", " +
+           counted(m_mesh.parts().size(), "part") + ", " +
+           counted(m_results->stateCount(), "state") + ", " +
+           counted(m_results->series().size(), "result");
+}
+
+std::string FrdImport::notes() const {
+    std::string notes;
+    if (const auto count = m_results->undefinedCount()) {
+        notes += counted(count, "value") + " that are no finite numbers became undefined\n";
+    }
+    if (const auto count = m_results->strayCount()) {
+        notes += counted(count, "node") + " with values that are not in the mesh were left out\n";
+    }
+    return notes;
+}
+
+}  // namespace tools
