@@ -3,9 +3,10 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <array>
 #include <cstdio>
 #include <utility>
+
+#include "Text.h"
 
 namespace tools {
 namespace {
@@ -17,13 +18,6 @@ std::string formatted(const char* format, double value) {
     char text[32];
     std::snprintf(text, sizeof(text), format, value);
     return text;
-}
-
-std::string bytesText(double bytes) {
-    constexpr std::array kUnits{"B", "kB", "MB", "GB", "TB"};
-    std::size_t unit = 0;
-    for (; bytes >= 1000 && unit + 1 < kUnits.size(); ++unit) bytes /= 1000;
-    return formatted(bytes < 10 && unit > 0 ? "%.1f " : "%.0f ", bytes) + kUnits[unit];
 }
 
 std::string durationText(double seconds) {
@@ -85,7 +79,8 @@ void Progress::show(Clock::time_point now) {
 }
 
 std::string Progress::amountText(double amount) const {
-    return m_unit == Unit::BYTES ? bytesText(amount) : formatted("%.0f", amount);
+    return m_unit == Unit::BYTES ? byteText(static_cast<std::uint64_t>(amount))
+                                 : formatted("%.0f", amount);
 }
 
 }  // namespace tools

@@ -1,0 +1,66 @@
+#include "Text.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <cstdio>
+
+namespace tools {
+namespace {
+
+template <typename Number>
+std::string shortest(Number value) {
+    char digits[40];
+    return {digits, std::to_chars(digits, digits + sizeof(digits), value).ptr};
+}
+
+}  // namespace
+
+std::string numberText(float value) {
+    return shortest(value);
+}
+
+std::string numberText(double value) {
+    return shortest(value);
+}
+
+Json jsonNumber(float value) {
+    if (!std::isfinite(value)) return nullptr;
+    const std::string text = numberText(value);
+    double sameDigits = 0;
+    std::from_chars(text.data(), text.data() + text.size(), sameDigits);
+    return sameDigits;
+}
+
+std::string printable(std::string_view text) {
+    std::string result(text);
+    std::ranges::replace_if(
+        result, [](unsigned char c) { return c < ' ' || c == 0x7F; }, '?');
+    return result;
+}
+
+std::string counted(std::uint64_t count, std::string_view singular) {
+    return std::to_string(count) + " " + std::string(singular) + (count == 1 ? "" : "s");
+}
+
+std::string byteText(std::uint64_t bytes) {
+    constexpr std::array kUnits{"B", "kB", "MB", "GB", "TB"};
+    auto amount = static_cast<double>(bytes);
+    std::size_t unit = 0;
+    for (; amount >= 1000 && unit + 1 < kUnits.size(); ++unit) amount /= 1000;
+    char text[32];
+    std::snprintf(text, sizeof(text), unit > 0 && amount < 100 ? "%.1f %s" : "%.0f %s", amount,
+                  kUnits[unit]);
+    return text;
+}
+
+void print(std::string_view text) {
+    std::fwrite(text.data(), 1, text.size(), stdout);
+}
+
+void printJson(const Json& json) {
+    print(json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n");
+}
+
+}  // namespace tools
