@@ -226,6 +226,7 @@ FrdReader::Event FrdReader::readElements(std::string_view line) {
     m_block = "the block of elements";
     const std::uint64_t count = numberOf(frdField(line, 24, 12));
     m_elements.clear();
+    m_elementCount = std::min(count, m_file.size() / kValueWidth);
     if (!readFormat(line, 73)) return damaged("the form of its numbers is not known");
     return isText() ? readTextElements() : readBinaryElements(count);
 }
@@ -243,17 +244,29 @@ FrdReader::Event FrdReader::readTextElements() {
 FrdReader::Event FrdReader::readTextElement(std::string_view line) {
     int id = 0;
     int type = 0;
-    int material = 0;
     const std::size_t column = 3 + idWidth();
     if (!readFrdInteger(frdField(line, 3, idWidth()), &id) ||
-        !readFrdInteger(frdField(line, column, 5), &type) ||
-        !readFrdInteger(frdField(line, column + 10, 5), &material)) {
+        !readFrdInteger(frdField(line, column, 5), &type)) {
         return damaged("this is no element");
     }
+    const int material = materialNumber(frdField(line, column + 10, 5));
     FrdElementGroup* group = elementGroup(type, material);
     if (!group) return damaged("an element of unknown type " + std::to_string(type));
     group->ids.push_back(id);
     return readTextElementNodes(frdElementType(type)->order.size(), *group);
+}
+
+// Of meshes of fluids the solver writes the beginning of the name in place of the number.
+int FrdReader::materialNumber(std::string_view field) {
+    int material = 0;
+    if (readFrdInteger(field, &material)) return material;
+    const std::string_view name = frdTrimmed(field);
+    for (const auto& [number, known] : m_header.materialNames) {
+        if (known.starts_with(name)) return number;
+    }
+    material = m_header.materialNames.empty() ? 1 : m_header.materialNames.rbegin()->first + 1;
+    m_header.materialNames[material] = name;
+    return material;
 }
 
 FrdReader::Event FrdReader::readTextElementNodes(std::size_t count, FrdElementGroup& group) {
@@ -298,7 +311,15 @@ FrdReader::Event FrdReader::readBinaryElements(std::uint64_t count) {
 }
 
 FrdElementGroup* FrdReader::elementGroup(int type, int material) {
-    return frdElementType(type) ? &m_elements[{material, type}] : nullptr;
+    const FrdElementType* known = frdElementType(type);
+    if (!known) return nullptr;
+    const auto [found, isNew] = m_elements.try_emplace({material, type});
+    FrdElementGroup& group = found->second;
+    if (isNew && m_elements.size() == 1) {  // most often there is one only
+        group.ids.reserve(m_elementCount);
+        group.nodes.reserve(m_elementCount * known->order.size());
+    }
+    return &group;
 }
 
 // ---- Results

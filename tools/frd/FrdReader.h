@@ -76,6 +76,7 @@ private:
     Event readElements(std::string_view line);
     Event readTextElements();
     Event readTextElement(std::string_view line);
+    int materialNumber(std::string_view field);
     Event readTextElementNodes(std::size_t count, FrdElementGroup& group);
     Event readBinaryElements(std::uint64_t count);
     FrdElementGroup* elementGroup(int type, int material);
@@ -97,7 +98,8 @@ private:
     std::string m_block;
     std::string m_damage;
     Format m_format = LONG_TEXT;
-    FrdFile::Place m_begin;  // of the block that is read
+    std::size_t m_elementCount = 0;  // as the file says, so far as it can hold them
+    FrdFile::Place m_begin;          // of the block that is read
     bool m_isBinary = false;
     bool m_isBetweenBlocks = true;
     bool m_isLost = false;
