@@ -1,5 +1,6 @@
 #include "BlockContent.h"
 
+#include "Text.h"
 #include "ZROZRFx2DPlotDataBlock.h"
 #include "ZROZRFxCrossSectionsBlock.h"
 #include "ZROZRFxElementBlock.h"
@@ -82,10 +83,6 @@ private:
     std::string m_prefix;
     std::vector<Field> m_fields;
 };
-
-std::string numbered(const char* what, std::int64_t number) {
-    return std::string(what) + " " + std::to_string(number);
-}
 
 void describe(const ZRFxNodeBlock& block, Content& content) {
     content.add("coordinates", block.GetNodes());

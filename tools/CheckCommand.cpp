@@ -1,9 +1,293 @@
 #include "CheckCommand.h"
 
+#include <algorithm>
+#include <array>
+#include <map>
+#include <memory>
+#include <unordered_map>
+#include <unordered_set>
+
+#include "FileReader.h"
+#include "Progress.h"
+#include "Text.h"
+#include "ZROZRFxXml.h"
+#include "ZROZRFxZipArchive.h"
+#include "check/CaseChecks.h"
+#include "check/CheckedDatabase.h"
+#include "check/Findings.h"
+
 namespace tools {
+namespace {
+
+using namespace unstruct;
+
+constexpr const char* kExamples =
+    "  zrfx check plate.zrfx\n"
+    "  zrfx check plate.zrfx --json | jq -r '.errors[] | .entry + \": \" + .message'\n"
+    "  find . -name '*.zrfx' -exec zrfx check {} \\;";
+
+constexpr const char* kMainEntry = ZRFxMainDocument::kEntryName;
+
+struct Options {
+    std::string file;
+    bool isJson = false;
+    std::size_t limit = 20;
+};
+
+std::string withBackslashes(std::string name) {
+    std::ranges::replace(name, '/', kFolderSeparator);
+    return name;
+}
+
+/// The entries of the archive, and which of them have been read or are meant to be there.
+class Entries {
+public:
+    explicit Entries(ZRFxZipArchive& archive) {
+        for (std::size_t i = 0; i < archive.EntryCount(); ++i) {
+            const auto entry = archive.EntryAt(i);
+            m_sizes.emplace(withBackslashes(entry.sName), entry.nSize);
+            m_totalSize += entry.nSize;
+        }
+    }
+
+    std::uint64_t totalSize() const { return m_totalSize; }
+    bool contains(const std::string& name) const { return m_sizes.contains(name); }
+    bool isVerified(const std::string& name) const { return m_verified.contains(name); }
+    bool isUsed(const std::string& name) const { return m_used.contains(name); }
+
+    void setUsed(const std::string& name) { m_used.insert(withBackslashes(name)); }
+
+    /// Data that was read and found good; gives its size when that is new.
+    std::uint64_t setVerified(const std::string& name) {
+        return m_verified.insert(name).second ? m_sizes.at(name) : 0;
+    }
+
+private:
+    std::unordered_map<std::string, std::uint64_t> m_sizes;
+    std::unordered_set<std::string> m_verified;
+    std::unordered_set<std::string> m_used;
+    std::uint64_t m_totalSize = 0;
+};
+
+/// The check of one file: databases block by block, cases, and then every entry that was not read
+/// on the way. Memory is that of the geometry and of one result at a time.
+class FileCheck {
+public:
+    FileCheck(ZRFxAccess& access, ZRFxZipArchive& archive, LogCollector& log, Findings& findings)
+        : m_access(access),
+          m_archive(archive),
+          m_log(log),
+          m_findings(findings),
+          m_entries(archive),
+          m_progress("checking", Progress::Unit::BYTES, m_entries.totalSize()) {}
+
+    void run() {
+        m_entries.setUsed(kMainEntry);
+        const nvf::ref<nvf::XmlDocument> document = new nvf::XmlDocument;
+        if (m_access.ReadAndValidateMainDocumentFile(document.p())) {
+            readCaseInfos();
+            checkDatabases();
+            checkCases();
+        } else if (!takeLog(m_log, m_findings, "main-document", kMainEntry)) {
+            Reporter(m_findings, "main-document", kMainEntry).error("", "its root is not \"ZRF\"");
+        }
+        checkEntries();
+    }
+
+private:
+    void readCaseInfos() {
+        int count = 0;
+        m_access.GetNumCases(&count);
+        for (int i = 0; i < count; ++i) {
+            ZRFxCaseInfo info;
+            m_access.GetCaseInfo(i, &info);
+            if (!m_caseIds.insert(info.id).second) reportTwice("case", info.id);
+            m_cases.push_back(info);
+        }
+    }
+
+    void reportTwice(const char* what, int id) {
+        Reporter(m_findings, "duplicate-id", kMainEntry)
+            .error("", numbered(what, id) + " is registered twice");
+    }
+
+    void checkDatabases() {
+        int count = 0;
+        m_access.GetNumDatabases(&count);
+        for (int i = 0; i < count; ++i) {
+            ZRFxDatabaseInfo info;
+            m_access.GetDatabaseInfo(i, &info);
+            if (!m_resultIds.try_emplace(info.id).second) {
+                reportTwice("database", info.id);
+            } else {
+                checkDatabase(info);
+            }
+        }
+    }
+
+    void checkDatabase(const ZRFxDatabaseInfo& info) {
+        ZRFxDatabase database(&m_access);
+        database.Parse(info.id, ZRFxParseMode::LENIENT);
+        takeLog(m_log, m_findings, "database", info.folder.Bytes());
+        m_entries.setUsed(info.path.Bytes());
+        m_entries.setUsed(database.EntryName("Database-TOC.xml").Bytes());
+        CheckedDatabase checked(database, m_findings, m_caseIds);
+        m_log.takeMessages();  // comes again when the blocks are read
+        for (const int type : checkOrder()) {
+            for (const int id : blockIds(database, type)) checkBlockOf(database, type, id, checked);
+        }
+        checkWhole(checked);
+        m_resultIds[info.id] = {checked.resultIds.begin(), checked.resultIds.end()};
+    }
+
+    void checkBlockOf(ZRFxDatabase& database, int type, int id, CheckedDatabase& checked) {
+        const auto block = database.OpenBlock(type, id);
+        const std::string document = block->GetFileName().Bytes();
+        const bool isRead = block->ReadBlock();
+        if (!takeLog(m_log, m_findings, "block", document) && !isRead) {
+            Reporter(m_findings, "block", document).error("", "the block cannot be read");
+        }
+        noteFiles(database, document, isRead);
+        if (!isRead) return;
+        checkBlock(*block, checked);
+        m_log.takeMessages();  // of other blocks, which report them on their own
+    }
+
+    // What the document of a block records is meant to be there; the main data of a block that can
+    // be read has been read with it.
+    void noteFiles(const ZRFxDatabase& database, const std::string& name, bool isRead) {
+        nvf::XmlDocument document;
+        const bool isRelative = !m_entries.contains(withBackslashes(name));
+        m_entries.setUsed(isRelative ? database.EntryName(name).Bytes() : name);
+        if (database.ReadXmlFile(name, &document)) {
+            noteFiles(database, document.getRootElement(), isRead);
+        }
+        m_log.takeMessages();
+    }
+
+    void noteFiles(const ZRFxDatabase& database, const nvf::XmlElement& element, bool isRead) {
+        for (const char* attribute : {"Filename", "IDs"}) {
+            const std::string entry = dataEntry(database, GetAttribute(element, attribute));
+            if (entry.empty()) continue;
+            m_entries.setUsed(entry);
+            const bool isMainData = element.nameUtf8() == "File" && *attribute == 'F';
+            if (isRead && isMainData) m_progress.advance(m_entries.setVerified(entry));
+        }
+        for (auto child = element.firstChildElement(); child.notNull();
+             child = child.nextSiblingElement()) {
+            noteFiles(database, child, isRead);
+        }
+    }
+
+    // The entry that a record means; empty when there is none.
+    std::string dataEntry(const ZRFxDatabase& database, const ZRString& name) const {
+        if (name.IsBlank()) return {};
+        const std::string inFolder = withBackslashes(database.EntryName(name).Bytes());
+        for (const std::string& entry :
+             {inFolder + ".dat", inFolder + ".txt", inFolder, withBackslashes(name.Bytes())}) {
+            if (m_entries.contains(entry)) return entry;
+        }
+        return {};
+    }
+
+    void checkCases() {
+        CaseCheck check(m_access, m_log, m_findings, m_resultIds);
+        for (const ZRFxCaseInfo& info : m_cases) check.run(info);
+    }
+
+    bool isInKnownFolder(const std::string& entry) const {
+        const auto isIn = [&](const std::string& folder) {
+            return entry.starts_with(withBackslashes(folder) + kFolderSeparator);
+        };
+        return isIn(kUserDataFolder) || std::ranges::any_of(m_cases, [&](const auto& info) {
+                   return isIn(info.folder.Bytes());
+               });
+    }
+
+    void checkEntries() {
+        for (std::size_t i = 0; i < m_archive.EntryCount(); ++i) {
+            const auto info = m_archive.EntryAt(i);
+            const std::string entry = withBackslashes(info.sName);
+            if (!m_entries.isVerified(entry)) {
+                ZRFxZipRawData raw;
+                if (!m_archive.Read(info.sName, &raw)) {
+                    Reporter(m_findings, "entry", info.sName).error("", m_archive.LastError());
+                }
+                m_progress.advance(info.nSize);
+            }
+            if (m_entries.isUsed(entry) || isInKnownFolder(entry)) continue;
+            Reporter(m_findings, "unused-entry", info.sName)
+                .warning("", "nothing refers to this entry of " + byteText(info.nPackedSize));
+        }
+    }
+
+    ZRFxAccess& m_access;
+    ZRFxZipArchive& m_archive;
+    LogCollector& m_log;
+    Findings& m_findings;
+    Entries m_entries;
+    Progress m_progress;
+    std::vector<ZRFxCaseInfo> m_cases;
+    std::set<int> m_caseIds;
+    std::map<int, std::set<int>> m_resultIds;  // by database
+};
+
+// A few entries may be damaged, but all of the first ones hardly are.
+bool isPasswordRight(ZRFxZipArchive& archive) {
+    constexpr std::size_t kTries = 10;
+    std::size_t tries = 0;
+    for (std::size_t i = 0; i < archive.EntryCount() && tries < kTries; ++i) {
+        const auto entry = archive.EntryAt(i);
+        ZRFxZipRawData raw;
+        if (!entry.bEncrypted) continue;
+        if (archive.Read(entry.sName, &raw)) return true;
+        ++tries;
+    }
+    return tries == 0;
+}
+
+void printFindings(const Options& options, const Findings& findings) {
+    if (options.isJson) {
+        Json json = {{"file", options.file}};
+        json.update(findings.json());
+        return printJson(json);
+    }
+    const std::string summary = counted(findings.errorCount(), "error") + ", " +
+                                counted(findings.warningCount(), "warning");
+    print(findings.text() + options.file + ": " + summary + "\n");
+}
+
+int check(ToolContext& context, const Options& options) {
+    std::string password;
+    if (!context.passwordFor(options.file, &password)) return ToolContext::FAILURE;
+    ZRFxAccess access;
+    ZRFxZipArchive archive;
+    if (!access.Open(options.file, ZRZipAccessMode::READ_ONLY) || !access.SetPassword(password)) {
+        return context.fail(options.file);
+    }
+    if (!archive.Open(options.file, ZRFxOpenMode::kReadOnly) || !archive.SetPassword(password)) {
+        return context.fail(options.file, archive.LastError());
+    }
+    if (!isPasswordRight(archive)) return context.fail(options.file, "the password is wrong");
+    Findings findings(options.limit);
+    FileCheck(access, archive, context.log(), findings).run();
+    printFindings(options, findings);
+    return findings.errorCount() > 0 ? ToolContext::FAILURE : ToolContext::FINE;
+}
+
+}  // namespace
 
 void addCheckCommand(CLI::App& application, ToolContext& context) {
-    context.addCommand(application, "check", "", "", [] { return ToolContext::FINE; });
+    const auto options = std::make_shared<Options>();
+    CLI::App* command = context.addCommand(
+        application, "check", "Reads everything in a file and reports what is wrong with it",
+        kExamples, [&context, options] { return check(context, *options); });
+    command->add_option("FILE", options->file, "A ZRFx file")->required();
+    command->add_flag("--json", options->isJson, "Print one JSON object");
+    command
+        ->add_option("--limit", options->limit,
+                     "How many findings of one kind to show for each entry; 0 shows all")
+        ->capture_default_str();
 }
 
 }  // namespace tools

@@ -44,6 +44,10 @@ std::string counted(std::uint64_t count, std::string_view singular) {
     return std::to_string(count) + " " + std::string(singular) + (count == 1 ? "" : "s");
 }
 
+std::string numbered(std::string_view what, std::int64_t number) {
+    return std::string(what) + " " + std::to_string(number);
+}
+
 std::string byteText(std::uint64_t bytes) {
     constexpr std::array kUnits{"B", "kB", "MB", "GB", "TB"};
     auto amount = static_cast<double>(bytes);

@@ -33,6 +33,9 @@ std::string printable(std::string_view text);
 /// "1 element", "2 elements".
 std::string counted(std::uint64_t count, std::string_view singular);
 
+/// "element 17".
+std::string numbered(std::string_view what, std::int64_t number);
+
 /// Bytes for people: "12.3 MB".
 std::string byteText(std::uint64_t bytes);
 
