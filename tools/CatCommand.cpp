@@ -35,8 +35,8 @@ struct Options {
     bool isCsv = false;
 };
 
-/// Writes rows of cells: with blanks between them, or as CSV (RFC 4180). Gathers text, so that
-/// millions of rows go out fast.
+/// Writes rows of cells: with blanks between them, or as CSV (RFC 4180); texts that hold separators
+/// are quoted. Gathers text, so that millions of rows go out fast.
 class Table {
 public:
     explicit Table(bool isCsv) : m_isCsv(isCsv) {}
@@ -44,13 +44,16 @@ public:
     Table(const Table&) = delete;
     Table& operator=(const Table&) = delete;
 
-    /// The names of the columns; plain text has them as a comment.
-    void header(std::initializer_list<const char*> names) {
+    /// The names of the columns, one of ids, unless null, in front; plain text has them as a
+    /// comment.
+    void header(const char* idName, std::initializer_list<const char*> names) {
         if (!m_isCsv) m_text += "#";
-        if (!m_isCsv) m_isFirst = false;
+        m_isFirst = m_isCsv;
+        if (idName) text(idName);
         for (const char* name : names) text(name);
         endRow();
     }
+    void header(std::initializer_list<const char*> names) { header(nullptr, names); }
 
     template <std::integral T>
     void cell(T value) {
@@ -90,16 +93,14 @@ private:
 
     void text(const std::string& value) {
         separate();
-        if (!m_isCsv) {
-            m_text += printable(value);
-            return;
-        }
-        if (value.find_first_of(",\"\r\n") == std::string::npos) {
-            m_text += value;
+        const char* special = m_isCsv ? ",\"\r\n" : " \"";
+        const std::string shown = m_isCsv ? value : printable(value);
+        if (!shown.empty() && shown.find_first_of(special) == std::string::npos) {
+            m_text += shown;
             return;
         }
         m_text += '"';
-        for (const char c : value) m_text.append(c == '"' ? 2 : 1, c);
+        for (const char c : shown) m_text.append(c == '"' ? 2 : 1, c);
         m_text += '"';
     }
 
@@ -118,19 +119,21 @@ void writeItems(const Reals& reals, const ZRIntArray* ids, Table& table) {
 }
 
 void write(const ZRFxNodeBlock& block, Table& table) {
-    if (block.GetNodeIDs()) {
-        table.header({"id", "x", "y", "z"});
-    } else {
-        table.header({"x", "y", "z"});
-    }
+    table.header(block.GetNodeIDs() ? "id" : nullptr, {"x", "y", "z"});
     writeItems(realsOf(block.GetNodes()), block.GetNodeIDs(), table);
 }
 
 void write(const ZRFxResultValuesBlock& block, Table& table) {
-    if (block.GetIDs()) {
-        table.header({"item_id", "values"});
-    } else {
-        table.header({"values"});
+    const char* id = block.GetIDs() ? "item_id" : nullptr;
+    switch (block.GetNumDimensions()) {
+        case 3:
+            table.header(id, {"x", "y", "z"});
+            break;
+        case 6:
+            table.header(id, {"xx", "yy", "zz", "xy", "yz", "zx"});
+            break;
+        default:
+            table.header(id, {"value"});
     }
     writeItems(realsOf(block), block.GetIDs(), table);
 }
@@ -149,12 +152,8 @@ void writeGroup(const ZRFxElementBlockGroup& group, bool hasIds, Table& table) {
 }
 
 void write(const ZRFxElementBlock& block, Table& table) {
-    const char* nodes = block.GetMapToNodeIDs() ? "node_ids" : "node_indices";
-    if (block.GetWithIDs()) {
-        table.header({"id", "type", nodes});
-    } else {
-        table.header({"type", nodes});
-    }
+    table.header(block.GetWithIDs() ? "id" : nullptr,
+                 {"type", block.GetMapToNodeIDs() ? "node_ids" : "node_indices"});
     for (std::int64_t i = 0; i < block.GetNumElementGroups(); ++i) {
         writeGroup(*block.GetElementGroup(i), block.GetWithIDs(), table);
     }
@@ -230,7 +229,8 @@ void write(const ZRFxStatesBlock& block, Table& table) {
 void write(const ZRFxTransformationResultValuesBlock& block, Table& table) {
     table.header({"column_0", "column_1", "column_2", "column_3"});
     for (int row = 0; row < 4; ++row) {
-        for (int column = 0; column < 4; ++column) table.cell(block.GetMatrix().rowCol(row, column));
+        for (int column = 0; column < 4; ++column)
+            table.cell(block.GetMatrix().rowCol(row, column));
         table.endRow();
     }
 }
@@ -256,8 +256,7 @@ void writeFields(const ZRFxBlock& block, Table& table) {
                 table.cell(value);
                 table.endRow();
             }
-        } else if (const auto* items =
-                       std::get_if<std::span<const std::int32_t>>(&field.value)) {
+        } else if (const auto* items = std::get_if<std::span<const std::int32_t>>(&field.value)) {
             for (const std::int32_t item : *items) {
                 table.cell(field.place);
                 table.cell(item);

@@ -97,8 +97,7 @@ bool writeFile(const Folder& folder, const std::string& name, const ZRFxZipRawDa
     if (file < 0) return false;
     bool isWritten = writeAll(file, raw.Buffer(), raw.Length());
     isWritten = close(file) == 0 && isWritten;
-    if (isWritten &&
-        renameat(folder.file(), temporary.c_str(), folder.file(), name.c_str()) == 0) {
+    if (isWritten && renameat(folder.file(), temporary.c_str(), folder.file(), name.c_str()) == 0) {
         return true;
     }
     const int cause = errno;
