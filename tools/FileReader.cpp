@@ -6,12 +6,11 @@ namespace tools {
 
 bool FileReader::open(const std::string& path) {
     m_path = path;
-    std::string password;
-    if (!m_context.passwordFor(path, &password)) return false;
+    if (!m_context.passwordFor(path, &m_password)) return false;
     m_context.log().takeMessages();
-    if (!m_file.open(path, password)) {
+    if (!m_file.open(path, m_password)) {
         const std::string kWrongPassword = "the password is wrong, or the file is damaged";
-        m_context.fail(path, password.empty() ? std::string() : kWrongPassword);
+        m_context.fail(path, m_password.empty() ? std::string() : kWrongPassword);
         return false;
     }
     for (std::size_t i = 0; i < m_file.databaseCount(); ++i) {

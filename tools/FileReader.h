@@ -22,6 +22,7 @@ public:
     bool open(const std::string& path);
 
     const std::string& path() const { return m_path; }
+    const std::string& password() const { return m_password; }
     nuo::zrfx::File& file() { return m_file; }
     unstruct::ZRFxAccess& access() { return *m_file.internal_access(); }
     const std::vector<std::unique_ptr<unstruct::ZRFxDatabase>>& databases() const {
@@ -37,6 +38,7 @@ public:
 private:
     ToolContext& m_context;
     std::string m_path;
+    std::string m_password;
     nuo::zrfx::File m_file;
     std::vector<std::unique_ptr<unstruct::ZRFxDatabase>> m_databases;
 };
