@@ -10,6 +10,7 @@
 #include <memory>
 #include <string>
 #include <thread>
+#include <utility>
 
 #include "NuoZRFx/ZRFxComponent.h"
 #include "Progress.h"
@@ -41,29 +42,13 @@ void interrupt(int) {
     g_isInterrupted = 1;
 }
 
-// While it lives, SIGINT and SIGTERM end the waiting instead of the process.
-class InterruptGuard {
-public:
-    explicit InterruptGuard(bool isNeeded) : m_isNeeded(isNeeded) {
-        if (!m_isNeeded) return;
-        struct sigaction action {};
-        action.sa_handler = interrupt;
-        sigaction(SIGINT, &action, &m_interrupt);
-        sigaction(SIGTERM, &action, &m_terminate);
-    }
-    ~InterruptGuard() {
-        if (!m_isNeeded) return;
-        sigaction(SIGINT, &m_interrupt, nullptr);
-        sigaction(SIGTERM, &m_terminate, nullptr);
-    }
-    InterruptGuard(const InterruptGuard&) = delete;
-    InterruptGuard& operator=(const InterruptGuard&) = delete;
-
-private:
-    const bool m_isNeeded;
-    struct sigaction m_interrupt {};
-    struct sigaction m_terminate {};
-};
+// SIGINT and SIGTERM end the waiting instead of the process.
+void catchInterrupts() {
+    struct sigaction action {};
+    action.sa_handler = interrupt;
+    sigaction(SIGINT, &action, nullptr);
+    sigaction(SIGTERM, &action, nullptr);
+}
 
 FrdImport::Target targetOf(const ImportOptions& options) {
     const std::filesystem::path input = options.input;
@@ -91,6 +76,7 @@ private:
     bool readNext();
     bool addResult();
     bool wait(Clock::duration needed);
+    bool isStateFinished() const;
     bool isOverdue() const;
     bool failImport();
     bool reportDamage(const std::string& damage);
@@ -103,21 +89,23 @@ private:
     std::unique_ptr<Progress> m_progress;
     Clock::time_point m_lastGrowth = Clock::now();
     std::uint64_t m_lastSize = 0;
+    Clock::duration m_pause{};
     int m_damageCount = 0;
     bool m_hasFailed = false;
 };
 
 int ImportRun::run() {
-    const InterruptGuard guard(m_options.isFollowing);
     if (!open()) return ToolContext::FAILURE;
-    while (!g_isInterrupted && readNext()) {
-    }
+    do {
+        // Again and again, since a new file has its own way to end, which is to vanish.
+        if (m_options.isFollowing) catchInterrupts();
+        std::this_thread::sleep_for(std::exchange(m_pause, {}));
+    } while (!g_isInterrupted && readNext());
     m_progress->finish();
     return m_hasFailed ? ToolContext::FAILURE : finish();
 }
 
 bool ImportRun::open() {
-    m_reader.setGrowing(m_options.isFollowing);
     while (!m_reader.open(m_options.input)) {
         if (!m_options.isFollowing || errno != ENOENT) {
             m_context.fail(m_options.input, std::strerror(errno));
@@ -170,11 +158,17 @@ bool ImportRun::wait(Clock::duration needed) {
     if (m_reader.wasShortened()) return reportDamage("the file was written anew meanwhile");
     if (m_reader.fileSize() != m_lastSize) m_lastGrowth = Clock::now();
     m_lastSize = m_reader.fileSize();
-    const bool isSettled = Clock::now() - m_lastGrowth > kSettled && m_reader.isBetweenBlocks();
-    if (isSettled && m_import.hasNews() && !m_import.commit()) return failImport();
+    if (isStateFinished() && !m_import.commit()) return failImport();
     if (isOverdue()) return reportDamage(m_reader.damage() + ", and nothing more was written");
-    std::this_thread::sleep_for(std::max<Clock::duration>(kPoll, 4 * needed));
+    m_pause = std::max<Clock::duration>(kPoll, 4 * needed);
     return true;
+}
+
+// When the next one has begun, or nothing more of it was written for a while.
+bool ImportRun::isStateFinished() const {
+    const FrdResult* next = m_reader.begunResult();
+    const bool isSettled = Clock::now() - m_lastGrowth > kSettled;
+    return m_import.hasNews() && (isSettled || (next && m_import.completesState(*next)));
 }
 
 bool ImportRun::isOverdue() const {
@@ -185,8 +179,9 @@ bool ImportRun::isOverdue() const {
 bool ImportRun::failImport() {
     m_progress->finish();
     m_hasFailed = true;
-    const bool isOfInput = !m_import.error().empty();
-    m_context.fail(isOfInput ? m_options.input : m_options.output, m_import.error());
+    const bool isOfInput = !m_import.inputError().empty();
+    m_context.fail(isOfInput ? m_options.input : m_options.output,
+                   isOfInput ? m_import.inputError() : m_import.outputError());
     return false;
 }
 

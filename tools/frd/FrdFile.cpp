@@ -69,8 +69,8 @@ std::optional<std::string_view> FrdFile::peekLine() {
         searched = available();
         if (fill()) continue;
         const bool isTooLong = available() == m_window.size();
-        if (available() == 0 || !(m_isComplete || isTooLong)) return std::nullopt;
-        return std::string_view(m_window.data() + m_begin, available());
+        if (!isTooLong) return std::nullopt;
+        return unfinishedLine();
     }
 }
 

@@ -27,12 +27,14 @@ public:
     bool open(const std::string& path);
 
     /// The next line without its end, valid until the next call. None when the file does not hold a
-    /// whole line any more; nothing is consumed then. The end of the file ends a line, too, when it
-    /// is `isComplete`.
+    /// whole line any more; nothing is consumed then.
     std::optional<std::string_view> readLine();
 
     /// Looks at the next line.
     std::optional<std::string_view> peekLine();
+
+    /// What follows the last whole line, valid until the next call.
+    std::string_view unfinishedLine() const { return {m_window.data() + m_begin, available()}; }
 
     /// The next bytes, valid until the next call; null, and nothing consumed, when there are not so
     /// many. Up to 1 MiB.
@@ -47,9 +49,6 @@ public:
     /// Bytes of the file as it is now.
     std::uint64_t size() const;
 
-    /// Whether no one writes it any more; true at first.
-    void setComplete(bool isComplete) { m_isComplete = isComplete; }
-
     /// Whether reading has failed, with errno.
     bool hasFailed() const { return m_hasFailed; }
 
@@ -63,7 +62,6 @@ private:
     std::size_t m_end = 0;
     Place m_place;     // of m_begin
     Place m_lastLine;  // of the line that was read last
-    bool m_isComplete = true;
     bool m_hasFailed = false;
 };
 

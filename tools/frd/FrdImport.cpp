@@ -47,8 +47,8 @@ std::string counted(std::size_t count, const std::string& noun) {
 
 bool FrdImport::begin(const FrdHeader& header, const FrdResult* first) {
     if (m_results) return true;
-    m_error = hasMesh() ? "" : "it has no mesh";
-    if (!hasMesh() || !m_file.create(m_target.file, m_target.settings)) return false;
+    m_inputError = hasMesh() ? "" : "it has no mesh";
+    if (!hasMesh() || !createFile()) return false;
     std::string description = m_target.description;
     for (const std::string& text : {header.title, header.program, header.date}) {
         if (!text.empty()) description += ", " + text;
@@ -57,13 +57,25 @@ bool FrdImport::begin(const FrdHeader& header, const FrdResult* first) {
                               description);
     if (m_database->id() < 0 || !m_mesh.write(*m_database, header.materialNames)) return false;
     m_case = new Case(&m_file, m_target.name, 0, m_database->id());
-    m_results = std::make_unique<FrdResults>(*m_database, m_mesh);
+    m_results = std::make_unique<FrdResults>(m_mesh);
     return m_case->id() >= 0;
+}
+
+bool FrdImport::createFile() {
+    m_output = std::make_unique<OutputFile>(m_target.file);
+    return m_output->prepare(&m_outputError) &&
+           m_file.create(m_output->temporaryPath(), m_target.settings);
+}
+
+bool FrdImport::putInPlace() {
+    const bool isInPlace = m_file.close() && m_output->finish(&m_outputError);
+    m_output.reset();
+    return isInPlace;
 }
 
 bool FrdImport::addResult(FrdResult& result, const FrdHeader& header) {
     m_hasNews = true;
-    return begin(header, &result) && m_results->add(result);
+    return begin(header, &result) && m_results->add(result, *m_database);
 }
 
 bool FrdImport::completesState(const FrdResult& next) const {
@@ -72,18 +84,24 @@ bool FrdImport::completesState(const FrdResult& next) const {
 
 bool FrdImport::writeLists() {
     m_hasNews = false;
-    return m_results->writeLists() &&
+    return m_results->writeLists(*m_database) &&
            m_case->setProperties(frdViewSettings(m_mesh, *m_results).p());
 }
 
+// The first time, the file comes into its place, and is opened there again.
 bool FrdImport::commit() {
-    return writeLists() && m_file.flush();
+    if (!writeLists()) return false;
+    if (!m_output) return m_file.flush();
+    if (!putInPlace() || !m_file.openForAppend(m_target.file)) return false;
+    m_database = m_file.database(0);
+    m_case = m_file.fileCase(0);
+    return m_database && m_case;
 }
 
 bool FrdImport::finish(const FrdHeader& header) {
     if (!begin(header, nullptr)) return false;
     if (m_results->stateCount() == 0 && !m_results->addMeshState()) return false;
-    return writeLists() && m_file.close();
+    return writeLists() && (m_output ? putInPlace() : m_file.close());
 }
 
 std::string FrdImport::summary() const {

@@ -7,15 +7,16 @@
 #include "NuoCore/PtrRef.h"
 #include "NuoZRFx/Case.h"
 #include "NuoZRFx/File.h"
+#include "OutputFile.h"
 #include "frd/FrdMesh.h"
 #include "frd/FrdResults.h"
 
 namespace tools {
 
-/// Makes a ZRFx file of what is read from a result file, piece by piece. Nothing is on disk before
-/// commit() or finish(), so that a file of the same name stays when an import fails. Every
-/// operation gives the reason of a failure in error(), which is empty where the library's log has
-/// it. One thread.
+/// Makes a ZRFx file of what is read from a result file, piece by piece. It is in its place from
+/// the first commit() or finish() on, so that a file of the same name stays when an import fails.
+/// The reason of a failure is the error of the input or of the output, else in the library's log.
+/// One thread.
 class FrdImport {
 public:
     struct Target {
@@ -27,8 +28,8 @@ public:
 
     explicit FrdImport(Target target) : m_target(std::move(target)) {}
 
-    bool addNodes(FrdNodes& nodes) { return m_mesh.setNodes(nodes, &m_error); }
-    bool addElements(FrdElements& elements) { return m_mesh.setElements(elements, &m_error); }
+    bool addNodes(FrdNodes& nodes) { return m_mesh.setNodes(nodes, &m_inputError); }
+    bool addElements(FrdElements& elements) { return m_mesh.setElements(elements, &m_inputError); }
     bool addResult(FrdResult& result, const FrdHeader& header);
 
     /// Whether there is a mesh, without which there is nothing to write.
@@ -46,7 +47,8 @@ public:
     /// mesh.
     bool finish(const FrdHeader& header);
 
-    const std::string& error() const { return m_error; }
+    const std::string& inputError() const { return m_inputError; }
+    const std::string& outputError() const { return m_outputError; }
 
     /// What was imported, in a line; and notes on values, a line each.
     std::string summary() const;
@@ -54,10 +56,14 @@ public:
 
 private:
     bool begin(const FrdHeader& header, const FrdResult* first);
+    bool createFile();
+    bool putInPlace();
     bool writeLists();
 
     const Target m_target;
-    std::string m_error;
+    std::string m_inputError;
+    std::string m_outputError;
+    std::unique_ptr<OutputFile> m_output;  // until the file is in its place
     FrdMesh m_mesh;
     nuo::zrfx::File m_file;
     nuo::PtrRef<nuo::zrfx::Database> m_database;

@@ -58,6 +58,7 @@ void reserve(std::vector<T>& items, std::uint64_t count, std::uint64_t most) {
 FrdReader::Event FrdReader::next() {
     m_begin = m_file.place();
     m_isBetweenBlocks = true;
+    m_hasBegun = false;
     if (m_isLost) return END;
     const Event event = read();
     if (event == DAMAGE) findNextBlock();
@@ -83,7 +84,7 @@ FrdReader::Event FrdReader::read() {
         m_begin = m_file.place();
         m_isBetweenBlocks = true;
     }
-    return outOfData();
+    return isEnd(m_file.unfinishedLine()) ? END : outOfData();
 }
 
 std::string FrdReader::placeText() const {
@@ -333,6 +334,7 @@ FrdReader::Event FrdReader::readResult(std::string_view line) {
     if (!readFormat(line, 73)) return damaged("the form of its numbers is not known");
     const Event event = readComponents();
     if (event != RESULT) return event;
+    m_hasBegun = true;
     const std::uint64_t componentCount = m_result.components.size();
     reserve(m_result.nodeIds, count, m_file.size() / kValueWidth);
     reserve(m_result.values, count * componentCount, m_file.size() / sizeof(float));

@@ -30,9 +30,6 @@ public:
     /// False, with errno, when it cannot be read.
     bool open(const std::string& path) { return m_file.open(path); }
 
-    /// Whether a program still writes the file: a line without an end is not complete then.
-    void setGrowing(bool isGrowing) { m_file.setComplete(!isGrowing); }
-
     /// Reads up to the end of the next block. The data of the block before it is gone then.
     Event next();
 
@@ -44,9 +41,9 @@ public:
     /// Place and reason.
     const std::string& damage() const { return m_damage; }
 
-    /// After INCOMPLETE: whether the file ends between two blocks, and where it ends.
-    bool isBetweenBlocks() const { return m_isBetweenBlocks; }
-    std::string placeText() const;
+    /// After INCOMPLETE: the result within which the file ends, so far as it is there; null when
+    /// its components are not.
+    const FrdResult* begunResult() const { return m_hasBegun ? &m_result : nullptr; }
 
     /// Whether the file was shortened since it was opened, as by a solver that starts again.
     bool wasShortened() const { return m_file.size() < m_file.place().offset; }
@@ -59,6 +56,7 @@ private:
     enum Format : int { SHORT_TEXT = 0, LONG_TEXT = 1, FLOATS = 2, DOUBLES = 3 };
 
     Event read();
+    std::string placeText() const;
     Event damaged(const std::string& reason);
     Event outOfData();
     void findNextBlock();
@@ -102,6 +100,7 @@ private:
     FrdFile::Place m_begin;          // of the block that is read
     bool m_isBinary = false;
     bool m_isBetweenBlocks = true;
+    bool m_hasBegun = false;
     bool m_isLost = false;
 };
 

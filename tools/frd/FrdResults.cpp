@@ -70,15 +70,14 @@ StateInfoBlock::ReferenceValueType referenceType(const FrdStep& step) {
 
 }  // namespace
 
-FrdResults::FrdResults(Database& database, const FrdMesh& mesh)
-    : m_database(database), m_mesh(mesh), m_states(new StateInfoBlock) {}
+FrdResults::FrdResults(const FrdMesh& mesh) : m_mesh(mesh), m_states(new StateInfoBlock) {}
 
 bool FrdResults::continuesState(const FrdResult& result) const {
     return stateCount() > 0 && result.step == m_step &&
            std::find(m_names.begin(), m_names.end(), result.name) == m_names.end();
 }
 
-bool FrdResults::add(FrdResult& result) {
+bool FrdResults::add(FrdResult& result, Database& database) {
     if (!continuesState(result) && !beginState(result.step)) return false;
     m_names.push_back(result.name);
     dropStrayNodes(result);
@@ -90,7 +89,7 @@ bool FrdResults::add(FrdResult& result) {
     if (result.nodeIds.empty()) return true;
     const std::vector<Field> fields = fieldsOf(result);
     return std::all_of(fields.begin(), fields.end(),
-                       [&](const Field& field) { return addField(result, field); });
+                       [&](const Field& field) { return addField(result, field, database); });
 }
 
 bool FrdResults::beginState(const FrdStep& step) {
@@ -104,11 +103,10 @@ bool FrdResults::addMeshState() {
     return m_states->addStateInfo(1, "Mesh", 0, StateInfoBlock::OTHER);
 }
 
-bool FrdResults::writeLists() {
-    return m_database.writeBlock(m_states.p()) &&
-           std::all_of(m_series.begin(), m_series.end(), [&](const Series& series) {
-               return m_database.writeBlock(series.block.p());
-           });
+bool FrdResults::writeLists(Database& database) const {
+    return database.writeBlock(m_states.p()) &&
+           std::all_of(m_series.begin(), m_series.end(),
+                       [&](const Series& series) { return database.writeBlock(series.block.p()); });
 }
 
 std::vector<FrdResults::Field> FrdResults::fieldsOf(const FrdResult& result) {
@@ -129,12 +127,12 @@ std::vector<FrdResults::Field> FrdResults::fieldsOf(const FrdResult& result) {
     return fields;
 }
 
-bool FrdResults::addField(const FrdResult& result, const Field& field) {
+bool FrdResults::addField(const FrdResult& result, const Field& field, Database& database) {
     Series& series = seriesOf(result, field);
     if (series.type() == ResultBlock::DISPLACEMENT && series.block->stateCount() == 0) {
         scaleModeShape(result, field, series);
     }
-    return writeValues(result, field, series);
+    return writeValues(result, field, series, database);
 }
 
 FrdResults::Series& FrdResults::seriesOf(const FrdResult& result, const Field& field) {
@@ -207,7 +205,8 @@ void FrdResults::dropStrayNodes(FrdResult& result) {
 }
 
 // Values of all nodes in their order need no ids.
-bool FrdResults::writeValues(const FrdResult& result, const Field& field, Series& series) {
+bool FrdResults::writeValues(const FrdResult& result, const Field& field, Series& series,
+                             Database& database) {
     const std::size_t stride = result.components.size();
     const float* values = result.values.data();
     if (field.count != stride) {
@@ -224,7 +223,7 @@ bool FrdResults::writeValues(const FrdResult& result, const Field& field, Series
     return block->setMapToBlockId(FrdMesh::kNodeBlockId, Block::NODES) &&
            block->setResultValueData(values, result.nodeIds.size(),
                                      hasIds ? result.nodeIds.data() : nullptr) &&
-           m_database.writeBlock(block.p()) &&
+           database.writeBlock(block.p()) &&
            series.block->addResultValuesBlock(blockId, static_cast<int>(stateCount()));
 }
 

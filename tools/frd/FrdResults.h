@@ -30,12 +30,12 @@ public:
         nuo::zrfx::ResultBlock::ResultType type() const { return block->resultType(); }
     };
 
-    /// Both must live as long as this object.
-    FrdResults(nuo::zrfx::Database& database, const FrdMesh& mesh);
+    /// The mesh must live as long as this object.
+    explicit FrdResults(const FrdMesh& mesh);
 
     /// Writes the values of a result, as a state of its own when it belongs to none before. Values
     /// that are no finite numbers become undefined. The library's log says why it failed.
-    bool add(FrdResult& result);
+    bool add(FrdResult& result, nuo::zrfx::Database& database);
 
     /// Whether a result belongs to the state of the one before.
     bool continuesState(const FrdResult& result) const;
@@ -44,7 +44,7 @@ public:
     bool addMeshState();
 
     /// Writes the lists of states and results as they are now.
-    bool writeLists();
+    bool writeLists(nuo::zrfx::Database& database) const;
 
     std::size_t stateCount() const { return m_states->stateCount(); }
     const nuo::zrfx::StateInfoBlock& states() const { return *m_states; }
@@ -64,15 +64,15 @@ private:
 
     static std::vector<Field> fieldsOf(const FrdResult& result);
     bool beginState(const FrdStep& step);
-    bool addField(const FrdResult& result, const Field& field);
+    bool addField(const FrdResult& result, const Field& field, nuo::zrfx::Database& database);
     Series& seriesOf(const FrdResult& result, const Field& field);
     nuo::zrfx::ResultBlock* newBlock(const FrdResult& result, const Field& field);
     std::string nameOf(const FrdResult& result, const Field& field) const;
     void scaleModeShape(const FrdResult& result, const Field& field, Series& series) const;
     void dropStrayNodes(FrdResult& result);
-    bool writeValues(const FrdResult& result, const Field& field, Series& series);
+    bool writeValues(const FrdResult& result, const Field& field, Series& series,
+                     nuo::zrfx::Database& database);
 
-    nuo::zrfx::Database& m_database;
     const FrdMesh& m_mesh;
     nuo::PtrRef<nuo::zrfx::StateInfoBlock> m_states;
     std::vector<Series> m_series;
