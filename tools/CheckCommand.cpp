@@ -82,9 +82,9 @@ public:
           m_progress("checking", Progress::Unit::BYTES, m_entries.totalSize()) {}
 
     void run() {
-        m_entries.setUsed(kMainEntry);
         const nvf::ref<nvf::XmlDocument> document = new nvf::XmlDocument;
         if (m_access.ReadAndValidateMainDocumentFile(document.p())) {
+            m_entries.setUsed(kMainEntry);
             readCaseInfos();
             checkDatabases();
             checkCases();
@@ -215,7 +215,9 @@ private:
                 }
                 m_progress.advance(info.nSize);
             }
-            if (m_entries.isUsed(entry) || isInKnownFolder(entry)) continue;
+            // Without a main document it cannot be told what is meant to be there.
+            const bool isUnknown = !m_entries.isUsed(kMainEntry);
+            if (isUnknown || m_entries.isUsed(entry) || isInKnownFolder(entry)) continue;
             Reporter(m_findings, "unused-entry", info.sName)
                 .warning("", "nothing refers to this entry of " + byteText(info.nPackedSize));
         }
@@ -269,7 +271,7 @@ int check(ToolContext& context, const Options& options) {
         return context.fail(options.file, archive.LastError());
     }
     if (!isPasswordRight(archive)) return context.fail(options.file, "the password is wrong");
-    Findings findings(options.limit);
+    Findings findings(options.file, options.limit);
     FileCheck(access, archive, context.log(), findings).run();
     printFindings(options, findings);
     return findings.errorCount() > 0 ? ToolContext::FAILURE : ToolContext::FINE;

@@ -148,11 +148,15 @@ public:
           m_differences(options),
           m_progress("comparing", Progress::Unit::STEPS, blockCount()) {}
 
-    /// False when something cannot be read; the library has said why.
+    /// False when something cannot be read; the library has said why, and `failedFile` where.
     bool run() {
         compareVendors();
-        return compareDatabases() && compareCases() && compareTexts();
+        const bool isComplete = compareDatabases() && compareCases() && compareTexts();
+        m_progress.finish();
+        return isComplete;
     }
+
+    const std::string& failedFile() const { return m_failedFile; }
 
     const std::string& differences() const { return m_differences.text(); }
 
@@ -163,6 +167,11 @@ private:
             count += static_cast<std::uint64_t>(database->GetNumBlocks());
         }
         return count;
+    }
+
+    bool fail(const FileReader& reader) {
+        m_failedFile = reader.path();
+        return false;
     }
 
     // Calls `compare` for what both files have, reports what one has; false when `compare` fails.
@@ -236,7 +245,8 @@ private:
 
     bool compareBlock(const nvf::ref<ZRFxBlock>& a, const nvf::ref<ZRFxBlock>& b,
                       const std::string& place) {
-        if (a.isNull() || b.isNull()) return false;
+        if (a.isNull()) return fail(m_a);
+        if (b.isNull()) return fail(m_b);
         std::map<std::string, Field> fieldsOfB;
         for (Field& field : contentOf(*b)) fieldsOfB.try_emplace(field.place, std::move(field));
         for (const Field& field : contentOf(*a)) {
@@ -332,7 +342,8 @@ private:
             keysOf(a), keysOf(b), [&](const std::string& name) { return place + ", " + name; },
             [&](const std::string& name, const std::string& picturePlace) {
                 if (a.at(name) != b.at(name)) m_differences.add(picturePlace, "pixels differ");
-                return !a.at(name).empty() && !b.at(name).empty();
+                if (a.at(name).empty()) return fail(m_a);
+                return !b.at(name).empty() || fail(m_b);
             });
     }
 
@@ -360,26 +371,18 @@ private:
     FileReader& m_b;
     Differences m_differences;
     Progress m_progress;
+    std::string m_failedFile;
 };
 
 int diff(ToolContext& context, const Options& options) {
     FileReader a(context);
     FileReader b(context);
     if (!a.open(options.a) || !b.open(options.b)) return ToolContext::FAILURE;
-    bool isComplete = false;
-    std::string differences;
-    {
-        Comparison comparison(a, b, options);
-        isComplete = comparison.run();
-        differences = comparison.differences();
-    }
-    print(differences);
-    const auto messages = context.log().takeMessages();
-    if (isComplete && messages.empty()) {
-        return differences.empty() ? ToolContext::FINE : ToolContext::FAILURE;
-    }
-    const std::string cause = messages.empty() ? "cannot be read" : messages.front().text;
-    return context.fail(options.a + " or " + options.b, cause);
+    Comparison comparison(a, b, options);
+    const bool isComplete = comparison.run();
+    print(comparison.differences());
+    if (!isComplete) return context.fail(comparison.failedFile());
+    return comparison.differences().empty() ? ToolContext::FINE : ToolContext::FAILURE;
 }
 
 }  // namespace

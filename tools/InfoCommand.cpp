@@ -319,7 +319,9 @@ int info(ToolContext& context, const Options& options) {
         printFile(reader, summaries, options.isQuick);
     }
     if (isComplete && messages.empty()) return ToolContext::FINE;
-    return context.fail(options.file, messages.empty() ? "" : messages.front().text);
+    return context.fail(options.file, messages.empty()
+                                          ? "some block is missing; zrfx check tells more"
+                                          : messages.front().text);
 }
 
 }  // namespace

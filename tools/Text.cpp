@@ -6,6 +6,8 @@
 #include <cmath>
 #include <cstdio>
 
+#include "nvf/String.h"
+
 namespace tools {
 namespace {
 
@@ -34,10 +36,19 @@ Json jsonNumber(float value) {
 }
 
 std::string printable(std::string_view text) {
-    std::string result(text);
+    std::string result = nvf::String::fromUtf8(text).toUtf8();
     std::ranges::replace_if(
         result, [](unsigned char c) { return c < ' ' || c == 0x7F; }, '?');
     return result;
+}
+
+std::string withoutFileName(std::string message, const std::string& file) {
+    for (const std::string& name : {" in '" + file + "'", "'" + file + "': ", " '" + file + "'"}) {
+        const std::size_t at = message.find(name);
+        if (at != std::string::npos) message.erase(at, name.size());
+    }
+    while (message.ends_with('.')) message.pop_back();
+    return message;
 }
 
 std::string counted(std::uint64_t count, std::string_view singular) {

@@ -27,8 +27,12 @@ inline std::string utf8(const unstruct::ZRString& text) {
     return text.Bytes();
 }
 
-/// With control characters, which could steer a terminal, replaced by '?'.
+/// With control characters, which could steer a terminal, replaced by '?', and what is not UTF-8 by
+/// U+FFFD.
 std::string printable(std::string_view text);
+
+/// A message of the library without the name of the file, where that is told anyway.
+std::string withoutFileName(std::string message, const std::string& file);
 
 /// "1 element", "2 elements".
 std::string counted(std::uint64_t count, std::string_view singular);

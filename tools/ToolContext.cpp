@@ -8,23 +8,10 @@
 #include "NuoCore/LogManager.h"
 #include "NuoZRFx/ZRFxComponent.h"
 #include "Password.h"
+#include "Text.h"
 #include "ZROZRFxAccess.h"
 
 namespace tools {
-namespace {
-
-// A message of the library without the name of the file, which the line begins with anyway.
-std::string withoutName(std::string message, const std::string& file) {
-    for (const std::string& name : {"'" + file + "': ", " '" + file + "'"}) {
-        const std::size_t at = message.find(name);
-        if (at != std::string::npos) message.erase(at, name.size());
-    }
-    while (message.ends_with('.')) message.pop_back();
-    return message;
-}
-
-}  // namespace
-
 ToolContext::ToolContext() : m_log(new LogCollector) {
     nuo::LogManager* manager = nuo::CoreComponent::logManager();
     manager->setDestination(m_log.p());
@@ -57,7 +44,8 @@ CLI::App* ToolContext::addCommand(CLI::App& application, const std::string& name
 int ToolContext::fail(const std::string& file, std::string cause) {
     const std::string logged = m_log->takeCause();
     if (cause.empty()) cause = logged.empty() ? "failed" : logged;
-    std::fprintf(stderr, "zrfx: %s: %s\n", file.c_str(), withoutName(cause, file).c_str());
+    std::fprintf(stderr, "zrfx: %s: %s\n", printable(file).c_str(),
+                 printable(withoutFileName(cause, file)).c_str());
     return FAILURE;
 }
 

@@ -5,7 +5,9 @@ namespace tools {
 void Findings::add(Finding finding) {
     ++(finding.severity == Severity::ERROR ? m_errorCount : m_warningCount);
     const std::size_t count = ++m_counts[{finding.check, finding.entry}];
-    if (m_limit == 0 || count <= m_limit) m_findings.push_back(std::move(finding));
+    if (m_limit > 0 && count > m_limit) return;
+    finding.message = withoutFileName(std::move(finding.message), m_file);
+    m_findings.push_back(std::move(finding));
 }
 
 std::vector<Finding> Findings::kept(Severity severity) const {

@@ -27,7 +27,7 @@ struct Finding {
 class Findings {
 public:
     /// `limit` findings are kept of each check in each entry; 0 keeps all.
-    explicit Findings(std::size_t limit) : m_limit(limit) {}
+    Findings(std::string file, std::size_t limit) : m_file(std::move(file)), m_limit(limit) {}
 
     void add(Finding finding);
 
@@ -43,6 +43,7 @@ public:
 private:
     std::vector<Finding> kept(Severity severity) const;
 
+    const std::string m_file;  // left out of messages
     const std::size_t m_limit;
     std::vector<Finding> m_findings;
     std::map<std::pair<std::string, std::string>, std::size_t> m_counts;  // by check and entry

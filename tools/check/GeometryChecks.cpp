@@ -145,7 +145,8 @@ private:
 
     void reportVolume(std::int64_t i, double volume) {
         if (volume > 0) return;
-        m_volumes.error(place(i), m_typeName + " has volume " + numberText(volume) +
+        m_volumes.error(place(i), m_typeName + " has volume " +
+                                      numberText(static_cast<float>(volume)) +
                                       (volume < 0 ? ": its nodes are in the wrong order" : ""));
     }
 
