@@ -6,6 +6,7 @@ wrote. Exit code 77 says that the test was left out.
     calculix.py --zrfx PROGRAM element he20     a solved unit element keeps shape, order and stresses
     calculix.py --zrfx PROGRAM model DECK       a model, with text output
     calculix.py --zrfx PROGRAM binary-model DECK    the same with binary output
+    calculix.py --zrfx PROGRAM followed-model DECK  the same, imported while the solver runs
     calculix.py --zrfx PROGRAM references       reference results of Debian's calculix-ccx-test; all of
                                                 them with NUO_LONG_TESTS=1
     calculix.py --zrfx PROGRAM decks            solves the package's 355 decks; only with NUO_LONG_TESTS=1
@@ -384,6 +385,19 @@ def check_model(shop, source, is_binary):
     print(source.stem, compare(frd, model), "values")
 
 
+def check_followed(shop, source):
+    """What was imported while the solver ran."""
+    for extra in source.parent.glob("*.msh"):
+        shutil.copy(extra, shop.folder)
+    shutil.copy(source, shop.folder / "followed.inp")
+    frd, output = shop.folder / "followed.frd", shop.folder / "followed.zrfx"
+    follower = subprocess.Popen([shop.zrfx, "import", "--follow", "--timeout", "60", frd, output])
+    is_solved = shop.solve("followed")
+    check("followed", follower.wait() == 0 and is_solved)
+    check("check", shop.run("check", output).returncode == 0)
+    print(source.stem, compare(read_frd(frd), Model(output)), "values")
+
+
 def check_against_dat(dat, model):
     modes = [line for table in read_dat(dat, "e i g e n v a l u e")[:1] for line in table]
     frequencies = [value for kind, value in model.states if kind == "Frequency"]
@@ -468,7 +482,8 @@ def check_decks(shop):
 def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("--zrfx", required=True)
-    parser.add_argument("what", choices=["element", "model", "binary-model", "references", "decks"])
+    parser.add_argument("what", choices=["element", "model", "binary-model", "followed-model",
+                                         "references", "decks"])
     parser.add_argument("name", nargs="?")
     given = parser.parse_args()
     needs_package = given.what in ("references", "decks")
@@ -484,6 +499,8 @@ def main():
             check_references(shop)
         elif given.what == "decks":
             check_decks(shop)
+        elif given.what == "followed-model":
+            check_followed(shop, pathlib.Path(given.name).resolve())
         else:
             check_model(shop, pathlib.Path(given.name).resolve(), given.what == "binary-model")
 
