@@ -14,8 +14,12 @@ bool isThermal(const FrdResult& result) {
     return result.name == "NDTEMP" || result.name == "FLUX" || result.name == "RFL";
 }
 
-// What the first result tells. The file does not say whether a static analysis was linear: one that
-// took increments is taken for one that was not.
+// The file does not say whether a static analysis was linear. One that is ends its step at once.
+bool isLinear(const FrdStep& step) {
+    return step.increment <= 1 && step.value == step.step;
+}
+
+// What the first result tells.
 Database::SimulationType simulationType(const FrdResult* first) {
     if (!first) return Database::OTHER_SIMULATION;
     if (first->name.starts_with("DISP")) return Database::STRUCTURAL;
