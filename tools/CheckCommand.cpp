@@ -9,6 +9,7 @@
 #include "FileReader.h"
 #include "Progress.h"
 #include "Text.h"
+#include "ZROZRFxXml.h"
 #include "ZROZRFxZipArchive.h"
 #include "check/CaseChecks.h"
 #include "check/CheckedDatabase.h"
