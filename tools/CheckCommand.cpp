@@ -1,12 +1,11 @@
 #include "CheckCommand.h"
 
 #include <algorithm>
-#include <array>
 #include <map>
 #include <memory>
-#include <unordered_map>
 #include <unordered_set>
 
+#include "Entries.h"
 #include "FileReader.h"
 #include "Progress.h"
 #include "Text.h"
@@ -34,41 +33,6 @@ struct Options {
     std::size_t limit = 20;
 };
 
-std::string withBackslashes(std::string name) {
-    std::ranges::replace(name, '/', kFolderSeparator);
-    return name;
-}
-
-/// The entries of the archive, and which of them have been read or are meant to be there.
-class Entries {
-public:
-    explicit Entries(ZRFxZipArchive& archive) {
-        for (std::size_t i = 0; i < archive.EntryCount(); ++i) {
-            const auto entry = archive.EntryAt(i);
-            m_sizes.emplace(withBackslashes(entry.sName), entry.nSize);
-            m_totalSize += entry.nSize;
-        }
-    }
-
-    std::uint64_t totalSize() const { return m_totalSize; }
-    bool contains(const std::string& name) const { return m_sizes.contains(name); }
-    bool isVerified(const std::string& name) const { return m_verified.contains(name); }
-    bool isUsed(const std::string& name) const { return m_used.contains(name); }
-
-    void setUsed(const std::string& name) { m_used.insert(withBackslashes(name)); }
-
-    /// Data that was read and found good; gives its size when that is new.
-    std::uint64_t setVerified(const std::string& name) {
-        return m_verified.insert(name).second ? m_sizes.at(name) : 0;
-    }
-
-private:
-    std::unordered_map<std::string, std::uint64_t> m_sizes;
-    std::unordered_set<std::string> m_verified;
-    std::unordered_set<std::string> m_used;
-    std::uint64_t m_totalSize = 0;
-};
-
 /// The check of one file: databases block by block, cases, and then every entry that was not read
 /// on the way. Memory is that of the geometry and of one result at a time.
 class FileCheck {
@@ -84,7 +48,7 @@ public:
     void run() {
         const nvf::ref<nvf::XmlDocument> document = new nvf::XmlDocument;
         if (m_access.ReadAndValidateMainDocumentFile(document.p())) {
-            m_entries.setUsed(kMainEntry);
+            m_used.insert(kMainEntry);
             readCaseInfos();
             checkDatabases();
             checkCases();
@@ -129,8 +93,8 @@ private:
         ZRFxDatabase database(&m_access);
         database.Parse(info.id, ZRFxParseMode::LENIENT);
         takeLog(m_log, m_findings, "database", info.folder.Bytes());
-        m_entries.setUsed(info.path.Bytes());
-        m_entries.setUsed(database.EntryName("Database-TOC.xml").Bytes());
+        m_used.insert(withBackslashes(info.path.Bytes()));
+        m_used.insert(withBackslashes(database.EntryName("Database-TOC.xml").Bytes()));
         CheckedDatabase checked(database, m_findings, m_caseIds);
         m_log.takeMessages();  // comes again when the blocks are read
         for (const int type : checkOrder()) {
@@ -142,10 +106,10 @@ private:
 
     void checkBlockOf(ZRFxDatabase& database, int type, int id, CheckedDatabase& checked) {
         const auto block = database.OpenBlock(type, id);
-        const std::string document = block->GetFileName().Bytes();
+        const ZRString document = block->GetFileName();
         const bool isRead = block->ReadBlock();
-        if (!takeLog(m_log, m_findings, "block", document) && !isRead) {
-            Reporter(m_findings, "block", document).error("", "the block cannot be read");
+        if (!takeLog(m_log, m_findings, "block", document.Bytes()) && !isRead) {
+            Reporter(m_findings, "block", document.Bytes()).error("", "the block cannot be read");
         }
         noteFiles(database, document, isRead);
         if (!isRead) return;
@@ -155,39 +119,14 @@ private:
 
     // What the document of a block records is meant to be there; the main data of a block that can
     // be read has been read with it.
-    void noteFiles(const ZRFxDatabase& database, const std::string& name, bool isRead) {
-        nvf::XmlDocument document;
-        const bool isRelative = !m_entries.contains(withBackslashes(name));
-        m_entries.setUsed(isRelative ? database.EntryName(name).Bytes() : name);
-        if (database.ReadXmlFile(name, &document)) {
-            noteFiles(database, document.getRootElement(), isRead);
+    void noteFiles(const ZRFxDatabase& database, const ZRString& document, bool isRead) {
+        m_used.insert(m_entries.documentEntry(database, document));
+        for (const Entries::File& file : m_entries.dataFiles(database, document)) {
+            m_used.insert(file.entry);
+            const bool isNew = isRead && file.isMainData && m_verified.insert(file.entry).second;
+            if (isNew) m_progress.advance(m_entries.sizeOf(file.entry));
         }
-        m_log.takeMessages();
-    }
-
-    void noteFiles(const ZRFxDatabase& database, const nvf::XmlElement& element, bool isRead) {
-        for (const char* attribute : {"Filename", "IDs"}) {
-            const std::string entry = dataEntry(database, GetAttribute(element, attribute));
-            if (entry.empty()) continue;
-            m_entries.setUsed(entry);
-            const bool isMainData = element.nameUtf8() == "File" && *attribute == 'F';
-            if (isRead && isMainData) m_progress.advance(m_entries.setVerified(entry));
-        }
-        for (auto child = element.firstChildElement(); child.notNull();
-             child = child.nextSiblingElement()) {
-            noteFiles(database, child, isRead);
-        }
-    }
-
-    // The entry that a record means; empty when there is none.
-    std::string dataEntry(const ZRFxDatabase& database, const ZRString& name) const {
-        if (name.IsBlank()) return {};
-        const std::string inFolder = withBackslashes(database.EntryName(name).Bytes());
-        for (const std::string& entry :
-             {inFolder + ".dat", inFolder + ".txt", inFolder, withBackslashes(name.Bytes())}) {
-            if (m_entries.contains(entry)) return entry;
-        }
-        return {};
+        m_log.takeMessages();  // of a document that has been reported
     }
 
     void checkCases() {
@@ -208,7 +147,7 @@ private:
         for (std::size_t i = 0; i < m_archive.EntryCount(); ++i) {
             const auto info = m_archive.EntryAt(i);
             const std::string entry = withBackslashes(info.sName);
-            if (!m_entries.isVerified(entry)) {
+            if (!m_verified.contains(entry)) {
                 ZRFxZipRawData raw;
                 if (!m_archive.Read(info.sName, &raw)) {
                     Reporter(m_findings, "entry", info.sName).error("", m_archive.LastError());
@@ -216,8 +155,8 @@ private:
                 m_progress.advance(info.nSize);
             }
             // Without a main document it cannot be told what is meant to be there.
-            const bool isUnknown = !m_entries.isUsed(kMainEntry);
-            if (isUnknown || m_entries.isUsed(entry) || isInKnownFolder(entry)) continue;
+            const bool isUnknown = !m_used.contains(kMainEntry);
+            if (isUnknown || m_used.contains(entry) || isInKnownFolder(entry)) continue;
             Reporter(m_findings, "unused-entry", info.sName)
                 .warning("", "nothing refers to this entry of " + byteText(info.nPackedSize));
         }
@@ -227,7 +166,9 @@ private:
     ZRFxZipArchive& m_archive;
     LogCollector& m_log;
     Findings& m_findings;
-    Entries m_entries;
+    const Entries m_entries;
+    std::unordered_set<std::string> m_used;      // entries that are meant to be there
+    std::unordered_set<std::string> m_verified;  // entries that have been read with a block
     Progress m_progress;
     std::vector<ZRFxCaseInfo> m_cases;
     std::set<int> m_caseIds;

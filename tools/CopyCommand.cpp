@@ -1,11 +1,10 @@
 #include "CopyCommand.h"
 
-#include <sys/stat.h>
-
 #include <algorithm>
 #include <memory>
 #include <set>
 
+#include "Entries.h"
 #include "FileReader.h"
 #include "OutputFile.h"
 #include "Progress.h"
@@ -42,23 +41,16 @@ struct Options {
 /// of the new file, everything else entry by entry as it is. One block is in memory at a time.
 class Copy {
 public:
-    Copy(FileReader& in, ZRFxAccess& out, bool isText)
+    Copy(FileReader& in, const Entries& entries, ZRFxAccess& out, bool isText)
         : m_in(in),
+          m_entries(entries),
           m_out(out),
           m_isText(isText),
-          m_progress("copying", Progress::Unit::STEPS, stepCount()) {}
+          m_progress("copying", Progress::Unit::BYTES, entries.totalSize()) {}
 
     bool run() { return copyMainDocument() && copyDatabases() && copyCases() && copyOthers(); }
 
 private:
-    std::uint64_t stepCount() const {
-        std::uint64_t count = 0;
-        for (const auto& database : m_in.databases()) {
-            count += static_cast<std::uint64_t>(database->GetNumBlocks());
-        }
-        return count;
-    }
-
     // The registries fill again as databases and cases are added.
     bool copyMainDocument() {
         nvf::XmlDocument document;
@@ -94,7 +86,7 @@ private:
             if (block->GetType() == BLOCK_GEOMETRY && !copyLegacyInfo(*block, in, out)) {
                 return false;
             }
-            m_progress.advance(1);
+            m_progress.advance(m_entries.sizeOf(in, in.GetBlock(i)->GetFileName()));
         }
         return out.WriteTOC();
     }
@@ -146,16 +138,13 @@ private:
 
     bool copyEntry(const ZRString& entry, const std::string& name) {
         ZRFxZipRawData raw;
+        m_progress.advance(m_entries.sizeOf(name));
         return m_in.access().InternalReadDataRaw(entry, LogMode::LOG, &raw) &&
                m_out.WriteDataRaw(name, raw.Buffer(), raw.Length(), true);
     }
 
-    static std::string withBackslashes(std::string name) {
-        std::ranges::replace(name, '/', kFolderSeparator);
-        return name;
-    }
-
     FileReader& m_in;
+    const Entries& m_entries;
     ZRFxAccess& m_out;
     const bool m_isText;
     Progress m_progress;
@@ -194,11 +183,15 @@ bool chooseForm(ToolContext& context, const Options& options, FileReader& in, Fo
 }
 
 bool writeCopy(FileReader& in, const Form& form, const std::string& path) {
+    ZRFxZipArchive archive;
     ZRFxAccess out;
+    if (!archive.Open(in.path(), ZRFxOpenMode::kReadOnly)) return false;
+    const Entries entries(archive);
     if (!out.Open(path, ZRZipAccessMode::CREATE)) return false;
     out.SetCompression(form.level, ZRFxAccess::kDefaultSmartness, ZRFxAccess::kDefaultBufferSize,
                        ZRFxAccess::kDefaultBufferSize);
-    if (out.SetPassword(form.password) && Copy(in, out, form.isText).run() && out.Close()) {
+    if (out.SetPassword(form.password) && Copy(in, entries, out, form.isText).run() &&
+        out.Close()) {
         return true;
     }
     out.Abandon();

@@ -10,6 +10,7 @@
 #include <memory>
 #include <set>
 
+#include "Entries.h"
 #include "Progress.h"
 #include "Text.h"
 #include "ZROZRFxZipArchive.h"
@@ -136,7 +137,8 @@ private:
 
     bool extract(const std::string& entry, const ZRFxZipRawData& raw) {
         const std::vector<std::string> path = pathOf(entry);
-        if (path.empty()) return fail(entry, "is left out, its name leads out of the folder");
+        if (path.empty())
+            return fail(entry, "is left out, its name is no safe path below the folder");
         if (!m_written.insert(path).second) {
             return fail(entry, "is left out, another entry has the same path");
         }
@@ -154,11 +156,6 @@ private:
     const Folder m_target;
     std::set<std::vector<std::string>> m_written;
 };
-
-std::string withBackslashes(std::string name) {
-    std::ranges::replace(name, '/', '\\');
-    return name;
-}
 
 // The entries that were asked for, under either separator; all of them when none was named.
 std::vector<std::string> chosenEntries(ZRFxZipArchive& archive, const Options& options,

@@ -80,7 +80,7 @@ void Progress::show(Clock::time_point now) {
 
 std::string Progress::amountText(double amount) const {
     return m_unit == Unit::BYTES ? byteText(static_cast<std::uint64_t>(amount))
-                                 : formatted("%.0f", amount);
+                                 : formatted(amount < 10 ? "%.1f" : "%.0f", amount);
 }
 
 }  // namespace tools
