@@ -143,6 +143,8 @@ TEST_F(FrdReaderTest, DamageIsReportedWithItsPlaceAndWhatFollowsIsRead) {
          "line 20: the result DISP: these are no values"},
         {" -3\n 9999", " 9999", "line 21: the result DISP: these are no values"},
         {" -4  DISP", " -7  DISP", "line 14: a result: its name is missing"},
+        {" -4  DISP        4    1", " -4  DISP        4    3",
+         "line 14: the result DISP: its values are at elements, which is not imported"},
         {" -5  D2 ", " -6  D2 ", "line 16: the result DISP: this is no component"},
         {"  100CL  101 1.50000E+00", "  100CL  101 rubbish    ",
          "line 13: a result: its state cannot be read"},

@@ -13,6 +13,7 @@ namespace tools {
 namespace {
 
 constexpr std::size_t kMostComponents = 1000;  // the solver writes up to 60
+constexpr std::uint64_t kAtElements = 3;       // as the file says where a result has its values
 constexpr std::size_t kValuesPerLine = 6;
 constexpr std::size_t kValueWidth = 12;
 
@@ -360,6 +361,9 @@ FrdReader::Event FrdReader::readComponents() {
     m_result.name = frdTrimmed(frdField(*head, 5, 8));
     m_block = "the result " + m_result.name;
     const std::uint64_t count = numberOf(frdField(*head, 13, 5));
+    if (numberOf(frdField(*head, 18, 5)) == kAtElements) {
+        return damaged("its values are at elements, which is not imported");
+    }
     if (count > kMostComponents) return damaged("it has too many components");
     m_result.components.clear();
     for (std::uint64_t i = 0; i < count; ++i) {
