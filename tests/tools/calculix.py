@@ -4,9 +4,8 @@ what the ZRFx file holds, read with nothing but Python's own modules, with the t
 wrote. Exit code 77 says that the test was left out.
 
     calculix.py --zrfx PROGRAM element he20     a solved unit element keeps shape, order and stresses
-    calculix.py --zrfx PROGRAM model DECK       a model, with text output
-    calculix.py --zrfx PROGRAM binary-model DECK    the same with binary output
-    calculix.py --zrfx PROGRAM followed-model DECK  the same, imported while the solver runs
+    calculix.py --zrfx PROGRAM text DECK        a model; also "binary", with binary output, and
+                                                "followed", imported while the solver runs
     calculix.py --zrfx PROGRAM references       reference results of Debian's calculix-ccx-test; all of
                                                 them with NUO_LONG_TESTS=1
     calculix.py --zrfx PROGRAM decks            solves the package's 355 decks; only with NUO_LONG_TESTS=1
@@ -251,22 +250,18 @@ WEDGE = [(0, 0, 0), (1, 0, 0), (0, 1, 0), (0, 0, 1), (1, 0, 1), (0, 1, 1)]
 TET = [(0, 0, 0), (1, 0, 0), (0, 1, 0), (0, 0, 1)]
 QUAD, TRIANGLE, BEAM = HEX[:4], WEDGE[:3], HEX[:2]
 
-# By .frd type: the solver's type; corners; mid-side nodes in the solver's order, as pairs of corners;
-# and in the order of the ZRFx format, of which the corners of a wedge are in another order, too.
-HEX_INPUT = "01 12 23 30 45 56 67 74 04 15 26 37"
+# In the order of the .frd types: the solver's type, ours, the corners, and the mid-side nodes as pairs
+# of corners, in the order that the solver's input and the ZRFx format have in common. The format has
+# the corners of a wedge in another order.
 ELEMENTS = {
-    "he8": ("C3D8", HEX, "", ""), "he20": ("C3D20", HEX, HEX_INPUT, HEX_INPUT),
-    "pe6": ("C3D6", WEDGE, "", ""),
-    "pe15": ("C3D15", WEDGE, "01 12 20 34 45 53 03 14 25", "01 12 20 34 45 53 03 14 25"),
-    "te4": ("C3D4", TET, "", ""),
-    "te10": ("C3D10", TET, "01 12 20 03 13 23", "01 12 20 03 13 23"),
-    "tr3": ("S3", TRIANGLE, "", ""), "tr6": ("S6", TRIANGLE, "01 12 20", "01 12 20"),
-    "qu4": ("S4", QUAD, "", ""), "qu8": ("S8", QUAD, "01 12 23 30", "01 12 23 30"),
-    "be2": ("B31", BEAM, "", ""), "be3": ("B32", BEAM, "01", "01")}
-TYPES = {"he8": "Hexahedron", "he20": "Hexahedron_20", "pe6": "Pentahedron",
-         "pe15": "Pentahedron_15", "te4": "Tetrahedron", "te10": "Tetrahedron_10",
-         "tr3": "Triangle", "tr6": "Triangle_6", "qu4": "Quad", "qu8": "Quad_8", "be2": "Beam",
-         "be3": "Beam_3"}
+    "he8": ("C3D8", "Hexahedron", HEX, ""), "pe6": ("C3D6", "Pentahedron", WEDGE, ""),
+    "te4": ("C3D4", "Tetrahedron", TET, ""),
+    "he20": ("C3D20", "Hexahedron_20", HEX, "01 12 23 30 45 56 67 74 04 15 26 37"),
+    "pe15": ("C3D15", "Pentahedron_15", WEDGE, "01 12 20 34 45 53 03 14 25"),
+    "te10": ("C3D10", "Tetrahedron_10", TET, "01 12 20 03 13 23"),
+    "tr3": ("S3", "Triangle", TRIANGLE, ""), "tr6": ("S6", "Triangle_6", TRIANGLE, "01 12 20"),
+    "qu4": ("S4", "Quad", QUAD, ""), "qu8": ("S8", "Quad_8", QUAD, "01 12 23 30"),
+    "be2": ("B31", "Beam", BEAM, ""), "be3": ("B32", "Beam_3", BEAM, "01")}
 
 # A displacement gradient without symmetry, and the stresses of Hooke's law: xx yy zz xy yz zx.
 GRADIENT = [[1e-3, 2e-4, 5e-4], [0, -2e-3, 3e-4], [1e-4, 0, 4e-3]]
@@ -287,7 +282,7 @@ def middle(a, b):
 
 
 def element_deck(frd_type):
-    name, corners, middles, _ = ELEMENTS[frd_type]
+    name, _, corners, middles = ELEMENTS[frd_type]
     points = corners + [middle(corners[int(p[0])], corners[int(p[1])]) for p in middles.split()]
     points = [[1 + 2 * x, 1 + 3 * y, 1 + 4 * z] for x, y, z in points]
     numbers = [10 + 7 * i for i in range(len(points))]
@@ -323,16 +318,14 @@ def volume_of(corners):
 
 
 def check_element(shop, frd_type):
-    name, corners, _, middles = ELEMENTS[frd_type]
+    name, our_type, corners, middles = ELEMENTS[frd_type]
     (shop.folder / "element.inp").write_text(element_deck(frd_type))
     check("the solver failed", shop.solve("element"))
     frd = read_frd(shop.folder / "element.frd")
     model = shop.imported(shop.folder / "element.frd")
-    check("type in the .frd file", list(ELEMENTS).index(frd_type) >= 0 and
-          frd[1][5][0] == ["he8", "pe6", "te4", "he20", "pe15", "te10", "tr3", "tr6", "qu4", "qu8",
-                           "be2", "be3"].index(frd_type) + 1)
+    check("type in the .frd file", frd[1][5][0] == list(ELEMENTS).index(frd_type) + 1)
     kind, _, nodes = model.elements[5]
-    check(f"type {kind}", kind == TYPES[frd_type])
+    check(f"type {kind}", kind == our_type)
     points = [model.nodes[node] for node in nodes]
     check("nodes", len(points) == len(corners) + len(middles.split()))
     for pair, point in zip(middles.split(), points[len(corners):]):
@@ -366,36 +359,30 @@ def check_stresses(shop, model):
 # ---- Models
 
 
-def check_model(shop, source, is_binary):
-    """The deck as it is, or with binary output, against the .frd text of the deck as it is."""
+def check_model(shop, source, variant):
+    """The deck as it is, or with binary output, against the .frd text of the deck as it is; or what was
+    imported while the solver ran."""
     for extra in source.parent.glob("*.msh"):
         shutil.copy(extra, shop.folder)
     deck = source.read_text()
     (shop.folder / "text.inp").write_text(deck)
+    text, output = shop.folder / "text.frd", shop.folder / "out.zrfx"
+    if variant == "followed":
+        follower = subprocess.Popen([shop.zrfx, "import", "--follow", "--timeout", "60", text, output])
     check("the solver failed", shop.solve("text"))
-    frd = read_frd(shop.folder / "text.frd")
-    if is_binary:
+    if variant == "followed":
+        check("following failed", follower.wait() == 0 and
+              shop.run("check", output).returncode == 0)
+        model = Model(output)
+    elif variant == "binary":
         binary = deck.replace("*NODE FILE", "*NODE OUTPUT").replace("*EL FILE", "*ELEMENT OUTPUT")
         (shop.folder / "binary.inp").write_text(binary)
         check("the solver failed", shop.solve("binary"))
-        print(source.stem, "binary", compare(frd, shop.imported(shop.folder / "binary.frd"), 1e-5))
-        return
-    model = shop.imported(shop.folder / "text.frd")
+        model = shop.imported(shop.folder / "binary.frd")
+    else:
+        model = shop.imported(text)
     check_against_dat(shop.folder / "text.dat", model)
-    print(source.stem, compare(frd, model), "values")
-
-
-def check_followed(shop, source):
-    """What was imported while the solver ran."""
-    for extra in source.parent.glob("*.msh"):
-        shutil.copy(extra, shop.folder)
-    shutil.copy(source, shop.folder / "followed.inp")
-    frd, output = shop.folder / "followed.frd", shop.folder / "followed.zrfx"
-    follower = subprocess.Popen([shop.zrfx, "import", "--follow", "--timeout", "60", frd, output])
-    is_solved = shop.solve("followed")
-    check("followed", follower.wait() == 0 and is_solved)
-    check("check", shop.run("check", output).returncode == 0)
-    print(source.stem, compare(read_frd(frd), Model(output)), "values")
+    print(source.stem, compare(read_frd(text), model, 1e-5 if variant == "binary" else 0), "values")
 
 
 def check_against_dat(dat, model):
@@ -437,10 +424,9 @@ def check_deck(shop, source, name):
         folder = pathlib.Path(work)
         for other in source.iterdir():
             (folder / other.name).symlink_to(other)
-        isolated = folder / (name + ".inp")
         is_solved = shop.solve(name, folder)
         frd, output = folder / (name + ".frd"), folder / "out.zrfx"
-        if not frd.exists() or not isolated.exists():
+        if not frd.exists():
             return "no results"
         run = shop.run("import", frd, output)
         is_whole = frd.read_bytes().rstrip().endswith(b" 9999")
@@ -482,8 +468,8 @@ def check_decks(shop):
 def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("--zrfx", required=True)
-    parser.add_argument("what", choices=["element", "model", "binary-model", "followed-model",
-                                         "references", "decks"])
+    parser.add_argument("what", choices=["element", "text", "binary", "followed", "references",
+                                         "decks"])
     parser.add_argument("name", nargs="?")
     given = parser.parse_args()
     needs_package = given.what in ("references", "decks")
@@ -499,10 +485,8 @@ def main():
             check_references(shop)
         elif given.what == "decks":
             check_decks(shop)
-        elif given.what == "followed-model":
-            check_followed(shop, pathlib.Path(given.name).resolve())
         else:
-            check_model(shop, pathlib.Path(given.name).resolve(), given.what == "binary-model")
+            check_model(shop, pathlib.Path(given.name).resolve(), given.what)
 
 
 if __name__ == "__main__":
