@@ -254,7 +254,8 @@ bool ZRFxAccess::WriteXmlFile(const ZRString& name, const nvf::XmlDocument& doc,
     if (!IsOpen()) return m_logger->fail("Cannot write Xml file '%1', archive is not open.", name);
     if (m_readOnly) return m_logger->fail("The file is read only.");
     if (name.IsBlank()) return m_logger->fail("No filename specified.");
-    const bool isThere = m_pArchive->Contains(EntryOf(name));
+    std::string entry;
+    const bool isThere = FindEntry(name, &entry);
     if (isThere && !overwrite) {
         return m_logger->fail("Xml file '%1' exists in archive, and overwrite flag is not set",
                               name);
@@ -365,11 +366,12 @@ bool ZRFxAccess::ReadData(const ZRString& name, ZRUbyteArray* data) {
 bool ZRFxAccess::InternalReadDataRaw(const ZRString& name, LogMode logMode, ZRFxZipRawData* raw) {
     NVF_ASSERT(raw);
     if (!raw) return false;
-    if (InternalFindFile(name, logMode) < 0) {
+    std::string entry;
+    if (!CheckReadable(name, logMode) || !FindEntry(name, &entry)) {
         if (logMode == LogMode::SILENT) return false;
         return m_logger->fail("Unable to read raw data from '%1', file not found.", name);
     }
-    return m_pArchive->Read(EntryOf(name), raw) ||
+    return m_pArchive->Read(entry, raw) ||
            FailWithCause("Unable to read raw data from '%1'.", name);
 }
 
@@ -415,22 +417,19 @@ bool ZRFxAccess::ReadImage(const ZRString& name, nuo::Image* image) {
 }
 
 std::int32_t ZRFxAccess::InternalFindFile(const ZRString& name, LogMode logMode) {
-    if (!IsOpen()) {
-        if (logMode == LogMode::LOG) m_logger->fail("Archive is not open.");
-        return -1;
-    }
-    if (name.IsBlank()) {
-        if (logMode == LogMode::LOG) m_logger->fail("No filename specified.");
-        return -1;
-    }
-    const std::int64_t index = m_pArchive->IndexOf(name.Bytes());
-    if (index >= 0) return static_cast<std::int32_t>(index);
-    return static_cast<std::int32_t>(m_pArchive->IndexOf(withSlashes(name.Bytes())));
+    std::string entry;
+    if (!CheckReadable(name, logMode) || !FindEntry(name, &entry)) return -1;
+    return static_cast<std::int32_t>(m_pArchive->IndexOf(entry));
+}
+
+bool ZRFxAccess::Contains(const ZRString& name) const {
+    std::string entry;
+    return IsOpen() && !name.IsBlank() && FindEntry(name, &entry);
 }
 
 bool ZRFxAccess::RemoveFile(const ZRString& name) {
     if (!CheckWritable(name)) return false;
-    for (std::string entry = EntryOf(name); m_pArchive->Contains(entry); entry = EntryOf(name)) {
+    for (std::string entry; FindEntry(name, &entry);) {
         if (!m_pArchive->Remove(entry)) {
             return FailWithCause("Could not remove file '%1' from archive", name);
         }
@@ -504,14 +503,21 @@ bool ZRFxAccess::CheckWritable(const ZRString& name) {
     return true;
 }
 
+bool ZRFxAccess::CheckReadable(const ZRString& name, LogMode logMode) const {
+    if (IsOpen() && !name.IsBlank()) return true;
+    if (logMode == LogMode::LOG) {
+        m_logger->fail(IsOpen() ? "No filename specified." : "Archive is not open.");
+    }
+    return false;
+}
+
 // Replacing takes the place of the entry under slashes too, and keeps what was there when it fails.
 bool ZRFxAccess::Store(const ZRString& name, const void* data, std::size_t numBytes,
                        bool overwrite) {
     if (!overwrite) return m_pArchive->Add(name.Bytes(), data, numBytes, m_compressionLevel);
     if (!m_pArchive->Replace(name.Bytes(), data, numBytes, m_compressionLevel)) return false;
     const std::string slashed = withSlashes(name.Bytes());
-    return slashed == name.Bytes() || !m_pArchive->Contains(slashed) ||
-           m_pArchive->Remove(slashed);
+    return slashed == name.Bytes() || !m_pArchive->Contains(slashed) || m_pArchive->Remove(slashed);
 }
 
 template <typename Query>
@@ -535,7 +541,7 @@ bool ZRFxAccess::GetCaseFile(int caseId, const char* element, ZRString* fileName
     const nvf::XmlElement file = root.firstChildElement(element);
     *isGiven = file.notNull();
     *fileName = inFolder(info.folder, GetText(file));
-    if (InternalFindFile(*fileName, LogMode::SILENT) < 0) *fileName = GetText(file);
+    if (!Contains(*fileName)) *fileName = GetText(file);
     return true;
 }
 
@@ -574,10 +580,13 @@ bool ZRFxAccess::ForEachName(ZRStringArray* names, TakeName takeName) {
     return true;
 }
 
-std::string ZRFxAccess::EntryOf(const ZRString& name) const {
-    if (m_pArchive->Contains(name.Bytes())) return name.Bytes();
-    const std::string slashed = withSlashes(name.Bytes());
-    return m_pArchive->Contains(slashed) ? slashed : name.Bytes();
+// Gives the name that the archive has the entry under, with backslashes or with slashes.
+bool ZRFxAccess::FindEntry(const ZRString& name, std::string* entry) const {
+    *entry = name.Bytes();
+    if (m_pArchive->Contains(*entry)) return true;
+    if (entry->find(kFolderSeparator) == std::string::npos) return false;
+    *entry = withSlashes(name.Bytes());
+    return m_pArchive->Contains(*entry);
 }
 
 // The archive tells why in its own words, before the message of the operation.

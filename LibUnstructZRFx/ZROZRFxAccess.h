@@ -158,6 +158,8 @@ public:
 
     /// Index of an entry, -1 when absent.
     std::int32_t InternalFindFile(const ZRString& name, LogMode logMode);
+    /// Whether there is such an entry; says nothing.
+    bool Contains(const ZRString& name) const;
 
     /// Removes an entry; one that is not there is no failure.
     bool RemoveFile(const ZRString& name);
@@ -179,6 +181,7 @@ public:
 private:
     bool TakeOpened(bool isOpened, ZRZipAccessMode mode);
     bool CheckWritable(const ZRString& name);
+    bool CheckReadable(const ZRString& name, LogMode logMode) const;
     bool Store(const ZRString& name, const void* data, std::size_t numBytes, bool overwrite);
     template <typename Query>
     bool FromMainDocument(Query query);
@@ -189,7 +192,7 @@ private:
     bool ReadItems(const ZRString& name, ZRArray<Item>* data);
     template <typename TakeName>
     bool ForEachName(ZRStringArray* names, TakeName takeName);
-    std::string EntryOf(const ZRString& name) const;
+    bool FindEntry(const ZRString& name, std::string* entry) const;
     bool FailWithCause(nvf::LocatedText message, const ZRString& name);
 
     ZRString m_sFileName;

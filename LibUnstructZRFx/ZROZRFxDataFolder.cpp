@@ -218,7 +218,7 @@ ZRString ZRFxDataFolder::EntryToRead(const ZRString& name) const {
                                          ? ZRStringArray{inFolder, name}
                                          : ZRStringArray{inFolder + ".dat", inFolder + ".txt"};
     for (const ZRString& candidate : candidates) {
-        if (m_pAccess->InternalFindFile(candidate, LogMode::SILENT) >= 0) return candidate;
+        if (m_pAccess->Contains(candidate)) return candidate;
     }
     return candidates.front();
 }

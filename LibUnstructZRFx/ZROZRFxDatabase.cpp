@@ -11,7 +11,6 @@ namespace unstruct {
 namespace {
 
 constexpr const char* kTOCName = "Database-TOC.xml";
-constexpr const char* kDescriptionName = "Database.xml";
 
 ZRString folderOf(int id) {
     char folder[32];
@@ -193,10 +192,10 @@ ZRFxBlock* ZRFxDatabase::GetBlock(int globalIndex) const {
 
 bool ZRFxDatabase::ReadXmlFile(const ZRString& fileName, nvf::XmlDocument* doc) const {
     if (!GetAccess()) return false;
-    const ZRString inFolder = EntryName(fileName);
-    const bool isRelative = GetAccess()->InternalFindFile(fileName, LogMode::SILENT) < 0 &&
-                            GetAccess()->InternalFindFile(inFolder, LogMode::SILENT) >= 0;
-    return GetAccess()->InternalReadXmlFile(isRelative ? inFolder : fileName, LogMode::LOG, doc);
+    const bool isRelative =
+        !GetAccess()->Contains(fileName) && GetAccess()->Contains(EntryName(fileName));
+    return GetAccess()->InternalReadXmlFile(isRelative ? EntryName(fileName) : fileName,
+                                            LogMode::LOG, doc);
 }
 
 nvf::ref<nvf::XmlDocument> ZRFxDatabase::CreateDescription() const {
@@ -257,7 +256,7 @@ bool ZRFxDatabase::ParseDescription(const ZRFxDatabaseInfo& info) {
 
 bool ZRFxDatabase::ParseBlocks() {
     StartTOC();
-    const bool hasTOC = GetAccess()->InternalFindFile(EntryName(kTOCName), LogMode::SILENT) >= 0;
+    const bool hasTOC = GetAccess()->Contains(EntryName(kTOCName));
     std::vector<BlockLine> lines;
     if (hasTOC) {
         if (!ParseTOC(ZRFxParseMode::STRICT, &lines)) return false;
@@ -276,7 +275,7 @@ bool ZRFxDatabase::ParseWhatFits(const ZRFxDatabaseInfo& info) {
     }
     StartTOC();
     std::vector<BlockLine> lines;
-    const bool hasTOC = GetAccess()->InternalFindFile(EntryName(kTOCName), LogMode::SILENT) >= 0;
+    const bool hasTOC = GetAccess()->Contains(EntryName(kTOCName));
     if (!hasTOC || !ParseTOC(ZRFxParseMode::LENIENT, &lines)) {
         ParseFolder(ZRFxParseMode::LENIENT, &lines);
     }

@@ -105,6 +105,36 @@ bool ZRFxGeometryBlock::GetLegacyGeometryInfo(ZRFxGeometryInfoBlock* pGeometryIn
     return true;
 }
 
+bool ZRFxGeometryBlock::FillGeometryInfos(const ZRFxGeometryInfoBlock& partInfos,
+                                          const ZRPtrArray<ZRFxStateInfo>* pStateInfos,
+                                          ZRPtrArray<ZRFxGeometryInfo>* pGeoInfos) const {
+    NVF_ASSERT(pGeoInfos && pStateInfos);
+    if (!pGeoInfos || !pStateInfos) return false;
+    const std::int64_t iNumStates = pStateInfos->GetSize();
+    const std::int64_t iNumGeometryStates = m_apStates.GetSize();
+    const bool isForStates = iNumGeometryStates == iNumStates || iNumGeometryStates == 1;
+    const bool isForGeometries = pGeoInfos->GetSize() == GetGeometryCountPerState();
+    NVF_ASSERT(iNumGeometryStates == iNumStates || iNumGeometryStates == 1);
+    NVF_ASSERT(pGeoInfos->GetSize() == GetGeometryCountPerState());
+    if (!isForStates || !isForGeometries) return false;
+    for (int geometry = 0; geometry < GetGeometryCountPerState(); ++geometry) {
+        ZRFxGeometryInfo& info = *(*pGeoInfos)[geometry];
+        info = ZRFxGeometryInfo();
+        if (geometry < partInfos.GetGeometryCountPerState()) {
+            info.partInfos = *partInfos.GetPartInfos(geometry);
+        }
+        for (std::int64_t i = 0; i < iNumStates; ++i) {
+            const ZRFxGeometryState* pZrfxState = m_apStates[iNumGeometryStates == 1 ? 0 : i];
+            const ZRFxStateInfo* pStateInfo = (*pStateInfos)[i];
+            NVF_ASSERT(pZrfxState && pStateInfo);
+            if (!pZrfxState || !pStateInfo) return false;
+            info.states.push_back(
+                {pStateInfo->stateID, pStateInfo->name, PartsOf(*pZrfxState, geometry)});
+        }
+    }
+    return true;
+}
+
 bool ZRFxGeometryBlock::DoReadBlock(const nvf::XmlElement& root) {
     DoUnloadData();
     const bool isLegacy = !root.hasAttribute("GeometryCountPerState");
@@ -138,6 +168,15 @@ bool ZRFxGeometryBlock::DoWriteBlock(nvf::XmlElement root) {
 
 void ZRFxGeometryBlock::DoUnloadData() {
     m_apStates.RemoveAll();
+}
+
+std::vector<ZRFxGeometryPart> ZRFxGeometryBlock::PartsOf(const ZRFxGeometryState& state,
+                                                         int geometry) const {
+    std::vector<ZRFxGeometryPart> parts;
+    for (int i = 0; i < state.GetPartCount(geometry); ++i) {
+        parts.push_back(state.GetPart(geometry, i));
+    }
+    return parts;
 }
 
 void ZRFxGeometryBlock::WriteGeometry(nvf::XmlElement state, const ZRFxGeometryState& record,

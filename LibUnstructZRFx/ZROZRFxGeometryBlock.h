@@ -6,6 +6,7 @@
 
 #include "ZROZRFxBlock.h"
 #include "ZROZRFxGeometryInfoBlock.h"
+#include "ZROZRFxStateInfoBlock.h"
 #include "ZRPtrArray.h"
 
 namespace unstruct {
@@ -57,6 +58,19 @@ private:
     ZRFxGeometryParts m_geometryParts;
 };
 
+/// A geometry as a viewer lists it: what its parts are called, and which block each one is in each
+/// state of the model.
+struct ZRFxGeometryInfo {
+    struct State {
+        int stateID = -1;
+        ZRString name;
+        std::vector<ZRFxGeometryPart> parts;
+    };
+
+    ZRFxPartInfos partInfos;
+    std::vector<State> states;
+};
+
 /// Which blocks make up the model, as geometries made of parts: for each state, or once for all.
 class ZRFxGeometryBlock : public ZRFxBlock {
 public:
@@ -78,12 +92,20 @@ public:
     /// replaces the part infos of the block by the names and ids found there.
     bool GetLegacyGeometryInfo(ZRFxGeometryInfoBlock* pGeometryInfo) const;
 
+    /// Fills the infos, which must be one for each geometry of a state, from this block and the one
+    /// that names the parts, for all states of the model. This block must have one record for each
+    /// of them, or a single one for all. False after an assertion when it is not so.
+    bool FillGeometryInfos(const ZRFxGeometryInfoBlock& partInfos,
+                           const ZRPtrArray<ZRFxStateInfo>* pStateInfos,
+                           ZRPtrArray<ZRFxGeometryInfo>* pGeoInfos) const;
+
 protected:
     bool DoReadBlock(const nvf::XmlElement& root) override;
     bool DoWriteBlock(nvf::XmlElement root) override;
     void DoUnloadData() override;
 
 private:
+    std::vector<ZRFxGeometryPart> PartsOf(const ZRFxGeometryState& state, int geometry) const;
     void WriteGeometry(nvf::XmlElement state, const ZRFxGeometryState& record, int geometry);
     bool ReadGeometries(const nvf::XmlElement& element, ZRFxGeometryState* pState);
     bool ReadLegacyParts(const nvf::XmlElement& element, ZRFxGeometryState* pState);

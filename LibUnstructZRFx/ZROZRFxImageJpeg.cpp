@@ -78,7 +78,7 @@ bool encode(const nuo::Image& image, const JSAMPLE* rgb, unsigned char** buffer,
 
 bool isPlausible(const jpeg_decompress_struct& decoder, std::size_t numBytes) {
     const std::size_t decoded = std::size_t{3} * decoder.image_width * decoder.image_height;
-    return decoded / ZRFxImageJpeg::kMostExpansion <= numBytes;
+    return decoded <= numBytes * ZRFxImageJpeg::kMostExpansion;
 }
 
 // `rgb` is made by malloc here and stays with the caller in every case.

@@ -118,10 +118,7 @@ bool ZRFxJournaledFile::BeginCommit(uint64_t nUnchanged) {
         return false;
     }
     m_nUnchanged = nUnchanged;
-    m_nPosition = nUnchanged;
-    m_nFlushStarted = nUnchanged;
-    m_nBuffered = 0;
-    m_ePhase = Phase::kInPlace;
+    StartAt(nUnchanged, Phase::kInPlace);
     return true;
 }
 
@@ -134,10 +131,7 @@ bool ZRFxJournaledFile::BeginRewrite() {
     if (!m_rewrite.Open(m_sRewritePath, O_RDWR | O_CREAT | O_EXCL)) {
         return FailSystem("cannot create the temporary file");
     }
-    m_ePhase = Phase::kRewrite;
-    m_nPosition = 0;
-    m_nFlushStarted = 0;
-    m_nBuffered = 0;
+    StartAt(0, Phase::kRewrite);
     if (m_rewrite.Lock() && m_rewrite.SetMode(status.st_mode & 07777)) return true;
     FailSystem("cannot prepare the temporary file");
     RollBack();
@@ -163,11 +157,27 @@ bool ZRFxJournaledFile::Write(const void* pData, size_t nSize) {
     return true;
 }
 
+bool ZRFxJournaledFile::ReadWritten(uint64_t nOffset, void* pData, size_t nSize) {
+    if (!FlushBuffer()) return false;
+    return Target().ReadAt(nOffset, pData, nSize) || FailSystem("cannot read");
+}
+
+void ZRFxJournaledFile::Rewind(uint64_t nPosition) {
+    const uint64_t nInFile = m_nPosition - m_nBuffered;
+    m_nBuffered = nPosition > nInFile ? static_cast<size_t>(nPosition - nInFile) : 0;
+    m_nPosition = nPosition;
+    m_nFlushStarted = std::min(m_nFlushStarted, nPosition / kPage * kPage);
+}
+
 ZRFxCommitResult ZRFxJournaledFile::EndCommit() {
     if (!FlushBuffer()) return ZRFxCommitResult::kFailed;
     const bool bRewrite = m_ePhase == Phase::kRewrite;
-    if (!Target().Truncate(m_nPosition) || !Target().Flush()) {
+    if (!Target().Truncate(m_nPosition) || !FlushWritten()) {
         FailSystem("cannot flush");
+        return ZRFxCommitResult::kFailed;
+    }
+    if (!IsStillAtPath()) {
+        Fail("the file was removed or replaced by someone else");
         return ZRFxCommitResult::kFailed;
     }
     if (!RemoveJournal()) {
@@ -368,6 +378,14 @@ bool ZRFxJournaledFile::FinishTorn() {
     return true;
 }
 
+void ZRFxJournaledFile::StartAt(uint64_t nPosition, Phase ePhase) {
+    m_ePhase = ePhase;
+    m_nPosition = nPosition;
+    m_nFlushStarted = nPosition;
+    m_bFlushFailed = false;
+    m_nBuffered = 0;
+}
+
 bool ZRFxJournaledFile::FlushBuffer() {
     if (m_nBuffered == 0) return true;
     if (!Target().WriteAt(m_nPosition - m_nBuffered, m_pBuffer.get(), m_nBuffered)) {
@@ -384,6 +402,22 @@ void ZRFxJournaledFile::StartFlush() {
     if (nWritten < m_nFlushStarted + kStartFlushSize) return;
     Target().StartFlush(m_nFlushStarted, nWritten - m_nFlushStarted);
     m_nFlushStarted = nWritten;
+}
+
+// A flush that failed leaves pages that the system takes for written, so another try writes them
+// anew.
+bool ZRFxJournaledFile::FlushWritten() {
+    if (m_bFlushFailed) {
+        const uint64_t nStart = m_ePhase == Phase::kRewrite ? 0 : m_nUnchanged;
+        const bool bWritten =
+            ForEachPart(nStart, m_nPosition - nStart, [&](uint64_t nOffset, size_t nPart) {
+                return Target().ReadAt(nOffset, m_pBuffer.get(), nPart) &&
+                       Target().WriteAt(nOffset, m_pBuffer.get(), nPart);
+            });
+        if (!bWritten) return false;
+    }
+    m_bFlushFailed = !Target().Flush();
+    return !m_bFlushFailed;
 }
 
 bool ZRFxJournaledFile::FailSystem(const char* sWhat) {

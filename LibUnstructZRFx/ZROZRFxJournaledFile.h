@@ -57,11 +57,14 @@ public:
     bool BeginRewrite() override;
     bool Write(const void* pData, size_t nSize) override;
     uint64_t Position() const override { return m_nPosition; }
+    bool ReadWritten(uint64_t nOffset, void* pData, size_t nSize) override;
+    void Rewind(uint64_t nPosition) override;
     ZRFxCommitResult EndCommit() override;
     void RollBack() override;
 
 private:
-    /// Idle; writing in place; writing a rewrite; or with a torn end that could not be restored yet.
+    /// Idle; writing in place; writing a rewrite; or with a torn end that could not be restored
+    /// yet.
     enum class Phase { kIdle, kInPlace, kRewrite, kTorn };
     /// Incomplete: its own writing was cut off, or it belongs to another file. Never acted on.
     enum class JournalState { kAbsent, kIncomplete, kComplete, kUnreadable };
@@ -83,8 +86,10 @@ private:
 
     bool IsStillAtPath() const;
     bool FinishTorn();
+    void StartAt(uint64_t nPosition, Phase ePhase);
     bool FlushBuffer();
     void StartFlush();
+    bool FlushWritten();
     ZRFxFile& Target() { return m_ePhase == Phase::kRewrite ? m_rewrite : m_file; }
     bool FailSystem(const char* sWhat);
 
@@ -100,6 +105,7 @@ private:
     uint64_t m_nUnchanged = 0;
     uint64_t m_nPosition = 0;
     uint64_t m_nFlushStarted = 0;  // Up to here the disk was asked to write.
+    bool m_bFlushFailed = false;   // Of the commit under way.
     std::unique_ptr<uint8_t[]> m_pBuffer;
     size_t m_nBuffered = 0;
 };

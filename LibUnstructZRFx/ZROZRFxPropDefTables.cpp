@@ -12,7 +12,7 @@
 namespace unstruct {
 namespace {
 
-using enum nvf::Variant::Type;
+using enum nuo::Variant::Type;
 
 constexpr bool kMarked = true;
 constexpr std::string_view kAnyValue = "";

@@ -5,6 +5,7 @@
 #include <chrono>
 #include <cstring>
 #include <exception>
+#include <limits>
 #include <new>
 #include <thread>
 
@@ -14,12 +15,13 @@ namespace unstruct {
 namespace {
 
 constexpr uint64_t kMiB = uint64_t{1} << 20;
-// Whatever the length of the directory, pending entries take no more memory than this.
-constexpr uint64_t kMaxThreshold = 128 * kMiB;
 // A commit writes the old directory to the journal and the new one to the archive; with this many
 // times as much data they stay a small share.
 constexpr uint64_t kDirectoryShare = 8;
 constexpr uint64_t kMaxTail = 64 * kMiB;
+// Documents at the end of the file that are written anew rather than buried under data.
+constexpr uint64_t kMaxMovedDocuments = kMiB;
+constexpr uint64_t kNone = std::numeric_limits<uint64_t>::max();
 constexpr size_t kCopySize = size_t{1} << 20;
 // Entries up to this length are fetched together with their local header.
 constexpr uint64_t kSmallEntry = 64 * 1024;
@@ -32,19 +34,23 @@ constexpr int kMaxTries = 1000;
 constexpr int kMaxDamagedTries = 3;
 
 // Order within a commit: data, documents, and those documents that nearly every commit replaces.
-int WriteOrder(const std::string& sName) {
-    if (sName == "ZRF.xml" || sName.ends_with("-TOC.xml")) return 2;
-    return sName.ends_with(".xml") ? 1 : 0;
+enum class WriteOrder { kData, kDocument, kLast };
+
+WriteOrder WriteOrderOf(const std::string& sName) {
+    if (sName == "ZRF.xml" || sName.ends_with("-TOC.xml")) return WriteOrder::kLast;
+    return sName.ends_with(".xml") ? WriteOrder::kDocument : WriteOrder::kData;
 }
 
 }  // namespace
 
 struct ZRFxZipArchive::Item {
+    enum class Place { kCommitted, kWritten, kPending };
+
     ZRFxZipEntry entry;
-    bool bPending = false;
+    Place ePlace = Place::kCommitted;
     ZRFxZipRawData packed;  // While pending: the bytes as the archive will hold them.
     std::time_t nTime = 0;
-    uint64_t nIndex = 0;  // In the committed directory, unless pending.
+    uint64_t nIndex = 0;  // In the committed directory, when committed.
     size_t nSlot = 0;     // In m_apItems.
 };
 
@@ -54,11 +60,9 @@ struct ZRFxZipArchive::Stream {
     ZRFxZipMemFile data;
 };
 
-// What a commit writes, and where.
+// What the end of a commit writes, and where.
 struct ZRFxZipArchive::Layout {
-    bool bRewrite = false;
-    uint64_t nFrom = 0;
-    std::vector<Item*> apKept;
+    std::vector<Item*> apKept;  // In the file already, those of this commit behind the others.
     std::vector<Item*> apWritten;
     std::vector<uint64_t> anOffsets;  // Of the written items.
     std::vector<std::string> asRecords;
@@ -160,9 +164,9 @@ bool ZRFxZipArchive::Replace(std::string_view sName, const void* pData, uint64_t
     return Guarded(sName, [&] {
         ItemPtr pItem;
         if (!CheckWritable(sName) || !CheckName(sName)) return false;
-        if (!MakePending(sName, pData, nSize, nLevel, &pItem)) return false;
+        if (!MakeItem(sName, pData, nSize, nLevel, &pItem)) return false;
         if (Item* pOld = FindItem(sName)) Drop(pOld);
-        AppendPending(std::move(pItem));
+        Append(std::move(pItem));
         return true;
     });
 }
@@ -315,6 +319,8 @@ void ZRFxZipArchive::Reset() {
     m_bChanged = false;
     m_nDirectoryOffset = 0;
     m_nFirstRemoved = 0;
+    m_bWriting = false;
+    m_nWritingFrom = 0;
     m_nPendingBytes = 0;
     m_sComment.clear();
     m_scratch.Clear();
@@ -349,9 +355,9 @@ void ZRFxZipArchive::Append(ItemPtr pItem) {
 
 void ZRFxZipArchive::Drop(Item* pItem) {
     m_byName.erase(pItem->entry.sName);
-    if (pItem->bPending) {
+    if (pItem->ePlace == Item::Place::kPending) {
         m_nPendingBytes -= pItem->packed.Length();
-    } else {
+    } else if (pItem->ePlace == Item::Place::kWritten || !IsMoved(*pItem)) {
         m_nFirstRemoved = std::min(m_nFirstRemoved, pItem->entry.nOffset);
     }
     m_bChanged = true;
@@ -381,16 +387,18 @@ void ZRFxZipArchive::Compact() {
 bool ZRFxZipArchive::AddChecked(std::string_view sName, const void* pData, uint64_t nSize,
                                 int nLevel) {
     ItemPtr pItem;
-    if (!MakePending(sName, pData, nSize, nLevel, &pItem)) return false;
+    if (!MakeItem(sName, pData, nSize, nLevel, &pItem)) return false;
     Item* pAdded = pItem.get();
-    AppendPending(std::move(pItem));
-    if (m_nPendingBytes < Threshold() || CommitChanges()) return true;
-    if (pAdded->bPending) Drop(pAdded);
+    Append(std::move(pItem));
+    const uint64_t nWritten = m_bWriting ? m_pStorage->Position() - m_nWritingFrom : 0;
+    if (m_nPendingBytes + nWritten < Threshold() || CommitChanges()) return true;
+    if (pAdded->ePlace != Item::Place::kCommitted) Drop(pAdded);
     return false;
 }
 
-bool ZRFxZipArchive::MakePending(std::string_view sName, const void* pData, uint64_t nSize,
-                                 int nLevel, ItemPtr* ppItem) {
+// Packs the entry and puts it where it waits for the commit.
+bool ZRFxZipArchive::MakeItem(std::string_view sName, const void* pData, uint64_t nSize, int nLevel,
+                              ItemPtr* ppItem) {
     const uint64_t nRoom = ZRFxCipher::kPrefixSize + ZRFxCipher::kSuffixSize;
     if (nSize > ZRFxZipRawData::kMaxLength - (m_cipher.HasPassword() ? nRoom : 0)) {
         return Fail(sName, "the entry is larger than 4 GiB");
@@ -398,54 +406,123 @@ bool ZRFxZipArchive::MakePending(std::string_view sName, const void* pData, uint
     auto pItem = std::make_unique<Item>();
     pItem->entry.sName = sName;
     pItem->entry.nSize = nSize;
-    pItem->bPending = true;
     pItem->nTime = std::time(nullptr);
-    if (nSize > 0 && !Pack(pData, static_cast<size_t>(nSize), nLevel, pItem.get())) return false;
+    const uint8_t* pPacked = nullptr;
+    if (nSize > 0 && !Pack(pData, static_cast<size_t>(nSize), nLevel, &pItem->entry, &pPacked)) {
+        return false;
+    }
+    const bool bPlaced = GoesToFile(pItem->entry) ? WriteAhead(pItem.get(), pPacked)
+                                                  : KeepPending(pItem.get(), pPacked);
+    if (!bPlaced) return false;
+    m_bChanged = true;
     *ppItem = std::move(pItem);
     return true;
 }
 
-void ZRFxZipArchive::AppendPending(ItemPtr pItem) {
-    m_nPendingBytes += pItem->packed.Length();
-    m_bChanged = true;
-    Append(std::move(pItem));
-}
-
-// Deflates straight into the buffer that waits for the commit, with room for encryption around.
-bool ZRFxZipArchive::Pack(const void* pData, size_t nSize, int nLevel, Item* pItem) {
-    ZRFxZipEntry& entry = pItem->entry;
+// Gives the bytes as the archive will hold them: in the scratch buffer, or the caller's own.
+bool ZRFxZipArchive::Pack(const void* pData, size_t nSize, int nLevel, ZRFxZipEntry* pEntry,
+                          const uint8_t** ppPacked) {
     const bool bEncrypt = m_cipher.HasPassword();
     const size_t nPrefix = bEncrypt ? ZRFxCipher::kPrefixSize : 0;
     const size_t nSuffix = bEncrypt ? ZRFxCipher::kSuffixSize : 0;
-    if (!pItem->packed.Allocate(nPrefix + nSize + nSuffix)) {
-        return Fail(entry.sName, "out of memory");
-    }
     const int nUsed = nLevel < 0 ? ZRFxCodec::kDefaultLevel : std::min(nLevel, 9);
-    uint8_t* pPacked = pItem->packed.Buffer() + nPrefix;
+    const size_t nRoom = nPrefix + nSize + nSuffix;
+    const bool bScratch = nUsed > 0 || bEncrypt;
+    if (bScratch && m_scratch.Length() < nRoom && !m_scratch.Allocate(nRoom)) {
+        return Fail(pEntry->sName, "out of memory");
+    }
+    uint8_t* pPacked = bScratch ? m_scratch.Buffer() + nPrefix : nullptr;
     size_t nPacked = 0;
     if (nUsed > 0 && !m_codec.Deflate(nUsed, pData, nSize, pPacked, nSize - 1, &nPacked)) {
-        return Fail(entry.sName, "out of memory");
+        return Fail(pEntry->sName, "out of memory");
     }
-    entry.nMethod = nPacked > 0 ? kZipDeflated : kZipStored;
-    if (nPacked == 0) {
-        entry.nCrc = ZRFxCodec::CopyWithCrc(pData, nSize, pPacked);
-        nPacked = nSize;
-    } else {
-        entry.nCrc = ZRFxCodec::Crc32(0, pData, nSize);
-    }
-    pItem->packed.Shrink(static_cast<uint32_t>(nPrefix + nPacked + nSuffix));
-    entry.nPackedSize = pItem->packed.Length();
-    return !bEncrypt || Encrypt(pItem);
+    pEntry->nMethod = nPacked > 0 ? kZipDeflated : kZipStored;
+    pEntry->nCrc = nPacked == 0 && bEncrypt ? ZRFxCodec::CopyWithCrc(pData, nSize, pPacked)
+                                            : ZRFxCodec::Crc32(0, pData, nSize);
+    pEntry->nPackedSize = nPrefix + (nPacked > 0 ? nPacked : nSize) + nSuffix;
+    const bool bAsItIs = nPacked == 0 && !bEncrypt;
+    *ppPacked = bAsItIs ? static_cast<const uint8_t*>(pData) : m_scratch.Buffer();
+    return !bEncrypt || Encrypt(pEntry);
 }
 
-bool ZRFxZipArchive::Encrypt(Item* pItem) {
-    ZRFxZipEntry& entry = pItem->entry;
-    entry.eEncryption = ZRFxZipEntry::Encryption::kAes;
-    entry.eStrength = ZRFxCipher::Strength::k256;
-    entry.bHasCrc = entry.nSize >= kSmallestWithCrc;
+// In the scratch buffer, where room was left around the data.
+bool ZRFxZipArchive::Encrypt(ZRFxZipEntry* pEntry) {
+    pEntry->eEncryption = ZRFxZipEntry::Encryption::kAes;
+    pEntry->eStrength = ZRFxCipher::Strength::k256;
+    pEntry->bHasCrc = pEntry->nSize >= kSmallestWithCrc;
     const size_t nRoom = ZRFxCipher::kPrefixSize + ZRFxCipher::kSuffixSize;
-    return m_cipher.Encrypt(pItem->packed.Buffer(), pItem->packed.Length() - nRoom) ||
-           Fail(entry.sName, "cannot encrypt");
+    return m_cipher.Encrypt(m_scratch.Buffer(), static_cast<size_t>(pEntry->nPackedSize) - nRoom) ||
+           Fail(pEntry->sName, "cannot encrypt");
+}
+
+// What every commit replaces stays pending, so that it comes last. Of the rest, memory holds what
+// fits its limit; once the file is being written to, what is large need not wait.
+bool ZRFxZipArchive::GoesToFile(const ZRFxZipEntry& entry) const {
+    const WriteOrder eOrder = WriteOrderOf(entry.sName);
+    if (eOrder == WriteOrder::kLast) return false;
+    if (m_nPendingBytes + entry.nPackedSize > m_nPendingLimit) return true;
+    return m_bWriting && eOrder == WriteOrder::kData && entry.nPackedSize > kSmallEntry;
+}
+
+bool ZRFxZipArchive::KeepPending(Item* pItem, const uint8_t* pPacked) {
+    const size_t nPacked = static_cast<size_t>(pItem->entry.nPackedSize);
+    if (!pItem->packed.Allocate(nPacked)) return Fail(pItem->entry.sName, "out of memory");
+    if (nPacked > 0) std::memcpy(pItem->packed.Buffer(), pPacked, nPacked);
+    pItem->ePlace = Item::Place::kPending;
+    m_nPendingBytes += nPacked;
+    return true;
+}
+
+// Writes the entry into the commit that is under way, or starts one.
+bool ZRFxZipArchive::WriteAhead(Item* pItem, const uint8_t* pPacked) {
+    ZRFxZipEntry& entry = pItem->entry;
+    if (!m_bWriting && !StartWriting()) return false;
+    const uint64_t nOffset = m_pStorage->Position();
+    entry.nOffset = nOffset;
+    entry.sRecord = ZRFxZipDirectory::CentralRecord(entry, pItem->nTime);
+    pItem->ePlace = Item::Place::kWritten;
+    if (WritePacked(*pItem, pPacked)) return true;
+    m_pStorage->Rewind(nOffset);
+    return false;
+}
+
+bool ZRFxZipArchive::WritePacked(const Item& item, const uint8_t* pPacked) {
+    const std::string sHeader = ZRFxZipDirectory::LocalHeader(item.entry, item.nTime);
+    return (m_pStorage->Write(sHeader.data(), sHeader.size()) &&
+            m_pStorage->Write(pPacked, static_cast<size_t>(item.entry.nPackedSize))) ||
+           Fail(item.entry.sName, m_pStorage->Error());
+}
+
+// Starts a commit ahead of its end. Documents at the end of the file are likely to be replaced by
+// then, so they are written anew with the others instead of staying before the data.
+bool ZRFxZipArchive::StartWriting() {
+    Compact();
+    uint64_t nFrom = m_nFirstRemoved;
+    for (size_t i = m_apItems.size(); i-- > 0;) {
+        const Item& item = *m_apItems[i];
+        if (item.ePlace != Item::Place::kCommitted) continue;
+        const bool bMoved = WriteOrderOf(item.entry.sName) != WriteOrder::kData &&
+                            m_nDirectoryOffset - item.entry.nOffset <= kMaxMovedDocuments;
+        if (!bMoved) break;
+        nFrom = std::min(nFrom, item.entry.nOffset);
+    }
+    if (!BeginAt(nFrom)) return false;
+    m_bWriting = true;
+    // From now on the first entry that is removed and neither moved nor written over: a gap.
+    m_nFirstRemoved = kNone;
+    return true;
+}
+
+bool ZRFxZipArchive::BeginAt(uint64_t nFrom) {
+    const bool bRewrite = m_bReplacesAll || m_nDirectoryOffset - nFrom > kMaxTail;
+    m_nWritingFrom = bRewrite ? 0 : nFrom;
+    return (bRewrite ? m_pStorage->BeginRewrite() : m_pStorage->BeginCommit(nFrom)) ||
+           FailStorage();
+}
+
+// Whether the commit under way writes the committed entry anew.
+bool ZRFxZipArchive::IsMoved(const Item& item) const {
+    return m_bWriting && item.entry.nOffset >= m_nWritingFrom;
 }
 
 bool ZRFxZipArchive::ReadItem(const Item& item, ZRFxZipRawData* pRaw) {
@@ -453,17 +530,20 @@ bool ZRFxZipArchive::ReadItem(const Item& item, ZRFxZipRawData* pRaw) {
     if (entry.nSize > ZRFxZipRawData::kMaxLength) {
         return Fail(entry.sName, "the entry is larger than 4 GiB");
     }
+    if (entry.eEncryption == ZRFxZipEntry::Encryption::kUnreadable) {
+        return Fail(entry.sName, "the encryption is not supported");
+    }
     if (entry.eEncryption == ZRFxZipEntry::Encryption::kOther ||
         (entry.nMethod != kZipStored && entry.nMethod != kZipDeflated)) {
         return ReadForeign(item, pRaw);
     }
     if (!CheckDeclared(entry)) return false;
-    if (item.bPending) return Unpack(entry, item.packed.Buffer(), pRaw);
+    if (item.ePlace == Item::Place::kPending) return Unpack(entry, item.packed.Buffer(), pRaw);
     const bool bPlain =
         entry.nMethod == kZipStored && entry.eEncryption == ZRFxZipEntry::Encryption::kNone;
-    if (bPlain && entry.nSize > kSmallEntry) return FetchStored(entry, pRaw);
+    if (bPlain && entry.nSize > kSmallEntry) return FetchStored(item, pRaw);
     const uint8_t* pPacked = nullptr;
-    return FetchPacked(entry, &pPacked) && Unpack(entry, pPacked, pRaw);
+    return FetchPacked(item, &pPacked) && Unpack(entry, pPacked, pRaw);
 }
 
 // Nothing is allocated for a size that the packed bytes cannot give.
@@ -485,8 +565,16 @@ bool ZRFxZipArchive::CheckAes(const ZRFxZipEntry& entry) {
            Fail(entry.sName, "the encrypted entry is cut");
 }
 
-// Gives the packed bytes of a committed entry, in the scratch buffer.
-bool ZRFxZipArchive::FetchPacked(const ZRFxZipEntry& entry, const uint8_t** ppPacked) {
+// Reads where the entry lies: in the committed archive or in what is written for the next commit.
+bool ZRFxZipArchive::ReadPlace(const Item& item, uint64_t nOffset, void* pData, size_t nSize) {
+    return (item.ePlace == Item::Place::kWritten ? m_pStorage->ReadWritten(nOffset, pData, nSize)
+                                                 : m_pStorage->Read(nOffset, pData, nSize)) ||
+           Fail(item.entry.sName, m_pStorage->Error());
+}
+
+// Gives the packed bytes of an entry in the file, in the scratch buffer.
+bool ZRFxZipArchive::FetchPacked(const Item& item, const uint8_t** ppPacked) {
+    const ZRFxZipEntry& entry = item.entry;
     const uint64_t nHeader = ZRFxZipDirectory::kLocalHeaderSize + entry.sName.size();
     const bool bSmall = entry.nPackedSize <= kSmallEntry;
     const uint64_t nGuess = bSmall ? nHeader + kUsualExtra + entry.nPackedSize : entry.nPackedSize;
@@ -495,46 +583,43 @@ bool ZRFxZipArchive::FetchPacked(const ZRFxZipEntry& entry, const uint8_t** ppPa
     }
     uint64_t nData = 0;
     if (bSmall) {
-        const uint64_t nTogether = std::min(nGuess, m_pStorage->Size() - entry.nOffset);
-        if (!m_pStorage->Read(entry.nOffset, m_scratch.Buffer(), nTogether)) {
-            return Fail(entry.sName, m_pStorage->Error());
-        }
+        const uint64_t nEnd =
+            item.ePlace == Item::Place::kWritten ? m_pStorage->Position() : m_pStorage->Size();
+        const uint64_t nTogether = std::min(nGuess, nEnd - entry.nOffset);
+        if (!ReadPlace(item, entry.nOffset, m_scratch.Buffer(), nTogether)) return false;
         if (!ZRFxZipDirectory::DataOffset(entry, m_scratch.Buffer(), &nData)) {
             return Fail(entry.sName, "damaged local header");
         }
         *ppPacked = m_scratch.Buffer() + (nData - entry.nOffset);
         if (nData - entry.nOffset + entry.nPackedSize <= nTogether) return true;
-    } else if (!LocateData(entry, &nData)) {
+    } else if (!LocateData(item, &nData)) {
         return false;
     }
     *ppPacked = m_scratch.Buffer();
-    return m_pStorage->Read(nData, m_scratch.Buffer(), entry.nPackedSize) ||
-           Fail(entry.sName, m_pStorage->Error());
+    return ReadPlace(item, nData, m_scratch.Buffer(), static_cast<size_t>(entry.nPackedSize));
 }
 
 // Large plain data goes from the file into the caller's buffer, and is summed while in the cache.
-bool ZRFxZipArchive::FetchStored(const ZRFxZipEntry& entry, ZRFxZipRawData* pRaw) {
+bool ZRFxZipArchive::FetchStored(const Item& item, ZRFxZipRawData* pRaw) {
+    const ZRFxZipEntry& entry = item.entry;
     uint64_t nData = 0;
-    if (!LocateData(entry, &nData)) return false;
+    if (!LocateData(item, &nData)) return false;
     if (!pRaw->Allocate(entry.nSize)) return Fail(entry.sName, "out of memory");
     uint32_t nCrc = 0;
     for (uint32_t nDone = 0; nDone < pRaw->Length();) {
         const uint32_t nPart = std::min(pRaw->Length() - nDone, kCachedPart);
         uint8_t* pPart = pRaw->Buffer() + nDone;
-        if (!m_pStorage->Read(nData + nDone, pPart, nPart)) {
-            return Fail(entry.sName, m_pStorage->Error());
-        }
+        if (!ReadPlace(item, nData + nDone, pPart, nPart)) return false;
         nCrc = ZRFxCodec::Crc32(nCrc, pPart, nPart);
         nDone += nPart;
     }
     return nCrc == entry.nCrc || Fail(entry.sName, "damaged data, the checksum differs");
 }
 
-bool ZRFxZipArchive::LocateData(const ZRFxZipEntry& entry, uint64_t* pOffset) {
+bool ZRFxZipArchive::LocateData(const Item& item, uint64_t* pOffset) {
+    const ZRFxZipEntry& entry = item.entry;
     std::string sHeader(ZRFxZipDirectory::kLocalHeaderSize + entry.sName.size(), '\0');
-    if (!m_pStorage->Read(entry.nOffset, sHeader.data(), sHeader.size())) {
-        return Fail(entry.sName, m_pStorage->Error());
-    }
+    if (!ReadPlace(item, entry.nOffset, sHeader.data(), sHeader.size())) return false;
     const uint8_t* pHeader = reinterpret_cast<const uint8_t*>(sHeader.data());
     return ZRFxZipDirectory::DataOffset(entry, pHeader, pOffset) ||
            Fail(entry.sName, "damaged local header");
@@ -584,7 +669,7 @@ bool ZRFxZipArchive::CheckCrc(const ZRFxZipEntry& entry, const ZRFxZipRawData& r
 
 bool ZRFxZipArchive::ReadForeign(const Item& item, ZRFxZipRawData* pRaw) {
     const ZRFxZipEntry& entry = item.entry;
-    if (entry.eEncryption == ZRFxZipEntry::Encryption::kAes) return ReadForeignAes(entry, pRaw);
+    if (entry.eEncryption == ZRFxZipEntry::Encryption::kAes) return ReadForeignAes(item, pRaw);
     if (!m_library.IsOpen() && !m_library.Open(m_pStorage.get())) {
         return Fail(entry.sName, m_library.Error());
     }
@@ -594,9 +679,10 @@ bool ZRFxZipArchive::ReadForeign(const Item& item, ZRFxZipRawData* pRaw) {
 
 // The library takes the missing CRC of authenticated entries for a damage, so it gets the decrypted
 // data as an archive of this one entry.
-bool ZRFxZipArchive::ReadForeignAes(const ZRFxZipEntry& entry, ZRFxZipRawData* pRaw) {
+bool ZRFxZipArchive::ReadForeignAes(const Item& item, ZRFxZipRawData* pRaw) {
+    const ZRFxZipEntry& entry = item.entry;
     const uint8_t* pPacked = nullptr;
-    if (!CheckAes(entry) || !FetchPacked(entry, &pPacked)) return false;
+    if (!CheckAes(entry) || !FetchPacked(item, &pPacked)) return false;
     ZRFxZipRawData plain;
     ZRFxZipEntry single;
     single.sName = "entry";
@@ -623,64 +709,63 @@ bool ZRFxZipArchive::ReadForeignAes(const ZRFxZipEntry& entry, ZRFxZipRawData* p
 
 bool ZRFxZipArchive::CommitChanges() {
     Compact();
-    Layout layout = Plan();
-    if (!(layout.bRewrite ? m_pStorage->BeginRewrite() : m_pStorage->BeginCommit(layout.nFrom))) {
-        return FailStorage();
-    }
+    if (!m_bWriting && !BeginAt(m_nFirstRemoved)) return false;
+    const uint64_t nWritten = m_pStorage->Position();
+    Layout layout;
     const bool bWritten = Guarded({}, [&] {
-        for (Item* pItem : layout.apWritten) {
-            if (!WriteItem(pItem, &layout)) return false;
-        }
-        return WriteDirectory(&layout);
+        layout = Plan();
+        return std::all_of(layout.apWritten.begin(), layout.apWritten.end(),
+                           [&](Item* pItem) { return WriteItem(pItem, &layout); }) &&
+               WriteDirectory(&layout);
     });
     const ZRFxCommitResult eResult = bWritten ? m_pStorage->EndCommit() : ZRFxCommitResult::kFailed;
     if (bWritten && eResult != ZRFxCommitResult::kDone) FailStorage();
     if (eResult == ZRFxCommitResult::kFailed) {
-        m_pStorage->RollBack();
+        // What was written ahead is nowhere else, so the commit stays under way.
+        m_bWriting ? m_pStorage->Rewind(nWritten) : m_pStorage->RollBack();
         return false;
     }
     Apply(&layout);
-    return eResult == ZRFxCommitResult::kDone;
+    return eResult == ZRFxCommitResult::kDone && (!m_bChanged || CommitChanges());
 }
 
 ZRFxZipArchive::Layout ZRFxZipArchive::Plan() {
     Layout layout;
-    layout.bRewrite = m_bReplacesAll || m_nDirectoryOffset - m_nFirstRemoved > kMaxTail;
-    layout.nFrom = layout.bRewrite ? 0 : m_nFirstRemoved;
+    std::vector<Item*> apAhead;
     for (const ItemPtr& pItem : m_apItems) {
-        const bool bKept = !pItem->bPending && pItem->entry.nOffset < layout.nFrom;
-        (bKept ? layout.apKept : layout.apWritten).push_back(pItem.get());
+        const bool bAhead = pItem->ePlace == Item::Place::kWritten;
+        const bool bKept =
+            pItem->ePlace == Item::Place::kCommitted && pItem->entry.nOffset < m_nWritingFrom;
+        (bAhead ? apAhead : bKept ? layout.apKept : layout.apWritten).push_back(pItem.get());
     }
+    layout.apKept.insert(layout.apKept.end(), apAhead.begin(), apAhead.end());
     std::stable_sort(layout.apWritten.begin(), layout.apWritten.end(),
                      [](const Item* pLeft, const Item* pRight) {
-                         return WriteOrder(pLeft->entry.sName) < WriteOrder(pRight->entry.sName);
+                         return WriteOrderOf(pLeft->entry.sName) <
+                                WriteOrderOf(pRight->entry.sName);
                      });
     layout.anOffsets.reserve(layout.apWritten.size());
     layout.asRecords.reserve(layout.apWritten.size());
-    m_apItems.reserve(layout.apKept.size() + layout.apWritten.size());
     return layout;
 }
 
 bool ZRFxZipArchive::WriteItem(Item* pItem, Layout* pLayout) {
-    ZRFxZipEntry entry;
     const uint64_t nOffset = m_pStorage->Position();
     pLayout->anOffsets.push_back(nOffset);
-    if (!pItem->bPending) {
+    if (pItem->ePlace == Item::Place::kCommitted) {
         pLayout->asRecords.push_back(ZRFxZipDirectory::MovedRecord(pItem->entry, nOffset));
-        return CopyCommitted(pItem->entry);
+        return CopyCommitted(*pItem);
     }
     pItem->entry.nOffset = nOffset;
     pLayout->asRecords.push_back(ZRFxZipDirectory::CentralRecord(pItem->entry, pItem->nTime));
-    const std::string sHeader = ZRFxZipDirectory::LocalHeader(pItem->entry, pItem->nTime);
-    return (m_pStorage->Write(sHeader.data(), sHeader.size()) &&
-            m_pStorage->Write(pItem->packed.Buffer(), pItem->packed.Length())) ||
-           Fail(pItem->entry.sName, m_pStorage->Error());
+    return WritePacked(*pItem, pItem->packed.Buffer());
 }
 
 // Local header, data and descriptor as they are.
-bool ZRFxZipArchive::CopyCommitted(const ZRFxZipEntry& entry) {
+bool ZRFxZipArchive::CopyCommitted(const Item& item) {
+    const ZRFxZipEntry& entry = item.entry;
     uint64_t nData = 0;
-    if (!LocateData(entry, &nData)) return false;
+    if (!LocateData(item, &nData)) return false;
     const uint64_t nDataEnd = nData + entry.nPackedSize;
     const uint64_t nEnd = nDataEnd + DescriptorSize(entry, nDataEnd);
     if (nEnd > m_nDirectoryOffset) return Fail(entry.sName, "the entry reaches too far");
@@ -726,26 +811,27 @@ void ZRFxZipArchive::Apply(Layout* pLayout) {
         Item* pItem = pLayout->apWritten[i];
         pItem->entry.nOffset = pLayout->anOffsets[i];
         pItem->entry.sRecord = std::move(pLayout->asRecords[i]);
-        pItem->bPending = false;
         pItem->packed.Clear();
     }
-    for (ItemPtr& pItem : m_apItems) pItem.release();
+    for (ItemPtr& pItem : m_apItems) pItem.release()->ePlace = Item::Place::kCommitted;
     m_apItems.clear();
     for (Item* pItem : pLayout->apKept) m_apItems.emplace_back(pItem);
     for (Item* pItem : pLayout->apWritten) m_apItems.emplace_back(pItem);
     for (size_t i = 0; i < m_apItems.size(); ++i) m_apItems[i]->nIndex = m_apItems[i]->nSlot = i;
     m_library.Close();
     m_nPendingBytes = 0;
-    m_bChanged = false;
     m_bReplacesAll = false;
     m_nDirectoryOffset = pLayout->nDirectoryOffset;
-    m_nFirstRemoved = m_nDirectoryOffset;
+    // A gap that was left by an entry removed too late is closed by one more commit.
+    m_nFirstRemoved = std::min(m_bWriting ? m_nFirstRemoved : kNone, m_nDirectoryOffset);
+    m_bChanged = m_nFirstRemoved < m_nDirectoryOffset;
+    m_bWriting = false;
 }
 
 uint64_t ZRFxZipArchive::Threshold() const {
     const uint64_t nDirectory =
         m_pStorage->Size() - std::min(m_pStorage->Size(), m_nDirectoryOffset);
-    return std::max(m_nThreshold, std::min(kDirectoryShare * nDirectory, kMaxThreshold));
+    return std::max(m_nThreshold, kDirectoryShare * nDirectory);
 }
 
 }  // namespace unstruct

@@ -19,18 +19,19 @@ namespace unstruct {
 /// A ZIP archive in a file or in memory whose entries are written and read whole.
 //
 /// A new entry is packed at once (deflated, stored when it does not shrink) and, under a password,
-/// encrypted at once; it waits in memory, where it can be read, replaced and removed like any other.
-/// Pending entries are committed by `Commit`, by `Close`, and by themselves when they pass a
-/// threshold: 64 MiB, and more where the directory is long enough to matter. A commit replaces the
-/// end of the archive in place and shows other openers either all of it or nothing (see
-/// ZRFxJournaledFile). Within a commit data comes first, then XML documents, then "ZRF.xml" and the
-/// tables of contents: what is replaced again and again stays within the last kilobytes. Where a
-/// removed entry lies more than 64 MiB before the directory, the archive is rewritten.
+/// encrypted at once; until the next commit it can be read, replaced and removed like any other.
+/// The first 8 MiB wait in memory; what passes them is written to the file ahead of the commit.
+/// Entries are committed by `Commit`, by `Close`, and by themselves when they pass a threshold: 64
+/// MiB, and more where the directory is long enough to matter. A commit replaces the end of the
+/// archive in place and shows other openers either all of it or nothing (see ZRFxJournaledFile).
+/// Within a commit data comes first, then XML documents, then "ZRF.xml" and the tables of contents:
+/// what is replaced again and again stays within the last kilobytes. Where a removed entry lies
+/// more than 64 MiB before the directory, the archive is rewritten.
 //
 /// Names are UTF-8 and told apart by every byte. Of several entries with one name the last counts;
 /// the others are left out by the next commit.
 //
-/// Memory: the pending entries, one packed entry and some hundred bytes for each entry. Every
+/// Memory: 8 MiB of entries, one packed entry and some hundred bytes for each entry. Every
 /// operation that fails returns false and leaves a sentence with archive, entry and cause in
 /// `LastError`; the archive stays as it was and usable. Nothing throws. One thread at a time.
 class ZRFxZipArchive {
@@ -61,8 +62,11 @@ public:
     bool IsReadOnly() const { return m_bReadOnly; }
 
     bool Commit();
-    /// Pending bytes from which entries are committed by themselves; a longer directory raises it.
+    /// Uncommitted bytes from which entries are committed by themselves; a long directory raises
+    /// it.
     void SetCommitThreshold(uint64_t nBytes) { m_nThreshold = nBytes; }
+    /// Uncommitted bytes that wait in memory; what passes them is written to the file ahead.
+    void SetPendingLimit(uint64_t nBytes) { m_nPendingLimit = nBytes; }
     /// Commits and closes. When the commit fails the archive stays open with all that is pending,
     /// for another try or for `Abandon`.
     bool Close();
@@ -85,11 +89,11 @@ public:
 
     /// Adds an entry at level 0 (stored) to 9, or kDefaultLevel. Fails when the name is taken or
     /// empty, or the data is longer than ZRFxZipRawData::kMaxLength. When the threshold is passed
-    /// and the commit fails, the entry is not added and those before it stay pending. Data of length
-    /// 0 makes an empty entry, which is never encrypted.
+    /// and the commit fails, the entry is not added and those before it stay pending. Data of
+    /// length 0 makes an empty entry, which is never encrypted.
     bool Add(std::string_view sName, const void* pData, uint64_t nSize, int nLevel = kDefaultLevel);
-    /// The same in place of the entry of that name, if there is one, which stays when this fails. It
-    /// does not commit by itself.
+    /// The same in place of the entry of that name, if there is one, which stays when this fails.
+    /// It does not commit by itself.
     bool Replace(std::string_view sName, const void* pData, uint64_t nSize,
                  int nLevel = kDefaultLevel);
     bool Remove(std::string_view sName);
@@ -134,28 +138,36 @@ private:
     void Compact();
 
     bool AddChecked(std::string_view sName, const void* pData, uint64_t nSize, int nLevel);
-    bool MakePending(std::string_view sName, const void* pData, uint64_t nSize, int nLevel,
-                     ItemPtr* ppItem);
-    void AppendPending(ItemPtr pItem);
-    bool Pack(const void* pData, size_t nSize, int nLevel, Item* pItem);
-    bool Encrypt(Item* pItem);
+    bool MakeItem(std::string_view sName, const void* pData, uint64_t nSize, int nLevel,
+                  ItemPtr* ppItem);
+    bool Pack(const void* pData, size_t nSize, int nLevel, ZRFxZipEntry* pEntry,
+              const uint8_t** ppPacked);
+    bool Encrypt(ZRFxZipEntry* pEntry);
+    bool GoesToFile(const ZRFxZipEntry& entry) const;
+    bool KeepPending(Item* pItem, const uint8_t* pPacked);
+    bool WriteAhead(Item* pItem, const uint8_t* pPacked);
+    bool WritePacked(const Item& item, const uint8_t* pPacked);
+    bool StartWriting();
+    bool BeginAt(uint64_t nFrom);
+    bool IsMoved(const Item& item) const;
 
     bool ReadItem(const Item& item, ZRFxZipRawData* pRaw);
     bool CheckDeclared(const ZRFxZipEntry& entry);
     bool CheckAes(const ZRFxZipEntry& entry);
-    bool FetchPacked(const ZRFxZipEntry& entry, const uint8_t** ppPacked);
-    bool FetchStored(const ZRFxZipEntry& entry, ZRFxZipRawData* pRaw);
-    bool LocateData(const ZRFxZipEntry& entry, uint64_t* pOffset);
+    bool ReadPlace(const Item& item, uint64_t nOffset, void* pData, size_t nSize);
+    bool FetchPacked(const Item& item, const uint8_t** ppPacked);
+    bool FetchStored(const Item& item, ZRFxZipRawData* pRaw);
+    bool LocateData(const Item& item, uint64_t* pOffset);
     bool Unpack(const ZRFxZipEntry& entry, const uint8_t* pPacked, ZRFxZipRawData* pRaw);
     bool Decrypt(const ZRFxZipEntry& entry, const uint8_t* pPacked, uint8_t* pData);
     bool CheckCrc(const ZRFxZipEntry& entry, const ZRFxZipRawData& raw);
     bool ReadForeign(const Item& item, ZRFxZipRawData* pRaw);
-    bool ReadForeignAes(const ZRFxZipEntry& entry, ZRFxZipRawData* pRaw);
+    bool ReadForeignAes(const Item& item, ZRFxZipRawData* pRaw);
 
     bool CommitChanges();
     Layout Plan();
     bool WriteItem(Item* pItem, Layout* pLayout);
-    bool CopyCommitted(const ZRFxZipEntry& entry);
+    bool CopyCommitted(const Item& item);
     uint64_t DescriptorSize(const ZRFxZipEntry& entry, uint64_t nEnd);
     bool WriteDirectory(Layout* pLayout);
     void Apply(Layout* pLayout);
@@ -171,8 +183,11 @@ private:
     bool m_bHasGaps = false;
     uint64_t m_nDirectoryOffset = 0;
     uint64_t m_nFirstRemoved = 0;  // Lowest offset of a removed entry; else the directory's.
+    bool m_bWriting = false;       // Entries of the next commit are in the file already.
+    uint64_t m_nWritingFrom = 0;
     std::string m_sComment;
     uint64_t m_nPendingBytes = 0;
+    uint64_t m_nPendingLimit = uint64_t{8} << 20;
     uint64_t m_nThreshold = uint64_t{64} << 20;
     std::unique_ptr<Stream> m_pStream;
     ZRFxCodec m_codec;

@@ -361,8 +361,10 @@ bool ZRFxZipDirectory::ParseRecord(const uint8_t* pRecord, size_t nLeft, ZRFxZip
         return false;
     }
     if ((pEntry->nFlags & kFlagEncrypted) == 0) return pEntry->nMethod != kMethodAes;
-    pEntry->eEncryption = ZRFxZipEntry::Encryption::kOther;
-    if (pEntry->nMethod != kMethodAes || (pEntry->nFlags & kFlagStrong) != 0) return true;
+    const bool bStrong = (pEntry->nFlags & kFlagStrong) != 0;
+    pEntry->eEncryption =
+        bStrong ? ZRFxZipEntry::Encryption::kUnreadable : ZRFxZipEntry::Encryption::kOther;
+    if (pEntry->nMethod != kMethodAes || bStrong) return true;
     pField = FindExtra(pExtra, nExtra, kExtraAes, &nField);
     if (!pField || nField < 7 || pField[4] < 1 || pField[4] > 3) return false;
     pEntry->eEncryption = ZRFxZipEntry::Encryption::kAes;

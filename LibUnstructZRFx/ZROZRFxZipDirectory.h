@@ -16,7 +16,8 @@ constexpr uint16_t kZipDeflated = 8;
 
 /// One entry as its record in the central directory tells it.
 struct ZRFxZipEntry {
-    enum class Encryption : uint8_t { kNone, kAes, kOther };
+    // kOther is the encryption of the first ZIP programs; kUnreadable all that came since but AES.
+    enum class Encryption : uint8_t { kNone, kAes, kOther, kUnreadable };
 
     std::string sName;
     uint64_t nSize = 0;

@@ -79,6 +79,11 @@ bool ZRFxMemStorage::Write(const void* pData, size_t nSize) {
     return m_next.Append(pData, nSize) || Fail("out of memory");
 }
 
+bool ZRFxMemStorage::ReadWritten(uint64_t nOffset, void* pData, size_t nSize) {
+    return m_next.ReadAt(nOffset - m_nUnchanged, pData, nSize) ||
+           Fail("the archive ends too early");
+}
+
 ZRFxCommitResult ZRFxMemStorage::EndCommit() {
     if (m_nUnchanged == 0) {
         m_pFile->Swap(m_next);

@@ -59,6 +59,8 @@ public:
     bool BeginRewrite() override;
     bool Write(const void* pData, size_t nSize) override;
     uint64_t Position() const override { return m_nUnchanged + m_next.Length(); }
+    bool ReadWritten(uint64_t nOffset, void* pData, size_t nSize) override;
+    void Rewind(uint64_t nPosition) override { m_next.Truncate(nPosition - m_nUnchanged); }
     ZRFxCommitResult EndCommit() override;
     void RollBack() override;
 

@@ -10,7 +10,7 @@ enum class ZRFxOpenMode { kUpdate = 0, kReadOnly = 1, kCreate = 2 };
 
 enum class ZRFxCommitResult {
     kDone,
-    /// Nothing of the commit holds: `RollBack` gives the last committed state.
+    /// Nothing of the commit holds; every opener sees the last committed state.
     kFailed,
     /// The new state holds for every opener, but the disk did not confirm it.
     kUnconfirmed,
@@ -36,6 +36,11 @@ public:
     virtual bool BeginRewrite() = 0;
     virtual bool Write(const void* pData, size_t nSize) = 0;
     virtual uint64_t Position() const = 0;
+    /// Reads what the commit under way has written. REQUIRES: nOffset is not before its start.
+    virtual bool ReadWritten(uint64_t nOffset, void* pData, size_t nSize) = 0;
+    /// Takes back what was written from nPosition on. REQUIRES: a position the commit has passed.
+    virtual void Rewind(uint64_t nPosition) = 0;
+    /// A commit that fails stays under way, to be ended again, rewound or rolled back.
     virtual ZRFxCommitResult EndCommit() = 0;
     /// Drops what was written since Begin. What cannot be restored now is restored by the next
     /// Begin, or by the next opener; reads see the last commit in any case.

@@ -98,7 +98,7 @@ ZRStringArray CasePrivate::textureEntries() const {
 bool CasePrivate::readProperties() {
     const ZRString entry = entryName(kPropertiesName);
     m_properties = new PropertySetCollection;
-    if (m_access->InternalFindFile(entry, unstruct::LogMode::SILENT) < 0) return true;
+    if (!m_access->Contains(entry)) return true;
     nvf::PropertySetCollection collection;
     if (!m_access->ReadProperties(entry, &collection)) return false;
     for (std::size_t i = 0; i < collection.count(); ++i) {

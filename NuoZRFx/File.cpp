@@ -52,7 +52,7 @@ bool File::create(const Str& fileName, const FileSettings& settings) {
     }
     if (fileName.isEmpty()) return fail("File name string is NULL.");
     m_private->reset();
-    m_private->m_settings = settings;
+    m_private->takeSettings(settings);
     ZRFxAccess& access = *m_private->m_zrfxAccess;
     if (!access.Open(ZRConvert::toZRString(fileName), ZRZipAccessMode::CREATE)) {
         return fail("Error creating file.");

@@ -43,9 +43,20 @@ void FilePrivate::applyCompression() {
                                  ZRFxAccess::kDefaultBufferSize);
 }
 
+void FilePrivate::takeSettings(const FileSettings& settings) {
+    m_settings.binary = settings.binary;
+    m_settings.digitallySigned = settings.digitallySigned;
+    m_settings.compressionLevel = settings.compressionLevel;
+    m_settings.vendorName = settings.vendorName;
+    m_settings.applicationName = settings.applicationName;
+}
+
 bool FilePrivate::setPassword(const Str& password) {
-    m_settings.password = Str();
-    return password.isEmpty() || m_zrfxAccess->SetPassword(ZRConvert::toZRString(password));
+    if (password.isEmpty()) return true;
+    ZRString text = ZRConvert::toZRString(password);
+    const bool isSet = m_zrfxAccess->SetPassword(text);
+    text.Wipe();
+    return isSet;
 }
 
 bool FilePrivate::writeMainDocument() {

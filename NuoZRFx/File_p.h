@@ -27,6 +27,9 @@ public:
     /// Gives the archive the compression level of the settings, clamped to what there is.
     void applyCompression();
 
+    /// Takes all settings over but the password, of which no copy is kept.
+    void takeSettings(const FileSettings& settings);
+
     /// Sets the password of the open archive; an empty one sets none.
     bool setPassword(const Str& password);
 

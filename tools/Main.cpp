@@ -37,6 +37,9 @@ int run(int argc, char** argv) {
     application.failure_message([](const CLI::App*, const CLI::Error& error) {
         return std::string("zrfx: ") + error.what() + " (zrfx --help tells more)\n";
     });
+    application.footer(
+        "Exit code: 0 fine, 1 findings, differences or failure, 2 wrong usage.\n"
+        "zrfx COMMAND --help shows the options of a command, with examples.");
     context.addGlobalOptions(application);
     addCommands(application, context);
     try {

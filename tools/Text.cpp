@@ -43,7 +43,8 @@ std::string printable(std::string_view text) {
 }
 
 std::string withoutFileName(std::string message, const std::string& file) {
-    for (const std::string& name : {" in '" + file + "'", "'" + file + "': ", " '" + file + "'"}) {
+    for (const std::string& name :
+         {" in '" + file + "'", "'" + file + "': ", "'" + file + "', ", " '" + file + "'"}) {
         const std::size_t at = message.find(name);
         if (at != std::string::npos) message.erase(at, name.size());
     }

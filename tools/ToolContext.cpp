@@ -22,7 +22,9 @@ ToolContext::ToolContext() : m_log(new LogCollector) {
 
 void ToolContext::addGlobalOptions(CLI::App& application) {
     application.add_option("--password-file", m_passwordFile,
-                           "File whose first line is the password");
+                           "File whose first line is the password; else it is taken from "
+                           "ZRFX_PASSWORD, or asked for on a terminal")
+        ->type_name("FILE");
     application.add_flag_callback(
         "-v,--verbose",
         [this] {
@@ -36,7 +38,12 @@ CLI::App* ToolContext::addCommand(CLI::App& application, const std::string& name
                                   const std::string& description, const std::string& examples,
                                   std::function<int()> run) {
     CLI::App* command = application.add_subcommand(name, description);
-    command->footer("Examples:\n" + examples);
+    command->footer(
+        "With every command:\n"
+        "  --password-file FILE        First line is the password; else ZRFX_PASSWORD, else asked\n"
+        "  -v,--verbose                Show the library's log on standard error\n\n"
+        "Examples:\n" +
+        examples);
     command->final_callback([this, run = std::move(run)] { m_exitCode = run(); });
     return command;
 }

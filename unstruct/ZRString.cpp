@@ -1,5 +1,7 @@
 #include "ZRString.h"
 
+#include <string.h>
+
 #include <algorithm>
 
 namespace unstruct {
@@ -33,6 +35,11 @@ ZRString ZRString::Extension() const {
 
 ZRString ZRString::FileName() const {
     return m_bytes.substr(m_bytes.find_last_of("/\\") + 1);
+}
+
+void ZRString::Wipe() {
+    explicit_bzero(m_bytes.data(), m_bytes.capacity());
+    m_bytes.clear();
 }
 
 ZRString& ZRString::operator+=(const ZRString& other) {

@@ -40,6 +40,9 @@ public:
 
     bool StartsWith(std::string_view start) const { return m_bytes.starts_with(start); }
 
+    /// Overwrites the text in memory, so that a secret does not stay there, and leaves it empty.
+    void Wipe();
+
     ZRString& operator+=(const ZRString& other);
     friend ZRString operator+(ZRString a, const ZRString& b) { return a += b; }
     friend bool operator==(const ZRString& a, const ZRString& b) = default;

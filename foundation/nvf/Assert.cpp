@@ -70,7 +70,7 @@ bool reportFailedAssert(const char* fileName, int lineNumber, const char* expres
     return state().handler->handle(fileName, lineNumber, expression, message);
 }
 
-void assertionFailed(const char* expression, const char* message, std::source_location where) {
+void assertionFailed(const char* expression, const char* message, SourceLocation where) {
     const int line = static_cast<int>(where.line());
     if (reportFailedAssert(where.file_name(), line, expression, message)) std::raise(SIGTRAP);
 }

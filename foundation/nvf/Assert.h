@@ -1,8 +1,8 @@
 #pragma once
 
-#include <source_location>
 #include <stdexcept>
 
+#include "nvf/SourceLocation.h"
 #include "nvf/String.h"
 
 namespace nvf {
@@ -27,7 +27,7 @@ bool reportFailedAssert(const char* fileName, int lineNumber, const char* expres
 
 /// Reports a failed assertion of the calling line; breaks into the debugger when asked to.
 void assertionFailed(const char* expression, const char* message,
-                     std::source_location where = std::source_location::current());
+                     SourceLocation where = SourceLocation::current());
 
 }  // namespace nvf
 

@@ -21,7 +21,7 @@ std::string qualifiedName(std::string_view signature) {
 
 }  // namespace
 
-CodeLocation::CodeLocation(const std::source_location& where)
+CodeLocation::CodeLocation(const SourceLocation& where)
     : CodeLocation(where.file_name(), qualifiedName(where.function_name()), where.function_name(),
                    static_cast<int>(where.line())) {}
 

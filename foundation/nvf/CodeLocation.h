@@ -1,7 +1,6 @@
 #pragma once
 
-#include <source_location>
-
+#include "nvf/SourceLocation.h"
 #include "nvf/String.h"
 
 namespace nvf {
@@ -14,7 +13,7 @@ struct CodeLocation {
     int lineNumber = -1;        ///< -1 when unknown.
 
     CodeLocation() = default;
-    CodeLocation(const std::source_location& where);
+    CodeLocation(const SourceLocation& where);
     CodeLocation(const String& file, const String& function, const String& prettyFunction,
                  int line);
 };

@@ -2,23 +2,23 @@
 
 #include <atomic>
 #include <mutex>
-#include <source_location>
 #include <type_traits>
 
 #include "nvf/CodeLocation.h"
 #include "nvf/LogDestination.h"
 #include "nvf/Object.h"
+#include "nvf/SourceLocation.h"
 #include "nvf/String.h"
 
 namespace nvf {
 
 /// The text of a message, with placeholders, and the place that it stands at.
 struct LocatedText {
-    LocatedText(const char* message, std::source_location place = std::source_location::current())
+    LocatedText(const char* message, SourceLocation place = SourceLocation::current())
         : text(message), where(place) {}
 
     const char* text;
-    std::source_location where;
+    SourceLocation where;
 };
 
 /// Emits messages under one name when their level is not above its own. Owned by the LogManager and

@@ -27,23 +27,6 @@ using test::Damage;
 using test::Entries;
 using test::SampleBlock;
 
-// A system without memory for more than so many large buffers.
-class ShortOfMemory : public ZRFxSystem {
-public:
-    static constexpr int kEnough = 1 << 30;
-
-    ShortOfMemory() { Install(this); }
-    ~ShortOfMemory() { Install(nullptr); }
-    void* Allocate(std::size_t size) override {
-        return m_requestsLeft-- > 0 ? ZRFxSystem::Allocate(size) : nullptr;
-    }
-    void* Reallocate(void* buffer, std::size_t size) override {
-        return m_requestsLeft-- > 0 ? ZRFxSystem::Reallocate(buffer, size) : nullptr;
-    }
-
-    int m_requestsLeft = kEnough;
-};
-
 // A second archive of a test, with a database of the same id.
 struct Copy {
     Copy() {
@@ -463,23 +446,6 @@ TEST_F(ZRFxBlockTest, ContentsThatCannotBeStoredLeaveTheDatabaseAsItIs) {
     ExpectOpensAgain();
 }
 
-// Memory runs out for the archive at its first request, at its second, and so on.
-TEST_F(ZRFxBlockTest, BlockThatTheArchiveRefusesIsGoneAndCanBeWrittenAgain) {
-    Write(SampleBlock(BLOCK_SET, 7));
-    ShortOfMemory memory;
-    bool isWritten = false;
-    for (int requests = 0; !isWritten; ++requests) {
-        Write(SampleBlock(BLOCK_ELEMENTS, 1));
-        memory.m_requestsLeft = requests;
-        isWritten = SampleBlock(BLOCK_ELEMENTS, 1)->WriteBlock(&m_database);
-        memory.m_requestsLeft = ShortOfMemory::kEnough;
-        EXPECT_EQ(TakeTexts().empty(), isWritten);
-        EXPECT_EQ(m_database.GetNumBlocks(), isWritten ? 2 : 1);
-        ExpectOpensAgain();
-        ASSERT_LT(requests, 1000);
-    }
-}
-
 TEST_F(ZRFxBlockTest, FilesThatAKilledWriterLeftAreReplaced) {
     Put("Database001\\Nodes\\Nodes0001.dat", "half a block");
     Put("Database001\\Nodes\\Nodes0001-IDs.txt", "1\n");
@@ -578,6 +544,33 @@ TEST_F(ZRFxBlockTest, LegacyGeometryHasOneGeometryPerState) {
     Put(DocumentOf(BLOCK_GEOMETRY), "<Nodes/>");
     EXPECT_FALSE(block->HasGeometryCountPerState());
     EXPECT_EQ(TakeTexts().back(), "Invalid XML");
+}
+
+TEST_F(ZRFxBlockTest, GeometryInfosTakeOneRecordForEachStateOrOneForAll) {
+    ZRFxGeometryBlock block(nullptr, 1);
+    block.AddState(5)->AddPart(0, {-1, 40, BLOCK_ELEMENTS, 7});
+    ZRFxGeometryInfoBlock names(nullptr, 1);
+    names.SetGeometryCountPerState(1);
+    names.GetPartInfos(0)->AddPartInfo({7, -1, "Deck", false});
+    ZRPtrArray<ZRFxStateInfo> states;
+    for (const int id : {5, 6, 8}) states.Add(std::make_unique<ZRFxStateInfo>())->stateID = id;
+    ZRPtrArray<ZRFxGeometryInfo> infos;
+    EXPECT_FALSE(block.FillGeometryInfos(names, &states, &infos));
+    ExpectAssertion("pGeoInfos->GetSize() == GetGeometryCountPerState()");
+    infos.Add(std::make_unique<ZRFxGeometryInfo>());
+    ASSERT_TRUE(block.FillGeometryInfos(names, &states, &infos));
+    ASSERT_EQ(infos[0]->states.size(), 3u);
+    EXPECT_EQ(infos[0]->partInfos.GetPartInfo(0).partName, "Deck");
+    EXPECT_EQ(infos[0]->states[2].stateID, 8);
+    EXPECT_EQ(infos[0]->states[2].parts.at(0).blockID, 40);
+    block.AddState(6);
+    EXPECT_FALSE(block.FillGeometryInfos(names, &states, &infos));
+    ExpectAssertion("iNumGeometryStates == iNumStates || iNumGeometryStates == 1");
+    EXPECT_FALSE(block.FillGeometryInfos(names, nullptr, &infos));
+    ExpectAssertion("pGeoInfos && pStateInfos");
+    states.RemoveRange(2, 2);
+    ASSERT_TRUE(block.FillGeometryInfos(names, &states, &infos));
+    EXPECT_TRUE(infos[0]->states[1].parts.empty());
 }
 
 // A few kilobytes that ask for gigabytes, or for hours.

@@ -3,14 +3,19 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <filesystem>
+#include <functional>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "ZROZRFxNodeBlock.h"
 #include "support/ArchiveTest.h"
+#include "support/FaultySystem.h"
 #include "support/HardTexts.h"
 #include "support/SampleBlocks.h"
+#include "support/TemporaryFolder.h"
 
 namespace unstruct {
 namespace {
@@ -381,6 +386,114 @@ TEST_F(ZRFxDatabaseTest, LenientParseReportsAllThatDoesNotFitAndKeepsTheRest) {
     EXPECT_TRUE(parsed.Parse(1, ZRFxParseMode::LENIENT));
     EXPECT_EQ(BlocksOf(parsed), (std::vector<std::string>{"Nodes 1", "Set 2"}));
     EXPECT_THAT(TakeTexts(), testing::Contains("Illegal root element in database TOC file."));
+}
+
+// A session of a writer on a file while the N-th system call fails, for every N: what fails is
+// logged and gives false, and the file opens as it was, as the flush left it, or as it should be.
+class FailingSystem : public test::LogCapture {
+protected:
+    using Step = std::function<bool()>;
+
+    std::vector<Step> Session(ZRFxAccess& access, ZRFxDatabase& database, bool isNew) {
+        const auto write = [&](int type, int id) {
+            return [&database, type, id] { return SampleBlock(type, id)->WriteBlock(&database); };
+        };
+        const Step toc = [&] { return database.WriteTOC(); };
+        std::vector<Step> steps;
+        if (isNew) {
+            steps = {[&] { return access.Open(m_path, ZRZipAccessMode::CREATE); },
+                     [&] {
+                         const ZRFxDateTime date{2024, 2, 9, 7, 5, 3, 0};
+                         const auto document = ZRFxAccess::CreateMainDocument("", "", 0, &date);
+                         return access.WriteXmlFile("ZRF.xml", *document, true);
+                     },
+                     [&] { return test::CreateDatabase(database, 1); }};
+        } else {
+            steps = {[&] { return access.Open(m_path, ZRZipAccessMode::UPDATE); },
+                     [&] { return database.Parse(1); }};
+        }
+        for (const Step& step :
+             {Step(write(BLOCK_SET, 1)), Step(write(BLOCK_ELEMENTS, 1)), toc,
+              Step([&] { return access.Commit(); }), Step(write(BLOCK_SET, 1)),
+              Step(write(BLOCK_NODES, 2)), toc, Step([&] { return access.Close(); })}) {
+            steps.push_back(step);
+        }
+        return steps;
+    }
+
+    test::Entries State() const {
+        ZRFxAccess access;
+        if (!access.Open(m_path, ZRZipAccessMode::READ_ONLY)) return {{"not opened", ""}};
+        return test::Unpack(access);
+    }
+
+    // Does the session; false when a step fails. Keeps the states that may be left.
+    bool Work(bool isNew, ziptest::FaultySystem* system, std::vector<test::Entries>* states) {
+        ZRFxAccess access;
+        ZRFxDatabase database(&access);
+        TakeTexts();
+        for (const Step& step : Session(access, database, isNew)) {
+            const bool isDone = step();
+            std::vector<std::string> texts = TakeTexts();
+            std::erase(texts, kParsing);
+            if (!isDone) {
+                EXPECT_TRUE(system && system->HasFailed() && !texts.empty());
+                access.Abandon();
+                return false;
+            }
+            if (states) states->push_back(State());
+        }
+        return true;
+    }
+
+    static std::string Difference(const test::Entries& left, const test::Entries& expected) {
+        std::string names;
+        for (const auto& [name, content] : expected) {
+            if (!left.count(name)) names += " - " + name;
+        }
+        for (const auto& [name, content] : left) {
+            if (!expected.count(name))
+                names += " + " + name;
+            else if (expected.at(name) != content)
+                names += " ~ " + name;
+        }
+        return names;
+    }
+
+    const test::TemporaryFolder m_folder;
+    const std::string m_path = m_folder.Path("model.zrfx");
+};
+
+TEST_F(FailingSystem, LeavesTheFileAsBeforeOrAsAfter) {
+    using Failing = ziptest::FaultySystem::Failing;
+    for (const bool isNew : {true, false}) {
+        const std::string before = m_folder.Path("before.zrfx");
+        if (!isNew) std::filesystem::copy_file(m_path, before);
+        const auto restore = [&] {
+            std::filesystem::remove(m_path);
+            if (!isNew) std::filesystem::copy_file(before, m_path);
+        };
+        restore();
+        std::vector<test::Entries> states;
+        if (!isNew) states.push_back(State());
+        ASSERT_TRUE(Work(isNew, nullptr, &states));
+        for (const Failing failing : {Failing::kOnce, Failing::kFromThenOn}) {
+            bool isDone = false;
+            for (int call = 1; !isDone; ++call) {
+                restore();
+                ziptest::FaultySystem system;
+                system.FailCall(call, EIO, failing);
+                isDone = Work(isNew, &system, nullptr) && !system.HasFailed();
+                system.Recover();
+                if (!std::filesystem::exists(m_path)) continue;
+                const test::Entries left = State();
+                EXPECT_TRUE(std::count(states.begin(), states.end(), left) > 0)
+                    << "call " << call << Difference(left, states.back());
+                ASSERT_LT(call, 2000);
+            }
+        }
+    }
+    TakeTexts();
 }
 
 }  // namespace

@@ -17,7 +17,10 @@ using namespace ziptest;
 
 using Step = std::function<bool(ZRFxZipArchive*)>;
 
-class FailingCalls : public testing::TestWithParam<FaultySystem::Failing> {
+// How calls fail, and how much of what is written waits in memory.
+using Manner = std::pair<FaultySystem::Failing, uint64_t>;
+
+class FailingCalls : public testing::TestWithParam<Manner> {
 protected:
     // What a writer does, and what the archive may hold meanwhile.
     struct Work {
@@ -73,10 +76,11 @@ protected:
     // Does the work with the nth call failing; false when no call failed any more.
     bool SurvivesFailureOf(int nCall, const Work& work) {
         FaultySystem system;
-        const bool bOnce = GetParam() == FaultySystem::Failing::kOnce;
+        const bool bOnce = GetParam().first == FaultySystem::Failing::kOnce;
         {
             ZRFxZipArchive archive;
-            system.FailCall(nCall, ENOSPC, GetParam());
+            archive.SetPendingLimit(GetParam().second);
+            system.FailCall(nCall, ENOSPC, GetParam().first);
             for (const Step& step : work.aSteps) {
                 if (step(&archive)) continue;
                 EXPECT_TRUE(system.HasFailed()) << archive.LastError();
@@ -134,7 +138,7 @@ TEST_P(FailingCalls, ReadingReportsThemAndGivesNothingWrong) {
     for (int nCall = 1;; ++nCall) {
         FaultySystem system;
         ZRFxZipArchive archive;
-        system.FailCall(nCall, EIO, GetParam());
+        system.FailCall(nCall, EIO, GetParam().first);
         Model seen;
         if (archive.Open(m_sPath, ZRFxOpenMode::kReadOnly)) seen = ContentOf(&archive);
         for (const auto& [sName, sData] : seen) {
@@ -148,8 +152,10 @@ TEST_P(FailingCalls, ReadingReportsThemAndGivesNothingWrong) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Faults, FailingCalls,
-                         testing::Values(FaultySystem::Failing::kOnce,
-                                         FaultySystem::Failing::kFromThenOn));
+                         testing::Values(Manner{FaultySystem::Failing::kOnce, 1 << 20},
+                                         Manner{FaultySystem::Failing::kFromThenOn, 1 << 20},
+                                         Manner{FaultySystem::Failing::kOnce, 10},
+                                         Manner{FaultySystem::Failing::kFromThenOn, 10}));
 
 TEST(FullDisk, EntryThatPassesTheThresholdIsRefusedAndTheOthersStay) {
     TempFolder folder;
@@ -213,6 +219,7 @@ private:
     static int Work(const std::string& sPath, ZRFxOpenMode eMode, int nFirst, int nStates,
                     int nProgress) {
         ZRFxZipArchive archive;
+        archive.SetPendingLimit(50000);  // Most states are written ahead of their commit.
         if (!archive.Open(sPath, eMode)) return 1;
         if (write(nProgress, "o", 1) != 1) return 1;
         for (int i = nFirst; i < nFirst + nStates; ++i) {

@@ -153,9 +153,43 @@ TEST_F(ZRFxZipArchiveTest, EntriesPastTheThresholdAreCommittedByThemselves) {
     }
 }
 
-TEST_F(ZRFxZipArchiveTest, DocumentsReplacedAgainAndAgainCostOnlyTheEndOfTheFile) {
+TEST_F(ZRFxZipArchiveTest, EntriesWrittenAheadAreReadReplacedAndRemovedLikeOthers) {
+    for (const char* sPassword : {"", "geheim"}) {
+        ASSERT_TRUE(m_archive.Open(m_sPath, ZRFxOpenMode::kCreate));
+        ASSERT_TRUE(m_archive.SetPassword(sPassword));
+        m_archive.SetPendingLimit(1000);
+        Model expected;
+        for (unsigned i = 0; i < 4; ++i) {
+            expected[std::to_string(i)] = RandomBytes(70000, i + 1);
+            expected["s" + std::to_string(i)] = SmoothField(5000, i + 1);
+        }
+        const auto store = [&](const Model& model, int nLevel) {
+            for (const auto& [sName, sData] : model) {
+                ASSERT_TRUE(ReplaceText(&m_archive, sName, sData, nLevel)) << m_archive.LastError();
+            }
+        };
+        store(expected, 5);
+        ASSERT_TRUE(m_archive.Commit());
+        const uint64_t nSize = std::filesystem::file_size(m_sPath);
+        store({{"1", "first try"}, {"1", expected["0"]}, {"s2", expected["s1"]}}, 0);
+        store(expected, 5);
+        ASSERT_TRUE(AddText(&m_archive, "gone", expected["0"]));
+        ASSERT_TRUE(m_archive.Remove("gone"));
+        EXPECT_EQ(ContentOf(&m_archive), expected);
+        ASSERT_TRUE(m_archive.Close()) << m_archive.LastError();
+        EXPECT_EQ(ReadModel(m_sPath, sPassword), expected);
+        EXPECT_EQ(std::filesystem::file_size(m_sPath), nSize) << "gaps were left";
+    }
+}
+
+class SolverDocuments : public ZRFxZipArchiveTest, public testing::WithParamInterface<uint64_t> {};
+
+INSTANTIATE_TEST_SUITE_P(PendingLimits, SolverDocuments, testing::Values(1 << 20, 10));
+
+TEST_P(SolverDocuments, ReplacedAgainAndAgainCostOnlyTheEndOfTheFile) {
     Model expected;
     FaultySystem system;
+    m_archive.SetPendingLimit(GetParam());
     ASSERT_TRUE(m_archive.Open(m_sPath, ZRFxOpenMode::kCreate));
     uint64_t nData = 0;
     for (unsigned i = 0; i < 40; ++i) {

@@ -455,8 +455,8 @@ TEST_F(FileTest, BlockThatWasWrittenInPartCanBeWrittenAgain) {
     ASSERT_TRUE(file.create(m_name, settings));
     const PtrRef<Database> database = WriteDatabase(file, "First", 0);
     ASSERT_TRUE(file.flush());
-    const std::vector<float> coordinates(std::size_t{3} * 5000000, 0.5f);
-    const std::vector<int> ids(5000000, 7);
+    const std::vector<float> coordinates(std::size_t{3} * 1000000, 0.5f);
+    const std::vector<int> ids(1000000, 7);
     const PtrRef<NodeBlock> nodes = new NodeBlock(1, true);
     ASSERT_TRUE(nodes->setNodeData(coordinates.data(), ids.size(), ids.data()));
     {

@@ -17,18 +17,18 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-std::source_location Here(std::source_location where = std::source_location::current()) {
+nvf::SourceLocation Here(nvf::SourceLocation where = nvf::SourceLocation::current()) {
     return where;
 }
 
 template <typename T>
 struct Signatures {
-    static std::source_location inTemplate(const std::vector<T>&) { return Here(); }
+    static nvf::SourceLocation inTemplate(const std::vector<T>&) { return Here(); }
     static std::vector<T>* pointerResult(void (*)(int), T (&)[3]) {
         where = Here();
         return nullptr;
     }
-    static inline std::source_location where;
+    static inline nvf::SourceLocation where;
 };
 
 TEST(CodeLocation, FunctionNameIsQualifiedWithoutTypes) {

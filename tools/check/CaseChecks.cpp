@@ -49,7 +49,7 @@ ZRString CaseCheck::inFolder(const ZRString& name) const {
 }
 
 bool CaseCheck::exists(const ZRString& entry) {
-    return m_access.InternalFindFile(entry, LogMode::SILENT) >= 0;
+    return m_access.Contains(entry);
 }
 
 // A file that the document names, in the folder of the case or by its whole name.

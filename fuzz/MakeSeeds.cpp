@@ -1,0 +1,66 @@
+// Writes seeds for all fuzz targets: make_fuzz_seeds FOLDER
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+
+#include "ReadEverything.h"
+#include "ZROZRFxImageJpeg.h"
+#include "support/Model.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+void store(const fs::path& folder, const std::string& name, const std::string& bytes) {
+    fs::create_directories(folder);
+    std::ofstream(folder / name, std::ios::binary) << bytes;
+}
+
+std::string container(bool isEncrypted, int level, const test::Entries& entries) {
+    unstruct::ZRFxZipMemFile file;
+    unstruct::ZRFxAccess access;
+    access.Open(&file, unstruct::ZRZipAccessMode::CREATE);
+    if (isEncrypted) access.SetPassword("geheim");
+    access.SetCompression(level, unstruct::ZRFxAccess::kDefaultSmartness,
+                          unstruct::ZRFxAccess::kDefaultBufferSize,
+                          unstruct::ZRFxAccess::kDefaultBufferSize);
+    for (const auto& [name, content] : entries) {
+        access.WriteDataRaw(name, content.data(), content.size(), false);
+    }
+    access.Close();
+    return std::string(file.Data(), file.Data() + file.Length());
+}
+
+}  // namespace
+
+int main(int argumentCount, char** arguments) {
+    if (argumentCount != 2) {
+        std::fprintf(stderr, "usage: make_fuzz_seeds FOLDER\n");
+        return 2;
+    }
+    const fs::path base = arguments[1];
+    const test::Entries entries = fuzz::sampleEntries();
+    store(base / "ContainerFuzzer", "stored.zrfx", container(false, 0, entries));
+    store(base / "ContainerFuzzer", "deflated.zrfx", container(false, 9, entries));
+    const test::Entries one{*entries.find("ZRF.xml")};
+    store(base / "ContainerFuzzer", "encrypted.zrfx", container(true, 5, one));
+    store(base / "ContainerFuzzer", "empty.zrfx", container(false, 5, {}));
+
+    int number = 0;
+    for (const auto& [name, content] : entries) {
+        const std::string label = std::to_string(number);
+        const std::string size{static_cast<char>(content.size() % 256),
+                               static_cast<char>(content.size() / 256)};
+        store(base / "PartsFuzzer", label, static_cast<char>(number++) + size + content);
+        if (name.ends_with(".txt")) store(base / "TextDataFuzzer", label, content);
+        if (content.find("PropertySet") != std::string::npos) {
+            store(base / "PropertiesFuzzer", label, content);
+        }
+    }
+    unstruct::ZRUbyteArray jpeg;
+    unstruct::ZRFxImageJpeg::Encode(test::MakeImage(9, 17), &jpeg);
+    store(base / "ImageFuzzer", "image.jpg", std::string(jpeg.begin(), jpeg.end()));
+    const std::string raw("\2\0\0\0\1\0\0\0abcdef", 14);
+    store(base / "ImageFuzzer", "image.raw", raw);
+    return 0;
+}
