@@ -31,7 +31,7 @@ Database::SolutionType solutionType(const FrdResult* first) {
     switch (first->step.analysis) {
         case FrdStep::STATIC:
             if (isThermal(*first)) return Database::STEADY_STATE;
-            return first->step.increment > 1 ? Database::NONLINEAR_STATIC : Database::LINEAR_STATIC;
+            return isLinear(first->step) ? Database::LINEAR_STATIC : Database::NONLINEAR_STATIC;
         case FrdStep::TIME_STEP:
             return Database::TRANSIENT;
         case FrdStep::FREQUENCY:
