@@ -111,7 +111,7 @@ bool ImportRun::open() {
             m_context.fail(m_options.input, std::strerror(errno));
             return false;
         }
-        if (g_isInterrupted || isOverdue()) {
+        if (isOverdue()) {
             m_context.fail(m_options.input, "was not written");
             return false;
         }
@@ -190,7 +190,7 @@ bool ImportRun::reportDamage(const std::string& damage) {
     m_progress->finish();
     ++m_damageCount;
     if (m_damageCount <= kMostDamages) m_context.fail(m_options.input, damage);
-    if (m_damageCount == kMostDamages) m_context.fail(m_options.input, "more is not reported");
+    if (m_damageCount == kMostDamages + 1) m_context.fail(m_options.input, "and more damage");
     return false;
 }
 

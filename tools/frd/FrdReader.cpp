@@ -57,12 +57,17 @@ void reserve(std::vector<T>& items, std::uint64_t count, std::uint64_t most) {
 }  // namespace
 
 FrdReader::Event FrdReader::next() {
-    m_begin = m_file.place();
     m_isBetweenBlocks = true;
     m_hasBegun = false;
+    const bool isThere = !m_isSkipping || findNextBlock();
+    m_begin = m_file.place();
     if (m_isLost) return END;
+    if (!isThere) return outOfData();
     const Event event = read();
-    if (event == DAMAGE) findNextBlock();
+    m_isSkipping = event == DAMAGE;
+    // In a binary file nothing says where a next block might begin.
+    m_isLost |= m_isSkipping && m_isBinary;
+    if (m_isSkipping) m_file.unreadLine(m_begin);
     return event;
 }
 
@@ -110,15 +115,12 @@ FrdReader::Event FrdReader::outOfData() {
     return INCOMPLETE;
 }
 
-// In a binary file nothing says where a next block might begin.
-void FrdReader::findNextBlock() {
-    m_isLost |= m_isBinary;
-    m_file.unreadLine(m_begin);
-    while (!m_isLost) {
-        const auto line = m_file.peekLine();
-        if (line && isStartOfBlock(*line)) return;
-        m_isLost = !m_file.readLine();
+bool FrdReader::findNextBlock() {
+    while (const auto line = m_file.peekLine()) {
+        if (isStartOfBlock(*line)) return true;
+        m_file.readLine();
     }
+    return false;
 }
 
 void FrdReader::readUserLine(std::string_view line) {

@@ -59,7 +59,7 @@ private:
     std::string placeText() const;
     Event damaged(const std::string& reason);
     Event outOfData();
-    void findNextBlock();
+    bool findNextBlock();
     void readUserLine(std::string_view line);
     void readParameterLine(std::string_view line);
 
@@ -101,6 +101,7 @@ private:
     bool m_isBinary = false;
     bool m_isBetweenBlocks = true;
     bool m_hasBegun = false;
+    bool m_isSkipping = false;  // after damage, up to the next block
     bool m_isLost = false;
 };
 

@@ -45,6 +45,7 @@ std::string stateName(const FrdStep& step) {
         return step.value == 0 ? "Buckling preload" : std::string("Buckling factor ") + factor;
     }
     if (step.analysis != FrdStep::FREQUENCY) {
+        if (step.step == 0) return "";  // not told: called by its id
         return "Step " + std::to_string(step.step) + ", increment " +
                std::to_string(step.increment);
     }
