@@ -8,7 +8,7 @@ wrote. Exit code 77 says that the test was left out.
                                                 "followed", imported while the solver runs
     calculix.py --zrfx PROGRAM references       reference results of Debian's calculix-ccx-test; all of
                                                 them with NUO_LONG_TESTS=1
-    calculix.py --zrfx PROGRAM decks            solves the package's 355 decks; only with NUO_LONG_TESTS=1
+    calculix.py --zrfx PROGRAM decks            solves the package's 355 decks, with NUO_LONG_TESTS=1
 """
 
 import argparse
