@@ -50,7 +50,6 @@ public:
 private:
     const nuo::PtrRef<LogCollector> m_log;
     std::string m_passwordFile;
-    bool m_isVerbose = false;
     int m_exitCode = FINE;
 };
 

@@ -1,7 +1,9 @@
 #include "support/ToolTest.h"
 
 #include <NuoZRFx/NuoZRFx.h>
+#include <pty.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <cstdlib>
 #include <fstream>
@@ -124,6 +126,31 @@ Ended ToolTest::Zrfx(const std::string& arguments) {
                                 "' 2>'" + err + "' </dev/null";
     const int status = std::system(command.c_str());
     return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, contentOf(out), contentOf(err)};
+}
+
+std::string ToolTest::OnTerminal(const std::string& arguments, const std::string& answers) {
+    int terminal = -1;
+    const std::string command = "cd '" + Path("") + "' && exec " NUO_TOOL " " + arguments;
+    const pid_t process = forkpty(&terminal, nullptr, nullptr, nullptr);
+    if (process == 0) {
+        execl("/bin/sh", "sh", "-c", command.c_str(), nullptr);
+        _exit(127);
+    }
+    // Waits for the question, before which the terminal would show what is typed.
+    std::string shown;
+    char c = 0;
+    std::size_t typed = 0;
+    while (read(terminal, &c, 1) == 1) {
+        shown += c;
+        if (!shown.ends_with(": ") || typed == answers.size()) continue;
+        const std::size_t end = answers.find('\n', typed) + 1;
+        EXPECT_EQ(write(terminal, answers.data() + typed, end - typed),
+                  static_cast<ssize_t>(end - typed));
+        typed = end;
+    }
+    close(terminal);
+    waitpid(process, nullptr, 0);
+    return shown;
 }
 
 std::string ToolTest::Output(const std::string& arguments) {

@@ -365,6 +365,16 @@ TEST_F(ZrfxTest, PasswordComesFromFileOrEnvironment) {
               "zrfx: s.zrfx: password file empty has no password in it\n");
 }
 
+TEST_F(ZrfxTest, PasswordIsAskedForOnATerminalAndNotShown) {
+    WriteSound("a.zrfx");
+    EXPECT_THAT(OnTerminal("copy a.zrfx s.zrfx --password", "sesame\nsesam\n"),
+                HasSubstr("zrfx: s.zrfx: the two passwords differ\r\n"));
+    EXPECT_EQ(OnTerminal("copy a.zrfx s.zrfx --password", "sesame\nsesame\n"),
+              "New password of s.zrfx: \r\nOnce more: \r\n");
+    EXPECT_EQ(OnTerminal("check s.zrfx", "sesame\n"),
+              "Password of s.zrfx: \r\ns.zrfx: 0 errors, 0 warnings\r\n");
+}
+
 TEST_F(ZrfxTest, FailureIsOneLineThatNamesFileAndCause) {
     WriteSound("a.zrfx");
     std::ofstream(Path("text.zrfx")) << "This is no archive.";

@@ -285,7 +285,8 @@ void checkElements(const ZRFxBlock& block, CheckedDatabase& checked) {
 
 void checkFaceSet(const ZRFxBlock& block, CheckedDatabase& checked) {
     const auto& faces = static_cast<const ZRFxIndexedFaceSetBlock&>(block);
-    checked.itemCounts[{BLOCK_INDEXED_FACE_SET, block.GetID()}].items = faces.GetNumPolygons();
+    checked.itemCounts[{BLOCK_INDEXED_FACE_SET, block.GetID()}] = {
+        faces.GetNumPolygons(), faces.GetConnects().GetSize(), 0};
     const NodeFinder finder =
         finderOf(block, faces.GetNodeBlockID(), faces.GetMapToNodeIDs(), checked);
     if (!finder.isUsable()) return;

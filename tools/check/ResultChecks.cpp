@@ -1,4 +1,5 @@
 // States, results and their values, and what all blocks have: references and numbers.
+#include <algorithm>
 #include <array>
 #include <cmath>
 
@@ -86,32 +87,34 @@ std::optional<int> dimensionsOf(int resultType) {
     }
 }
 
-// How many values a mapping asks for, one an item; none when that cannot be told.
-std::optional<std::int64_t> expectedCount(int mapping, int targetId,
-                                          const CheckedDatabase& checked) {
-    const auto countsOf = [&](int type) -> const ItemCounts* {
+// How many values a mapping asks for, one an item. An id may be that of elements and of a face set,
+// either of which may be meant; nothing when it cannot be told.
+std::vector<std::int64_t> expectedCounts(int mapping, int targetId,
+                                         const CheckedDatabase& checked) {
+    std::vector<std::int64_t> counts;
+    const auto add = [&](int type, std::int64_t ItemCounts::*count) {
         const auto found = checked.itemCounts.find({type, targetId});
-        return found == checked.itemCounts.end() ? nullptr : &found->second;
+        if (found != checked.itemCounts.end()) counts.push_back(found->second.*count);
     };
-    if (mapping == MAPPING_NODE) {
-        const ItemCounts* nodes = countsOf(BLOCK_NODES);
-        return nodes ? std::optional(nodes->items) : std::nullopt;
-    }
-    const ItemCounts* elements = countsOf(BLOCK_ELEMENTS);
-    const ItemCounts* faces = countsOf(BLOCK_INDEXED_FACE_SET);
-    if (!elements) {
-        return faces && mapping == MAPPING_ELEMENT ? std::optional(faces->items) : std::nullopt;
-    }
     switch (mapping) {
+        case MAPPING_NODE:
+            add(BLOCK_NODES, &ItemCounts::items);
+            break;
         case MAPPING_ELEMENT:
-            return elements->items;
+            add(BLOCK_ELEMENTS, &ItemCounts::items);
+            add(BLOCK_INDEXED_FACE_SET, &ItemCounts::items);
+            break;
         case MAPPING_ELEMENT_NODE:
-            return elements->elementNodes;
+            add(BLOCK_ELEMENTS, &ItemCounts::elementNodes);
+            add(BLOCK_INDEXED_FACE_SET, &ItemCounts::elementNodes);
+            break;
         case MAPPING_SURFACE:
-            return elements->surfaces;
+            add(BLOCK_ELEMENTS, &ItemCounts::surfaces);
+            break;
         default:
-            return std::nullopt;
+            break;
     }
+    return counts;
 }
 
 // Whether a mapping's target is of the kind that the mapping asks for.
@@ -256,12 +259,12 @@ void checkResultValues(const ZRFxBlock& block, CheckedDatabase& checked) {
                            " belong to a block of another kind");
     }
     if (values.GetIDs()) return checkItemIds(values, mapping->second, checked);
-    const auto expected = expectedCount(mapping->second, values.GetMapToBlockID(), checked);
-    if (!expected || *expected == values.GetNumItems()) return;
+    const auto expected = expectedCounts(mapping->second, values.GetMapToBlockID(), checked);
+    if (expected.empty() || std::ranges::count(expected, values.GetNumItems()) > 0) return;
     checked.reporter("value-count", block)
         .error("", "has values of " +
                        counted(static_cast<std::uint64_t>(values.GetNumItems()), "item") +
-                       ", its target has " + std::to_string(*expected));
+                       ", its target has " + std::to_string(expected.front()));
 }
 
 void checkPositionResultValues(const ZRFxBlock& block, CheckedDatabase& checked) {
