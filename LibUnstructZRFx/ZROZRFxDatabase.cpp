@@ -72,13 +72,14 @@ bool ZRFxDatabase::Create(const ZRString& name, int id, const ZRString& sourceNa
     return true;
 }
 
-bool ZRFxDatabase::Parse(int id) {
+bool ZRFxDatabase::Parse(int id, ZRFxParseMode mode) {
     Log().inform("Parsing ZRFx file...");
     ZRFxDatabaseInfo info;
     if (!GetAccess() || !GetAccess()->GetDatabaseByID(id, &info)) {
         return Log().fail("Database Xml file not found.");
     }
     Clear();
+    if (mode == ZRFxParseMode::LENIENT) return ParseWhatFits(info);
     if (ParseDescription(info) && ParseBlocks()) return true;
     Clear();
     return false;
@@ -258,15 +259,32 @@ bool ZRFxDatabase::ParseBlocks() {
     const bool hasTOC = GetAccess()->Contains(EntryName(kTOCName));
     std::vector<BlockLine> lines;
     if (hasTOC) {
-        if (!ParseTOC(&lines)) return false;
+        if (!ParseTOC(ZRFxParseMode::STRICT, &lines)) return false;
         m_bTOCModified = false;
         return AddParsedBlocks(lines, "Error reading block meta data.");
     }
-    return ParseFolder(&lines) &&
+    return ParseFolder(ZRFxParseMode::STRICT, &lines) &&
            AddParsedBlocks(lines, "Error reading block meta data (type '%1', ID %2)");
 }
 
-bool ZRFxDatabase::ParseTOC(std::vector<BlockLine>* lines) {
+// Every step has said what did not fit.
+bool ZRFxDatabase::ParseWhatFits(const ZRFxDatabaseInfo& info) {
+    if (!ParseDescription(info)) {
+        m_iID = info.id;
+        SetFolder(info.folder);
+    }
+    StartTOC();
+    std::vector<BlockLine> lines;
+    const bool hasTOC = GetAccess()->Contains(EntryName(kTOCName));
+    if (!hasTOC || !ParseTOC(ZRFxParseMode::LENIENT, &lines)) {
+        ParseFolder(ZRFxParseMode::LENIENT, &lines);
+    }
+    m_bTOCModified = false;
+    AddAllBlocks(lines);
+    return true;
+}
+
+bool ZRFxDatabase::ParseTOC(ZRFxParseMode mode, std::vector<BlockLine>* lines) {
     nvf::XmlDocument doc;
     if (!GetAccess()->InternalReadXmlFile(EntryName(kTOCName), LogMode::LOG, &doc)) {
         return Log().fail("Cannot find database TOC file.");
@@ -280,29 +298,37 @@ bool ZRFxDatabase::ParseTOC(std::vector<BlockLine>* lines) {
          element = element.nextSiblingElement()) {
         const BlockLine line{ZRString(element.nameUtf8()), element.getAttributeInt("ID", -1),
                              GetAttribute(element, "File")};
-        if (line.fileName.IsBlank()) return Log().fail("No filename specified for block.");
-        if (line.id < 0) return Log().fail("Invalid ID %1 specified for block", line.id);
-        if (!TakeBlockLine(line, lines)) return false;
+        if (!TakeTOCLine(line, lines) && mode == ZRFxParseMode::STRICT) return false;
     }
     return true;
 }
 
-bool ZRFxDatabase::ParseFolder(std::vector<BlockLine>* lines) {
+bool ZRFxDatabase::TakeTOCLine(const BlockLine& line, std::vector<BlockLine>* lines) {
+    if (line.fileName.IsBlank()) return Log().fail("No filename specified for block.");
+    if (line.id < 0) return Log().fail("Invalid ID %1 specified for block", line.id);
+    return TakeBlockLine(line, lines);
+}
+
+bool ZRFxDatabase::ParseFolder(ZRFxParseMode mode, std::vector<BlockLine>* lines) {
     ZRStringArray files;
     if (!GetAccess()->FindFiles(GetFolder(), true, &files)) return false;
     for (const ZRString& file : files) {
         if (!isBlockDocument(file)) continue;
-        nvf::XmlDocument doc;
-        if (!ReadXmlFile(file, &doc)) return false;
-        const nvf::XmlElement root = doc.getRootElement();
-        const BlockLine line{ZRString(root.nameUtf8()), root.getAttributeInt("ID", -1), file};
-        if (line.id < 0) {
-            return Log().fail("Invalid ID specified for block (type '%1', ID %2)", line.typeName,
-                              line.id);
-        }
-        if (!TakeBlockLine(line, lines)) return false;
+        if (!TakeDocument(file, lines) && mode == ZRFxParseMode::STRICT) return false;
     }
     return true;
+}
+
+bool ZRFxDatabase::TakeDocument(const ZRString& file, std::vector<BlockLine>* lines) {
+    nvf::XmlDocument doc;
+    if (!ReadXmlFile(file, &doc)) return false;
+    const nvf::XmlElement root = doc.getRootElement();
+    const BlockLine line{ZRString(root.nameUtf8()), root.getAttributeInt("ID", -1), file};
+    if (line.id < 0) {
+        return Log().fail("Invalid ID specified for block (type '%1', ID %2)", line.typeName,
+                          line.id);
+    }
+    return TakeBlockLine(line, lines);
 }
 
 bool ZRFxDatabase::TakeBlockLine(const BlockLine& line, std::vector<BlockLine>* lines) {
@@ -332,6 +358,21 @@ bool ZRFxDatabase::AddParsedBlocks(std::vector<BlockLine>& lines, const char* me
         }
     }
     return true;
+}
+
+void ZRFxDatabase::AddAllBlocks(std::vector<BlockLine>& lines) {
+    std::stable_sort(lines.begin(), lines.end(),
+                     [](const BlockLine& a, const BlockLine& b) { return a.id < b.id; });
+    for (const BlockLine& line : lines) {
+        const nvf::ref<ZRFxBlock> block =
+            CreateEntry(ZRFxBlockTypeFromName(line.typeName), line.id, line.fileName);
+        bool isReplaced = false;
+        if (block.isNull()) {
+            Log().fail("Error create block (type '%1', ID %2)", line.typeName, line.id);
+        } else if (AddBlock(block.p(), &isReplaced) && isReplaced) {
+            Log().fail("Block (type '%1', ID %2) is entered twice", line.typeName, line.id);
+        }
+    }
 }
 
 // A type that no class stores makes no entry, nor an assertion: what a file holds is no programming

@@ -15,6 +15,10 @@
 
 namespace unstruct {
 
+/// What becomes of a database with blocks that do not fit: it cannot be opened, or, for programs
+/// that examine files, it opens without them.
+enum class ZRFxParseMode { STRICT, LENIENT };
+
 /// One model database of a ZRFx file: a folder of the archive with "Database.xml", the table of
 /// contents "Database-TOC.xml" and the documents and data files of its blocks. Holds an entry for
 /// each block, by type and sorted by id, but no block's data; data files are written and read
@@ -30,8 +34,10 @@ public:
 
     /// Opens the database of an id: its description, and the entries of its blocks from the table
     /// of contents or, where a writer did not come to store one, from the documents in its folder.
-    /// The first block that does not fit ends it and leaves the database empty.
-    bool Parse(int id);
+    /// The first block that does not fit ends it and leaves the database empty. The lenient mode
+    /// reports what does not fit and goes on, with the registry's folder for a missing description
+    /// and with the folder's documents for a missing table of contents; no block is looked into.
+    bool Parse(int id, ZRFxParseMode mode = ZRFxParseMode::STRICT);
 
     /// Stores the table of contents in place of the one stored before.
     bool WriteTOC();
@@ -98,10 +104,14 @@ private:
     void Clear();
     bool ParseDescription(const ZRFxDatabaseInfo& info);
     bool ParseBlocks();
-    bool ParseTOC(std::vector<BlockLine>* lines);
-    bool ParseFolder(std::vector<BlockLine>* lines);
+    bool ParseTOC(ZRFxParseMode mode, std::vector<BlockLine>* lines);
+    bool ParseFolder(ZRFxParseMode mode, std::vector<BlockLine>* lines);
     bool TakeBlockLine(const BlockLine& line, std::vector<BlockLine>* lines);
+    bool TakeTOCLine(const BlockLine& line, std::vector<BlockLine>* lines);
+    bool TakeDocument(const ZRString& file, std::vector<BlockLine>* lines);
     bool AddParsedBlocks(std::vector<BlockLine>& lines, const char* metaDataMessage);
+    void AddAllBlocks(std::vector<BlockLine>& lines);
+    bool ParseWhatFits(const ZRFxDatabaseInfo& info);
     nvf::ref<ZRFxBlock> CreateEntry(int type, int id, const ZRString& fileName);
 
     int m_iID = -1;

@@ -366,6 +366,28 @@ TEST_F(ZRFxDatabaseTest, NamesInEveryScriptComeBack) {
     }
 }
 
+TEST_F(ZRFxDatabaseTest, LenientParseReportsAllThatDoesNotFitAndKeepsTheRest) {
+    Write(SampleBlock(BLOCK_NODES, 1));
+    Write(SampleBlock(BLOCK_RESULTS, 4));
+    Write(SampleBlock(BLOCK_SET, 2));
+    ASSERT_TRUE(m_database.WriteTOC());
+    Put("Database001\\Results\\Results0004.xml", "<Results");
+    Edit(kTOC, "<Set ID=\"2\"", "<Knots ID=\"2\"");
+    Edit(kTOC, "</DatabaseTOC>", "<Nodes ID=\"-3\" File=\"a.xml\"/></DatabaseTOC>");
+    ZRFxDatabase parsed(&m_access);
+    EXPECT_TRUE(parsed.Parse(1, ZRFxParseMode::LENIENT));
+    EXPECT_EQ(BlocksOf(parsed), (std::vector<std::string>{"Nodes 1", "Results 4"}));
+    ExpectTexts(
+        {kParsing, "Invalid block type 'Knots' specified", "Invalid ID -3 specified for block"});
+
+    Put(kTOC, "<Foo/>");
+    Put(kDescription, "");
+    ASSERT_TRUE(m_access.RemoveFile("Database001\\Results\\Results0004.xml"));
+    EXPECT_TRUE(parsed.Parse(1, ZRFxParseMode::LENIENT));
+    EXPECT_EQ(BlocksOf(parsed), (std::vector<std::string>{"Nodes 1", "Set 2"}));
+    EXPECT_THAT(TakeTexts(), testing::Contains("Illegal root element in database TOC file."));
+}
+
 // A session of a writer on a file while the N-th system call fails, for every N: what fails is
 // logged and gives false, and the file opens as it was, as the flush left it, or as it should be.
 class FailingSystem : public test::LogCapture {

@@ -1,0 +1,254 @@
+#include "CopyCommand.h"
+
+#include <algorithm>
+#include <memory>
+#include <set>
+
+#include "Entries.h"
+#include "FileReader.h"
+#include "OutputFile.h"
+#include "Progress.h"
+#include "Text.h"
+#include "ZROZRFxGeometryBlock.h"
+#include "ZROZRFxGeometryInfoBlock.h"
+#include "ZROZRFxXml.h"
+
+namespace tools {
+namespace {
+
+using namespace unstruct;
+
+constexpr const char* kExamples =
+    "  zrfx copy big.zrfx small.zrfx --level 9\n"
+    "  zrfx copy plate.zrfx plate.zrfx            # reclaims unused space\n"
+    "  zrfx copy plate.zrfx secret.zrfx --password\n"
+    "  zrfx copy secret.zrfx plain.zrfx --no-password --text";
+
+constexpr int kDefaultLevel = 5;
+
+struct Options {
+    std::string in;
+    std::string out;
+    int level = -1;
+    bool isText = false;
+    bool isBinary = false;
+    bool wantsPassword = false;
+    bool wantsNoPassword = false;
+    std::string newPasswordFile;
+};
+
+/// Copies what is in one archive to another that is new: databases block by block, each in the form
+/// of the new file, everything else entry by entry as it is. One block is in memory at a time.
+class Copy {
+public:
+    Copy(FileReader& in, const Entries& entries, ZRFxAccess& out, bool isText)
+        : m_in(in),
+          m_entries(entries),
+          m_out(out),
+          m_isText(isText),
+          m_progress("copying", Progress::Unit::BYTES, entries.totalSize()) {}
+
+    bool run() { return copyMainDocument() && copyDatabases() && copyCases() && copyOthers(); }
+
+private:
+    // The registries fill again as databases and cases are added.
+    bool copyMainDocument() {
+        nvf::XmlDocument document;
+        if (!m_in.access().InternalReadXmlFile(ZRFxMainDocument::kEntryName, LogMode::LOG,
+                                               &document)) {
+            return false;
+        }
+        nvf::XmlElement root = document.getRootElement();
+        for (const char* registry : {"Cases", "Databases"}) {
+            root.removeChildElement(root.firstChildElement(registry));
+            root.addChildElement(registry);
+        }
+        m_copied.insert(ZRFxMainDocument::kEntryName);
+        return m_out.WriteXmlFile(ZRFxMainDocument::kEntryName, document, true);
+    }
+
+    bool copyDatabases() {
+        return std::ranges::all_of(m_in.databases(),
+                                   [&](const auto& database) { return copyDatabase(*database); });
+    }
+
+    bool copyDatabase(ZRFxDatabase& in) {
+        ZRFxDatabase out(&m_out);
+        out.SetTextMode(m_isText);
+        if (!out.Create(in.GetName(), in.GetID(), in.GetSourceName(), in.GetSimulationType(),
+                        in.GetSolutionType(), in.GetDescription())) {
+            return false;
+        }
+        m_folders.push_back(in.GetFolder().Bytes());
+        for (int i = 0; i < in.GetNumBlocks(); ++i) {
+            const auto block = readBlock(in, in.GetBlock(i)->GetType(), in.GetBlock(i)->GetID());
+            if (block.isNull() || !block->WriteBlock(&out)) return false;
+            if (block->GetType() == BLOCK_GEOMETRY && !copyLegacyInfo(*block, in, out)) {
+                return false;
+            }
+            m_progress.advance(m_entries.sizeOf(in, in.GetBlock(i)->GetFileName()));
+        }
+        return out.WriteTOC();
+    }
+
+    // Geometries of the legacy layout tell the names of the parts, too; the new form does not.
+    static bool copyLegacyInfo(const ZRFxBlock& block, ZRFxDatabase& in, ZRFxDatabase& out) {
+        const auto& geometry = static_cast<const ZRFxGeometryBlock&>(block);
+        if (geometry.HasGeometryCountPerState() || in.GetNumBlocks(BLOCK_GEOMETRY_INFO) > 0) {
+            return true;
+        }
+        const nvf::ref<ZRFxGeometryInfoBlock> info = new ZRFxGeometryInfoBlock(&in, block.GetID());
+        return geometry.GetLegacyGeometryInfo(info.p()) && info->WriteBlock(&out);
+    }
+
+    bool copyCases() {
+        int count = 0;
+        if (!m_in.access().GetNumCases(&count)) return false;
+        for (int i = 0; i < count; ++i) {
+            ZRFxCaseInfo info;
+            nvf::XmlDocument document;
+            if (!m_in.access().GetCaseInfo(i, &info) ||
+                !m_in.access().InternalReadXmlFile(info.path, LogMode::LOG, &document) ||
+                !m_out.AddCase(document, false)) {
+                return false;
+            }
+            m_copied.insert(withBackslashes(info.path.Bytes()));
+        }
+        return true;
+    }
+
+    // Files of cases, user texts, and what other programs have put there. In the folders of
+    // databases, documents and data files that no block needs are what a copy gets rid of.
+    bool copyOthers() {
+        ZRStringArray entries;
+        if (!m_in.access().FindFiles("", true, &entries)) return false;
+        return std::ranges::all_of(entries, [&](const ZRString& entry) {
+            const std::string name = withBackslashes(entry.Bytes());
+            return m_copied.contains(name) || isOfDatabase(name) || copyEntry(entry, name);
+        });
+    }
+
+    bool isOfDatabase(const std::string& name) const {
+        const std::string extension = ZRString(name).Extension().ToLower().Bytes();
+        if (extension != ".xml" && extension != ".dat" && extension != ".txt") return false;
+        return std::ranges::any_of(m_folders, [&](const std::string& folder) {
+            return name.starts_with(folder + kFolderSeparator);
+        });
+    }
+
+    bool copyEntry(const ZRString& entry, const std::string& name) {
+        ZRFxZipRawData raw;
+        m_progress.advance(m_entries.sizeOf(name));
+        return m_in.access().InternalReadDataRaw(entry, LogMode::LOG, &raw) &&
+               m_out.WriteDataRaw(name, raw.Buffer(), raw.Length(), true);
+    }
+
+    FileReader& m_in;
+    const Entries& m_entries;
+    ZRFxAccess& m_out;
+    const bool m_isText;
+    Progress m_progress;
+    std::set<std::string> m_copied;
+    std::vector<std::string> m_folders;
+};
+
+// What the new file is made with: as options say, else as the old one is.
+struct Form {
+    int level;
+    bool isText;
+    std::string password;
+};
+
+bool chooseForm(ToolContext& context, const Options& options, FileReader& in, Form* form) {
+    ZRFxArchiveInfo info;
+    if (!in.access().GetArchiveInfo(&info)) return false;
+    form->level = options.level >= 0 ? options.level : info.compressed ? kDefaultLevel : 0;
+    form->isText = options.isText || (!options.isBinary && info.text && !info.binary);
+    form->password = in.password();
+    if (options.wantsNoPassword) {
+        form->password.clear();
+        return true;
+    }
+    const bool isFromFile = !options.newPasswordFile.empty();
+    if (isFromFile || options.wantsPassword) {
+        return context.newPasswordFor(options.out, options.newPasswordFile, "ZRFX_NEW_PASSWORD",
+                                      &form->password);
+    }
+    // A password that was given for a file that needs none is meant for the new one.
+    if (!info.encrypted && !context.passwordFile().empty()) {
+        return context.newPasswordFor(options.out, context.passwordFile(), "ZRFX_NEW_PASSWORD",
+                                      &form->password);
+    }
+    return true;
+}
+
+bool writeCopy(FileReader& in, const Form& form, const std::string& path) {
+    ZRFxZipArchive archive;
+    ZRFxAccess out;
+    if (!archive.Open(in.path(), ZRFxOpenMode::kReadOnly)) return false;
+    const Entries entries(archive);
+    if (!out.Open(path, ZRZipAccessMode::CREATE)) return false;
+    out.SetCompression(form.level, ZRFxAccess::kDefaultSmartness, ZRFxAccess::kDefaultBufferSize,
+                       ZRFxAccess::kDefaultBufferSize);
+    if (out.SetPassword(form.password) && Copy(in, entries, out, form.isText).run() &&
+        out.Close()) {
+        return true;
+    }
+    out.Abandon();
+    return false;
+}
+
+// Tells a failure of the file that it happened in, the new one under its own name.
+int failCopy(ToolContext& context, const Options& options, const std::string& temporaryPath) {
+    std::string cause = context.log().takeCause();
+    const std::size_t at = cause.find(temporaryPath);
+    if (at == std::string::npos) return context.fail(options.in, cause);
+    return context.fail(options.out, cause.replace(at, temporaryPath.size(), options.out));
+}
+
+int copy(ToolContext& context, const Options& options) {
+    FileReader in(context);
+    Form form;
+    if (!in.open(options.in)) return ToolContext::FAILURE;
+    if (!context.log().takeMessages().empty()) {
+        return context.fail(options.in, "some case cannot be read; zrfx check tells which");
+    }
+    if (!chooseForm(context, options, in, &form)) return ToolContext::FAILURE;
+    OutputFile output(options.out);
+    std::string error;
+    if (!output.prepare(&error)) return context.fail(options.out, error);
+    if (!writeCopy(in, form, output.temporaryPath())) {
+        return failCopy(context, options, output.temporaryPath());
+    }
+    if (!output.finish(&error)) return context.fail(options.out, error);
+    return ToolContext::FINE;
+}
+
+}  // namespace
+
+void addCopyCommand(CLI::App& application, ToolContext& context) {
+    const auto options = std::make_shared<Options>();
+    CLI::App* command = context.addCommand(
+        application, "copy", "Writes the same content with other settings and no unused space",
+        kExamples, [&context, options] { return copy(context, *options); });
+    command->add_option("IN", options->in, "A ZRFx file")->required();
+    command->add_option("OUT", options->out, "The file to write, which may be IN")->required();
+    command->add_option("--level", options->level, "Compression, 0 (none) to 9 (smallest)")
+        ->type_name("N")
+        ->check(CLI::Range(0, 9));
+    CLI::Option* text = command->add_flag("--text", options->isText, "Data files as lines of text");
+    command->add_flag("--binary", options->isBinary, "Data files as packed values")->excludes(text);
+    CLI::Option* none =
+        command->add_flag("--no-password", options->wantsNoPassword, "Do not encrypt OUT");
+    command
+        ->add_flag("--password", options->wantsPassword,
+                   "Encrypt OUT with a password from ZRFX_NEW_PASSWORD or the terminal")
+        ->excludes(none);
+    command
+        ->add_option("--new-password-file", options->newPasswordFile,
+                     "Encrypt OUT with the first line of a file")
+        ->type_name("FILE")
+        ->excludes(none);
+}
+
+}  // namespace tools

@@ -1,0 +1,253 @@
+#include "ImportCommand.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <thread>
+#include <utility>
+
+#include "NuoZRFx/ZRFxComponent.h"
+#include "Progress.h"
+#include "frd/FrdImport.h"
+#include "frd/FrdReader.h"
+
+namespace tools {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr std::chrono::milliseconds kPoll{100};
+constexpr std::chrono::seconds kSettled{1};  // without news, a state is taken to be finished
+constexpr int kMostDamages = 10;
+
+struct ImportOptions {
+    std::string input;
+    std::string output;
+    std::string name;
+    int level = nuo::zrfx::FileSettings().compressionLevel;
+    bool isText = false;
+    bool isFollowing = false;
+    double timeout = 0;  // seconds; 0 waits without end
+};
+
+volatile std::sig_atomic_t g_isInterrupted = 0;
+
+void interrupt(int) {
+    g_isInterrupted = 1;
+}
+
+// SIGINT and SIGTERM end the waiting instead of the process.
+void catchInterrupts() {
+    struct sigaction action {};
+    action.sa_handler = interrupt;
+    sigaction(SIGINT, &action, nullptr);
+    sigaction(SIGTERM, &action, nullptr);
+}
+
+FrdImport::Target targetOf(const ImportOptions& options) {
+    const std::filesystem::path input = options.input;
+    FrdImport::Target target;
+    target.file = options.output;
+    target.name = options.name.empty() ? input.stem().string() : options.name;
+    target.description = "Imported from " + input.filename().string();
+    target.settings.compressionLevel = options.level;
+    target.settings.binary = !options.isText;
+    target.settings.applicationName =
+        "zrfx import " + nuo::zrfx::ZRFxComponent::versionString().toStdString();
+    return target;
+}
+
+// One import from one file into another.
+class ImportRun {
+public:
+    ImportRun(const ImportOptions& options, ToolContext& context)
+        : m_options(options), m_context(context), m_import(targetOf(options)) {}
+
+    int run();
+
+private:
+    bool open();
+    bool readNext();
+    bool addResult();
+    bool wait(Clock::duration needed);
+    bool isStateFinished() const;
+    bool isOverdue() const;
+    bool failImport();
+    bool reportDamage(const std::string& damage);
+    int finish();
+
+    const ImportOptions& m_options;
+    ToolContext& m_context;
+    FrdReader m_reader;
+    FrdImport m_import;
+    std::unique_ptr<Progress> m_progress;
+    Clock::time_point m_lastGrowth = Clock::now();
+    std::uint64_t m_lastSize = 0;
+    Clock::duration m_pause{};
+    int m_damageCount = 0;
+    bool m_hasFailed = false;
+};
+
+int ImportRun::run() {
+    if (!open()) return ToolContext::FAILURE;
+    do {
+        // Again and again, since a new file has its own way to end, which is to vanish.
+        if (m_options.isFollowing) catchInterrupts();
+        std::this_thread::sleep_for(std::exchange(m_pause, {}));
+    } while (!g_isInterrupted && readNext());
+    m_progress->finish();
+    return m_hasFailed ? ToolContext::FAILURE : finish();
+}
+
+bool ImportRun::open() {
+    while (!m_reader.open(m_options.input)) {
+        if (!m_options.isFollowing || errno != ENOENT) {
+            m_context.fail(m_options.input, std::strerror(errno));
+            return false;
+        }
+        if (isOverdue()) {
+            m_context.fail(m_options.input, "was not written");
+            return false;
+        }
+        std::this_thread::sleep_for(kPoll);
+    }
+    const std::uint64_t total = m_options.isFollowing ? 0 : m_reader.fileSize();
+    m_progress = std::make_unique<Progress>("importing", Progress::Unit::BYTES, total);
+    return true;
+}
+
+// False at the end, be it a good one or not.
+bool ImportRun::readNext() {
+    const Clock::time_point begin = Clock::now();
+    const FrdReader::Event event = m_reader.next();
+    m_progress->setDone(m_reader.position());
+    switch (event) {
+        case FrdReader::NODES:
+            return m_import.addNodes(m_reader.nodes()) || failImport();
+        case FrdReader::ELEMENTS:
+            return m_import.addElements(m_reader.elements()) || failImport();
+        case FrdReader::RESULT:
+            return addResult() || failImport();
+        case FrdReader::DAMAGE:
+            reportDamage(m_reader.damage());
+            return m_import.hasMesh();
+        case FrdReader::INCOMPLETE:
+            if (m_options.isFollowing) return wait(Clock::now() - begin);
+            return reportDamage(m_reader.damage());
+        default:
+            return false;
+    }
+}
+
+bool ImportRun::addResult() {
+    if (m_options.isFollowing && m_import.completesState(m_reader.result()) && !m_import.commit()) {
+        return false;
+    }
+    return m_import.addResult(m_reader.result(), m_reader.header());
+}
+
+// Waits for more to be written. A block that is half there is read again, but not so often that
+// nothing else is done.
+bool ImportRun::wait(Clock::duration needed) {
+    if (m_reader.wasShortened()) return reportDamage("the file was written anew meanwhile");
+    if (m_reader.fileSize() != m_lastSize) m_lastGrowth = Clock::now();
+    m_lastSize = m_reader.fileSize();
+    if (isStateFinished() && !m_import.commit()) return failImport();
+    if (isOverdue()) return reportDamage(m_reader.damage() + ", and nothing more was written");
+    m_pause = std::max<Clock::duration>(kPoll, 4 * needed);
+    return true;
+}
+
+// When the next one has begun, or nothing more of it was written for a while.
+bool ImportRun::isStateFinished() const {
+    const FrdResult* next = m_reader.begunResult();
+    const bool isSettled = Clock::now() - m_lastGrowth > kSettled;
+    return m_import.hasNews() && (isSettled || (next && m_import.completesState(*next)));
+}
+
+bool ImportRun::isOverdue() const {
+    const std::chrono::duration<double> idle = Clock::now() - m_lastGrowth;
+    return m_options.timeout > 0 && idle.count() > m_options.timeout;
+}
+
+bool ImportRun::failImport() {
+    m_progress->finish();
+    m_hasFailed = true;
+    const bool isOfInput = !m_import.inputError().empty();
+    m_context.fail(isOfInput ? m_options.input : m_options.output,
+                   isOfInput ? m_import.inputError() : m_import.outputError());
+    return false;
+}
+
+// Gives false, for those whom it ends the reading.
+bool ImportRun::reportDamage(const std::string& damage) {
+    m_progress->finish();
+    ++m_damageCount;
+    if (m_damageCount <= kMostDamages) m_context.fail(m_options.input, damage);
+    if (m_damageCount == kMostDamages + 1) m_context.fail(m_options.input, "and more damage");
+    return false;
+}
+
+int ImportRun::finish() {
+    const bool isExplained = m_damageCount > 0 && !m_import.hasMesh();
+    if (isExplained) return ToolContext::FAILURE;
+    if (!m_import.finish(m_reader.header())) {
+        failImport();
+        return ToolContext::FAILURE;
+    }
+    std::printf("%s: %s\n%s", m_options.output.c_str(), m_import.summary().c_str(),
+                m_import.notes().c_str());
+    return m_damageCount > 0 ? ToolContext::FAILURE : ToolContext::FINE;
+}
+
+bool isSameFile(const ImportOptions& options) {
+    std::error_code ignored;
+    return std::filesystem::equivalent(options.input, options.output, ignored);
+}
+
+int runImport(const ImportOptions& options, ToolContext& context) {
+    if (isSameFile(options)) {
+        context.fail(options.output, "is the file to be imported");
+        return ToolContext::WRONG_USAGE;
+    }
+    return ImportRun(options, context).run();
+}
+
+constexpr const char* kExamples =
+    "  zrfx import beam.frd beam.zrfx\n"
+    "  zrfx import beam.frd beam.zrfx --name \"Beam, load case 2\" --level 9\n"
+    "  ccx beam & zrfx import --follow beam.frd beam.zrfx   # readable while the solver runs\n";
+
+}  // namespace
+
+void addImportCommand(CLI::App& application, ToolContext& context) {
+    auto options = std::make_shared<ImportOptions>();
+    CLI::App* command =
+        context.addCommand(application, "import", "Makes a ZRFx file of the results of CalculiX",
+                           kExamples, [options, &context] { return runImport(*options, context); });
+    command->add_option("RESULTS.frd", options->input, "Result file of CalculiX")->required();
+    command->add_option("OUT.zrfx", options->output, "File to make; an existing one is replaced")
+        ->required();
+    command->add_option("--name", options->name,
+                        "Name of the model and its view; that of the result file by default");
+    command->add_option("--level", options->level, "Compression, 0 (none) to 9 (smallest)")
+        ->check(CLI::Range(0, 9))
+        ->capture_default_str();
+    command->add_flag("--text", options->isText, "Write data as lines of text");
+    CLI::Option* follow = command->add_flag(
+        "--follow", options->isFollowing,
+        "Import each state when the running solver has written it, until it ends or Ctrl-C");
+    command
+        ->add_option("--timeout", options->timeout,
+                     "End --follow when nothing was written for so many seconds")
+        ->check(CLI::NonNegativeNumber)
+        ->needs(follow);
+}
+
+}  // namespace tools

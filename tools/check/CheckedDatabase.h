@@ -1,0 +1,108 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "ToolContext.h"
+#include "ZROZRFxDatabase.h"
+#include "ZROZRFxElementBlock.h"
+#include "ZROZRFxNodeBlock.h"
+#include "check/Findings.h"
+#include "check/IdIndex.h"
+
+namespace tools {
+
+/// How many items a block has for result values to belong to.
+struct ItemCounts {
+    std::int64_t items = 0;         ///< Nodes, elements or polygons.
+    std::int64_t elementNodes = 0;  ///< The nodes of all elements.
+    std::int64_t surfaces = 0;      ///< The surfaces of all elements.
+};
+
+/// What the checks of the blocks of one database need to know of its other blocks. It holds counts
+/// and ids of states and results; nodes and element ids of the last blocks asked for, not of all.
+class CheckedDatabase {
+public:
+    /// Reads the descriptions of results, whose ids may be referred to before they come.
+    CheckedDatabase(unstruct::ZRFxDatabase& database, Findings& findings, std::set<int> caseIds);
+
+    unstruct::ZRFxDatabase& database() const { return m_database; }
+    bool hasBlock(int type, int id) const { return m_database.GetBlockByID(type, id) != nullptr; }
+
+    /// Adds findings about a block, which lie in its document.
+    Reporter reporter(const char* check, const unstruct::ZRFxBlock& block) const {
+        return {m_findings, check, block.GetFileName().Bytes()};
+    }
+    /// Adds findings about the database as a whole.
+    Reporter reporter(const char* check) const;
+
+    /// Nodes, and where each id is; null when the block is missing or cannot be read.
+    struct Nodes {
+        nvf::ref<unstruct::ZRFxNodeBlock> block;
+        std::optional<IdIndex> ids;  ///< None when the nodes have none.
+    };
+    const Nodes* nodes(int blockId);
+
+    /// The ids of the elements of a block; null when the block cannot be read or has none.
+    const IdIndex* elementIds(int blockId);
+
+    std::multiset<int> resultIds;
+    const std::set<int> caseIds;
+
+    /// Filled while the blocks are checked, in the order of their types.
+    std::set<int> stateIds;
+    bool hasStateInfo = false;
+    std::map<std::pair<int, int>, ItemCounts> itemCounts;  ///< By block type and id.
+    std::map<int, int> mappingOfValues;                    ///< By id of the result values block.
+    std::map<int, int> dimensionsOfValues;                 ///< As the result's type asks for.
+    std::set<std::pair<int, int>> referredBlocks;          ///< Type and id.
+    std::map<std::pair<int, int>, std::set<int>> partIds;  ///< By geometry block and geometry.
+
+private:
+    template <typename Item>
+    using Cache = std::vector<std::pair<int, std::unique_ptr<Item>>>;
+    template <typename Item, typename Load>
+    static const Item* find(Cache<Item>& cache, int id, Load load);
+
+    std::unique_ptr<Nodes> loadNodes(int blockId);
+    std::unique_ptr<IdIndex> loadElementIds(int blockId);
+
+    unstruct::ZRFxDatabase& m_database;
+    Findings& m_findings;
+    Cache<Nodes> m_nodes;
+    Cache<IdIndex> m_elementIds;
+};
+
+/// Checks one block that has been read. Blocks come in such an order that what a block refers to
+/// comes before it.
+void checkBlock(const unstruct::ZRFxBlock& block, CheckedDatabase& checked);
+
+/// Checks what only the whole database shows, after its blocks.
+void checkWhole(CheckedDatabase& checked);
+
+/// The types of blocks in the order in which they are to be checked.
+std::span<const int> checkOrder();
+
+// The checks of single blocks, each in the file named after what it checks.
+void checkNodes(const unstruct::ZRFxBlock& block, CheckedDatabase& checked);
+void checkElements(const unstruct::ZRFxBlock& block, CheckedDatabase& checked);
+void checkFaceSet(const unstruct::ZRFxBlock& block, CheckedDatabase& checked);
+void checkGeometry(const unstruct::ZRFxBlock& block, CheckedDatabase& checked);
+void checkGeometryInfo(const unstruct::ZRFxBlock& block, CheckedDatabase& checked);
+void checkStateInfo(const unstruct::ZRFxBlock& block, CheckedDatabase& checked);
+void checkSet(const unstruct::ZRFxBlock& block, CheckedDatabase& checked);
+void checkResult(const unstruct::ZRFxBlock& block, CheckedDatabase& checked);
+void checkTransformationResult(const unstruct::ZRFxBlock& block, CheckedDatabase& checked);
+void checkPrecomputed(const unstruct::ZRFxBlock& block, CheckedDatabase& checked);
+void checkResultValues(const unstruct::ZRFxBlock& block, CheckedDatabase& checked);
+void checkPositionResultValues(const unstruct::ZRFxBlock& block, CheckedDatabase& checked);
+void checkReferences(const unstruct::ZRFxBlock& block, CheckedDatabase& checked);
+void checkNumbers(const unstruct::ZRFxBlock& block, CheckedDatabase& checked);
+
+}  // namespace tools

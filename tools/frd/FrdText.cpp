@@ -1,0 +1,74 @@
+#include "frd/FrdText.h"
+
+#include <charconv>
+#include <cmath>
+#include <limits>
+
+namespace tools {
+namespace {
+
+bool isDigit(char c) {
+    return c >= '0' && c <= '9';
+}
+
+// "1.5-101" and "1D+3" as "1.5e-101" and "1e+3".
+std::string withExponent(std::string_view text) {
+    std::string plain;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const bool isSign = text[i] == '+' || text[i] == '-';
+        if (isSign && i > 0 && (isDigit(text[i - 1]) || text[i - 1] == '.')) plain += 'e';
+        plain += text[i] == 'D' || text[i] == 'd' ? 'e' : text[i];
+    }
+    return plain;
+}
+
+bool readPlainDouble(std::string_view text, double* value) {
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), *value);
+    if (end != text.data() + text.size()) return false;
+    if (error != std::errc::result_out_of_range) return error == std::errc();
+    const bool isSmall = text.find("e-") != text.npos || text.find("E-") != text.npos;
+    *value = isSmall ? 0 : std::numeric_limits<double>::infinity();
+    return true;
+}
+
+std::string_view withoutPlus(std::string_view text) {
+    if (text.size() > 1 && text[0] == '+' && text[1] != '-') text.remove_prefix(1);
+    return text;
+}
+
+}  // namespace
+
+std::string_view frdField(std::string_view line, std::size_t column, std::size_t width) {
+    return column < line.size() ? line.substr(column, width) : std::string_view();
+}
+
+std::string_view frdTrimmed(std::string_view text) {
+    while (!text.empty() && text.front() == ' ') text.remove_prefix(1);
+    while (!text.empty() && text.back() == ' ') text.remove_suffix(1);
+    return text;
+}
+
+bool readFrdInteger(std::string_view field, int* value) {
+    const std::string_view text = withoutPlus(frdTrimmed(field));
+    *value = 0;
+    if (text.empty()) return true;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), *value);
+    return error == std::errc() && end == text.data() + text.size();
+}
+
+bool readFrdDouble(std::string_view field, double* value) {
+    const std::string_view text = withoutPlus(frdTrimmed(field));
+    return readPlainDouble(text, value) || readPlainDouble(withExponent(text), value);
+}
+
+bool readFrdFloat(std::string_view field, float* value) {
+    const std::string_view text = withoutPlus(frdTrimmed(field));
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), *value);
+    if (error == std::errc() && end == text.data() + text.size()) return true;
+    double wide = 0;
+    if (!readFrdDouble(text, &wide)) return false;
+    *value = static_cast<float>(wide);
+    return true;
+}
+
+}  // namespace tools
