@@ -371,8 +371,10 @@ TEST_F(ZrfxTest, PasswordIsAskedForOnATerminalAndNotShown) {
                 HasSubstr("zrfx: s.zrfx: the two passwords differ\r\n"));
     EXPECT_EQ(OnTerminal("copy a.zrfx s.zrfx --password", "sesame\nsesame\n"),
               "New password of s.zrfx: \r\nOnce more: \r\n");
-    EXPECT_EQ(OnTerminal("check s.zrfx", "sesame\n"),
-              "Password of s.zrfx: \r\ns.zrfx: 0 errors, 0 warnings\r\n");
+    const std::string shown = OnTerminal("check s.zrfx", "sesame\n");
+    EXPECT_THAT(shown, StartsWith("Password of s.zrfx: \r\n"));
+    EXPECT_THAT(shown, testing::EndsWith("s.zrfx: 0 errors, 0 warnings\r\n"));
+    EXPECT_THAT(shown, testing::Not(HasSubstr("sesame")));
 }
 
 TEST_F(ZrfxTest, FailureIsOneLineThatNamesFileAndCause) {
