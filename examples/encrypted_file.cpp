@@ -13,10 +13,15 @@ bool writeFile(const Str& password) {
     if (!file.create("encrypted_file.zrfx", settings)) return false;
     PtrRef<Database> database =
         new Database(&file, "Secret", 0, Database::STRUCTURAL, Database::LINEAR_STATIC, "");
+    PtrRef<NodeBlock> nodes = new NodeBlock(1, false);
+    PtrRef<ElementBlock> beam = new ElementBlock(1, false, false);
     PtrRef<GeometryBlock> geometry = new GeometryBlock(1);
     PtrRef<StateInfoBlock> states = new StateInfoBlock;
-    return geometry->addElementBlock(0, 1, 1) &&
+    beam->setNodeBlockId(1);
+    return nodes->addNode(0, 0, 0) && nodes->addNode(1, 0, 0) &&
+           beam->addElement(ElementBlock::BEAMS, {0, 1}) && geometry->addElementBlock(0, 1, 1) &&
            states->addStateInfo(1, "", 0, StateInfoBlock::OTHER) &&
+           database->writeBlock(nodes.p()) && database->writeBlock(beam.p()) &&
            database->writeBlock(geometry.p()) && database->writeBlock(states.p()) && file.close();
 }
 

@@ -13,12 +13,15 @@ bool writeFile() {
         new Database(&file, "Model", 0, Database::STRUCTURAL, Database::LINEAR_STATIC, "");
     PtrRef<Case> view = new Case(&file, "View", 0, database->id());
     PtrRef<NodeBlock> nodes = new NodeBlock(1, false);
+    PtrRef<ElementBlock> points = new ElementBlock(1, false, false);
     PtrRef<GeometryBlock> geometry = new GeometryBlock(1);
     PtrRef<StateInfoBlock> states = new StateInfoBlock;
-    return nodes->addNode(1, 2, 3) && geometry->addElementBlock(0, 1, 1) &&
+    points->setNodeBlockId(1);
+    return nodes->addNode(1, 2, 3) && points->addElement(ElementBlock::POINTS, {0}) &&
+           geometry->addElementBlock(0, 1, 1) &&
            states->addStateInfo(1, "", 0, StateInfoBlock::OTHER) &&
-           database->writeBlock(nodes.p()) && database->writeBlock(geometry.p()) &&
-           database->writeBlock(states.p()) && file.close();
+           database->writeBlock(nodes.p()) && database->writeBlock(points.p()) &&
+           database->writeBlock(geometry.p()) && database->writeBlock(states.p()) && file.close();
 }
 
 // Blocks are read when they are asked for; their arrays are used in place.

@@ -24,10 +24,6 @@ using namespace unstruct;
 // Images decode to far more than they take; of a file with very many, a part is enough.
 constexpr int kMostImages = 16;
 
-void require(bool holds) {
-    if (!holds) std::abort();
-}
-
 // What a viewer asks a block for once it has it.
 void useBlock(ZRFxBlock& block) {
     if (auto* nodes = dynamic_cast<ZRFxNodeBlock*>(&block)) {
@@ -103,29 +99,40 @@ void append(ZRFxZipMemFile& file) {
     require(std::string(raw.Buffer(), raw.Buffer() + raw.Length()) == kText);
 }
 
-// In memory where the machine has such a folder; one a process.
-std::string scratchPath() {
-    const std::filesystem::path memory = "/dev/shm";
-    const auto folder =
-        std::filesystem::exists(memory) ? memory : std::filesystem::temp_directory_path();
-    return (folder / ("fuzz" + std::to_string(getpid()) + ".zrfx")).string();
-}
+}  // namespace
 
-// The public interface may be a library with loggers of its own.
-struct Nowhere : nuo::LogDestination {
-    void log(const nuo::LogMessage&) override {}
-};
+void require(bool holds) {
+    if (!holds) std::abort();
+}
 
 void initialize() {
     static nuo::Instance instance;
     static const bool isInitialized = nuo::zrfx::ZRFxComponent::initialize(&instance);
-    static const nuo::PtrRef<Nowhere> nowhere = new Nowhere;
     require(isInitialized);
-    nuo::CoreComponent::logManager()->setDestination(nowhere.p());
     beQuiet();
 }
 
-}  // namespace
+std::string scratchPath(const std::string& extension) {
+    const std::filesystem::path memory = "/dev/shm";
+    const auto folder =
+        std::filesystem::exists(memory) ? memory : std::filesystem::temp_directory_path();
+    return (folder / ("fuzz" + std::to_string(getpid()) + "." + extension)).string();
+}
+
+bool isWhole(const std::string& path) {
+    nuo::zrfx::File file;
+    if (!file.open(nuo::Str(path))) return false;
+    for (std::size_t i = 0; i < file.databaseCount(); ++i) {
+        nuo::zrfx::Database& database = *file.database(i);
+        for (int type = 0; type < nuo::zrfx::Block::SET; ++type) {
+            const auto blockType = static_cast<nuo::zrfx::Block::BlockType>(type);
+            for (std::size_t k = 0; k < database.blockCount(blockType); ++k) {
+                if (database.blockByIndex(blockType, k).isNull()) return false;
+            }
+        }
+    }
+    return file.close();
+}
 
 void readContainer(const void* bytes, std::size_t size) {
     initialize();
@@ -143,7 +150,7 @@ void readContainer(const void* bytes, std::size_t size) {
 
 void readFile(const void* bytes, std::size_t size) {
     initialize();
-    static const std::string path = scratchPath();
+    static const std::string path = scratchPath("zrfx");
     std::ofstream(path, std::ios::binary)
         .write(static_cast<const char*>(bytes), static_cast<std::streamsize>(size));
     nuo::zrfx::File file;
@@ -157,7 +164,7 @@ void readFile(const void* bytes, std::size_t size) {
 
 test::Entries sampleEntries() {
     initialize();
-    const std::string path = scratchPath();
+    const std::string path = scratchPath("zrfx");
     nuo::zrfx::File model;
     nuo::zrfx::FileSettings settings;
     settings.binary = false;

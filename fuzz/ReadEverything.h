@@ -9,9 +9,21 @@
 
 namespace fuzz {
 
+/// Aborts when a promise of the library does not hold.
+void require(bool holds);
+
+/// The component, with messages that go nowhere.
+void initialize();
+
+/// A path of this process, in memory where the machine has such a folder.
+std::string scratchPath(const std::string& extension);
+
+/// Whether the file opens through the public interface, with every block of every database.
+bool isWhole(const std::string& path);
+
 /// Opens a container in memory as a viewer and then as a writer does: reads all databases with all
 /// blocks, cases with their files, and images; appends an entry, which must be there afterwards.
-/// `bytes` may be anything. Aborts when a promise of the library does not hold.
+/// `bytes` may be anything.
 void readContainer(const void* bytes, std::size_t size);
 
 /// Opens the same bytes as a file through the public interface and asks for all that it tells.
