@@ -52,7 +52,7 @@ protected:
 };
 
 TEST_F(ZRFxAccessTest, OpeningTellsWhatIsWrong) {
-    const std::string path = m_folder.Path("none.zrfx");
+    const std::string path = m_folder.File("none.zrfx");
     ZRFxAccess access;
     for (const ZRZipAccessMode mode : {ZRZipAccessMode::UPDATE, ZRZipAccessMode::READ_ONLY}) {
         EXPECT_FALSE(access.Open(path, mode));
@@ -65,7 +65,7 @@ TEST_F(ZRFxAccessTest, OpeningTellsWhatIsWrong) {
     std::ofstream(path) << "not an archive at all, though it is long enough to hold a directory";
     EXPECT_FALSE(access.Open(path, ZRZipAccessMode::READ_ONLY));
     EXPECT_EQ(TakeTexts().back(), "File still closed after opening it.");
-    EXPECT_FALSE(access.Open(m_folder.Path(""), ZRZipAccessMode::UPDATE));
+    EXPECT_FALSE(access.Open(m_folder.File(""), ZRZipAccessMode::UPDATE));
     EXPECT_EQ(TakeTexts().back(), "File still closed after opening it.");
     EXPECT_FALSE(access.IsOpen());
 
@@ -237,31 +237,31 @@ TEST_F(ZRFxAccessTest, ArchiveTellsWhetherItIsCompressedBinaryAndEncrypted) {
 }
 
 TEST_F(ZRFxAccessTest, ZRFxFileIsToldByExtensionAndMainDocument) {
-    WriteFile(m_folder.Path("good.zrfx"), {"ZRF.xml", "a"});
-    WriteFile(m_folder.Path("other.zip"), {"ZRF.xml"});
-    WriteFile(m_folder.Path("OTHER.ZRFX"), {"ZRF.xml"});
-    WriteFile(m_folder.Path("none.zrfx"), {"zrf.xml", "A\\ZRF.xml"});
-    WriteFile(m_folder.Path("empty.zrfx"), {});
-    WriteFile(m_folder.Path("Tr\u00E4ger \u4E2D.zrfx"), {"ZRF.xml"}, "secret");
-    std::ofstream(m_folder.Path("text.zrfx")) << "ZRF.xml";
-    std::filesystem::create_directory(m_folder.Path("folder.zrfx"));
-    const auto before = std::filesystem::last_write_time(m_folder.Path("good.zrfx"));
+    WriteFile(m_folder.File("good.zrfx"), {"ZRF.xml", "a"});
+    WriteFile(m_folder.File("other.zip"), {"ZRF.xml"});
+    WriteFile(m_folder.File("OTHER.ZRFX"), {"ZRF.xml"});
+    WriteFile(m_folder.File("none.zrfx"), {"zrf.xml", "A\\ZRF.xml"});
+    WriteFile(m_folder.File("empty.zrfx"), {});
+    WriteFile(m_folder.File("Tr\u00E4ger \u4E2D.zrfx"), {"ZRF.xml"}, "secret");
+    std::ofstream(m_folder.File("text.zrfx")) << "ZRF.xml";
+    std::filesystem::create_directory(m_folder.File("folder.zrfx"));
+    const auto before = std::filesystem::last_write_time(m_folder.File("good.zrfx"));
     for (const char* name : {"good.zrfx", "Tr\u00E4ger \u4E2D.zrfx"}) {
-        EXPECT_TRUE(ZRFxAccess::IsZRFxFile(m_folder.Path(name))) << name;
+        EXPECT_TRUE(ZRFxAccess::IsZRFxFile(m_folder.File(name))) << name;
     }
     for (const char* name : {"other.zip", "OTHER.ZRFX", "none.zrfx", "empty.zrfx", "text.zrfx",
                              "folder.zrfx", "missing.zrfx", ""}) {
-        EXPECT_FALSE(ZRFxAccess::IsZRFxFile(m_folder.Path(name))) << name;
+        EXPECT_FALSE(ZRFxAccess::IsZRFxFile(m_folder.File(name))) << name;
     }
-    EXPECT_EQ(std::filesystem::last_write_time(m_folder.Path("good.zrfx")), before);
-    EXPECT_FALSE(std::filesystem::exists(m_folder.Path("missing.zrfx")));
+    EXPECT_EQ(std::filesystem::last_write_time(m_folder.File("good.zrfx")), before);
+    EXPECT_FALSE(std::filesystem::exists(m_folder.File("missing.zrfx")));
 }
 
 TEST_F(ZRFxAccessTest, ContainersAreExchangedWithOtherPrograms) {
-    const std::string path = m_folder.Path("a.zrfx");
+    const std::string path = m_folder.File("a.zrfx");
     WriteFile(path, {"ZRF.xml", "Database001\\x.dat", "\u4E2D\u6587\\y"});
     EXPECT_EQ(std::system(("unzip -tqq '" + path + "' >/dev/null 2>&1").c_str()), 0);
-    const std::string packed = m_folder.Path("packed.zrfx");
+    const std::string packed = m_folder.File("packed.zrfx");
     EXPECT_EQ(std::system(("python3 -c \"import zipfile, sys\n"
                            "z = zipfile.ZipFile(sys.argv[1], 'w', zipfile.ZIP_BZIP2)\n"
                            "z.writestr('Database001/x.dat', b'text' * 100)\" '" +

@@ -137,9 +137,9 @@ TEST_F(ZRFxDataFolderTest, EveryFloatThatIsWrittenAsTextIsReadBack) {
 
 TEST_F(ZRFxDataFolderTest, TextIsTheSameUnderACommaLocale) {
     const test::TemporaryFolder folder;
-    const std::string path = folder.Path("de_DE.UTF-8");
+    const std::string path = folder.File("de_DE.UTF-8");
     const std::string before = std::setlocale(LC_ALL, nullptr);
-    setenv("LOCPATH", folder.Path("").c_str(), 1);
+    setenv("LOCPATH", folder.File("").c_str(), 1);
     const bool isSet =
         std::system(("localedef -i de_DE -f UTF-8 '" + path + "' 2>/dev/null").c_str()) == 0 &&
         std::setlocale(LC_ALL, "de_DE.UTF-8");

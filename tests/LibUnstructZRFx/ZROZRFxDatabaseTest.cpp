@@ -439,13 +439,13 @@ protected:
     }
 
     const test::TemporaryFolder m_folder;
-    const std::string m_path = m_folder.Path("model.zrfx");
+    const std::string m_path = m_folder.File("model.zrfx");
 };
 
 TEST_F(FailingSystem, LeavesTheFileAsBeforeOrAsAfter) {
     using Failing = ziptest::FaultySystem::Failing;
     for (const bool isNew : {true, false}) {
-        const std::string before = m_folder.Path("before.zrfx");
+        const std::string before = m_folder.File("before.zrfx");
         if (!isNew) std::filesystem::copy_file(m_path, before);
         const auto restore = [&] {
             std::filesystem::remove(m_path);

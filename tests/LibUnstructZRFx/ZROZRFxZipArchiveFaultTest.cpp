@@ -111,7 +111,7 @@ protected:
         return true;
     }
 
-    TempFolder m_folder;
+    TemporaryFolder m_folder;
     const std::string m_sPath = m_folder.File("model.zrfx");
 };
 
@@ -158,7 +158,7 @@ INSTANTIATE_TEST_SUITE_P(Faults, FailingCalls,
                                          Manner{FaultySystem::Failing::kFromThenOn, 10}));
 
 TEST(FullDisk, EntryThatPassesTheThresholdIsRefusedAndTheOthersStay) {
-    TempFolder folder;
+    TemporaryFolder folder;
     FaultySystem system;
     ZRFxZipArchive archive;
     ASSERT_TRUE(archive.Open(folder.File("m.zrfx"), ZRFxOpenMode::kCreate));
@@ -268,7 +268,7 @@ protected:
         }
     }
 
-    TempFolder m_folder;
+    TemporaryFolder m_folder;
     const std::string m_sPath = m_folder.File("model.zrfx");
     std::mt19937 m_random{std::random_device{}()};
 };

@@ -12,7 +12,7 @@ using namespace ziptest;
 
 class ZRFxZipArchiveTest : public testing::Test {
 protected:
-    TempFolder m_folder;
+    TemporaryFolder m_folder;
     const std::string m_sPath = m_folder.File("model.zrfx");
     ZRFxZipArchive m_archive;
 };

@@ -64,28 +64,16 @@ TEST_F(FileTest, WhatCannotBeOpenedOrCreatedIsReported) {
     std::ofstream(text) << "no archive";
     const nuo::Str nowhere = nuo::Str(m_folder.File("no/such/folder/file.zrfx"));
     File file;
-    ExpectRefused({
-        {"create without a name",
-         [&] { return file.create("", FileSettings()); },
-         {"File name string is NULL."}},
-        {"open without a name", [&] { return file.open(""); }, {"File name string is empty."}},
-        {"append without a name",
-         [&] { return file.openForAppend(""); },
-         {"File name string is empty."}},
-        {"create in no folder",
-         [&] { return file.create(nowhere, FileSettings()); },
-         {"Error creating file."}},
-        {"open nothing", [&] { return file.open(nowhere); }, {"Error opening file."}},
-        {"append to nothing",
-         [&] { return file.openForAppend(nowhere); },
-         {"Error creating file."}},
-        {"open a text", [&] { return file.open(nuo::Str(text)); }, {"Error opening file."}},
-        {"append to a text",
-         [&] { return file.openForAppend(nuo::Str(text)); },
-         {"Error creating file."}},
-        {"close nothing", [&] { return file.close(); }, {}},
-        {"flush nothing", [&] { return file.flush(); }, {}},
-    });
+    ExpectRefused(file.create("", FileSettings()), {"File name string is NULL."});
+    ExpectRefused(file.open(""), {"File name string is empty."});
+    ExpectRefused(file.openForAppend(""), {"File name string is empty."});
+    ExpectRefused(file.create(nowhere, FileSettings()), {"Error creating file."});
+    for (const nuo::Str& name : {nowhere, nuo::Str(text)}) {
+        ExpectRefused(file.open(name), {"Error opening file."});
+        ExpectRefused(file.openForAppend(name), {"Error creating file."});
+    }
+    ExpectRefused(file.close(), {});
+    ExpectRefused(file.flush(), {});
     EXPECT_FALSE(File::isZRFxFile(nuo::Str(text)));
     ASSERT_TRUE(file.create(m_name, FileSettings()));  // usable after all that
     EXPECT_TRUE(file.close());
@@ -100,9 +88,7 @@ TEST_F(FileTest, ClosedFileAnswersWithoutHarm) {
     EXPECT_EQ(0, file.unusedFileCaseId());
     EXPECT_EQ(nullptr, file.database(0));
     EXPECT_EQ(nullptr, file.fileCase(0));
-    ExpectRefused({{"text",
-                    [&] { return file.addUserTextFile("a", "b"); },
-                    {Assertion("m_private->m_zrfxAccess")}}});
+    ExpectRefused(file.addUserTextFile("a", "b"), {Assertion("m_private->m_zrfxAccess")});
     EXPECT_EQ(0u, file.userTextFileCount());
     EXPECT_THAT(TakeTexts(), ElementsAre(Assertion("m_zrfxAccess")));
 }
@@ -136,26 +122,14 @@ TEST_F(FileTest, LevelsOutsideTheRangeAreClamped) {
 TEST_F(FileTest, UserTextsAreStoredReplacedAndRefused) {
     File file;
     ASSERT_TRUE(file.create(m_name, FileSettings()));
-    ExpectRefused({
-        {"no name",
-         [&] { return file.addUserTextFile("", "x"); },
-         {"Given file name string was empty."}},
-        {"no content",
-         [&] { return file.addUserTextFile("x", ""); },
-         {"Given file content string was empty."}},
-        {"name with a slash",
-         [&] { return file.addUserTextFile("a/b", "x"); },
-         {"Error writing the user file to the ZRFx file."}},
-        {"name with a backslash",
-         [&] { return file.addUserTextFile("a\\b", "x"); },
-         {"Error writing the user file to the ZRFx file."}},
-        {"no file",
-         [&] { return !file.userTextFileName(0).isEmpty(); },
-         {"No user text file was found at index 0"}},
-        {"no content",
-         [&] { return !file.userTextFileContent(9).isEmpty(); },
-         {"No user text file was found at index 9"}},
-    });
+    const std::string notWritten = "Error writing the user file to the ZRFx file.";
+    ExpectRefused(file.addUserTextFile("", "x"), {"Given file name string was empty."});
+    ExpectRefused(file.addUserTextFile("x", ""), {"Given file content string was empty."});
+    ExpectRefused(file.addUserTextFile("a/b", "x"), {notWritten});
+    ExpectRefused(file.addUserTextFile("a\\b", "x"), {notWritten});
+    ExpectRefused(!file.userTextFileName(0).isEmpty(), {"No user text file was found at index 0"});
+    ExpectRefused(!file.userTextFileContent(9).isEmpty(),
+                  {"No user text file was found at index 9"});
     EXPECT_TRUE(file.addUserTextFile("log.v1", "old"));
     EXPECT_TRUE(file.addUserTextFile("log.v1", "new"));
     EXPECT_EQ(1u, file.userTextFileCount());
@@ -163,9 +137,7 @@ TEST_F(FileTest, UserTextsAreStoredReplacedAndRefused) {
     EXPECT_EQ(nuo::Str("new"), file.userTextFileContent(0));
     EXPECT_TRUE(file.close());
     ASSERT_TRUE(file.open(m_name));
-    ExpectRefused({{"read only",
-                    [&] { return file.addUserTextFile("x", "y"); },
-                    {"Error writing the user file to the ZRFx file."}}});
+    ExpectRefused(file.addUserTextFile("x", "y"), {notWritten});
 }
 
 TEST_F(FileTest, CreatingClosesWhatIsOpen) {
@@ -183,29 +155,18 @@ TEST_F(FileTest, FileOpenedForReadingTakesNothing) {
     WriteFile();
     File file;
     ASSERT_TRUE(file.open(m_name));
-    ExpectRefused({
-        {"flush", [&] { return file.flush(); }, {"Error writing file."}},
-        {"database",
-         [&] { return WriteDatabase(file, "New", 1)->id() >= 0; },
-         {"Given file was in invalid state. (Database id 1). File must be created or opened for "
-          "append before adding a case."}},
-        {"case",
-         [&] {
-             const PtrRef<Case> view = new Case(&file, "New", 1, 0);
-             return view->id() >= 0;
-         },
-         {"Given file was in invalid state. (case id 1). File must be created or opened for "
-          "append before adding a case."}},
-        {"block",
-         [&] { return file.database(0)->writeBlock(NodesOf(2, 1).p()); },
-         {"Error writing block to database. (block id 2, database id 0)."}},
-        {"image",
-         [&] {
-             nuo::Image image = MakeImage(1, 1);
-             return file.fileCase(0)->addImage("new", &image);
-         },
-         {"Error writing the image to the ZRFx file."}},
-    });
+    const std::string mustBeOpen =
+        " File must be created or opened for append before adding a case.";
+    nuo::Image image = MakeImage(1, 1);
+    ExpectRefused(file.flush(), {"Error writing file."});
+    ExpectRefused(WriteDatabase(file, "New", 1)->id() >= 0,
+                  {"Given file was in invalid state. (Database id 1)." + mustBeOpen});
+    ExpectRefused(PtrRef<Case>(new Case(&file, "New", 1, 0))->id() >= 0,
+                  {"Given file was in invalid state. (case id 1)." + mustBeOpen});
+    ExpectRefused(file.database(0)->writeBlock(NodesOf(2, 1).p()),
+                  {"Error writing block to database. (block id 2, database id 0)."});
+    ExpectRefused(file.fileCase(0)->addImage("new", &image),
+                  {"Error writing the image to the ZRFx file."});
     EXPECT_EQ(1u, file.databaseCount());
     EXPECT_EQ(1u, file.fileCaseCount());
     EXPECT_TRUE(file.close());
@@ -223,14 +184,9 @@ TEST_P(EncryptedFileTest, OnlyTheRightPasswordOpens) {
     settings.password = "r\u00EFght";
     WriteFile(settings);
     File file;
-    ExpectRefused({
-        {"open",
-         [&] { return file.open(m_name, GetParam().password); },
-         {Filled(GetParam().message), "Error opening file."}},
-        {"append",
-         [&] { return file.openForAppend(m_name, GetParam().password); },
-         {Filled(GetParam().message), "Error creating file."}},
-    });
+    const auto& [password, message] = GetParam();
+    ExpectRefused(file.open(m_name, password), {Filled(message), "Error opening file."});
+    ExpectRefused(file.openForAppend(m_name, password), {Filled(message), "Error creating file."});
     EXPECT_EQ(0u, file.databaseCount());
     ASSERT_TRUE(file.openForAppend(m_name, settings.password));
     ASSERT_TRUE(file.database(0)->writeBlock(NodesOf(2, 5).p()));
@@ -435,8 +391,8 @@ TEST_F(FileTest, FlushAndCloseThatFailCanBeTriedAgain) {
     ASSERT_TRUE(database->writeBlock(NodesOf(1, 100000).p()));
     {
         const FullDisk disk(50000);
-        ExpectRefused({{"flush", [&] { return file.flush(); }, {"Error writing file."}},
-                       {"close", [&] { return file.close(); }, {"Error writing file."}}});
+        ExpectRefused(file.flush(), {"Error writing file."});
+        ExpectRefused(file.close(), {"Error writing file."});
     }
     File reader;
     ASSERT_TRUE(reader.open(m_name));  // as of the last flush that went well
@@ -461,9 +417,8 @@ TEST_F(FileTest, BlockThatWasWrittenInPartCanBeWrittenAgain) {
     ASSERT_TRUE(nodes->setNodeData(coordinates.data(), ids.size(), ids.data()));
     {
         const FullDisk disk(50000);
-        ExpectRefused({{"write",
-                        [&] { return database->writeBlock(nodes.p()); },
-                        {"Error writing block to database. (block id 1, database id 0)."}}});
+        ExpectRefused(database->writeBlock(nodes.p()),
+                      {"Error writing block to database. (block id 1, database id 0)."});
     }
     EXPECT_EQ(0u, database->blockCount(Block::NODES));
     EXPECT_TRUE(database->writeBlock(nodes.p()));
@@ -479,15 +434,13 @@ TEST_F(FileTest, UnfinishedDatabaseKeepsTheFileOpenUntilItIsFinished) {
         new Database(&file, "Bare", 3, Database::STRUCTURAL, Database::MODAL, "");
     PtrRef<StateInfoBlock> states = new StateInfoBlock;
     states->addStateInfo(0, "", 0, StateInfoBlock::TIME);
-    ExpectRefused({{"nothing",
-                    [&] { return file.close(); },
-                    {"No state info block had been written to database (database id 3).",
-                     "Could not write database (id 3) to file."}}});
+    const std::string notWritten = "Could not write database (id 3) to file.";
+    ExpectRefused(
+        file.close(),
+        {"No state info block had been written to database (database id 3).", notWritten});
     EXPECT_TRUE(database->writeBlock(states.p()));
-    ExpectRefused({{"states only",
-                    [&] { return file.close(); },
-                    {"No geometry block had been written to database (database id 3).",
-                     "Could not write database (id 3) to file."}}});
+    ExpectRefused(file.close(),
+                  {"No geometry block had been written to database (database id 3).", notWritten});
     EXPECT_TRUE(WriteFrame(*database));
     EXPECT_TRUE(file.close());
 }

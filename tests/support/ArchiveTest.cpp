@@ -73,12 +73,12 @@ std::string TakeCounted(std::string_view& text) {
 
 Entries UnpackWithPython(const ZRFxZipMemFile& file) {
     const TemporaryFolder folder;
-    std::ofstream(folder.Path("a.zip"), std::ios::binary)
+    std::ofstream(folder.File("a.zip"), std::ios::binary)
         .write(reinterpret_cast<const char*>(file.Data()),
                static_cast<std::streamsize>(file.Length()));
-    std::ofstream(folder.Path("print.py")) << kPrintEntries;
+    std::ofstream(folder.File("print.py")) << kPrintEntries;
     const std::string output =
-        OutputOf("python3 '" + folder.Path("print.py") + "' '" + folder.Path("a.zip") + "'");
+        OutputOf("python3 '" + folder.File("print.py") + "' '" + folder.File("a.zip") + "'");
     Entries entries;
     for (std::string_view rest = output; !rest.empty();) {
         const std::string name = TakeCounted(rest);
