@@ -167,7 +167,9 @@ void DatabaseTest::ExpectRefused(const Damage& damage) {
         std::string texts;
         for (const std::string& text : TakeTexts()) texts += (texts.empty() ? "" : "\n") + text;
         texts = Replaced(texts, base.Bytes(), "@");
-        EXPECT_EQ(Replaced(texts, sample->GetFilebase().Bytes(), "#"), damage.messages);
+        texts = Replaced(texts, sample->GetFilebase().Bytes(), "#");
+        texts = Replaced(texts, ZRFxBlockTypeName(damage.type).Bytes() + " block ID 1: ", "^");
+        EXPECT_EQ(texts, damage.messages);
     }
 }
 
