@@ -260,18 +260,17 @@ TEST_F(ZRFxDatabaseTest, FolderScanReportsDocumentsThatAreNoBlocks) {
 
 TEST_F(ZRFxDatabaseTest, CreateRefusesAnIDInUseAndABrokenFile) {
     ZRFxDatabase other(&m_access);
-    EXPECT_FALSE(test::CreateDatabase(other, 1));
-    ExpectTexts({"Database with ID=1 already exists"});
+    ExpectRefused(test::CreateDatabase(other, 1), {"Database with ID=1 already exists"});
     EXPECT_TRUE(test::CreateDatabase(other, 1000));
     EXPECT_EQ(other.GetFolder(), "Database1000");
     Put("Database007\\Database.xml", "taken");
-    EXPECT_FALSE(test::CreateDatabase(other, 7));
-    ExpectTexts(
+    ExpectRefused(
+        test::CreateDatabase(other, 7),
         {"Xml file 'Database007\\Database.xml' exists in archive, and overwrite flag is not set",
          "Error writing Xml file.", "Error adding database."});
     Put("ZRF.xml", "<ZRF/>");
-    EXPECT_FALSE(test::CreateDatabase(other, 2));
-    ExpectTexts({"Databases root not found in main document", "File structure error."});
+    ExpectRefused(test::CreateDatabase(other, 2),
+                  {"Databases root not found in main document", "File structure error."});
 }
 
 TEST_F(ZRFxDatabaseTest, AddedBlockReplacesTheOneOfItsTypeAndID) {
@@ -288,8 +287,7 @@ TEST_F(ZRFxDatabaseTest, AddedBlockReplacesTheOneOfItsTypeAndID) {
     EXPECT_EQ(m_database.GetBlockByID(BLOCK_NODES, 5), second.p());
     EXPECT_EQ(BlocksOf(m_database), (std::vector<std::string>{"Nodes 2", "Nodes 5", "Results 5"}));
     EXPECT_FALSE(m_database.AddBlock(nullptr, &isReplaced));
-    EXPECT_FALSE(m_database.AddBlock(first.p(), nullptr));
-    ExpectAssertion("replaced");
+    ExpectAssertion(m_database.AddBlock(first.p(), nullptr), "replaced");
 }
 
 TEST_F(ZRFxDatabaseTest, WhatCouldNotBeOpenedAgainIsNotWritten) {
@@ -297,9 +295,9 @@ TEST_F(ZRFxDatabaseTest, WhatCouldNotBeOpenedAgainIsNotWritten) {
     nvf::XmlDocument doc;
     doc.createRootElement("Nodes", "");
     for (const auto& [type, id] : kBlocks) {
-        EXPECT_FALSE(m_database.WriteBlock(type, id, "Database001\\x.xml", doc, true));
-        ExpectTexts({"Error writing block xml file (type '" + std::string(type) + "' ID " +
-                     std::to_string(id) + ")"});
+        ExpectRefused(m_database.WriteBlock(type, id, "Database001\\x.xml", doc, true),
+                      {"Error writing block xml file (type '" + std::string(type) + "' ID " +
+                       std::to_string(id) + ")"});
     }
     ExpectBlocks({});
 }
@@ -307,31 +305,28 @@ TEST_F(ZRFxDatabaseTest, WhatCouldNotBeOpenedAgainIsNotWritten) {
 TEST_F(ZRFxDatabaseTest, ReadOnlyAndClosedArchivesAreReported) {
     Write(SampleBlock(BLOCK_NODES, 1));
     Reopen(ZRZipAccessMode::READ_ONLY);
-    EXPECT_FALSE(m_database.WriteTOC());
-    ExpectTexts({"The file is read only.", "Cannot write Database TOC to archive."});
+    ExpectRefused(m_database.WriteTOC(),
+                  {"The file is read only.", "Cannot write Database TOC to archive."});
     EXPECT_FALSE(SampleBlock(BLOCK_NODES, 2)->WriteBlock(&m_database));
     EXPECT_THAT(TakeTexts(), testing::Contains("The file is read only."));
-    EXPECT_FALSE(SampleBlock(BLOCK_NODES, 1)->WriteBlock(&m_database));
-    ExpectTexts({"The file is read only."});
-    EXPECT_FALSE(SampleBlock(BLOCK_STATE_INFO, 1)->WriteBlock(&m_database));
-    ExpectTexts({"The file is read only.", "Error writing block xml file (type 'StateInfo' ID 1)",
-                 "File write error"});
+    ExpectRefused(SampleBlock(BLOCK_NODES, 1)->WriteBlock(&m_database), {"The file is read only."});
+    ExpectRefused(SampleBlock(BLOCK_STATE_INFO, 1)->WriteBlock(&m_database),
+                  {"The file is read only.", "Error writing block xml file (type 'StateInfo' ID 1)",
+                   "File write error"});
     EXPECT_EQ(BlocksOf(m_database), std::vector<std::string>{"Nodes 1"});
     EXPECT_TRUE(m_database.GetBlock(0)->ReadBlock());
     ASSERT_TRUE(m_access.Close());
-    EXPECT_FALSE(m_database.WriteTOC());
-    ExpectTexts({"Cannot write Xml file 'Database001\\Database-TOC.xml', archive is not open.",
-                 "Cannot write Database TOC to archive."});
+    ExpectRefused(m_database.WriteTOC(),
+                  {"Cannot write Xml file 'Database001\\Database-TOC.xml', archive is not open.",
+                   "Cannot write Database TOC to archive."});
 }
 
 TEST_F(ZRFxDatabaseTest, WithoutArchiveOrWithBadArgumentsItFailsAnAssertion) {
     ZRFxDatabase nowhere(nullptr);
-    EXPECT_FALSE(test::CreateDatabase(nowhere, 1));
-    ExpectAssertion("m_pAccess");
+    ExpectAssertion(test::CreateDatabase(nowhere, 1), "m_pAccess");
     EXPECT_FALSE(nowhere.Parse(1));
     EXPECT_EQ(TakeTexts().back(), "Database Xml file not found.");
-    EXPECT_FALSE(nowhere.WriteTOC());
-    ExpectAssertion("m_pTOC.notNull()");
+    ExpectAssertion(nowhere.WriteTOC(), "m_pTOC.notNull()");
     EXPECT_FALSE(SampleBlock(BLOCK_NODES, 1)->WriteBlock(&nowhere));
     EXPECT_FALSE(SampleBlock(BLOCK_STATE_INFO, 1)->WriteBlock(&nowhere));
     TakeTexts();

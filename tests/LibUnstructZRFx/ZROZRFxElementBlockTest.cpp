@@ -50,8 +50,8 @@ TEST_F(ZRFxElementBlockTest, GroupsHaveAllIDsOrNone) {
         auto first = Triangles({0, 1, 2}, firstHasIDs ? ids : std::vector<std::int32_t>{});
         auto second = Triangles({0, 1, 2}, firstHasIDs ? std::vector<std::int32_t>{} : ids);
         EXPECT_TRUE(block->AddElementGroup(first));
-        EXPECT_FALSE(block->AddElementGroup(second));
-        ExpectTexts({"Either all element groups must have IDs or none. (Element block ID 9)"});
+        ExpectRefused(block->AddElementGroup(second),
+                      {"Either all element groups must have IDs or none. (Element block ID 9)"});
         EXPECT_TRUE(second);
         EXPECT_EQ(block->GetNumElementGroups(), 1);
         EXPECT_EQ(block->GetWithIDs(), firstHasIDs);
@@ -112,22 +112,18 @@ TEST_F(ZRFxElementBlockTest, IDsAndIndicesRunOverAllGroups) {
     ASSERT_TRUE(m_block->RenumberElementIndices());
     EXPECT_EQ(m_block->GetElementGroup(1)->m_aiElementIndices, Ints({2}));
     m_block->GetElementGroup(1)->m_aiIDs.Add(8);
-    EXPECT_FALSE(m_block->GetAllElementIDs(&ids));
-    ExpectAssertion("paiElementIDs->GetNumItems() == iNumElements");
+    ExpectAssertion(m_block->GetAllElementIDs(&ids),
+                    "paiElementIDs->GetNumItems() == iNumElements");
 }
 
 TEST_F(ZRFxElementBlockTest, BadArgumentsAreAssertionsAndDoNothing) {
     std::unique_ptr<ZRFxElementBlockGroup> none;
-    EXPECT_FALSE(m_block->AddElementGroup(none));
-    ExpectAssertion("pGroup");
-    EXPECT_FALSE(m_block->GetAllElementIDs(nullptr));
-    ExpectAssertion("paiElementIDs");
+    ExpectAssertion(m_block->AddElementGroup(none), "pGroup");
+    ExpectAssertion(m_block->GetAllElementIDs(nullptr), "paiElementIDs");
     for (const int index : {-1, 0}) {
-        EXPECT_FALSE(m_block->GetElementGroup(index));
-        ExpectAssertion("(iEltGroupIdx >= 0) && (iEltGroupIdx < m_apElementGroups.GetSize())");
+        ExpectAssertion(m_block->GetElementGroup(index) != nullptr,
+                        "(iEltGroupIdx >= 0) && (iEltGroupIdx < m_apElementGroups.GetSize())");
     }
-    EXPECT_FALSE(m_block->GetUserProperties(0));
-    ExpectAssertion("iPropertiesIdx < m_apUserProperties.GetSize()");
     EXPECT_FALSE(m_block->GetUserProperties(-1));
     m_block->RemoveElementGroups(0, 3);
     ExpectAssertion("iTo >= 0 && iTo < m_apElementGroups.GetSize()");
@@ -138,7 +134,7 @@ TEST_F(ZRFxElementBlockTest, BadArgumentsAreAssertionsAndDoNothing) {
 class DamagedElements : public test::DatabaseTest, public testing::WithParamInterface<Damage> {};
 
 TEST_P(DamagedElements, AreRefusedAndStayUnread) {
-    ExpectRefused(GetParam());
+    ExpectUnreadable(GetParam());
 }
 
 Damage Of(const char* name, const char* file, const char* from, const char* to,
@@ -163,8 +159,7 @@ const std::vector<Damage> kDamages = {
     Of("NodeZero", "-0001.txt", nullptr, "1\n2\n0\n3\n",
        "^'#-0001' holds node index -1 at position 2, expected none below 0"),
     Of("NodeLowest", "-0001.txt", nullptr, "1\n2\n2\n-2147483648\n",
-       "^'#-0001' holds node index -2147483648 at position 3, expected "
-       "none below 0"),
+       "^'#-0001' holds node index -2147483648 at position 3, expected none below 0"),
     Of("IDsCut", "-0002-IDs.txt", nullptr, "",
        "Number of specified items (1) does not match number of items (0) in '@-0002-IDs.txt'\n"
        "Error reading element data"),
@@ -174,8 +169,7 @@ const std::vector<Damage> kDamages = {
        "-ElementIndices\" NumItems=\"3\"",
        "^'#-0001-ElementIndices' holds 3 element indices, expected 2"),
     Of("IndexNegative", "-0001-ElementIndices.txt", nullptr, "1\n-1\n",
-       "^'#-0001-ElementIndices' holds element index -1 at position 1, "
-       "expected none below 0"),
+       "^'#-0001-ElementIndices' holds element index -1 at position 1, expected none below 0"),
     Of("MappingTooShort", ".xml", "-ExpansionMapping\" NumItems=\"2\"",
        "-ExpansionMapping\" NumItems=\"1\"",
        "^'#-0001-ExpansionMapping' holds 1 cross section indices, expected 2"),
@@ -183,8 +177,8 @@ const std::vector<Damage> kDamages = {
     Of("EccentricitiesNotOfTheElements", ".xml", "NumEccPerElement=\"2\"", "NumEccPerElement=\"1\"",
        "^'@.xml' holds 4 eccentricities, expected 2"),
     Of("MappingNegative", "-0001-ExpansionMapping.txt", nullptr, "0\n-1\n",
-       "^'#-0001-ExpansionMapping' holds cross section index -1 at "
-       "position 1, expected none below 0"),
+       "^'#-0001-ExpansionMapping' holds cross section index -1 at position 1, expected none below "
+       "0"),
     Of("NodeCountsMissing", ".xml", "<PolyhedronElementNodeCounts", "<Other",
        "Error reading polyhedrons (PolyhedronElementNodeCounts)"),
     Of("FaceNodeCountsMissing", ".xml", "<PolyhedronFaceNodeCounts", "<Other",
@@ -192,8 +186,7 @@ const std::vector<Damage> kDamages = {
     Of("NodeCountsNotOfTheNodes", "-0003-PolyhedronStartNodes.txt", nullptr, "4\n5\n",
        "^'@.xml' holds 8 polyhedron nodes, expected 9"),
     Of("NodeCountNegative", "-0003-PolyhedronStartNodes.txt", nullptr, "12\n-4\n",
-       "^'@.xml' holds PolyhedronElementNodeCounts -4 at position 1, "
-       "expected none below 0\n"
+       "^'@.xml' holds PolyhedronElementNodeCounts -4 at position 1, expected none below 0\n"
        "Error reading polyhedrons (PolyhedronElementNodeCounts)"),
     Of("FaceCountsNotOfTheFaces", "-0003-PolyhedronFaceCounts.txt", nullptr, "4\n5\n",
        "^'@.xml' holds 8 polyhedron faces, expected 9"),

@@ -147,7 +147,7 @@ std::string DatabaseTest::DocumentOf(int type) {
     return "Database001\\" + name + "\\" + name + "0001.xml";
 }
 
-void DatabaseTest::ExpectRefused(const Damage& damage) {
+void DatabaseTest::ExpectUnreadable(const Damage& damage) {
     m_database.SetTextMode(true);
     const nvf::ref<ZRFxBlock> sample = SampleBlock(damage.type, 1);
     Write(sample);

@@ -72,7 +72,7 @@ protected:
 
     /// Expects that the sample block of id 1, so damaged, is refused with these messages and stays
     /// unread.
-    void ExpectRefused(const Damage& damage);
+    void ExpectUnreadable(const Damage& damage);
 
     unstruct::ZRFxDatabase m_database{&m_access};
 };
