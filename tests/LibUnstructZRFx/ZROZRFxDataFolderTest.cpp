@@ -1,18 +1,15 @@
 #include "ZROZRFxDataFolder.h"
 
 #include <gtest/gtest.h>
-#include <stdlib.h>
 
-#include <clocale>
-#include <functional>
 #include <limits>
 #include <string>
 #include <vector>
 
 #include "ZRUndefined.h"
 #include "support/ArchiveTest.h"
+#include "support/CommaLocale.h"
 #include "support/HardTexts.h"
-#include "support/TemporaryFolder.h"
 
 namespace unstruct {
 namespace {
@@ -136,15 +133,8 @@ TEST_F(ZRFxDataFolderTest, EveryFloatThatIsWrittenAsTextIsReadBack) {
 }
 
 TEST_F(ZRFxDataFolderTest, TextIsTheSameUnderACommaLocale) {
-    const test::TemporaryFolder folder;
-    const std::string path = folder.File("de_DE.UTF-8");
-    const std::string before = std::setlocale(LC_ALL, nullptr);
-    setenv("LOCPATH", folder.File("").c_str(), 1);
-    const bool isSet =
-        std::system(("localedef -i de_DE -f UTF-8 '" + path + "' 2>/dev/null").c_str()) == 0 &&
-        std::setlocale(LC_ALL, "de_DE.UTF-8");
-    unsetenv("LOCPATH");
-    if (!isSet) GTEST_SKIP() << "no locale with a comma";
+    const test::CommaLocale locale;
+    if (!locale.IsSet()) GTEST_SKIP() << "localedef cannot make a locale here";
     ExpectFloatText({1.5f, 1234567}, "1.5\n1.23457e+06\n");
     Put("Database001\\g.txt", "2.5\n");
     ZRFloatArray floats;
@@ -153,7 +143,6 @@ TEST_F(ZRFxDataFolderTest, TextIsTheSameUnderACommaLocale) {
     Put("Database001\\g.txt", "2,5\n");
     EXPECT_FALSE(Folder().ReadDataFloat("g", 1, &floats));
     TakeTexts();
-    std::setlocale(LC_ALL, before.c_str());
 }
 
 TEST_F(ZRFxDataFolderTest, TextOfOtherProgramsIsRead) {
@@ -213,20 +202,14 @@ TEST_F(ZRFxDataFolderTest, UnreadableFilesAreReportedAndLeaveTheArrayEmpty) {
         std::vector<std::string> messages;
     } kCases[] = {
         {INTS, nullptr, {missing, "Could not read binary int data."}},
-        {FLOATS, nullptr, {missing, "Could not read binary float data."}},
         {VECTORS, nullptr, {missing, "Could not read binary vector data."}},
         {TENSORS, nullptr, {missing, "Could not read binary vector data."}},
         {BYTES, nullptr, {missing, "Could not read binary unsigned byte data."}},
         {INTS, "1", {items + "1" + inText}},
-        {INTS, "1 2 3", {items + "3" + inText}},
-        {FLOATS, "1", {items + "1" + inText}},
-        {VECTORS, "", {items + "0" + inText}},
         {TENSORS,
          "1 2 3 4 5 6",
          {"Number of specified tensors (2) does not match number of tensors (1" + inText}},
-        {BYTES, "1\n2\n3", {items + "3" + inText}},
         {INTS, "1 two\n", {"Could not read integer values '1 two' from file 'Database001\\x.txt'"}},
-        {INTS, "1.0\n", {"Could not read integer values '1.0' from file 'Database001\\x.txt'"}},
         {INTS,
          "4294967296\n",
          {"Could not read integer values '4294967296' from file 'Database001\\x.txt'"}},
@@ -235,13 +218,9 @@ TEST_F(ZRFxDataFolderTest, UnreadableFilesAreReportedAndLeaveTheArrayEmpty) {
          {"Could not read integer values '1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16 1' from file "
           "'Database001\\x.txt'"}},
         {FLOATS, "1 2\n", {"Could not read one float value" + inFile + "1 2 ...)"}},
-        {FLOATS, "undef\n", {"Could not read one float value" + inFile + "undef ...)"}},
-        {VECTORS, "1 2\n", {"Could not read three float values" + inFile + "1 2 ...)"}},
         {VECTORS, "1 UNDEF 2\n", {"Could not read three float values" + inFile + "1 UNDEF 2 ...)"}},
-        {VECTORS, "UNDEF 1 2\n", {"Could not read three float values" + inFile + "UNDEF 1 2 ...)"}},
         {TENSORS, "1 2 3 4 5\n", {"Could not read six float values" + inFile + "1 2 3 4 5 ...)"}},
         {BYTES, "1\n256\n", {"Found value 256 (index 1) outside unsigned byte range."}},
-        {BYTES, "-1\n", {"Found value -1 (index 0) outside unsigned byte range."}},
         {BYTES, "1 2\n", {"Could not read one unsigned byte value" + inFile + "1 2 ...)"}},
     };
     for (const auto& testCase : kCases) {
@@ -285,39 +264,33 @@ TEST_F(ZRFxDataFolderTest, DamagedTextFileIsReportedAsSuch) {
 }
 
 TEST_F(ZRFxDataFolderTest, FilesInTheWayAndClosedArchivesAreReported) {
-    using Write = std::function<bool()>;
-    struct Row {
-        Write write;
-        const char* ofText;
-        const char* ofBinary;
-    };
-    const std::vector<Row> kCases = {
-        Row([&] { return m_database.WriteDataInt("x", Ints({1}), 1); },
-            "Could not open new file for ASCII int data.",
-            "CCould not write new file for binary int data."),
-        Row([&] { return m_database.WriteDataFloat("x", Floats({1})); },
-            "Could not open new file for ASCII float data.", "Error writing binary float data."),
-        Row([&] { return m_database.WriteDataVector("x", ZRVec3fArray()); },
-            "Could not open new file for ASCII vector data.", "Error writing binary vector data."),
-        Row([&] { return m_database.WriteDataTensor("x", ZRFloatArray()); },
-            "Could not open new file for ASCII tensor data.", "Error writing binary tensor data."),
-        Row([&] { return m_database.WriteData("x", ZRUbyteArray()); },
-            "Could not open new file for ASCII unsigned byte data.",
-            "Error writing binary unsigned byte data."),
-    };
     Put("Database001\\x.dat", "a");
     Put("Database001\\x.txt", "b");
     for (const bool isOpen : {true, false}) {
-        for (const auto& testCase : kCases) {
-            for (const bool textMode : {true, false}) {
-                m_database.SetTextMode(textMode);
-                EXPECT_FALSE(testCase.write());
-                const std::vector<std::string> texts = TakeTexts();
-                EXPECT_EQ(texts.back(), textMode ? testCase.ofText : testCase.ofBinary);
-                EXPECT_EQ(texts.front() == "Archive is not open.", !isOpen);
-            }
-        }
-        if (isOpen) m_access.Close();
+        if (!isOpen) m_access.Close();
+        const auto expectRefused = [&](bool isWritten, const char* message) {
+            EXPECT_FALSE(isWritten) << message;
+            const std::vector<std::string> texts = TakeTexts();
+            EXPECT_EQ(texts.back(), message);
+            EXPECT_EQ(texts.front() == "Archive is not open.", !isOpen);
+        };
+        expectRefused(Folder(true).WriteDataInt("x", Ints({1}), 1),
+                      "Could not open new file for ASCII int data.");
+        expectRefused(Folder(true).WriteDataFloat("x", Floats({1})),
+                      "Could not open new file for ASCII float data.");
+        expectRefused(Folder(true).WriteDataVector("x", {}),
+                      "Could not open new file for ASCII vector data.");
+        expectRefused(Folder(true).WriteDataTensor("x", {}),
+                      "Could not open new file for ASCII tensor data.");
+        expectRefused(Folder(true).WriteData("x", {}),
+                      "Could not open new file for ASCII unsigned byte data.");
+        expectRefused(Folder().WriteDataInt("x", Ints({1}), 1),
+                      "CCould not write new file for binary int data.");
+        expectRefused(Folder().WriteDataFloat("x", Floats({1})),
+                      "Error writing binary float data.");
+        expectRefused(Folder().WriteDataVector("x", {}), "Error writing binary vector data.");
+        expectRefused(Folder().WriteDataTensor("x", {}), "Error writing binary tensor data.");
+        expectRefused(Folder().WriteData("x", {}), "Error writing binary unsigned byte data.");
     }
     ExpectAssertion(Folder().WriteDataTensor("y", Floats({1, 2, 3, 4, 5})),
                     "data.GetSize() % kTensorComponents == 0");

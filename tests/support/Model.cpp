@@ -153,6 +153,15 @@ void describe(const SetBlock& block, Facts& facts) {
     }
 }
 
+// As the one of the classes that the block is of.
+template <typename... Classes>
+void describeAs(const Block& block, Facts& facts) {
+    const auto add = [&](const auto* typed) {
+        if (typed) describe(*typed, facts);
+    };
+    (add(dynamic_cast<const Classes*>(&block)), ...);
+}
+
 std::string describeImage(const nuo::Image* image) {
     if (!image) return "none";
     std::vector<unsigned char> rgb(std::size_t{3} * image->width() * image->height());
@@ -328,40 +337,9 @@ PtrRef<nuo::PropertySetCollection> MakeCamera() {
 std::string Describe(const Block& block) {
     Facts facts;
     facts.Add("block", block.blockType(), block.blockId());
-    switch (block.blockType()) {
-        case Block::NODES:
-            describe(static_cast<const NodeBlock&>(block), facts);
-            break;
-        case Block::ELEMENTS:
-            describe(static_cast<const ElementBlock&>(block), facts);
-            break;
-        case Block::GEOMETRY:
-            describe(static_cast<const GeometryBlock&>(block), facts);
-            break;
-        case Block::GEOMETRY_INFO:
-            describe(static_cast<const GeometryInfoBlock&>(block), facts);
-            break;
-        case Block::STATE_INFO:
-            describe(static_cast<const StateInfoBlock&>(block), facts);
-            break;
-        case Block::RESULT:
-            describe(static_cast<const ResultBlock&>(block), facts);
-            break;
-        case Block::RESULT_VALUES:
-            describe(static_cast<const ResultValuesBlock&>(block), facts);
-            break;
-        case Block::TRANSFORMATION_RESULT:
-            describe(static_cast<const TransformationResultBlock&>(block), facts);
-            break;
-        case Block::TRANSFORMATION_RESULT_VALUES:
-            describe(static_cast<const TransformationResultValuesBlock&>(block), facts);
-            break;
-        case Block::SET:
-            describe(static_cast<const SetBlock&>(block), facts);
-            break;
-        case Block::INVALID_BLOCK:
-            break;
-    }
+    describeAs<NodeBlock, ElementBlock, GeometryBlock, GeometryInfoBlock, StateInfoBlock,
+               ResultBlock, ResultValuesBlock, TransformationResultBlock,
+               TransformationResultValuesBlock, SetBlock>(block, facts);
     return facts.Text();
 }
 

@@ -117,35 +117,27 @@ void Fill(ZRFxGeometryBlock& block) {
 void Fill(ZRFxResultValuesBlock& block) {
     block.SetMapToBlockID(1);
     block.SetNumDimensions(6);
-    const float tensors[] = {1,
-                             2,
-                             3,
-                             4,
-                             5,
-                             6.5f,
-                             kUndefinedValue,
-                             kUndefinedValue,
-                             kUndefinedValue,
-                             kUndefinedValue,
-                             kUndefinedValue,
-                             kUndefinedValue};
+    constexpr float kU = kUndefinedValue;
+    const float tensors[] = {1, 2, 3, 4, 5, 6.5f, kU, kU, kU, kU, kU, kU};
     block.SetScalars(tensors, 12);
     block.SetIDs(NewInts({3, 5}));
 }
 
 void Fill(ZRFxResultBlock& block) {
-    block.GetDescription() = {kName,
-                              RESULT_DISPLACEMENT,
-                              STRAIN_ENGINEERING,
-                              MAPPING_NODE,
-                              3,
-                              2,
-                              0.1f,
-                              true,
-                              7,
-                              RESULT_UNKNOWN,
-                              18,
-                              {{"Unit", "mm"}, {kName, kName}}};
+    ZRFxResultDescription& description = block.GetDescription();
+    description = {kName,
+                   RESULT_DISPLACEMENT,
+                   STRAIN_ENGINEERING,
+                   MAPPING_NODE,
+                   3,
+                   2,
+                   0.1f,
+                   true,
+                   7,
+                   RESULT_UNKNOWN,
+                   18,
+                   {}};
+    description.attributes = {{"Unit", "mm"}, {kName, kName}};
     block.AddState(1)->m_aiValuesBlockIDs = Ints({1, 2});
     block.AddState(2);
 }
