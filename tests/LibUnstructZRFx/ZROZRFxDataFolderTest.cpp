@@ -278,18 +278,12 @@ TEST_F(ZRFxDataFolderTest, FilesInTheWayAndClosedArchivesAreReported) {
                       "Could not open new file for ASCII int data.");
         expectRefused(Folder(true).WriteDataFloat("x", Floats({1})),
                       "Could not open new file for ASCII float data.");
-        expectRefused(Folder(true).WriteDataVector("x", {}),
-                      "Could not open new file for ASCII vector data.");
-        expectRefused(Folder(true).WriteDataTensor("x", {}),
-                      "Could not open new file for ASCII tensor data.");
         expectRefused(Folder(true).WriteData("x", {}),
                       "Could not open new file for ASCII unsigned byte data.");
         expectRefused(Folder().WriteDataInt("x", Ints({1}), 1),
                       "CCould not write new file for binary int data.");
         expectRefused(Folder().WriteDataFloat("x", Floats({1})),
                       "Error writing binary float data.");
-        expectRefused(Folder().WriteDataVector("x", {}), "Error writing binary vector data.");
-        expectRefused(Folder().WriteDataTensor("x", {}), "Error writing binary tensor data.");
         expectRefused(Folder().WriteData("x", {}), "Error writing binary unsigned byte data.");
     }
     ExpectAssertion(Folder().WriteDataTensor("y", Floats({1, 2, 3, 4, 5})),

@@ -182,12 +182,8 @@ TEST_F(ZRFxMainDocumentTest, BadArgumentsAreAssertionsAndGiveNothing) {
     ZRFxCaseInfo aCase;
     ExpectAssertion(m_access.GetDatabaseInfo(-1, &database), "index >= 0");
     ExpectAssertion(m_access.GetCaseInfo(-1, &aCase), "index >= 0");
-    ExpectAssertion(m_access.GetDatabaseInfo(0, nullptr), "info");
     ExpectAssertion(m_access.GetCaseByID(0, nullptr), "info");
     ExpectAssertion(m_access.GetNumCases(nullptr), "count");
-    ExpectAssertion(m_access.GetExportDateTime(nullptr), "dateTime");
-    ExpectAssertion(m_access.GetDisplayModelOnly(nullptr), "displayModelOnly");
-    ExpectAssertion(m_access.ReadAndValidateMainDocumentFile(nullptr), "doc");
 }
 
 }  // namespace

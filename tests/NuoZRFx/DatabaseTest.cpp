@@ -138,11 +138,9 @@ TEST_F(DatabaseTest, BlocksThatAreNotThereAreReported) {
                       {message + "index 3 does not exist"});
         ExpectRefused(database->blockById(blockType, 5).notNull(),
                       {message + "id 5 does not exist"});
-        EXPECT_EQ(-1, database->blockId(blockType, 0));
     }
     ExpectRefused(database->setBlockByIndex(0).notNull(),
                   {kNotRead + "9 with index 0 does not exist"});
-    ExpectRefused(database->setBlockById(4).notNull(), {kNotRead + "9 with id 4 does not exist"});
     ExpectRefused(
         database->blockById(static_cast<Block::BlockType>(42), 1).notNull(),
         {"Invalid type id 42 given (Block::BlockType).", kNotRead + "42 with id 1 does not exist"});
@@ -182,37 +180,6 @@ TEST_F(DatabaseTest, BlocksAreListedByRisingIdInWhateverOrderTheyWereWritten) {
                   static_cast<NodeBlock*>(block.p())->nodeData()[0]);
     }
     EXPECT_THAT(ids, ElementsAre(0, 3, 1234, 12345));
-}
-
-TEST_F(DatabaseTest, BlockWrittenAgainReplacesAllThatItWas) {
-    const PtrRef<Database> database = WriteDatabase(*m_file, "a", 0);
-    PtrRef<ElementBlock> first = new ElementBlock(1, true, false);
-    first->setNodeBlockId(1);
-    first->addElement(ElementBlock::BEAMS, {0, 1}, 5);
-    first->addElement(ElementBlock::QUADS, {0, 1, 2, 3}, 6);
-    PtrRef<ElementBlock> second = new ElementBlock(1, false, false);
-    second->setNodeBlockId(2);
-    second->addElement(ElementBlock::TRIANGLES, {3, 4, 5});
-    ASSERT_TRUE(database->writeBlock(first.p()));
-    ASSERT_TRUE(database->writeBlock(second.p()));
-    EXPECT_EQ(Describe(*second), Describe(*database->blockById(Block::ELEMENTS, 1)));
-    ASSERT_TRUE(database->writeBlock(first.p()));
-    Reopen();
-    EXPECT_EQ(1u, m_file->database(0)->blockCount(Block::ELEMENTS));
-    EXPECT_EQ(Describe(*first), Describe(*m_file->database(0)->blockById(Block::ELEMENTS, 1)));
-}
-
-TEST_F(DatabaseTest, BlockStaysWhenWhatIsToReplaceItCannotBeStored) {
-    const PtrRef<Database> database = WriteDatabase(*m_file, "a", 0);
-    PtrRef<SetBlock> set = new SetBlock(1, false);
-    set->addItem(3, 1);
-    ASSERT_TRUE(database->writeBlock(set.p()));
-    const std::string before = Describe(*set);
-    set->setItemType(SetBlock::UNDEFINED_ITEMS);
-    EXPECT_FALSE(database->writeBlock(set.p()));
-    TakeTexts();
-    Reopen();
-    EXPECT_EQ(before, Describe(*m_file->database(0)->setBlockById(1)));
 }
 
 TEST_F(DatabaseTest, ObjectsThatOutliveTheirFileOnlyFail) {
