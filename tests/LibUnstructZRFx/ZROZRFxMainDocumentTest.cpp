@@ -107,17 +107,10 @@ TEST_F(ZRFxMainDocumentTest, DamagedDocumentIsReportedByEachOperation) {
                   {noFile, "Main document file (ZRF.xml) is either missing or invalid"});
     ExpectRefused(m_access.AddDatabase(database, true),
                   {noFile, "Error reading main document (ZRF.xml) file."});
-    const std::pair<const char*, const char*> kParts[] = {
-        {"<Zrf/>", "ZRF"},
-        {"<ZRF/>", "FileInfo"},
-        {"<ZRF><FileInfo/></ZRF>", "VendorID"},
-        {"<ZRF><FileInfo><VendorID/></FileInfo></ZRF>", "VendorName"},
-        {"<ZRF><FileInfo><VendorID/><VendorName/></FileInfo></ZRF>", "ExportApplication"},
-    };
-    for (const auto& [document, part] : kParts) {
-        Put("ZRF.xml", document);
-        ExpectRefused(m_access.SetVendorInfo("a", "v", 1), {missing + part + "> missing"});
-    }
+    Put("ZRF.xml", "<ZRF/>");
+    ExpectRefused(m_access.SetVendorInfo("a", "v", 1), {missing + "FileInfo> missing"});
+    Put("ZRF.xml", "<ZRF><FileInfo><VendorID/><VendorName/></FileInfo></ZRF>");
+    ExpectRefused(m_access.SetVendorInfo("a", "v", 1), {missing + "ExportApplication> missing"});
     Put("ZRF.xml", "<Zrf/>");
     ExpectRefused(m_access.AddCase(aCase, true),
                   {"Error validating main document file, <ZRF> missing"});

@@ -227,7 +227,6 @@ TEST_F(BlockTest, PartsThatDoNotFitAreRefused) {
     ExpectRefused(block->setElementBlocksForState(1, {1, 2}, 5, {1}),
                   {Assertion("elementBlockIds.size() == partIds.size()")});
     EXPECT_EQ(1u, block->stateCount());
-    EXPECT_EQ(1u, block->partCount(0, 0));
     EXPECT_EQ(0u, block->partCount(1, 0));
     const PtrRef<GeometryBlock> none = new GeometryBlock(0);
     EXPECT_THAT(TakeTexts(), ElementsAre("geometryCountPerState cannot be 0"));
@@ -246,15 +245,6 @@ TEST_F(BlockTest, StatesOfAGeometryMustHaveTheSameParts) {
                    "previous states defined part id 20."});
     ASSERT_TRUE(block->setElementBlocksForState(0, {3, 1}, 6, {10, 20}));
     EXPECT_TRUE(block->checkValidity());
-}
-
-TEST_F(BlockTest, PartInfosThatAreNotThereAreReported) {
-    const PtrRef<GeometryInfoBlock> block = new GeometryInfoBlock(1);
-    ASSERT_TRUE(block->addPartInfo(0, 3, "Part"));
-    ExpectRefused(block->addPartInfo(1, 0, "a"), {"Geometry with index 1 not found"});
-    EXPECT_EQ(-1, block->partId(0, 1));
-    EXPECT_TRUE(block->partName(0, std::size_t{1} << 32).isEmpty());
-    EXPECT_EQ(2u, TakeTexts().size());
 }
 
 // States.

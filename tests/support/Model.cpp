@@ -25,10 +25,12 @@ private:
     void Put(const Value& value) {
         m_text << ' ' << value;
     }
-    void Put(const Str& value) { m_text << " '" << value.toStdString() << "'"; }
-    void Put(const nuo::Vec3f& value) {
+    template <typename Value>
+    requires requires(Value value) { value.x, value.y, value.z; }
+    void Put(const Value& value) {
         m_text << " (" << value.x << ' ' << value.y << ' ' << value.z << ')';
     }
+    void Put(const Str& value) { m_text << " '" << value.toStdString() << "'"; }
     template <typename Value>
     void Put(const std::vector<Value>& values) {
         m_text << " [" << values.size() << "]";
@@ -175,13 +177,17 @@ std::string describeImage(const nuo::Image* image) {
     return text.str();
 }
 
-void addValue(const nuo::PropertySet& set, const Str& key, Facts& facts) {
-    const nuo::Variant value = set.value(key);
-    const bool isPoint = value.type() == nuo::Variant::VEC3D;
-    facts.Add("property", set.classType(), key, value.type());
-    if (isPoint) facts.Add("point", value.toVec3d().x, value.toVec3d().y, value.toVec3d().z);
-    if (value.type() == nuo::Variant::DOUBLE) facts.Add("number", value.toDouble());
-    if (value.type() == nuo::Variant::STRING) facts.Add("text", value.toStr());
+void addProperties(const nuo::PropertySetCollection* properties, Facts& facts) {
+    for (std::size_t i = 0; properties && i < properties->count(); ++i) {
+        const nuo::PropertySet& set = *properties->propertySet(i);
+        for (const Str& key : set.allKeys()) {
+            const nuo::Variant value = set.value(key);
+            facts.Add("property", set.classType(), key, value.type());
+            if (value.type() == nuo::Variant::VEC3D) facts.Add("point", value.toVec3d());
+            if (value.type() == nuo::Variant::DOUBLE) facts.Add("number", value.toDouble());
+            if (value.type() == nuo::Variant::STRING) facts.Add("text", value.toStr());
+        }
+    }
 }
 
 std::vector<PtrRef<Block>> makeMesh() {
@@ -367,11 +373,7 @@ std::string Describe(const Case& fileCase) {
     for (std::size_t i = 0; i < fileCase.imageCount(); ++i) {
         facts.Add("image", fileCase.imageName(i), describeImage(fileCase.image(i)));
     }
-    const nuo::PropertySetCollection* properties = fileCase.properties();
-    for (std::size_t i = 0; properties && i < properties->count(); ++i) {
-        const nuo::PropertySet& set = *properties->propertySet(i);
-        for (const Str& key : set.allKeys()) addValue(set, key, facts);
-    }
+    addProperties(fileCase.properties(), facts);
     if (!fileCase.description().isEmpty()) {
         facts.Add("snapshot", describeImage(fileCase.snapshot()));
     }
@@ -442,11 +444,7 @@ std::vector<std::string> DescribeModel(const std::string& text) {
     view.Add("case", 3, 0, Str("View " + text), Str("<p>" + text + "</p>"), true);
     view.Add("image", Str("steel." + text), "5x3 about 6 3 1");
     view.Add("image", Str("wood"), "5x3 about 6 3 1");
-    for (std::size_t i = 0; i < MakeCamera()->count(); ++i) {
-        for (const Str& key : MakeCamera()->propertySet(i)->allKeys()) {
-            addValue(*MakeCamera()->propertySet(i), key, view);
-        }
-    }
+    addProperties(MakeCamera().p(), view);
     view.Add("snapshot", "8x16 about 6 3 1");
     Facts plain;
     plain.Add("case", 0, 7, Str("Plain"), Str(), false);
