@@ -36,6 +36,7 @@ struct Copy {
         EXPECT_TRUE(test::CreateDatabase(database, 1));
     }
     Entries BlockEntries() {
+        EXPECT_TRUE(database.WriteTOC());
         Entries entries = test::Unpack(access);
         entries.erase("ZRF.xml");
         return entries;
@@ -66,14 +67,12 @@ TEST_P(BlockOfEachType, ReadBackAndWrittenAgainGivesTheSameEntries) {
         ASSERT_TRUE(block->ReadBlock());
         EXPECT_TRUE(block->IsRead());
         ASSERT_TRUE(block->WriteBlock(&second.database));
-        ASSERT_TRUE(second.database.WriteTOC());
         EXPECT_EQ(block->GetDatabase(), &parsed);
         EXPECT_EQ(first.BlockEntries(), second.BlockEntries());
         block->UnloadData();
         EXPECT_FALSE(block->IsRead());
         ASSERT_TRUE(block->ReadBlock());
         ASSERT_TRUE(block->WriteBlock(&second.database));
-        ASSERT_TRUE(second.database.WriteTOC());
         EXPECT_EQ(first.BlockEntries(), second.BlockEntries());
         ExpectTexts({"Parsing ZRFx file..."});
     }
@@ -91,8 +90,6 @@ TEST_P(BlockOfEachType, RewrittenBlockReplacesAllFilesWhateverItsFormWas) {
             twice.database.SetTextMode(isText);
             ASSERT_TRUE(SampleBlock(GetParam(), 1)->WriteBlock(&twice.database));
             EXPECT_EQ(twice.database.GetNumBlocks(), 1);
-            ASSERT_TRUE(once.database.WriteTOC());
-            ASSERT_TRUE(twice.database.WriteTOC());
             EXPECT_EQ(once.BlockEntries(), twice.BlockEntries());
         }
     }
@@ -107,7 +104,6 @@ TEST_P(BlockOfEachType, RewrittenWithoutContentsLeavesNoOldFile) {
     Write(empty);
     Copy once;
     ASSERT_TRUE(empty->WriteBlock(&once.database));
-    ASSERT_TRUE(once.database.WriteTOC());
     ASSERT_TRUE(m_database.WriteTOC());
     Entries entries = test::Unpack(m_access);
     entries.erase("ZRF.xml");
@@ -163,17 +159,17 @@ const std::vector<Damage> kDamages = {
            "Number of specified items (3) does not match number of items (4) in '@-IDs.txt'\n"
            "Error reading node IDs"),
     Damage("PolygonsCut", BLOCK_INDEXED_FACE_SET, ".txt", "4\n3\n2\n", "5\n3\n2\n",
-           "^\'#' holds 4 nodes of the last polygon, expected 5"),
+           "^'#' holds 4 nodes of the last polygon, expected 5"),
     Damage("PolygonNodeZero", BLOCK_INDEXED_FACE_SET, ".txt", "\n2\n", "\n0\n",
-           "^\'#' holds node index -1 at position 1, expected none below 0"),
+           "^'#' holds node index -1 at position 1, expected none below 0"),
     Damage("PolygonCountDiffers", BLOCK_INDEXED_FACE_SET, ".xml", "NumPolygons=\"2\"",
-           "NumPolygons=\"3\"", "^\'#' holds 2 polygons, expected 3"),
+           "NumPolygons=\"3\"", "^'#' holds 2 polygons, expected 3"),
     Damage("GeometryIndexTooLarge", BLOCK_GEOMETRY, ".xml", "Index=\"1\"", "Index=\"2\"",
            "Illegal Geometry Index specified in Geometry::State::Geometry block"),
     Damage("GeometryOfNodes", BLOCK_GEOMETRY, ".xml", "<IndexedFaceSet", "<Nodes",
            "Only Elements and Indexed face sets are allowed in geometry spec"),
     Damage("GeometriesHuge", BLOCK_GEOMETRY, ".xml", "PerState=\"2\"", "PerState=\"2000000000\"",
-           "^\'@.xml' holds 2000000000 geometries per state, expected 1"),
+           "^'@.xml' holds 2000000000 geometries per state, expected 1"),
     Damage("GeometryInfoCountMissing", BLOCK_GEOMETRY_INFO, ".xml", "GeometryCountPerState",
            "Count", "GeometryInfo::GeometryCountPerState invalid"),
     Damage("GeometryInfoIndexTooLarge", BLOCK_GEOMETRY_INFO, ".xml", "Index=\"1\"", "Index=\"2\"",
@@ -195,16 +191,16 @@ const std::vector<Damage> kDamages = {
     Damage("SetOfNodes", BLOCK_SET, ".xml", "BlockType=\"2\"", "BlockType=\"0\"",
            "Only element sets are supported"),
     Damage("SetItemNegative", BLOCK_SET, "-0001.txt", "0\n", "-7\n",
-           "^\'@.xml' holds element index -7 at position 1, expected none below 0"),
+           "^'@.xml' holds element index -7 at position 1, expected none below 0"),
     Damage("SetTotalDiffers", BLOCK_SET, ".xml", "TotalNumItems=\"3\"", "TotalNumItems=\"4\"",
-           "^\'@.xml' holds 3 items, expected 4"),
+           "^'@.xml' holds 3 items, expected 4"),
     Damage("PlotNoNumber", BLOCK_PLOT_2D, "-0002.txt", "-3", "-3 1",
            "Could not read one float value in file '@-0002.txt' (text: -3 1 ...)\n"
            "Error reading plot data"),
     Damage("CrossSectionNoNumber", BLOCK_CROSS_SECTIONS, ".xml", "Width=\"2\"", "Width=\"wide\"",
            "Error reading cross section parameters"),
     Damage("GridNegative", BLOCK_PRECOMPUTED_CUTTING_PLANE, ".xml", "NumJ=\"7\"", "NumJ=\"-7\"",
-           "^\'@.xml' holds -7 grid lines, expected 0"),
+           "^'@.xml' holds -7 grid lines, expected 0"),
     Damage("PositionDimension", BLOCK_POSITION_RESULT_VALUES, ".xml", "Dimension=\"3\"",
            "Dimension=\"2\"", "Result has illegal dimension."),
     Damage("PositionIndices", BLOCK_POSITION_RESULT_VALUES, ".xml", "<ElementIndices", "<Other",
@@ -214,7 +210,7 @@ const std::vector<Damage> kDamages = {
     Damage("PositionTypes", BLOCK_POSITION_RESULT_VALUES, ".xml", "<VectorTypes", "<Other",
            "No vector types specified for position result values"),
     Damage("PositionTypesTooFew", BLOCK_POSITION_RESULT_VALUES, "-VectorTypes.txt",
-           "NORMAL_ARROW\n", "", "^\'@.xml' holds 1 vector types, expected 2"),
+           "NORMAL_ARROW\n", "", "^'@.xml' holds 1 vector types, expected 2"),
 };
 
 INSTANTIATE_TEST_SUITE_P(All, DamagedBlock, testing::ValuesIn(kDamages),

@@ -73,22 +73,20 @@ TEST_F(ZRFxDataFolderTest, BinaryFilesHoldPackedLittleEndianValuesAndNothingElse
 }
 
 TEST_F(ZRFxDataFolderTest, IntegersAreSetInLinesWithTheTailOneALine) {
-    const struct {
-        int itemsPerLine;
-        const char* text;
-    } kCases[] = {
-        {1, "1\n2\n3\n4\n5\n6\n7\n"}, {3, "1 2 3 \n4 5 6 \n7\n"},    {4, "1 2 3 4 \n5\n6\n7\n"},
-        {7, "1 2 3 4 5 6 7 \n"},      {20, "1\n2\n3\n4\n5\n6\n7\n"},
-    };
     const ZRIntArray items = Ints({1, 2, 3, 4, 5, 6, 7});
-    for (const auto& testCase : kCases) {
-        ASSERT_TRUE(Folder(true).WriteDataInt("i", items, testCase.itemsPerLine));
-        EXPECT_EQ(Get("Database001\\i.txt"), testCase.text);
+    const auto expectText = [&](int itemsPerLine, const char* text) {
+        ASSERT_TRUE(Folder(true).WriteDataInt("i", items, itemsPerLine));
+        EXPECT_EQ(Get("Database001\\i.txt"), text);
         ZRIntArray found;
         EXPECT_TRUE(Folder().ReadDataInt("i", 7, &found));
         EXPECT_EQ(found, items);
         ASSERT_TRUE(m_access.RemoveFile("Database001\\i.txt"));
-    }
+    };
+    expectText(1, "1\n2\n3\n4\n5\n6\n7\n");
+    expectText(3, "1 2 3 \n4 5 6 \n7\n");
+    expectText(4, "1 2 3 4 \n5\n6\n7\n");
+    expectText(7, "1 2 3 4 5 6 7 \n");
+    expectText(20, "1\n2\n3\n4\n5\n6\n7\n");
     EXPECT_FALSE(Folder(true).WriteDataInt("i", items, 21));
     EXPECT_EQ(TakeTexts().back(), "Max number of items per line is 20, 21 were requested");
     EXPECT_TRUE(Folder(true).WriteDataInt("i", Ints({-2147483647 - 1, 0}), 0));
@@ -146,25 +144,19 @@ TEST_F(ZRFxDataFolderTest, TextIsTheSameUnderACommaLocale) {
 }
 
 TEST_F(ZRFxDataFolderTest, TextOfOtherProgramsIsRead) {
-    const struct {
-        const char* text;
-        std::vector<std::int32_t> items;
-    } kCases[] = {
-        {"1 2\r\n3\r\n", {1, 2, 3}},
-        {"  1\t2 \n\n \r\n3", {1, 2, 3}},
-        {"+1\n-2\n007", {1, -2, 7}},
-        {"1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16 17 18 19 20\n1\n",
-         {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 18, 19, 20, 1}},
-        {"", {}},
-        {"\n\n", {}},
-    };
-    for (const auto& testCase : kCases) {
-        Put("Database001\\i.txt", testCase.text);
+    const auto expectRead = [&](const char* text, const std::vector<std::int32_t>& items) {
+        Put("Database001\\i.txt", text);
         ZRIntArray found;
-        EXPECT_TRUE(
-            Folder().ReadDataInt("i", static_cast<std::int64_t>(testCase.items.size()), &found));
-        EXPECT_EQ(found, Ints(testCase.items)) << testCase.text;
-    }
+        EXPECT_TRUE(Folder().ReadDataInt("i", static_cast<std::int64_t>(items.size()), &found));
+        EXPECT_EQ(found, Ints(items)) << text;
+    };
+    expectRead("1 2\r\n3\r\n", {1, 2, 3});
+    expectRead("  1\t2 \n\n \r\n3", {1, 2, 3});
+    expectRead("+1\n-2\n007", {1, -2, 7});
+    expectRead("1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16 17 18 19 20\n1\n",
+               {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 18, 19, 20, 1});
+    expectRead("", {});
+    expectRead("\n\n", {});
     Put("Database001\\f.txt", "UNDEF\r\n+1.5e3\n1e999\n1e-999\n");
     ZRFloatArray floats;
     ASSERT_TRUE(Folder().ReadDataFloat("f", 4, &floats));
@@ -196,41 +188,38 @@ TEST_F(ZRFxDataFolderTest, UnreadableFilesAreReportedAndLeaveTheArrayEmpty) {
     const std::string items = "Number of specified items (2) does not match number of items (";
     const std::string inText = ") in 'Database001\\x.txt'";
     const std::string inFile = " in file 'Database001\\x.txt' (text: ";
-    const struct {
-        Kind kind;
-        const char* text;  // null for no file
-        std::vector<std::string> messages;
-    } kCases[] = {
-        {INTS, nullptr, {missing, "Could not read binary int data."}},
-        {VECTORS, nullptr, {missing, "Could not read binary vector data."}},
-        {TENSORS, nullptr, {missing, "Could not read binary vector data."}},
-        {BYTES, nullptr, {missing, "Could not read binary unsigned byte data."}},
-        {INTS, "1", {items + "1" + inText}},
-        {TENSORS,
-         "1 2 3 4 5 6",
-         {"Number of specified tensors (2) does not match number of tensors (1" + inText}},
-        {INTS, "1 two\n", {"Could not read integer values '1 two' from file 'Database001\\x.txt'"}},
-        {INTS,
-         "4294967296\n",
-         {"Could not read integer values '4294967296' from file 'Database001\\x.txt'"}},
-        {INTS,
-         "1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16 17 18 19 20 21\n",
-         {"Could not read integer values '1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16 1' from file "
-          "'Database001\\x.txt'"}},
-        {FLOATS, "1 2\n", {"Could not read one float value" + inFile + "1 2 ...)"}},
-        {VECTORS, "1 UNDEF 2\n", {"Could not read three float values" + inFile + "1 UNDEF 2 ...)"}},
-        {TENSORS, "1 2 3 4 5\n", {"Could not read six float values" + inFile + "1 2 3 4 5 ...)"}},
-        {BYTES, "1\n256\n", {"Found value 256 (index 1) outside unsigned byte range."}},
-        {BYTES, "1 2\n", {"Could not read one unsigned byte value" + inFile + "1 2 ...)"}},
-    };
-    for (const auto& testCase : kCases) {
+    const auto expectUnreadable = [&](Kind kind, const char* text,
+                                      const std::vector<std::string>& messages) {
         ASSERT_TRUE(m_access.RemoveFile("Database001\\x.txt"));
-        if (testCase.text) Put("Database001\\x.txt", testCase.text);
+        if (text) Put("Database001\\x.txt", text);
         std::int64_t numLeft = -1;
-        EXPECT_FALSE(Read(Folder(true), testCase.kind, "x", 2, &numLeft));
+        ExpectRefused(Read(Folder(true), kind, "x", 2, &numLeft), messages);
         EXPECT_EQ(numLeft, 0);
-        ExpectTexts(testCase.messages);
-    }
+    };
+    expectUnreadable(INTS, nullptr, {missing, "Could not read binary int data."});
+    expectUnreadable(VECTORS, nullptr, {missing, "Could not read binary vector data."});
+    expectUnreadable(TENSORS, nullptr, {missing, "Could not read binary vector data."});
+    expectUnreadable(BYTES, nullptr, {missing, "Could not read binary unsigned byte data."});
+    expectUnreadable(INTS, "1", {items + "1" + inText});
+    expectUnreadable(
+        TENSORS, "1 2 3 4 5 6",
+        {"Number of specified tensors (2) does not match number of tensors (1" + inText});
+    expectUnreadable(INTS, "1 two\n",
+                     {"Could not read integer values '1 two' from file 'Database001\\x.txt'"});
+    expectUnreadable(INTS, "4294967296\n",
+                     {"Could not read integer values '4294967296' from file 'Database001\\x.txt'"});
+    expectUnreadable(
+        INTS, "1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16 17 18 19 20 21\n",
+        {"Could not read integer values '1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16 1' from file "
+         "'Database001\\x.txt'"});
+    expectUnreadable(FLOATS, "1 2\n", {"Could not read one float value" + inFile + "1 2 ...)"});
+    expectUnreadable(VECTORS, "1 UNDEF 2\n",
+                     {"Could not read three float values" + inFile + "1 UNDEF 2 ...)"});
+    expectUnreadable(TENSORS, "1 2 3 4 5\n",
+                     {"Could not read six float values" + inFile + "1 2 3 4 5 ...)"});
+    expectUnreadable(BYTES, "1\n256\n", {"Found value 256 (index 1) outside unsigned byte range."});
+    expectUnreadable(BYTES, "1 2\n",
+                     {"Could not read one unsigned byte value" + inFile + "1 2 ...)"});
     Put("Database001\\x.dat", "12 bytes, so");
     for (const std::int64_t numItems : {std::int64_t{-1}, std::int64_t{2}, std::int64_t{1} << 40}) {
         std::int64_t numLeft = -1;

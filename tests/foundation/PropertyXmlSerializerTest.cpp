@@ -174,30 +174,27 @@ TEST_F(PropertyXmlSerializerTest, NumbersKeepTheDigitsOfTheFormat) {
 
 TEST_F(PropertyXmlSerializerTest, ValuesAreReadByTypeNameAndText) {
     const Variant kInvalid;
-    const struct {
-        const char* xml;
-        Variant value;
-    } cases[] = {
-        {"<INT>7</INT>", Variant(7)},
-        {"<Int>2147483648</Int>", kInvalid},
-        {"<uInt>7</uInt>", Variant(7u)},
-        {"<UInt>-1</UInt>", kInvalid},
-        {"<Double>1e5</Double>", Variant(1e5)},
-        {"<Float>x</Float>", kInvalid},
-        {"<Bool>TRUE</Bool>", Variant(true)},
-        {"<Bool>1</Bool>", Variant(false)},
-        {"<vec3d>1 2 3</vec3d>", Variant(Vec3d(1, 2, 3))},
-        {"<Vec3d>1 2</Vec3d>", kInvalid},
-        {"<Vec3d>1 2 3 </Vec3d>", kInvalid},
-        {"<Vec3d>1 x 3</Vec3d>", kInvalid},
-        {"<Color3F>0 0.5 1</Color3F>", Variant(Color3f(0, 0.5f, 1))},
-        {"<String/>", Text("")},
-        {"<string> a </string>", Text(" a ")},
-        {"<ARRAY><Int>1</Int><Int>x</Int><Other>2</Other><array> </array></ARRAY>",
-         Variant(std::vector<Variant>{Variant(1), Variant(std::vector<Variant>{})})},
-        {"<Other>1</Other>", kInvalid},
+    const auto expectValue = [](const char* xml, const Variant& value) {
+        EXPECT_TRUE(ReadValue(xml) == value) << xml;
     };
-    for (const auto& [xml, value] : cases) EXPECT_TRUE(ReadValue(xml) == value) << xml;
+    expectValue("<INT>7</INT>", Variant(7));
+    expectValue("<Int>2147483648</Int>", kInvalid);
+    expectValue("<uInt>7</uInt>", Variant(7u));
+    expectValue("<UInt>-1</UInt>", kInvalid);
+    expectValue("<Double>1e5</Double>", Variant(1e5));
+    expectValue("<Float>x</Float>", kInvalid);
+    expectValue("<Bool>TRUE</Bool>", Variant(true));
+    expectValue("<Bool>1</Bool>", Variant(false));
+    expectValue("<vec3d>1 2 3</vec3d>", Variant(Vec3d(1, 2, 3)));
+    expectValue("<Vec3d>1 2</Vec3d>", kInvalid);
+    expectValue("<Vec3d>1 2 3 </Vec3d>", kInvalid);
+    expectValue("<Vec3d>1 x 3</Vec3d>", kInvalid);
+    expectValue("<Color3F>0 0.5 1</Color3F>", Variant(Color3f(0, 0.5f, 1)));
+    expectValue("<String/>", Text(""));
+    expectValue("<string> a </string>", Text(" a "));
+    expectValue("<ARRAY><Int>1</Int><Int>x</Int><Other>2</Other><array> </array></ARRAY>",
+                Variant(std::vector<Variant>{Variant(1), Variant(std::vector<Variant>{})}));
+    expectValue("<Other>1</Other>", kInvalid);
 }
 
 TEST_F(PropertyXmlSerializerTest, UnusableValuesAreDroppedAndTheRestIsRead) {

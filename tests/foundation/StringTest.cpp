@@ -13,26 +13,20 @@ namespace nvf {
 namespace {
 
 TEST(String, PlaceholdersAreFilledLowestFirst) {
-    const struct {
-        const char* text;
-        std::initializer_list<String> values;
-        const char* expected;
-    } cases[] = {
-        {"%1 of %2", {"a", "b"}, "a of b"},
-        {"%3 %7 %3", {"a", "b"}, "a b a"},
-        {"%1", {"a", "b"}, "a"},
-        {"%1 and %2", {"%2", "%1"}, "%2 and %1"},  // values are not searched for placeholders
-        {"%1%2", {"%", "1"}, "%1"},
-        {"100% %1 %% %0 %x %", {"a"}, "100% a %% %0 %x %"},
-        {"%10 %9", {"a", "b"}, "b a"},
-        {"%123", {"a"}, "a3"},
-        {"%1 %2 %3 %4 %5 %6 %7 %8 %9 %10 %11",
-         {"a", "b", "c", "d", "e", "f", "g", "h", "i", "j", "k"},
-         "a b c d e f g h i j k"},
-    };
-    for (const auto& [text, values, expected] : cases) {
+    const auto expectFilled = [](const char* text, std::initializer_list<String> values,
+                                 const char* expected) {
         EXPECT_EQ(String(text).args(values).toUtf8(), expected) << text;
-    }
+    };
+    expectFilled("%1 of %2", {"a", "b"}, "a of b");
+    expectFilled("%3 %7 %3", {"a", "b"}, "a b a");
+    expectFilled("%1", {"a", "b"}, "a");
+    expectFilled("%1 and %2", {"%2", "%1"}, "%2 and %1");
+    expectFilled("%1%2", {"%", "1"}, "%1");
+    expectFilled("100% %1 %% %0 %x %", {"a"}, "100% a %% %0 %x %");
+    expectFilled("%10 %9", {"a", "b"}, "b a");
+    expectFilled("%123", {"a"}, "a3");
+    expectFilled("%1 %2 %3 %4 %5 %6 %7 %8 %9 %10 %11",
+                 {"a", "b", "c", "d", "e", "f", "g", "h", "i", "j", "k"}, "a b c d e f g h i j k");
 }
 
 TEST(String, ArgTakesEveryKindOfValue) {
@@ -44,19 +38,12 @@ TEST(String, ArgTakesEveryKindOfValue) {
 }
 
 TEST(String, SplitKeepsEmptyParts) {
-    const struct {
-        const char *text, *delimiters;
-        std::vector<String> parts;
-    } cases[] = {
-        {"1 2 3", " ", {"1", "2", "3"}},
-        {" 1  2 ", " ", {"", "1", "", "2", ""}},
-        {"a,b;c", ",;", {"a", "b", "c"}},
-        {"", " ", {""}},
-        {"ab", "", {"ab"}},
-    };
-    for (const auto& [text, delimiters, parts] : cases) {
-        EXPECT_EQ(String(text).split(delimiters), parts) << text;
-    }
+    using Parts = std::vector<String>;
+    EXPECT_EQ(String("1 2 3").split(" "), (Parts{"1", "2", "3"}));
+    EXPECT_EQ(String(" 1  2 ").split(" "), (Parts{"", "1", "", "2", ""}));
+    EXPECT_EQ(String("a,b;c").split(",;"), (Parts{"a", "b", "c"}));
+    EXPECT_EQ(String("").split(" "), (Parts{""}));
+    EXPECT_EQ(String("ab").split(""), (Parts{"ab"}));
 }
 
 TEST(String, NoTextIsLostBetweenPublicAndInternalStrings) {
