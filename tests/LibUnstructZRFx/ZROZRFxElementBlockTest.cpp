@@ -116,14 +116,18 @@ TEST_F(ZRFxElementBlockTest, IDsAndIndicesRunOverAllGroups) {
                     "paiElementIDs->GetNumItems() == iNumElements");
 }
 
-TEST_F(ZRFxElementBlockTest, FaceCountsThatAreNotOneForEachPolyhedronAreRefused) {
-    const nvf::ref<ZRFxBlock> block = test::SampleBlock(BLOCK_ELEMENTS, 1);
-    auto* elements = dynamic_cast<ZRFxElementBlock*>(block.p());
-    elements->GetElementGroup(2)->m_aiPolyhedronFaceCounts = Ints({4, 3, 1});
-    Write(block);
-    ExpectRefused(m_database.GetBlockByID(BLOCK_ELEMENTS, 1)->ReadBlock(),
-                  {"Elements block ID 1: 'Database001\\Elements\\Elements0001.xml' holds 3 "
-                   "polyhedron face counts, expected 2"});
+TEST_F(ZRFxElementBlockTest, CountsThatAreNotOneForEachPolyhedronAreRefused) {
+    for (const char* what : {"node", "face"}) {
+        const nvf::ref<ZRFxBlock> block = test::SampleBlock(BLOCK_ELEMENTS, 1);
+        auto* group = dynamic_cast<ZRFxElementBlock*>(block.p())->GetElementGroup(2);
+        (what == std::string("node") ? group->m_aiPolyhedronElementNodeCounts
+                                     : group->m_aiPolyhedronFaceCounts) = Ints({4, 3, 1});
+        Write(block);
+        ExpectRefused(m_database.GetBlockByID(BLOCK_ELEMENTS, 1)->ReadBlock(),
+                      {"Elements block ID 1: 'Database001\\Elements\\Elements0001.xml' holds 3 "
+                       "polyhedron " +
+                       std::string(what) + " counts, expected 2"});
+    }
 }
 
 TEST_F(ZRFxElementBlockTest, BadArgumentsAreAssertionsAndDoNothing) {

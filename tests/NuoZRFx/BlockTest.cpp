@@ -330,6 +330,7 @@ TEST_F(BlockTest, ValuesThatDoNotFitAreRefused) {
     ExpectRefused(vectors->setResultValues({1, 2, 3}, {}), {noIds});
     ExpectRefused(vectors->setResultValues({1, 2, 3, 4, 5}, {1, 2}), {unfit});
     ExpectRefused(vectors->setResultValues({1, 2, 3, 4, 5, 6}, {1}), {unfit});
+    ExpectRefused(vectors->setResultValues({1, 2, 3}, {1, 2}), {unfit});
     ExpectRefused(scalars->addResultValue3d(1, 2, 3), {Assertion("dimension() == VECTOR3D")});
     ExpectRefused(scalars->setResultValueData(nullptr, 1, nullptr),
                   {Assertion("resultValues && itemCount > 0")});
