@@ -36,6 +36,7 @@ struct Copy {
         EXPECT_TRUE(test::CreateDatabase(database, 1));
     }
     Entries BlockEntries() {
+        EXPECT_TRUE(database.WriteTOC());
         Entries entries = test::Unpack(access);
         entries.erase("ZRF.xml");
         return entries;
@@ -66,14 +67,12 @@ TEST_P(BlockOfEachType, ReadBackAndWrittenAgainGivesTheSameEntries) {
         ASSERT_TRUE(block->ReadBlock());
         EXPECT_TRUE(block->IsRead());
         ASSERT_TRUE(block->WriteBlock(&second.database));
-        ASSERT_TRUE(second.database.WriteTOC());
         EXPECT_EQ(block->GetDatabase(), &parsed);
         EXPECT_EQ(first.BlockEntries(), second.BlockEntries());
         block->UnloadData();
         EXPECT_FALSE(block->IsRead());
         ASSERT_TRUE(block->ReadBlock());
         ASSERT_TRUE(block->WriteBlock(&second.database));
-        ASSERT_TRUE(second.database.WriteTOC());
         EXPECT_EQ(first.BlockEntries(), second.BlockEntries());
         ExpectTexts({"Parsing ZRFx file..."});
     }
@@ -91,8 +90,6 @@ TEST_P(BlockOfEachType, RewrittenBlockReplacesAllFilesWhateverItsFormWas) {
             twice.database.SetTextMode(isText);
             ASSERT_TRUE(SampleBlock(GetParam(), 1)->WriteBlock(&twice.database));
             EXPECT_EQ(twice.database.GetNumBlocks(), 1);
-            ASSERT_TRUE(once.database.WriteTOC());
-            ASSERT_TRUE(twice.database.WriteTOC());
             EXPECT_EQ(once.BlockEntries(), twice.BlockEntries());
         }
     }
@@ -107,7 +104,6 @@ TEST_P(BlockOfEachType, RewrittenWithoutContentsLeavesNoOldFile) {
     Write(empty);
     Copy once;
     ASSERT_TRUE(empty->WriteBlock(&once.database));
-    ASSERT_TRUE(once.database.WriteTOC());
     ASSERT_TRUE(m_database.WriteTOC());
     Entries entries = test::Unpack(m_access);
     entries.erase("ZRF.xml");
@@ -119,37 +115,23 @@ TEST_P(BlockOfEachType, RewrittenWithoutContentsLeavesNoOldFile) {
 TEST_P(BlockOfEachType, DocumentOfAnotherBlockIsRefused) {
     const std::string type = ZRFxBlockTypeName(GetParam()).Bytes();
     const std::string entry = DocumentOf(GetParam());
-    const struct {
-        const char* bytes;
-        std::vector<std::string> messages;
-    } kCases[] = {
-        {"<Other ID=\"1\"/>",
-         {"Illegal root element in " + type + " block Xml '" + entry + "'", "Invalid XML"}},
-        {nullptr,
-         {type + " block ID 2 in '" + entry + "' does not match ID 1 in Database-TOC",
-          "Invalid XML"}},
-        {"<", {"", "Error parsing Xml contents", "Invalid XML"}},
-    };
-    const std::string ofSecond = "<" + type + " ID=\"2\"/>";
-    for (const auto& testCase : kCases) {
-        Put(entry, testCase.bytes ? testCase.bytes : ofSecond);
-        const nvf::ref<ZRFxBlock> block = ZRFxBlock::Create(GetParam(), &m_database, 1);
-        block->SetFileName(entry);
-        EXPECT_FALSE(block->ReadBlock());
-        std::vector<std::string> texts = TakeTexts();
-        if (testCase.messages.front().empty() && !texts.empty()) texts.front().clear();
-        EXPECT_EQ(texts, testCase.messages);
-    }
+    const nvf::ref<ZRFxBlock> block = ZRFxBlock::Create(GetParam(), &m_database, 1);
+    block->SetFileName(entry);
+    Put(entry, "<Other ID=\"1\"/>");
+    ExpectRefused(
+        block->ReadBlock(),
+        {"Illegal root element in " + type + " block Xml '" + entry + "'", "Invalid XML"});
+    Put(entry, "<" + type + " ID=\"2\"/>");
+    ExpectRefused(block->ReadBlock(),
+                  {type + " block ID 2 in '" + entry + "' does not match ID 1 in Database-TOC",
+                   "Invalid XML"});
 }
 
 TEST_P(BlockOfEachType, WithoutDatabaseNothingIsDone) {
     const nvf::ref<ZRFxBlock> block = ZRFxBlock::Create(GetParam(), nullptr, 1);
-    EXPECT_FALSE(block->ReadBlock());
-    ExpectAssertion("m_pDatabase");
-    EXPECT_FALSE(block->WriteBlock());
-    ExpectAssertion("m_pDatabase");
-    EXPECT_FALSE(block->WriteBlock(nullptr));
-    ExpectAssertion("pDatabase");
+    ExpectAssertion(block->ReadBlock(), "m_pDatabase");
+    ExpectAssertion(block->WriteBlock(), "m_pDatabase");
+    ExpectAssertion(block->WriteBlock(nullptr), "pDatabase");
     block->ReadMetaData();
     TakeTexts();  // some have no meta data to read
 }
@@ -160,7 +142,7 @@ INSTANTIATE_TEST_SUITE_P(All, BlockOfEachType, testing::ValuesIn(test::StoredTyp
 class DamagedBlock : public test::DatabaseTest, public testing::WithParamInterface<Damage> {};
 
 TEST_P(DamagedBlock, IsRefusedAndStaysUnread) {
-    ExpectRefused(GetParam());
+    ExpectUnreadable(GetParam());
 }
 
 const std::vector<Damage> kDamages = {
@@ -171,107 +153,64 @@ const std::vector<Damage> kDamages = {
     Damage("NodesOneTooFew", BLOCK_NODES, ".xml", "NumItems=\"3\"", "NumItems=\"4\"",
            "Number of specified items (4) does not match number of items (3) in '@.txt'\n"
            "Error reading node data"),
-    Damage("NodesNegative", BLOCK_NODES, ".xml", "NumItems=\"3\"", "NumItems=\"-2147483648\"",
-           "Number of specified items (-2147483648) does not match number of items (3) in '@.txt'\n"
-           "Error reading node data"),
     Damage("NodesHuge", BLOCK_NODES, ".xml", "NumItems=\"3\"", "NumItems=\"99999999999\"",
-           "Error reading node data"),
-    Damage("NodesUncounted", BLOCK_NODES, ".xml", "NumItems=\"3\"", "", "Error reading node data"),
-    Damage("NodesUnnamed", BLOCK_NODES, ".xml", "Filename", "Name", "Error reading node data"),
-    Damage("NodesNoNumber", BLOCK_NODES, ".txt", "1 0 -0.5", "1 x -0.5",
-           "Could not read three float values in file '@.txt' (text: 1 x -0.5 ...)\n"
            "Error reading node data"),
     Damage("NodeIDsOneTooMany", BLOCK_NODES, "-IDs.txt", nullptr, "1\n2\n3\n4\n",
            "Number of specified items (3) does not match number of items (4) in '@-IDs.txt'\n"
            "Error reading node IDs"),
-    Damage("PolygonsMissing", BLOCK_INDEXED_FACE_SET, ".xml", "<File", "<Other",
-           "Error reading IFS connects (IFS block ID 1)"),
     Damage("PolygonsCut", BLOCK_INDEXED_FACE_SET, ".txt", "4\n3\n2\n", "5\n3\n2\n",
-           "IndexedFaceSet block ID 1: '#' holds 4 nodes of the last polygon, expected 5"),
-    Damage("PolygonOfLessThanNoNodes", BLOCK_INDEXED_FACE_SET, ".txt", "4\n3\n2\n", "-4\n3\n2\n",
-           "IndexedFaceSet block ID 1: '#' holds 4 nodes of the last polygon, expected -4"),
-    Damage(
-        "PolygonNodeZero", BLOCK_INDEXED_FACE_SET, ".txt", "\n2\n", "\n0\n",
-        "IndexedFaceSet block ID 1: '#' holds node index -1 at position 1, expected none below 0"),
+           "^'#' holds 4 nodes of the last polygon, expected 5"),
+    Damage("PolygonNodeZero", BLOCK_INDEXED_FACE_SET, ".txt", "\n2\n", "\n0\n",
+           "^'#' holds node index -1 at position 1, expected none below 0"),
     Damage("PolygonCountDiffers", BLOCK_INDEXED_FACE_SET, ".xml", "NumPolygons=\"2\"",
-           "NumPolygons=\"3\"", "IndexedFaceSet block ID 1: '#' holds 2 polygons, expected 3"),
-    Damage("PolygonIDsTooFew", BLOCK_INDEXED_FACE_SET, "-IDs.txt", nullptr, "10\n",
-           "Number of specified items (2) does not match number of items (1) in '@-IDs.txt'\n"
-           "Error reading IFS IDs"),
+           "NumPolygons=\"3\"", "^'#' holds 2 polygons, expected 3"),
     Damage("GeometryIndexTooLarge", BLOCK_GEOMETRY, ".xml", "Index=\"1\"", "Index=\"2\"",
-           "Illegal Geometry Index specified in Geometry::State::Geometry block"),
-    Damage("GeometryIndexNegative", BLOCK_GEOMETRY, ".xml", "Index=\"1\"", "Index=\"-1\"",
            "Illegal Geometry Index specified in Geometry::State::Geometry block"),
     Damage("GeometryOfNodes", BLOCK_GEOMETRY, ".xml", "<IndexedFaceSet", "<Nodes",
            "Only Elements and Indexed face sets are allowed in geometry spec"),
     Damage("GeometriesHuge", BLOCK_GEOMETRY, ".xml", "PerState=\"2\"", "PerState=\"2000000000\"",
-           "Geometry block ID 1: '@.xml' holds 2000000000 geometries per state, expected 1"),
+           "^'@.xml' holds 2000000000 geometries per state, expected 1"),
     Damage("GeometryInfoCountMissing", BLOCK_GEOMETRY_INFO, ".xml", "GeometryCountPerState",
            "Count", "GeometryInfo::GeometryCountPerState invalid"),
-    Damage("GeometryInfoCountHuge", BLOCK_GEOMETRY_INFO, ".xml", "PerState=\"2\"",
-           "PerState=\"2000000000\"", "GeometryInfo::GeometryCountPerState invalid"),
     Damage("GeometryInfoIndexTooLarge", BLOCK_GEOMETRY_INFO, ".xml", "Index=\"1\"", "Index=\"2\"",
            "GeometryInfo::Geometry::Index invalid"),
     Damage("ResultValuesUnrecorded", BLOCK_RESULT_VALUES, ".xml", "<File", "<Other",
            "Cannot get info from Xml (Result values block ID 1)"),
     Damage("ResultValuesOfTwoDimensions", BLOCK_RESULT_VALUES, ".xml", "NumDimensions=\"6\"",
            "NumDimensions=\"2\"", "Illegal number of dimensions for result values"),
-    Damage("ResultValuesCut", BLOCK_RESULT_VALUES, ".txt", nullptr, "UNDEF\n",
-           "Number of specified tensors (2) does not match number of tensors (1) in '@.txt'\n"
-           "Error reading node data"),
     Damage("ResultIDsMissing", BLOCK_RESULT_VALUES, ".xml", "IDs=", "Ids=",
            "Unable to read raw data from 'Database001\\.dat', file not found.\n"
            "Could not read binary int data.\n"
            "Error reading result IDs"),
     Damage("ResultStateNoNumber", BLOCK_RESULTS, ".xml", "<Value1>2<", "<Value1>two<",
            "Invalid XML"),
-    Damage("TransformationStateNoNumber", BLOCK_TRANSFORMATION_RESULTS, ".xml", "<Value0>9<",
-           "<Value0><", "Invalid XML"),
     Damage("StateListNoNumber", BLOCK_STATE_INFO, ".xml", "<Value0>4<", "<Value0>4.5<",
            "Invalid XML"),
     Damage("MatrixRowMissing", BLOCK_TRANSFORMATION_RESULT_VALUES, ".xml", " 8.500000 ",
            " 8,500000 ", "Cannot read matrix from Xml (Transformation result values block ID 1"),
     Damage("SetOfNodes", BLOCK_SET, ".xml", "BlockType=\"2\"", "BlockType=\"0\"",
            "Only element sets are supported"),
-    Damage("SetOfOtherItems", BLOCK_SET, ".xml", "ItemType=\"Element\"", "ItemType=\"Node\"",
-           "Only element sets are supported"),
-    Damage("SetItemsUnrecorded", BLOCK_SET, ".xml", "<File", "<Other", "Error reading set data"),
     Damage("SetItemNegative", BLOCK_SET, "-0001.txt", "0\n", "-7\n",
-           "Set block ID 1: '@.xml' holds element index -7 at position 1, expected none below 0"),
+           "^'@.xml' holds element index -7 at position 1, expected none below 0"),
     Damage("SetTotalDiffers", BLOCK_SET, ".xml", "TotalNumItems=\"3\"", "TotalNumItems=\"4\"",
-           "Set block ID 1: '@.xml' holds 3 items, expected 4"),
-    Damage("PlotUnrecorded", BLOCK_PLOT_2D, ".xml", "<File", "<Other",
-           "No data file specified for plot"),
-    Damage("PlotUnnamed", BLOCK_PLOT_2D, ".xml", "Filename", "Name", "Error reading plot data"),
+           "^'@.xml' holds 3 items, expected 4"),
     Damage("PlotNoNumber", BLOCK_PLOT_2D, "-0002.txt", "-3", "-3 1",
            "Could not read one float value in file '@-0002.txt' (text: -3 1 ...)\n"
            "Error reading plot data"),
     Damage("CrossSectionNoNumber", BLOCK_CROSS_SECTIONS, ".xml", "Width=\"2\"", "Width=\"wide\"",
            "Error reading cross section parameters"),
-    Damage("CrossSectionOddName", BLOCK_CROSS_SECTIONS, ".xml",
-           "Width=", "H\u00F6he=", "Error reading cross section parameters"),
     Damage("GridNegative", BLOCK_PRECOMPUTED_CUTTING_PLANE, ".xml", "NumJ=\"7\"", "NumJ=\"-7\"",
-           "PrecomputedCuttingPlane block ID 1: '@.xml' holds -7 grid lines, expected 0"),
+           "^'@.xml' holds -7 grid lines, expected 0"),
     Damage("PositionDimension", BLOCK_POSITION_RESULT_VALUES, ".xml", "Dimension=\"3\"",
            "Dimension=\"2\"", "Result has illegal dimension."),
     Damage("PositionIndices", BLOCK_POSITION_RESULT_VALUES, ".xml", "<ElementIndices", "<Other",
            "No element indices specified for position result values"),
-    Damage("Positions", BLOCK_POSITION_RESULT_VALUES, ".xml", "<Positions", "<Other",
-           "No positions specified for position result values"),
-    Damage("PositionScalars", BLOCK_POSITION_RESULT_VALUES, ".xml", "Dimension=\"3\"",
-           "Dimension=\"1\"", "No scalar values specified for position result values"),
     Damage("PositionVectors", BLOCK_POSITION_RESULT_VALUES, ".xml", "<VectorResult", "<Other",
            "No vector values specified for position result values"),
     Damage("PositionTypes", BLOCK_POSITION_RESULT_VALUES, ".xml", "<VectorTypes", "<Other",
            "No vector types specified for position result values"),
-    Damage("PositionFileMissing", BLOCK_POSITION_RESULT_VALUES, ".xml", "Values0001-VectorResult",
-           "Values0001",
-           "Unable to read raw data from '@.dat', file not found.\n"
-           "Could not read binary vector data.\n"
-           "Error reading position data"),
     Damage("PositionTypesTooFew", BLOCK_POSITION_RESULT_VALUES, "-VectorTypes.txt",
-           "NORMAL_ARROW\n", "",
-           "PositionResultValues block ID 1: '@.xml' holds 1 vector types, expected 2"),
+           "NORMAL_ARROW\n", "", "^'@.xml' holds 1 vector types, expected 2"),
 };
 
 INSTANTIATE_TEST_SUITE_P(All, DamagedBlock, testing::ValuesIn(kDamages),
@@ -306,64 +245,59 @@ protected:
 TEST_F(ZRFxBlockTest, DocumentsHaveElementsAndAttributesInTheirOrder) {
     const std::vector<std::string> kShapes = {
         "Nodes[ID WithID](File[Filename NumItems IDs])",
-        "IndexedFaceSet[ID NodeBlock MapToNodeIDs WithID NumPolygons](File[Filename "
-        "NumItems IDs])",
+        "IndexedFaceSet[ID NodeBlock MapToNodeIDs WithID NumPolygons](File[Filename NumItems IDs])",
         "Elements[ID NodeBlock MapToNodeIDs WithID CrossSectionsID "
-        "NumEccPerElement](ElementGroup[Type NumElementNodes](ElementIndices[Filename "
-        "NumItems] File[Filename NumItems IDs] ElementToCrossSectionMapping[Filename "
-        "NumItems] Directions[Filename NumItems] Eccentricities[Filename NumItems]) "
-        "ElementGroup[Type NumElementNodes](File[Filename NumItems IDs]) "
-        "ElementGroup[Type NumElementNodes](File[Filename NumItems IDs] "
-        "PolyhedronElementNodeCounts[Filename NumItems] PolyhedronFaceCounts[Filename "
-        "NumItems] PolyhedronFaceLocalNodes[Filename NumItems] "
-        "PolyhedronFaceNodeCounts[Filename NumItems]) Properties(File[Filename "
+        "NumEccPerElement](ElementGroup[Type NumElementNodes](ElementIndices[Filename NumItems] "
+        "File[Filename NumItems IDs] ElementToCrossSectionMapping[Filename NumItems] "
+        "Directions[Filename NumItems] Eccentricities[Filename NumItems]) ElementGroup[Type "
+        "NumElementNodes](File[Filename NumItems IDs]) ElementGroup[Type "
+        "NumElementNodes](File[Filename NumItems IDs] PolyhedronElementNodeCounts[Filename "
+        "NumItems] PolyhedronFaceCounts[Filename NumItems] PolyhedronFaceLocalNodes[Filename "
+        "NumItems] PolyhedronFaceNodeCounts[Filename NumItems]) Properties(File[Filename "
         "NumItems]))",
         "Geometry[ID GeometryCountPerState](State[ID](Geometry[Index "
-        "APIGeometryID](Elements[BlockID PartID] IndexedFaceSet[BlockID PartID]) "
-        "Geometry[Index APIGeometryID](Elements[BlockID PartID])))",
+        "APIGeometryID](Elements[BlockID PartID] IndexedFaceSet[BlockID PartID]) Geometry[Index "
+        "APIGeometryID](Elements[BlockID PartID])))",
         "ResultValues[ID MapToBlockID NumDimensions WithID](File[Filename NumItems IDs])",
         "Results[ID Name ResultType StrainType ResultMapping ResultID SectionID "
         "DefaultScaleFactor RelativeDisplacements BaseResultID BaseResultType "
         "DeriveOperation](Attribute[Name Value] State[ID](ResultValues(Value0 Value1)) "
         "State[ID](ResultValues))",
         "CrossSections[ID](CrossSection[Type Height Width] CrossSection[Type])",
-        "StateInfo[ID](State[ID Name RefValue RefType ParentID "
-        "Group](ZRFxExportInfo[PolygonModel VisiblePartsOnly "
-        "FirstOrderNodesOnly](VisibleSetIDs(Value0 Value1) PartFlags(Value0))) State[ID "
-        "Name RefValue RefType ParentID Group](ZRFxExportInfo[PolygonModel "
+        "StateInfo[ID](State[ID Name RefValue RefType ParentID Group](ZRFxExportInfo[PolygonModel "
+        "VisiblePartsOnly FirstOrderNodesOnly](VisibleSetIDs(Value0 Value1) PartFlags(Value0))) "
+        "State[ID Name RefValue RefType ParentID Group](ZRFxExportInfo[PolygonModel "
         "VisiblePartsOnly FirstOrderNodesOnly](VisibleSetIDs PartFlags)))",
         "Set[ID SetID Name ItemsSpecifiedAsIDs TotalNumItems ItemType](Items[BlockID "
         "BlockType](File[Filename NumItems]))",
         "Plot2D[ID Name](Variable[Name](File[Filename NumItems]))",
         "TransformationResultValues[ID MapToBlockID MapToBlockType](Row1 Row2 Row3 Row4)",
         "TransformationResults[ID Name ResultID](State[ID](ResultValues(Value0)))",
-        "PrecomputedItem[ID ItemType ItemID "
-        "CaseID](State[ID](ParticleTrace[PositionNodeBlockID TimeResultBlockID "
-        "ScalarResultBlockID VectorResultBlockID] Part[IFSBlockID NodeBlockID "
-        "FringesResultBlockID FringesResultMapping VectorResultBlockID] Grid[NodeBlockID "
-        "NumI NumJ ComputedResultBlockID ScalarResultBlockID VectorResultBlockID]))",
-        "PositionResultValues[ID Dimension MapToBlockID GlobalPositions GlobalResults "
-        "VectorColor ScalingFactor](Positions[Filename NumItems] ElementIndices[Filename "
-        "NumItems] VectorResult[Filename NumItems] VectorTypes[Filename NumItems])",
-        "GeometryInfo[ID GeometryCountPerState](Geometry[Index](Part[PartID ParentPartID "
-        "PartName BoundaryCondition]))",
-        "PrecomputedCuttingPlane[ID CaseID CuttingPlaneID Point Normal MapScalarResultId "
-        "MapVectorResultId GridSpacing SurfaceVisible SurfaceColor Opacity "
-        "SpecularIntensity UseClipping GridLinesVisible "
-        "DrawStyle](State[ID](Part[IFSBlockID NodeBlockID FringesResultBlockID "
-        "FringesResultMapping VectorResultBlockID SurfaceColor] Grid[NodeBlockID NumI "
+        "PrecomputedItem[ID ItemType ItemID CaseID](State[ID](ParticleTrace[PositionNodeBlockID "
+        "TimeResultBlockID ScalarResultBlockID VectorResultBlockID] Part[IFSBlockID NodeBlockID "
+        "FringesResultBlockID FringesResultMapping VectorResultBlockID] Grid[NodeBlockID NumI "
         "NumJ ComputedResultBlockID ScalarResultBlockID VectorResultBlockID]))",
+        "PositionResultValues[ID Dimension MapToBlockID GlobalPositions GlobalResults VectorColor "
+        "ScalingFactor](Positions[Filename NumItems] ElementIndices[Filename NumItems] "
+        "VectorResult[Filename NumItems] VectorTypes[Filename NumItems])",
+        "GeometryInfo[ID GeometryCountPerState](Geometry[Index](Part[PartID ParentPartID PartName "
+        "BoundaryCondition]))",
+        "PrecomputedCuttingPlane[ID CaseID CuttingPlaneID Point Normal MapScalarResultId "
+        "MapVectorResultId GridSpacing SurfaceVisible SurfaceColor Opacity SpecularIntensity "
+        "UseClipping GridLinesVisible DrawStyle](State[ID](Part[IFSBlockID NodeBlockID "
+        "FringesResultBlockID FringesResultMapping VectorResultBlockID SurfaceColor] "
+        "Grid[NodeBlockID NumI NumJ ComputedResultBlockID ScalarResultBlockID "
+        "VectorResultBlockID]))",
         "PrecomputedIsosurface[ID CaseID IsosurfaceID IsoValue IsoScalarResultId "
         "MapScalarResultId MapVectorResultId SurfaceVisible SurfaceColor Opacity "
-        "SpecularIntensity DrawStyle](State[ID](Part[IFSBlockID NodeBlockID "
-        "FringesResultBlockID FringesResultMapping VectorResultBlockID]))",
+        "SpecularIntensity DrawStyle](State[ID](Part[IFSBlockID NodeBlockID FringesResultBlockID "
+        "FringesResultMapping VectorResultBlockID]))",
         "PrecomputedParticleTraceGroup[ID CaseID GroupID VectorResultId "
         "MapScalarResultId](Trace[PositionsBlockID TimeStampsBlockID MapScalarsBlockID])",
-        "PrecomputedIsovolume[ID CaseID IsovolumeID MinIsoValue MaxIsoValue "
-        "IsoScalarResultId MapScalarResultId MapVectorResultId SurfaceVisible "
-        "SurfaceColor Opacity SpecularIntensity DrawStyle TextureName "
-        "EnvironmentMapping](State[ID](Part[IFSBlockID NodeBlockID FringesResultBlockID "
-        "FringesResultMapping VectorResultBlockID]))",
+        "PrecomputedIsovolume[ID CaseID IsovolumeID MinIsoValue MaxIsoValue IsoScalarResultId "
+        "MapScalarResultId MapVectorResultId SurfaceVisible SurfaceColor Opacity "
+        "SpecularIntensity DrawStyle TextureName EnvironmentMapping](State[ID](Part[IFSBlockID "
+        "NodeBlockID FringesResultBlockID FringesResultMapping VectorResultBlockID]))",
     };
     for (const int type : test::StoredTypes()) Write(SampleBlock(type, 1));
     ASSERT_TRUE(m_access.Close());
@@ -395,11 +329,6 @@ TEST_F(ZRFxBlockTest, TypesWithoutAClassAreNotMade) {
     }
 }
 
-TEST_F(ZRFxBlockTest, FilesAreNamedByTypeAndIDOfAtLeastFourDigits) {
-    EXPECT_EQ(ZRFxNodeBlock(nullptr, 7).GetFilebase(), "Nodes\\Nodes0007");
-    EXPECT_EQ(ZRFxNodeBlock(nullptr, 12345).GetFilebase(), "Nodes\\Nodes12345");
-}
-
 // What is wrong with each, the block is not stored and the one before it stays.
 TEST_F(ZRFxBlockTest, ContentsThatCannotBeStoredLeaveTheDatabaseAsItIs) {
     for (const int type :
@@ -407,42 +336,39 @@ TEST_F(ZRFxBlockTest, ContentsThatCannotBeStoredLeaveTheDatabaseAsItIs) {
         Write(SampleBlock(type, 1));
     }
     const Entries before = test::Unpack(m_access);
-    const auto expectRefused = [&](const nvf::ref<ZRFxBlock>& block) {
+    const auto expectRefused = [&](const nvf::ref<ZRFxBlock>& block,
+                                   const char* message = nullptr) {
         EXPECT_FALSE(block->WriteBlock(&m_database));
         EXPECT_EQ(test::Unpack(m_access), before);
+        const std::vector<std::string> texts = TakeTexts();
+        if (message) {
+            EXPECT_EQ(texts, std::vector<std::string>{message});
+        }
     };
     const nvf::ref<ZRFxSetBlock> set = new ZRFxSetBlock(nullptr, 1);
     set->SetItemType(kItemTypeUndefined);
-    expectRefused(set.p());
-    ExpectTexts({"Only element sets are supported"});
-
+    expectRefused(set.p(), "Only element sets are supported");
     const nvf::ref<ZRFxPositionResultValuesBlock> arrows =
         new ZRFxPositionResultValuesBlock(nullptr, 1);
-    expectRefused(arrows.p());
-    ExpectTexts({"No map to block ID (element) specified."});
+    expectRefused(arrows.p(), "No map to block ID (element) specified.");
     arrows->m_iMapToBlockID = 1;
     arrows->m_aiElementIndices.Add(1);
-    expectRefused(arrows.p());
-    ExpectTexts({"Num IDs differs from num. results"});
+    expectRefused(arrows.p(), "Num IDs differs from num. results");
     arrows->SetDimension(2);
     ExpectAssertion("iDimension == 1 || iDimension == 3");
-    expectRefused(arrows.p());
-    ExpectTexts({"Result has illegal dimension."});
-
+    expectRefused(arrows.p(), "Result has illegal dimension.");
     const nvf::ref<ZRFxIndexedFaceSetBlock> polygons = new ZRFxIndexedFaceSetBlock(nullptr, 1);
     for (const auto& starts : {std::vector<std::int32_t>{0, 4}, {-1}, {2, 1}}) {
         const std::int32_t connects[] = {0, 1, 2};
         polygons->SetConnects(connects, 3);
         polygons->SetPolygons(starts.data(), static_cast<std::int64_t>(starts.size()));
         expectRefused(polygons.p());
-        TakeTexts();
     }
     const nvf::ref<ZRFxResultValuesBlock> tensors = new ZRFxResultValuesBlock(nullptr, 1);
     const float floats[7] = {};
     tensors->SetNumDimensions(6);
     tensors->SetScalars(floats, 7);
     expectRefused(tensors.p());
-    TakeTexts();
     ExpectOpensAgain();
 }
 
@@ -539,8 +465,8 @@ TEST_F(ZRFxBlockTest, LegacyGeometryHasOneGeometryPerState) {
     EXPECT_EQ(info->GetPartInfos(0)->GetPartInfo(1).partID, 6);
 
     Put(DocumentOf(BLOCK_GEOMETRY), "<Geometry ID='1'><State><Nodes/></State></Geometry>");
-    EXPECT_FALSE(block->GetLegacyGeometryInfo(info.p()));
-    ExpectTexts({"Only Elements and Indexed face sets are allowed in geometry spec"});
+    ExpectRefused(block->GetLegacyGeometryInfo(info.p()),
+                  {"Only Elements and Indexed face sets are allowed in geometry spec"});
     Put(DocumentOf(BLOCK_GEOMETRY), "<Nodes/>");
     EXPECT_FALSE(block->HasGeometryCountPerState());
     EXPECT_EQ(TakeTexts().back(), "Invalid XML");
@@ -555,8 +481,8 @@ TEST_F(ZRFxBlockTest, GeometryInfosTakeOneRecordForEachStateOrOneForAll) {
     ZRPtrArray<ZRFxStateInfo> states;
     for (const int id : {5, 6, 8}) states.Add(std::make_unique<ZRFxStateInfo>())->stateID = id;
     ZRPtrArray<ZRFxGeometryInfo> infos;
-    EXPECT_FALSE(block.FillGeometryInfos(names, &states, &infos));
-    ExpectAssertion("pGeoInfos->GetSize() == GetGeometryCountPerState()");
+    ExpectAssertion(block.FillGeometryInfos(names, &states, &infos),
+                    "pGeoInfos->GetSize() == GetGeometryCountPerState()");
     infos.Add(std::make_unique<ZRFxGeometryInfo>());
     ASSERT_TRUE(block.FillGeometryInfos(names, &states, &infos));
     ASSERT_EQ(infos[0]->states.size(), 3u);
@@ -564,10 +490,9 @@ TEST_F(ZRFxBlockTest, GeometryInfosTakeOneRecordForEachStateOrOneForAll) {
     EXPECT_EQ(infos[0]->states[2].stateID, 8);
     EXPECT_EQ(infos[0]->states[2].parts.at(0).blockID, 40);
     block.AddState(6);
-    EXPECT_FALSE(block.FillGeometryInfos(names, &states, &infos));
-    ExpectAssertion("iNumGeometryStates == iNumStates || iNumGeometryStates == 1");
-    EXPECT_FALSE(block.FillGeometryInfos(names, nullptr, &infos));
-    ExpectAssertion("pGeoInfos && pStateInfos");
+    ExpectAssertion(block.FillGeometryInfos(names, &states, &infos),
+                    "iNumGeometryStates == iNumStates || iNumGeometryStates == 1");
+    ExpectAssertion(block.FillGeometryInfos(names, nullptr, &infos), "pGeoInfos && pStateInfos");
     states.RemoveRange(2, 2);
     ASSERT_TRUE(block.FillGeometryInfos(names, &states, &infos));
     EXPECT_TRUE(infos[0]->states[1].parts.empty());
@@ -604,53 +529,23 @@ TEST_F(ZRFxBlockTest, DocumentTakesNoMoreThanItHolds) {
 
 TEST_F(ZRFxBlockTest, BadArgumentsAreAssertionsAndDoNothing) {
     ZRFxNodeBlock nodes(nullptr, 1);
-    EXPECT_FALSE(nodes.SetNodes(nullptr, 3, nullptr));
-    ExpectAssertion("pfNodes && (iNumNodes >= 0)");
-    EXPECT_EQ(nodes.GetNumNodes(), 0);
-    ExpectAssertion("m_pDatabase");
-
+    ExpectAssertion(nodes.SetNodes(nullptr, 3, nullptr), "pfNodes && (iNumNodes >= 0)");
+    ExpectAssertion(nodes.GetNumNodes() > 0, "m_pDatabase");
     ZRFxResultValuesBlock values(nullptr, 1);
-    EXPECT_FALSE(values.SetScalars(nullptr, 3));
-    ExpectAssertion("pfResult");
-    values.SetVectors(ZRVec3fArray());
-    ExpectAssertion("m_iNumDimensions == 3");
-    EXPECT_EQ(values.GetIndexOfID(-1), -1);
-    ExpectAssertion("iID >= 0");
-
+    ExpectAssertion(values.GetIndexOfID(-1) >= 0, "iID >= 0");
     ZRFxGeometryState state(1, 2);
-    EXPECT_FALSE(state.AddPart(2, {}));
     ExpectAssertion(
+        state.AddPart(2, {}),
         "iGlobalGeometryIndex >= 0 && iGlobalGeometryIndex < GetGeometryCountPerState()");
-    EXPECT_EQ(state.GetPart(1, 0).blockID, -1);
-    ExpectAssertion(
-        "iPartIndex >= 0 && iPartIndex < "
-        "static_cast<ZRint>(m_geometryParts[iGlobalGeometryIndex].size())");
-
-    ZRFxGeometryInfoBlock info(nullptr, 1);
-    EXPECT_EQ(info.GetPartInfos(0), nullptr);
-    ExpectAssertion("iGeometryIndex >= 0 && iGeometryIndex < GetGeometryCountPerState()");
-    EXPECT_EQ(ZRFxPartInfos().GetPartInfo(-1).partID, -1);
-    ExpectAssertion("iIndex >= 0 && iIndex < static_cast<ZRint>(m_partInfos.size())");
-
-    ZRFxResultBlock result(nullptr, 1);
-    result.RemoveStates(0, 0);
-    ExpectAssertion("iTo >= 0 && iTo < m_apStates.GetSize()");
+    ExpectAssertion(state.GetPart(1, 0).blockID >= 0,
+                    "iPartIndex >= 0 && iPartIndex < "
+                    "static_cast<ZRint>(m_geometryParts[iGlobalGeometryIndex].size())");
     ZRFxStateInfoBlock states(nullptr, 1);
     states.RemoveStates(-5, -1);
     ExpectAssertion("iTo >= 0 && iTo < m_apStateInfo.GetSize()");
-    ZRFxSetBlock set(nullptr, 1);
-    set.RemoveItems(0, 1000);
-    ExpectAssertion("iTo >= 0 && iTo < m_apSetBlockItems.GetSize()");
-    ZRFxPrecomputedState().RemoveParts(0, 0);
-    ExpectAssertion("iTo >= 0 && iTo < apParts.GetSize()");
-
     ZRFxCrossSection section(77);
-    EXPECT_FALSE(section.SetParameters({"a"}, {}));
-    ExpectAssertion("names.size() == values.size()");
-    EXPECT_FALSE(section.SetParameters({"Type"}, {1}));
-    ExpectAssertion("areNames");
-    EXPECT_EQ(CrossSectionTypeName(77), "UNKNOWN");
-    ExpectFailure("Unhandled cross section type");
+    ExpectAssertion(section.SetParameters({"a"}, {}), "names.size() == values.size()");
+    ExpectAssertion(section.SetParameters({"Type"}, {1}), "areNames");
 }
 
 }  // namespace

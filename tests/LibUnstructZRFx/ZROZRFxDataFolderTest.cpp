@@ -1,18 +1,15 @@
 #include "ZROZRFxDataFolder.h"
 
 #include <gtest/gtest.h>
-#include <stdlib.h>
 
-#include <clocale>
-#include <functional>
 #include <limits>
 #include <string>
 #include <vector>
 
 #include "ZRUndefined.h"
 #include "support/ArchiveTest.h"
+#include "support/CommaLocale.h"
 #include "support/HardTexts.h"
-#include "support/TemporaryFolder.h"
 
 namespace unstruct {
 namespace {
@@ -76,22 +73,20 @@ TEST_F(ZRFxDataFolderTest, BinaryFilesHoldPackedLittleEndianValuesAndNothingElse
 }
 
 TEST_F(ZRFxDataFolderTest, IntegersAreSetInLinesWithTheTailOneALine) {
-    const struct {
-        int itemsPerLine;
-        const char* text;
-    } kCases[] = {
-        {1, "1\n2\n3\n4\n5\n6\n7\n"}, {3, "1 2 3 \n4 5 6 \n7\n"},    {4, "1 2 3 4 \n5\n6\n7\n"},
-        {7, "1 2 3 4 5 6 7 \n"},      {20, "1\n2\n3\n4\n5\n6\n7\n"},
-    };
     const ZRIntArray items = Ints({1, 2, 3, 4, 5, 6, 7});
-    for (const auto& testCase : kCases) {
-        ASSERT_TRUE(Folder(true).WriteDataInt("i", items, testCase.itemsPerLine));
-        EXPECT_EQ(Get("Database001\\i.txt"), testCase.text);
+    const auto expectText = [&](int itemsPerLine, const char* text) {
+        ASSERT_TRUE(Folder(true).WriteDataInt("i", items, itemsPerLine));
+        EXPECT_EQ(Get("Database001\\i.txt"), text);
         ZRIntArray found;
         EXPECT_TRUE(Folder().ReadDataInt("i", 7, &found));
         EXPECT_EQ(found, items);
         ASSERT_TRUE(m_access.RemoveFile("Database001\\i.txt"));
-    }
+    };
+    expectText(1, "1\n2\n3\n4\n5\n6\n7\n");
+    expectText(3, "1 2 3 \n4 5 6 \n7\n");
+    expectText(4, "1 2 3 4 \n5\n6\n7\n");
+    expectText(7, "1 2 3 4 5 6 7 \n");
+    expectText(20, "1\n2\n3\n4\n5\n6\n7\n");
     EXPECT_FALSE(Folder(true).WriteDataInt("i", items, 21));
     EXPECT_EQ(TakeTexts().back(), "Max number of items per line is 20, 21 were requested");
     EXPECT_TRUE(Folder(true).WriteDataInt("i", Ints({-2147483647 - 1, 0}), 0));
@@ -136,15 +131,8 @@ TEST_F(ZRFxDataFolderTest, EveryFloatThatIsWrittenAsTextIsReadBack) {
 }
 
 TEST_F(ZRFxDataFolderTest, TextIsTheSameUnderACommaLocale) {
-    const test::TemporaryFolder folder;
-    const std::string path = folder.Path("de_DE.UTF-8");
-    const std::string before = std::setlocale(LC_ALL, nullptr);
-    setenv("LOCPATH", folder.Path("").c_str(), 1);
-    const bool isSet =
-        std::system(("localedef -i de_DE -f UTF-8 '" + path + "' 2>/dev/null").c_str()) == 0 &&
-        std::setlocale(LC_ALL, "de_DE.UTF-8");
-    unsetenv("LOCPATH");
-    if (!isSet) GTEST_SKIP() << "no locale with a comma";
+    const test::CommaLocale locale;
+    if (!locale.IsSet()) GTEST_SKIP() << "localedef cannot make a locale here";
     ExpectFloatText({1.5f, 1234567}, "1.5\n1.23457e+06\n");
     Put("Database001\\g.txt", "2.5\n");
     ZRFloatArray floats;
@@ -153,29 +141,22 @@ TEST_F(ZRFxDataFolderTest, TextIsTheSameUnderACommaLocale) {
     Put("Database001\\g.txt", "2,5\n");
     EXPECT_FALSE(Folder().ReadDataFloat("g", 1, &floats));
     TakeTexts();
-    std::setlocale(LC_ALL, before.c_str());
 }
 
 TEST_F(ZRFxDataFolderTest, TextOfOtherProgramsIsRead) {
-    const struct {
-        const char* text;
-        std::vector<std::int32_t> items;
-    } kCases[] = {
-        {"1 2\r\n3\r\n", {1, 2, 3}},
-        {"  1\t2 \n\n \r\n3", {1, 2, 3}},
-        {"+1\n-2\n007", {1, -2, 7}},
-        {"1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16 17 18 19 20\n1\n",
-         {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 18, 19, 20, 1}},
-        {"", {}},
-        {"\n\n", {}},
-    };
-    for (const auto& testCase : kCases) {
-        Put("Database001\\i.txt", testCase.text);
+    const auto expectRead = [&](const char* text, const std::vector<std::int32_t>& items) {
+        Put("Database001\\i.txt", text);
         ZRIntArray found;
-        EXPECT_TRUE(
-            Folder().ReadDataInt("i", static_cast<std::int64_t>(testCase.items.size()), &found));
-        EXPECT_EQ(found, Ints(testCase.items)) << testCase.text;
-    }
+        EXPECT_TRUE(Folder().ReadDataInt("i", static_cast<std::int64_t>(items.size()), &found));
+        EXPECT_EQ(found, Ints(items)) << text;
+    };
+    expectRead("1 2\r\n3\r\n", {1, 2, 3});
+    expectRead("  1\t2 \n\n \r\n3", {1, 2, 3});
+    expectRead("+1\n-2\n007", {1, -2, 7});
+    expectRead("1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16 17 18 19 20\n1\n",
+               {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 18, 19, 20, 1});
+    expectRead("", {});
+    expectRead("\n\n", {});
     Put("Database001\\f.txt", "UNDEF\r\n+1.5e3\n1e999\n1e-999\n");
     ZRFloatArray floats;
     ASSERT_TRUE(Folder().ReadDataFloat("f", 4, &floats));
@@ -207,51 +188,38 @@ TEST_F(ZRFxDataFolderTest, UnreadableFilesAreReportedAndLeaveTheArrayEmpty) {
     const std::string items = "Number of specified items (2) does not match number of items (";
     const std::string inText = ") in 'Database001\\x.txt'";
     const std::string inFile = " in file 'Database001\\x.txt' (text: ";
-    const struct {
-        Kind kind;
-        const char* text;  // null for no file
-        std::vector<std::string> messages;
-    } kCases[] = {
-        {INTS, nullptr, {missing, "Could not read binary int data."}},
-        {FLOATS, nullptr, {missing, "Could not read binary float data."}},
-        {VECTORS, nullptr, {missing, "Could not read binary vector data."}},
-        {TENSORS, nullptr, {missing, "Could not read binary vector data."}},
-        {BYTES, nullptr, {missing, "Could not read binary unsigned byte data."}},
-        {INTS, "1", {items + "1" + inText}},
-        {INTS, "1 2 3", {items + "3" + inText}},
-        {FLOATS, "1", {items + "1" + inText}},
-        {VECTORS, "", {items + "0" + inText}},
-        {TENSORS,
-         "1 2 3 4 5 6",
-         {"Number of specified tensors (2) does not match number of tensors (1" + inText}},
-        {BYTES, "1\n2\n3", {items + "3" + inText}},
-        {INTS, "1 two\n", {"Could not read integer values '1 two' from file 'Database001\\x.txt'"}},
-        {INTS, "1.0\n", {"Could not read integer values '1.0' from file 'Database001\\x.txt'"}},
-        {INTS,
-         "4294967296\n",
-         {"Could not read integer values '4294967296' from file 'Database001\\x.txt'"}},
-        {INTS,
-         "1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16 17 18 19 20 21\n",
-         {"Could not read integer values '1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16 1' from file "
-          "'Database001\\x.txt'"}},
-        {FLOATS, "1 2\n", {"Could not read one float value" + inFile + "1 2 ...)"}},
-        {FLOATS, "undef\n", {"Could not read one float value" + inFile + "undef ...)"}},
-        {VECTORS, "1 2\n", {"Could not read three float values" + inFile + "1 2 ...)"}},
-        {VECTORS, "1 UNDEF 2\n", {"Could not read three float values" + inFile + "1 UNDEF 2 ...)"}},
-        {VECTORS, "UNDEF 1 2\n", {"Could not read three float values" + inFile + "UNDEF 1 2 ...)"}},
-        {TENSORS, "1 2 3 4 5\n", {"Could not read six float values" + inFile + "1 2 3 4 5 ...)"}},
-        {BYTES, "1\n256\n", {"Found value 256 (index 1) outside unsigned byte range."}},
-        {BYTES, "-1\n", {"Found value -1 (index 0) outside unsigned byte range."}},
-        {BYTES, "1 2\n", {"Could not read one unsigned byte value" + inFile + "1 2 ...)"}},
-    };
-    for (const auto& testCase : kCases) {
+    const auto expectUnreadable = [&](Kind kind, const char* text,
+                                      const std::vector<std::string>& messages) {
         ASSERT_TRUE(m_access.RemoveFile("Database001\\x.txt"));
-        if (testCase.text) Put("Database001\\x.txt", testCase.text);
+        if (text) Put("Database001\\x.txt", text);
         std::int64_t numLeft = -1;
-        EXPECT_FALSE(Read(Folder(true), testCase.kind, "x", 2, &numLeft));
+        ExpectRefused(Read(Folder(true), kind, "x", 2, &numLeft), messages);
         EXPECT_EQ(numLeft, 0);
-        ExpectTexts(testCase.messages);
-    }
+    };
+    expectUnreadable(INTS, nullptr, {missing, "Could not read binary int data."});
+    expectUnreadable(VECTORS, nullptr, {missing, "Could not read binary vector data."});
+    expectUnreadable(TENSORS, nullptr, {missing, "Could not read binary vector data."});
+    expectUnreadable(BYTES, nullptr, {missing, "Could not read binary unsigned byte data."});
+    expectUnreadable(INTS, "1", {items + "1" + inText});
+    expectUnreadable(
+        TENSORS, "1 2 3 4 5 6",
+        {"Number of specified tensors (2) does not match number of tensors (1" + inText});
+    expectUnreadable(INTS, "1 two\n",
+                     {"Could not read integer values '1 two' from file 'Database001\\x.txt'"});
+    expectUnreadable(INTS, "4294967296\n",
+                     {"Could not read integer values '4294967296' from file 'Database001\\x.txt'"});
+    expectUnreadable(
+        INTS, "1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16 17 18 19 20 21\n",
+        {"Could not read integer values '1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16 1' from file "
+         "'Database001\\x.txt'"});
+    expectUnreadable(FLOATS, "1 2\n", {"Could not read one float value" + inFile + "1 2 ...)"});
+    expectUnreadable(VECTORS, "1 UNDEF 2\n",
+                     {"Could not read three float values" + inFile + "1 UNDEF 2 ...)"});
+    expectUnreadable(TENSORS, "1 2 3 4 5\n",
+                     {"Could not read six float values" + inFile + "1 2 3 4 5 ...)"});
+    expectUnreadable(BYTES, "1\n256\n", {"Found value 256 (index 1) outside unsigned byte range."});
+    expectUnreadable(BYTES, "1 2\n",
+                     {"Could not read one unsigned byte value" + inFile + "1 2 ...)"});
     Put("Database001\\x.dat", "12 bytes, so");
     for (const std::int64_t numItems : {std::int64_t{-1}, std::int64_t{2}, std::int64_t{1} << 40}) {
         std::int64_t numLeft = -1;
@@ -285,44 +253,31 @@ TEST_F(ZRFxDataFolderTest, DamagedTextFileIsReportedAsSuch) {
 }
 
 TEST_F(ZRFxDataFolderTest, FilesInTheWayAndClosedArchivesAreReported) {
-    using Write = std::function<bool()>;
-    struct Row {
-        Write write;
-        const char* ofText;
-        const char* ofBinary;
-    };
-    const std::vector<Row> kCases = {
-        Row([&] { return m_database.WriteDataInt("x", Ints({1}), 1); },
-            "Could not open new file for ASCII int data.",
-            "CCould not write new file for binary int data."),
-        Row([&] { return m_database.WriteDataFloat("x", Floats({1})); },
-            "Could not open new file for ASCII float data.", "Error writing binary float data."),
-        Row([&] { return m_database.WriteDataVector("x", ZRVec3fArray()); },
-            "Could not open new file for ASCII vector data.", "Error writing binary vector data."),
-        Row([&] { return m_database.WriteDataTensor("x", ZRFloatArray()); },
-            "Could not open new file for ASCII tensor data.", "Error writing binary tensor data."),
-        Row([&] { return m_database.WriteData("x", ZRUbyteArray()); },
-            "Could not open new file for ASCII unsigned byte data.",
-            "Error writing binary unsigned byte data."),
-    };
     Put("Database001\\x.dat", "a");
     Put("Database001\\x.txt", "b");
     for (const bool isOpen : {true, false}) {
-        for (const auto& testCase : kCases) {
-            for (const bool textMode : {true, false}) {
-                m_database.SetTextMode(textMode);
-                EXPECT_FALSE(testCase.write());
-                const std::vector<std::string> texts = TakeTexts();
-                EXPECT_EQ(texts.back(), textMode ? testCase.ofText : testCase.ofBinary);
-                EXPECT_EQ(texts.front() == "Archive is not open.", !isOpen);
-            }
-        }
-        if (isOpen) m_access.Close();
+        if (!isOpen) m_access.Close();
+        const auto expectRefused = [&](bool isWritten, const char* message) {
+            EXPECT_FALSE(isWritten) << message;
+            const std::vector<std::string> texts = TakeTexts();
+            EXPECT_EQ(texts.back(), message);
+            EXPECT_EQ(texts.front() == "Archive is not open.", !isOpen);
+        };
+        expectRefused(Folder(true).WriteDataInt("x", Ints({1}), 1),
+                      "Could not open new file for ASCII int data.");
+        expectRefused(Folder(true).WriteDataFloat("x", Floats({1})),
+                      "Could not open new file for ASCII float data.");
+        expectRefused(Folder(true).WriteData("x", {}),
+                      "Could not open new file for ASCII unsigned byte data.");
+        expectRefused(Folder().WriteDataInt("x", Ints({1}), 1),
+                      "CCould not write new file for binary int data.");
+        expectRefused(Folder().WriteDataFloat("x", Floats({1})),
+                      "Error writing binary float data.");
+        expectRefused(Folder().WriteData("x", {}), "Error writing binary unsigned byte data.");
     }
-    EXPECT_FALSE(Folder().WriteDataTensor("y", Floats({1, 2, 3, 4, 5})));
-    ExpectAssertion("data.GetSize() % kTensorComponents == 0");
-    EXPECT_FALSE(Folder().ReadDataInt("y", 1, nullptr));
-    ExpectAssertion("data");
+    ExpectAssertion(Folder().WriteDataTensor("y", Floats({1, 2, 3, 4, 5})),
+                    "data.GetSize() % kTensorComponents == 0");
+    ExpectAssertion(Folder().ReadDataInt("y", 1, nullptr), "data");
 }
 
 TEST_F(ZRFxDataFolderTest, FileIsFoundInEitherFormAndUnderItsWholeName) {

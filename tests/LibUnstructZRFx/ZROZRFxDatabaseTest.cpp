@@ -13,7 +13,6 @@
 #include "ZROZRFxNodeBlock.h"
 #include "support/ArchiveTest.h"
 #include "support/FaultySystem.h"
-#include "support/HardTexts.h"
 #include "support/SampleBlocks.h"
 #include "support/TemporaryFolder.h"
 
@@ -150,107 +149,62 @@ TEST_F(ZRFxDatabaseTest, EntriesUnderSlashesAreFoundAndReplaced) {
     }
 }
 
-TEST_F(ZRFxDatabaseTest, TableOfContentsMayNameFilesRelativeToTheFolder) {
-    Write(SampleBlock(BLOCK_NODES, 1));
-    ASSERT_TRUE(m_database.WriteTOC());
-    Edit(kTOC, "Database001\\Nodes\\", "Nodes\\");
-    ExpectBlocks({"Nodes 1"});
-}
-
-TEST_F(ZRFxDatabaseTest, DuplicateLinesGiveOneBlock) {
+TEST_F(ZRFxDatabaseTest, TableOfContentsMayNameFilesRelativeToTheFolderAndTwice) {
     Write(SampleBlock(BLOCK_NODES, 1));
     ASSERT_TRUE(m_database.WriteTOC());
     const std::string line = "<Nodes ID=\"1\" File=\"Database001\\Nodes\\Nodes0001.xml\" />";
-    Edit(kTOC, line, line + line);
+    Edit(kTOC, line, line + "<Nodes ID=\"1\" File=\"Nodes\\Nodes0001.xml\" />");
+    ExpectBlocks({"Nodes 1"});
+    Edit(kTOC, line, "");
     ExpectBlocks({"Nodes 1"});
 }
 
 TEST_F(ZRFxDatabaseTest, DamagedDocumentsEndTheParseWithTheirMessage) {
     const std::string missing = "Unable to read raw data from '";
-    const struct {
-        const char* entry;
-        const char* from;  // null to remove the entry
-        const char* to;
-        std::vector<std::string> messages;
-    } kCases[] = {
-        {kDescription,
-         nullptr,
-         nullptr,
-         {missing + kDescription + "', file not found.", "Database Xml file not found."}},
-        {kDescription,
-         "<Database ",
-         "<Base><Database ",
-         {"'Database001\\Database.xml' in '': Start-end tags mismatch (at byte 247)",
-          "Error parsing Xml contents", "Database Xml file not found."}},
-        {"ZRF.xml", "<Database ID=\"1\"", "<Database ID=\"2\"", {"Database Xml file not found."}},
-        {"ZRF.xml", "Databases>", "Bases>", {}},
-        {kDescription, " ID=\"1\"", " ID=\"-7\"", {"Invalid Database ID -7 specified"}},
-        {kDescription,
-         "Folder=\"Database001\"",
-         "Folder=\" \"",
-         {"Invalid Database Folder, is blank."}},
-        {kTOC, "DatabaseID=\"1\"", "DatabaseID=\"2\"", {"Illegal database ID in TOC file."}},
-        {kTOC, "DatabaseID=\"1\"", "", {"Illegal database ID in TOC file."}},
-        {kTOC, "File=\"Database001\\Set\\Set0001.xml\"", "", {"No filename specified for block."}},
-        {kTOC, " ID=\"1\"", " ID=\"-1\"", {"Invalid ID -1 specified for block"}},
-        {kTOC, " ID=\"1\"", " ID=\"99999999999\"", {"Invalid ID -1 specified for block"}},
-        {kTOC, "<Set ", "<Sets ", {"Invalid block type 'Sets' specified"}},
-        {kTOC, "<Set ", "<Texture ", {"Error create block (type 'Texture', ID 1)"}},
-        {kTOC,
-         " ID=\"1\"",
-         " ID=\"2\"",
-         {"Set block ID 1 in 'Database001\\Set\\Set0001.xml' does not match ID 2 in Database-TOC",
-          "Invalid XML", "Error reading block meta data."}},
-        {kTOC,
-         "Set0001.xml",
-         "Set0002.xml",
-         {missing + "Database001\\Set\\Set0002.xml', file not found.", "Invalid XML",
-          "Error reading block meta data."}},
-    };
+    const std::string noDocument = "Database Xml file not found.";
     Write(SampleBlock(BLOCK_SET, 1));
     ASSERT_TRUE(m_database.WriteTOC());
-    for (const auto& testCase : kCases) {
-        SCOPED_TRACE(testCase.from ? testCase.from : testCase.entry);
-        const std::string before = Get(testCase.entry);
-        if (!testCase.from) {
-            ASSERT_TRUE(m_access.RemoveFile(testCase.entry));
-        } else if (testCase.messages.empty()) {
-            Put(testCase.entry, "<ZRF/>");
-        } else {
-            Edit(testCase.entry, testCase.from, testCase.to);
-        }
-        ExpectParseFails(testCase.messages.empty()
-                             ? std::vector<std::string>{"Databases root not found in main document",
-                                                        "Database Xml file not found."}
-                             : testCase.messages);
-        Put(testCase.entry, before);
-    }
-    for (const auto& [entry, message] :
-         {std::pair{kDescription, "Illegal root element in database.xml file."},
-          std::pair{kTOC, "Illegal root element in database TOC file."}}) {
+    const auto expectFails = [&](const char* entry, const char* from, const char* to,
+                                 const std::vector<std::string>& messages) {
+        SCOPED_TRACE(from);
         const std::string before = Get(entry);
-        Put(entry, "<Nodes ID='1'/>");
-        ExpectParseFails({message});
+        if (*from) Edit(entry, from, to);
+        if (!*from) Put(entry, to);
+        ExpectParseFails(messages);
         Put(entry, before);
-    }
-    Put(kTOC, "");
-    ZRFxDatabase parsed(&m_access);
-    EXPECT_FALSE(parsed.Parse(1));
-    EXPECT_EQ(TakeTexts().back(), "Cannot find database TOC file.");
+    };
+    expectFails("ZRF.xml", "", "<ZRF/>", {"Databases root not found in main document", noDocument});
+    expectFails("ZRF.xml", "<Database ID=\"1\"", "<Database ID=\"2\"", {noDocument});
+    expectFails(kDescription, "<Database ", "<Base><Database ",
+                {"'Database001\\Database.xml' in '': Start-end tags mismatch (at byte 247)",
+                 "Error parsing Xml contents", noDocument});
+    expectFails(kDescription, "", "<Nodes/>", {"Illegal root element in database.xml file."});
+    expectFails(kDescription, " ID=\"1\"", " ID=\"-7\"", {"Invalid Database ID -7 specified"});
+    expectFails(kDescription, "=\"Database001\"", "=\" \"", {"Invalid Database Folder, is blank."});
+    expectFails(kTOC, "", "<Nodes/>", {"Illegal root element in database TOC file."});
+    expectFails(kTOC, "DatabaseID=\"1\"", "", {"Illegal database ID in TOC file."});
+    expectFails(kTOC, "DatabaseID=\"1\"", "DatabaseID=\"2\"", {"Illegal database ID in TOC file."});
+    expectFails(kTOC, "File=", "No=", {"No filename specified for block."});
+    expectFails(kTOC, " ID=\"1\"", " ID=\"99999999999\"", {"Invalid ID -1 specified for block"});
+    expectFails(kTOC, "<Set ", "<Sets ", {"Invalid block type 'Sets' specified"});
+    expectFails(kTOC, "<Set ", "<Texture ", {"Error create block (type 'Texture', ID 1)"});
+    expectFails(kTOC, "Set0001.xml", "Set0002.xml",
+                {missing + "Database001\\Set\\Set0002.xml', file not found.", "Invalid XML",
+                 "Error reading block meta data."});
+    ASSERT_TRUE(m_access.RemoveFile(kDescription));
+    ExpectParseFails({missing + kDescription + "', file not found.", noDocument});
 }
 
 TEST_F(ZRFxDatabaseTest, FolderScanReportsDocumentsThatAreNoBlocks) {
-    const std::pair<const char*, std::vector<std::string>> kCases[] = {
-        {"<Nodes/>", {"Invalid ID specified for block (type 'Nodes', ID -1)"}},
-        {"<Notes ID='1'/>", {"Invalid block type 'Notes' specified"}},
-        {"<User ID='1'/>", {"Error create block (type 'User', ID 1)"}},
-        {"<Set ID='1'/>",
-         {"Only element sets are supported", "Error reading block meta data (type 'Set', ID 1)"}},
-    };
-    for (const auto& [document, messages] : kCases) {
+    const auto expectFails = [&](const char* document, const std::vector<std::string>& messages) {
         Put("Database001\\a\\b\\X.xml", document);
         ExpectParseFails(messages);
-    }
+    };
+    expectFails("<Nodes/>", {"Invalid ID specified for block (type 'Nodes', ID -1)"});
+    expectFails("<Notes ID='1'/>", {"Invalid block type 'Notes' specified"});
+    expectFails("<User ID='1'/>", {"Error create block (type 'User', ID 1)"});
+    expectFails("<Set ID='1'/>", {"Only element sets are supported",
+                                  "Error reading block meta data (type 'Set', ID 1)"});
     ASSERT_TRUE(m_access.RemoveFile("Database001\\a\\b\\X.xml"));
     Put("Database001\\DATABASE.xml", "not looked at");
     Put("Database001\\notes.txt", "not looked at");
@@ -260,36 +214,17 @@ TEST_F(ZRFxDatabaseTest, FolderScanReportsDocumentsThatAreNoBlocks) {
 
 TEST_F(ZRFxDatabaseTest, CreateRefusesAnIDInUseAndABrokenFile) {
     ZRFxDatabase other(&m_access);
-    EXPECT_FALSE(test::CreateDatabase(other, 1));
-    ExpectTexts({"Database with ID=1 already exists"});
+    ExpectRefused(test::CreateDatabase(other, 1), {"Database with ID=1 already exists"});
     EXPECT_TRUE(test::CreateDatabase(other, 1000));
     EXPECT_EQ(other.GetFolder(), "Database1000");
     Put("Database007\\Database.xml", "taken");
-    EXPECT_FALSE(test::CreateDatabase(other, 7));
-    ExpectTexts(
+    ExpectRefused(
+        test::CreateDatabase(other, 7),
         {"Xml file 'Database007\\Database.xml' exists in archive, and overwrite flag is not set",
          "Error writing Xml file.", "Error adding database."});
     Put("ZRF.xml", "<ZRF/>");
-    EXPECT_FALSE(test::CreateDatabase(other, 2));
-    ExpectTexts({"Databases root not found in main document", "File structure error."});
-}
-
-TEST_F(ZRFxDatabaseTest, AddedBlockReplacesTheOneOfItsTypeAndID) {
-    bool isReplaced = true;
-    const nvf::ref<ZRFxBlock> first = SampleBlock(BLOCK_NODES, 5);
-    const nvf::ref<ZRFxBlock> second = SampleBlock(BLOCK_NODES, 5);
-    EXPECT_TRUE(m_database.AddBlock(first.p(), &isReplaced));
-    EXPECT_FALSE(isReplaced);
-    EXPECT_TRUE(m_database.AddBlock(SampleBlock(BLOCK_NODES, 2).p(), &isReplaced));
-    EXPECT_TRUE(m_database.AddBlock(SampleBlock(BLOCK_RESULTS, 5).p(), &isReplaced));
-    EXPECT_FALSE(isReplaced);
-    EXPECT_TRUE(m_database.AddBlock(second.p(), &isReplaced));
-    EXPECT_TRUE(isReplaced);
-    EXPECT_EQ(m_database.GetBlockByID(BLOCK_NODES, 5), second.p());
-    EXPECT_EQ(BlocksOf(m_database), (std::vector<std::string>{"Nodes 2", "Nodes 5", "Results 5"}));
-    EXPECT_FALSE(m_database.AddBlock(nullptr, &isReplaced));
-    EXPECT_FALSE(m_database.AddBlock(first.p(), nullptr));
-    ExpectAssertion("replaced");
+    ExpectRefused(test::CreateDatabase(other, 2),
+                  {"Databases root not found in main document", "File structure error."});
 }
 
 TEST_F(ZRFxDatabaseTest, WhatCouldNotBeOpenedAgainIsNotWritten) {
@@ -297,9 +232,9 @@ TEST_F(ZRFxDatabaseTest, WhatCouldNotBeOpenedAgainIsNotWritten) {
     nvf::XmlDocument doc;
     doc.createRootElement("Nodes", "");
     for (const auto& [type, id] : kBlocks) {
-        EXPECT_FALSE(m_database.WriteBlock(type, id, "Database001\\x.xml", doc, true));
-        ExpectTexts({"Error writing block xml file (type '" + std::string(type) + "' ID " +
-                     std::to_string(id) + ")"});
+        ExpectRefused(m_database.WriteBlock(type, id, "Database001\\x.xml", doc, true),
+                      {"Error writing block xml file (type '" + std::string(type) + "' ID " +
+                       std::to_string(id) + ")"});
     }
     ExpectBlocks({});
 }
@@ -307,63 +242,34 @@ TEST_F(ZRFxDatabaseTest, WhatCouldNotBeOpenedAgainIsNotWritten) {
 TEST_F(ZRFxDatabaseTest, ReadOnlyAndClosedArchivesAreReported) {
     Write(SampleBlock(BLOCK_NODES, 1));
     Reopen(ZRZipAccessMode::READ_ONLY);
-    EXPECT_FALSE(m_database.WriteTOC());
-    ExpectTexts({"The file is read only.", "Cannot write Database TOC to archive."});
+    ExpectRefused(m_database.WriteTOC(),
+                  {"The file is read only.", "Cannot write Database TOC to archive."});
     EXPECT_FALSE(SampleBlock(BLOCK_NODES, 2)->WriteBlock(&m_database));
     EXPECT_THAT(TakeTexts(), testing::Contains("The file is read only."));
-    EXPECT_FALSE(SampleBlock(BLOCK_NODES, 1)->WriteBlock(&m_database));
-    ExpectTexts({"The file is read only."});
-    EXPECT_FALSE(SampleBlock(BLOCK_STATE_INFO, 1)->WriteBlock(&m_database));
-    ExpectTexts({"The file is read only.", "Error writing block xml file (type 'StateInfo' ID 1)",
-                 "File write error"});
+    ExpectRefused(SampleBlock(BLOCK_NODES, 1)->WriteBlock(&m_database), {"The file is read only."});
+    ExpectRefused(SampleBlock(BLOCK_STATE_INFO, 1)->WriteBlock(&m_database),
+                  {"The file is read only.", "Error writing block xml file (type 'StateInfo' ID 1)",
+                   "File write error"});
     EXPECT_EQ(BlocksOf(m_database), std::vector<std::string>{"Nodes 1"});
     EXPECT_TRUE(m_database.GetBlock(0)->ReadBlock());
     ASSERT_TRUE(m_access.Close());
-    EXPECT_FALSE(m_database.WriteTOC());
-    ExpectTexts({"Cannot write Xml file 'Database001\\Database-TOC.xml', archive is not open.",
-                 "Cannot write Database TOC to archive."});
+    ExpectRefused(m_database.WriteTOC(),
+                  {"Cannot write Xml file 'Database001\\Database-TOC.xml', archive is not open.",
+                   "Cannot write Database TOC to archive."});
 }
 
 TEST_F(ZRFxDatabaseTest, WithoutArchiveOrWithBadArgumentsItFailsAnAssertion) {
     ZRFxDatabase nowhere(nullptr);
-    EXPECT_FALSE(test::CreateDatabase(nowhere, 1));
-    ExpectAssertion("m_pAccess");
+    ExpectAssertion(test::CreateDatabase(nowhere, 1), "m_pAccess");
     EXPECT_FALSE(nowhere.Parse(1));
     EXPECT_EQ(TakeTexts().back(), "Database Xml file not found.");
-    EXPECT_FALSE(nowhere.WriteTOC());
-    ExpectAssertion("m_pTOC.notNull()");
-    EXPECT_FALSE(SampleBlock(BLOCK_NODES, 1)->WriteBlock(&nowhere));
-    EXPECT_FALSE(SampleBlock(BLOCK_STATE_INFO, 1)->WriteBlock(&nowhere));
-    TakeTexts();
-    EXPECT_EQ(m_database.GetBlock(-1), nullptr);
-    ExpectAssertion("globalIndex >= 0");
+    ExpectAssertion(nowhere.WriteTOC(), "m_pTOC.notNull()");
     EXPECT_EQ(m_database.GetBlock(0), nullptr);
-    for (const int type : {-1, 23}) {
-        EXPECT_EQ(m_database.GetNumBlocks(type), 0);
-        EXPECT_EQ(m_database.GetBlock(type, 0), nullptr);
-        EXPECT_EQ(m_database.GetBlockByID(type, 0), nullptr);
-    }
+    ExpectAssertion(m_database.GetBlock(-1) != nullptr, "globalIndex >= 0");
+    for (const int type : {-1, 23}) EXPECT_EQ(m_database.GetBlockByID(type, 0), nullptr);
+    ExpectAssertion(m_database.AddBlock(SampleBlock(BLOCK_NODES, 1).p(), nullptr), "replaced");
     EXPECT_EQ(ZRFxBlockTypeName(23), "INVALID_BLOCK");
     EXPECT_EQ(ZRFxBlockTypeFromName("nodes"), 999999);
-}
-
-TEST_F(ZRFxDatabaseTest, NamesInEveryScriptComeBack) {
-    int id = 2;
-    for (const char* text : test::kHardXmlTexts) {
-        ZRFxDatabase database(&m_access);
-        ASSERT_TRUE(database.Create(text, id, text, ZRFEMSimulationType::OTHER,
-                                    ZRFEMSolutionType::OTHER, text));
-        ZRFxDatabase parsed(&m_access);
-        ASSERT_TRUE(parsed.Parse(id));
-        ExpectTexts({kParsing});
-        EXPECT_EQ(parsed.GetName(), text);
-        EXPECT_EQ(parsed.GetSourceName(), text);
-        EXPECT_EQ(parsed.GetDescription(), text);
-        EXPECT_EQ(ZRString(nvf::String(parsed.GetName())), parsed.GetName());
-        ZRFxDatabaseInfo info;
-        ASSERT_TRUE(m_access.GetDatabaseByID(id++, &info));
-        EXPECT_EQ(info.name, text);
-    }
 }
 
 TEST_F(ZRFxDatabaseTest, LenientParseReportsAllThatDoesNotFitAndKeepsTheRest) {
@@ -446,28 +352,14 @@ protected:
         return true;
     }
 
-    static std::string Difference(const test::Entries& left, const test::Entries& expected) {
-        std::string names;
-        for (const auto& [name, content] : expected) {
-            if (!left.count(name)) names += " - " + name;
-        }
-        for (const auto& [name, content] : left) {
-            if (!expected.count(name))
-                names += " + " + name;
-            else if (expected.at(name) != content)
-                names += " ~ " + name;
-        }
-        return names;
-    }
-
     const test::TemporaryFolder m_folder;
-    const std::string m_path = m_folder.Path("model.zrfx");
+    const std::string m_path = m_folder.File("model.zrfx");
 };
 
 TEST_F(FailingSystem, LeavesTheFileAsBeforeOrAsAfter) {
     using Failing = ziptest::FaultySystem::Failing;
     for (const bool isNew : {true, false}) {
-        const std::string before = m_folder.Path("before.zrfx");
+        const std::string before = m_folder.File("before.zrfx");
         if (!isNew) std::filesystem::copy_file(m_path, before);
         const auto restore = [&] {
             std::filesystem::remove(m_path);
@@ -486,9 +378,7 @@ TEST_F(FailingSystem, LeavesTheFileAsBeforeOrAsAfter) {
                 isDone = Work(isNew, &system, nullptr) && !system.HasFailed();
                 system.Recover();
                 if (!std::filesystem::exists(m_path)) continue;
-                const test::Entries left = State();
-                EXPECT_TRUE(std::count(states.begin(), states.end(), left) > 0)
-                    << "call " << call << Difference(left, states.back());
+                EXPECT_TRUE(std::count(states.begin(), states.end(), State()) > 0) << call;
                 ASSERT_LT(call, 2000);
             }
         }

@@ -50,8 +50,8 @@ TEST_F(ZRFxElementBlockTest, GroupsHaveAllIDsOrNone) {
         auto first = Triangles({0, 1, 2}, firstHasIDs ? ids : std::vector<std::int32_t>{});
         auto second = Triangles({0, 1, 2}, firstHasIDs ? std::vector<std::int32_t>{} : ids);
         EXPECT_TRUE(block->AddElementGroup(first));
-        EXPECT_FALSE(block->AddElementGroup(second));
-        ExpectTexts({"Either all element groups must have IDs or none. (Element block ID 9)"});
+        ExpectRefused(block->AddElementGroup(second),
+                      {"Either all element groups must have IDs or none. (Element block ID 9)"});
         EXPECT_TRUE(second);
         EXPECT_EQ(block->GetNumElementGroups(), 1);
         EXPECT_EQ(block->GetWithIDs(), firstHasIDs);
@@ -112,22 +112,32 @@ TEST_F(ZRFxElementBlockTest, IDsAndIndicesRunOverAllGroups) {
     ASSERT_TRUE(m_block->RenumberElementIndices());
     EXPECT_EQ(m_block->GetElementGroup(1)->m_aiElementIndices, Ints({2}));
     m_block->GetElementGroup(1)->m_aiIDs.Add(8);
-    EXPECT_FALSE(m_block->GetAllElementIDs(&ids));
-    ExpectAssertion("paiElementIDs->GetNumItems() == iNumElements");
+    ExpectAssertion(m_block->GetAllElementIDs(&ids),
+                    "paiElementIDs->GetNumItems() == iNumElements");
+}
+
+TEST_F(ZRFxElementBlockTest, CountsThatAreNotOneForEachPolyhedronAreRefused) {
+    for (const char* what : {"node", "face"}) {
+        const nvf::ref<ZRFxBlock> block = test::SampleBlock(BLOCK_ELEMENTS, 1);
+        auto* group = dynamic_cast<ZRFxElementBlock*>(block.p())->GetElementGroup(2);
+        (what == std::string("node") ? group->m_aiPolyhedronElementNodeCounts
+                                     : group->m_aiPolyhedronFaceCounts) = Ints({4, 3, 1});
+        Write(block);
+        ExpectRefused(m_database.GetBlockByID(BLOCK_ELEMENTS, 1)->ReadBlock(),
+                      {"Elements block ID 1: 'Database001\\Elements\\Elements0001.xml' holds 3 "
+                       "polyhedron " +
+                       std::string(what) + " counts, expected 2"});
+    }
 }
 
 TEST_F(ZRFxElementBlockTest, BadArgumentsAreAssertionsAndDoNothing) {
     std::unique_ptr<ZRFxElementBlockGroup> none;
-    EXPECT_FALSE(m_block->AddElementGroup(none));
-    ExpectAssertion("pGroup");
-    EXPECT_FALSE(m_block->GetAllElementIDs(nullptr));
-    ExpectAssertion("paiElementIDs");
+    ExpectAssertion(m_block->AddElementGroup(none), "pGroup");
+    ExpectAssertion(m_block->GetAllElementIDs(nullptr), "paiElementIDs");
     for (const int index : {-1, 0}) {
-        EXPECT_FALSE(m_block->GetElementGroup(index));
-        ExpectAssertion("(iEltGroupIdx >= 0) && (iEltGroupIdx < m_apElementGroups.GetSize())");
+        ExpectAssertion(m_block->GetElementGroup(index) != nullptr,
+                        "(iEltGroupIdx >= 0) && (iEltGroupIdx < m_apElementGroups.GetSize())");
     }
-    EXPECT_FALSE(m_block->GetUserProperties(0));
-    ExpectAssertion("iPropertiesIdx < m_apUserProperties.GetSize()");
     EXPECT_FALSE(m_block->GetUserProperties(-1));
     m_block->RemoveElementGroups(0, 3);
     ExpectAssertion("iTo >= 0 && iTo < m_apElementGroups.GetSize()");
@@ -138,108 +148,63 @@ TEST_F(ZRFxElementBlockTest, BadArgumentsAreAssertionsAndDoNothing) {
 class DamagedElements : public test::DatabaseTest, public testing::WithParamInterface<Damage> {};
 
 TEST_P(DamagedElements, AreRefusedAndStayUnread) {
-    ExpectRefused(GetParam());
+    ExpectUnreadable(GetParam());
+}
+
+Damage Of(const char* name, const char* file, const char* from, const char* to,
+          const char* messages) {
+    return {name, BLOCK_ELEMENTS, file, from, to, messages};
 }
 
 const std::vector<Damage> kDamages = {
-    Damage("Unrecorded", BLOCK_ELEMENTS, ".xml", "<File", "<Other",
-           "Cannot get element info from Xml (Element block ID 1)"),
-    Damage("Uncounted", BLOCK_ELEMENTS, ".xml", "0001-0001\" NumItems=\"2\"",
-           "0001-0001\" NumItems=\"\"", "Cannot get element info from Xml (Element block ID 1)"),
-    Damage("NegativeCount", BLOCK_ELEMENTS, ".xml", "0001-0001\" NumItems=\"2\"",
-           "0001-0001\" NumItems=\"-2\"",
-           "Elements block ID 1: '#-0001' holds -2 elements, expected 0"),
-    Damage("HugeCount", BLOCK_ELEMENTS, ".xml", "0001-0001\" NumItems=\"2\"",
-           "0001-0001\" NumItems=\"2147483647\"",
-           "Elements block ID 1: '#-0001' holds 4 element nodes, expected 4294967294"),
-    Damage("CountNotOfTheNodes", BLOCK_ELEMENTS, ".xml", "0001-0001\" NumItems=\"2\"",
-           "0001-0001\" NumItems=\"1\"",
-           "Elements block ID 1: '#-0001' holds 4 element nodes, expected 2"),
-    Damage("NodesNotOfTheType", BLOCK_ELEMENTS, ".xml", "Type=\"Beam\"", "Type=\"Quad\"",
-           "Elements block ID 1: '#-0001' holds 4 element nodes, expected 8"),
-    Damage("UnknownType", BLOCK_ELEMENTS, ".xml", "Type=\"Beam\"", "Type=\"beam\"",
-           "Elements block ID 1: '#-0001' holds 4 element nodes, expected 0"),
-    Damage("NodesCut", BLOCK_ELEMENTS, "-0001.txt", nullptr, "1\n2\n2\n",
-           "Number of specified items (4) does not match number of items (3) in '@-0001.txt'\n"
-           "Error reading element data"),
-    Damage(
-        "NodeZero", BLOCK_ELEMENTS, "-0001.txt", nullptr, "1\n2\n0\n3\n",
-        "Elements block ID 1: '#-0001' holds node index -1 at position 2, expected none below 0"),
-    Damage("NodeLowest", BLOCK_ELEMENTS, "-0001.txt", nullptr, "1\n2\n2\n-2147483648\n",
-           "Elements block ID 1: '#-0001' holds node index -2147483648 at position 3, expected "
-           "none below 0"),
-    Damage("IDsCut", BLOCK_ELEMENTS, "-0002-IDs.txt", nullptr, "",
-           "Number of specified items (1) does not match number of items (0) in '@-0002-IDs.txt'\n"
-           "Error reading element data"),
-    Damage("IDsMissingInOneGroup", BLOCK_ELEMENTS, ".xml",
-           " IDs=\"Elements\\Elements0001-0002-IDs\"", "",
-           "Either all element groups must have IDs or none. (Element block ID 1)"),
-    Damage("IDsDenied", BLOCK_ELEMENTS, ".xml", "WithID=\"true\"", "WithID=\"false\"",
-           "Either all element groups must have IDs or none. (Element block ID 1)"),
-    Damage("IndicesTooMany", BLOCK_ELEMENTS, ".xml", "-ElementIndices\" NumItems=\"2\"",
-           "-ElementIndices\" NumItems=\"3\"",
-           "Elements block ID 1: '#-0001-ElementIndices' holds 3 element indices, expected 2"),
-    Damage("IndicesUncounted", BLOCK_ELEMENTS, ".xml", "-ElementIndices\" NumItems=\"2\"",
-           "-ElementIndices\"", "Error reading element indices"),
-    Damage("IndicesCut", BLOCK_ELEMENTS, "-0001-ElementIndices.txt", nullptr, "1\n",
-           "Number of specified items (2) does not match number of items (1) in "
-           "'@-0001-ElementIndices.txt'\n"
-           "Error reading element indices"),
-    Damage("IndexNegative", BLOCK_ELEMENTS, "-0001-ElementIndices.txt", nullptr, "1\n-1\n",
-           "Elements block ID 1: '#-0001-ElementIndices' holds element index -1 at position 1, "
-           "expected none below 0"),
-    Damage(
-        "MappingTooShort", BLOCK_ELEMENTS, ".xml", "-ExpansionMapping\" NumItems=\"2\"",
-        "-ExpansionMapping\" NumItems=\"1\"",
-        "Elements block ID 1: '#-0001-ExpansionMapping' holds 1 cross section indices, expected 2"),
-    Damage("MappingUncounted", BLOCK_ELEMENTS, ".xml", "-ExpansionMapping\" NumItems=\"2\"",
-           "-ExpansionMapping\"", "Error reading element data"),
-    Damage("DirectionsMissing", BLOCK_ELEMENTS, ".xml", "<Directions", "<Other",
-           "Error reading element data"),
-    Damage("EccentricitiesNotOfTheElements", BLOCK_ELEMENTS, ".xml", "NumEccPerElement=\"2\"",
-           "NumEccPerElement=\"1\"",
-           "Elements block ID 1: '@.xml' holds 4 eccentricities, expected 2"),
-    Damage("MappingNegative", BLOCK_ELEMENTS, "-0001-ExpansionMapping.txt", nullptr, "0\n-1\n",
-           "Elements block ID 1: '#-0001-ExpansionMapping' holds cross section index -1 at "
-           "position 1, expected none below 0"),
-    Damage("NodeCountsMissing", BLOCK_ELEMENTS, ".xml", "<PolyhedronElementNodeCounts", "<Other",
-           "Error reading polyhedrons (PolyhedronElementNodeCounts)"),
-    Damage("FaceCountsMissing", BLOCK_ELEMENTS, ".xml", "<PolyhedronFaceCounts", "<Other",
-           "Error reading polyhedrons (PolyhedronFaceCounts)"),
-    Damage("LocalNodesMissing", BLOCK_ELEMENTS, ".xml", "<PolyhedronFaceLocalNodes", "<Other",
-           "Error reading polyhedrons (PolyhedronFaceLocalNodes)"),
-    Damage("FaceNodeCountsMissing", BLOCK_ELEMENTS, ".xml", "<PolyhedronFaceNodeCounts", "<Other",
-           "Error reading polyhedrons (PolyhedronFaceNodeCounts)"),
-    Damage("NodeCountsTooFew", BLOCK_ELEMENTS, ".xml", "StartNodes\" NumItems=\"2\"",
-           "StartNodes\" NumItems=\"1\"",
-           "Number of specified items (1) does not match number of items (2) in "
-           "'@-0003-PolyhedronStartNodes.txt'\n"
-           "Error reading polyhedrons (PolyhedronElementNodeCounts)"),
-    Damage("NodeCountsNotOfTheNodes", BLOCK_ELEMENTS, "-0003-PolyhedronStartNodes.txt", nullptr,
-           "4\n5\n", "Elements block ID 1: '@.xml' holds 8 polyhedron nodes, expected 9"),
-    Damage("NodeCountNegative", BLOCK_ELEMENTS, "-0003-PolyhedronStartNodes.txt", nullptr,
-           "12\n-4\n",
-           "Elements block ID 1: '@.xml' holds PolyhedronElementNodeCounts -4 at position 1, "
-           "expected none below 0\n"
-           "Error reading polyhedrons (PolyhedronElementNodeCounts)"),
-    Damage("FaceCountsNotOfTheFaces", BLOCK_ELEMENTS, "-0003-PolyhedronFaceCounts.txt", nullptr,
-           "4\n5\n", "Elements block ID 1: '@.xml' holds 8 polyhedron faces, expected 9"),
-    Damage("FaceCountsHuge", BLOCK_ELEMENTS, "-0003-PolyhedronFaceCounts.txt", nullptr,
-           "2147483647\n2147483647\n",
-           "Elements block ID 1: '@.xml' holds 8 polyhedron faces, expected 4294967294"),
-    Damage("FaceNodeCountsNotOfTheNodes", BLOCK_ELEMENTS, "-0003-PolyhedronFaceNodeCounts.txt",
-           "3\n3\n", "3\n4\n",
-           "Elements block ID 1: '@.xml' holds 24 polyhedron face nodes, expected 25"),
-    Damage("LocalNodeBeyondTheElement", BLOCK_ELEMENTS, "-0003-PolyhedronFaceLocalNodes.txt", "3\n",
-           "4\n",
-           "Elements block ID 1: '@.xml' holds local node 4 in polyhedron 0, expected less than 4"),
-    Damage("PropertiesUnrecorded", BLOCK_ELEMENTS, ".xml", "<Properties>",
-           "<Properties/><Properties>", "Error reading element data"),
-    Damage("PropertiesTooFew", BLOCK_ELEMENTS, ".xml", "0001-Properties\" NumItems=\"5\"",
-           "0001-Properties\" NumItems=\"4\"",
-           "Number of specified items (4) does not match number of items (5) in "
-           "'@-0001-Properties.txt'\n"
-           "Error reading element data"),
+    Of("Unrecorded", ".xml", "<File", "<Other",
+       "Cannot get element info from Xml (Element block ID 1)"),
+    Of("NegativeCount", ".xml", "0001-0001\" NumItems=\"2\"", "0001-0001\" NumItems=\"-2\"",
+       "^'#-0001' holds -2 elements, expected 0"),
+    Of("HugeCount", ".xml", "0001-0001\" NumItems=\"2\"", "0001-0001\" NumItems=\"2147483647\"",
+       "^'#-0001' holds 4 element nodes, expected 4294967294"),
+    Of("UnknownType", ".xml", "Type=\"Beam\"", "Type=\"beam\"",
+       "^'#-0001' holds 4 element nodes, expected 0"),
+    Of("NodesCut", "-0001.txt", nullptr, "1\n2\n2\n",
+       "Number of specified items (4) does not match number of items (3) in '@-0001.txt'\n"
+       "Error reading element data"),
+    Of("NodeZero", "-0001.txt", nullptr, "1\n2\n0\n3\n",
+       "^'#-0001' holds node index -1 at position 2, expected none below 0"),
+    Of("NodeLowest", "-0001.txt", nullptr, "1\n2\n2\n-2147483648\n",
+       "^'#-0001' holds node index -2147483648 at position 3, expected none below 0"),
+    Of("IDsMissingInOneGroup", ".xml", " IDs=\"Elements\\Elements0001-0002-IDs\"", "",
+       "Either all element groups must have IDs or none. (Element block ID 1)"),
+    Of("IndicesTooMany", ".xml", "-ElementIndices\" NumItems=\"2\"",
+       "-ElementIndices\" NumItems=\"3\"",
+       "^'#-0001-ElementIndices' holds 3 element indices, expected 2"),
+    Of("IndexNegative", "-0001-ElementIndices.txt", nullptr, "1\n-1\n",
+       "^'#-0001-ElementIndices' holds element index -1 at position 1, expected none below 0"),
+    Of("MappingTooShort", ".xml", "-ExpansionMapping\" NumItems=\"2\"",
+       "-ExpansionMapping\" NumItems=\"1\"",
+       "^'#-0001-ExpansionMapping' holds 1 cross section indices, expected 2"),
+    Of("DirectionsMissing", ".xml", "<Directions", "<Other", "Error reading element data"),
+    Of("EccentricitiesNotOfTheElements", ".xml", "NumEccPerElement=\"2\"", "NumEccPerElement=\"1\"",
+       "^'@.xml' holds 4 eccentricities, expected 2"),
+    Of("MappingNegative", "-0001-ExpansionMapping.txt", nullptr, "0\n-1\n",
+       "^'#-0001-ExpansionMapping' holds cross section index -1 at position 1, expected none below "
+       "0"),
+    Of("NodeCountsMissing", ".xml", "<PolyhedronElementNodeCounts", "<Other",
+       "Error reading polyhedrons (PolyhedronElementNodeCounts)"),
+    Of("FaceNodeCountsMissing", ".xml", "<PolyhedronFaceNodeCounts", "<Other",
+       "Error reading polyhedrons (PolyhedronFaceNodeCounts)"),
+    Of("NodeCountsNotOfTheNodes", "-0003-PolyhedronStartNodes.txt", nullptr, "4\n5\n",
+       "^'@.xml' holds 8 polyhedron nodes, expected 9"),
+    Of("NodeCountNegative", "-0003-PolyhedronStartNodes.txt", nullptr, "12\n-4\n",
+       "^'@.xml' holds PolyhedronElementNodeCounts -4 at position 1, expected none below 0\n"
+       "Error reading polyhedrons (PolyhedronElementNodeCounts)"),
+    Of("FaceCountsHuge", "-0003-PolyhedronFaceCounts.txt", nullptr, "2147483647\n2147483647\n",
+       "^'@.xml' holds 8 polyhedron faces, expected 4294967294"),
+    Of("FaceNodeCountsNotOfTheNodes", "-0003-PolyhedronFaceNodeCounts.txt", "3\n3\n", "3\n4\n",
+       "^'@.xml' holds 24 polyhedron face nodes, expected 25"),
+    Of("LocalNodeBeyondTheElement", "-0003-PolyhedronFaceLocalNodes.txt", "3\n", "4\n",
+       "^'@.xml' holds local node 4 in polyhedron 0, expected less than 4"),
+    Of("PropertiesUnrecorded", ".xml", "<Properties>", "<Properties/><Properties>",
+       "Error reading element data"),
 };
 
 INSTANTIATE_TEST_SUITE_P(All, DamagedElements, testing::ValuesIn(kDamages),

@@ -85,20 +85,18 @@ TEST_F(ZRFxImageTest, JpegImageComesBackNearlyEqualAndIsBaseline) {
 }
 
 TEST_F(ZRFxImageTest, ImagesThatAreNoneAreReported) {
-    EXPECT_FALSE(m_access.WriteImage("a.jpeg", nuo::Image()));
-    ExpectTexts({"Error encoding JPEG image"});
-    EXPECT_FALSE(m_access.WriteImage("a.jpeg", ImageOf(65501, 1, Pixels(3 * 65501))));
-    ExpectTexts({"Error encoding JPEG image"});
-    EXPECT_FALSE(m_access.ReadImage("a.jpeg", nullptr));
-    ExpectAssertion("image");
+    ExpectRefused(m_access.WriteImage("a.jpeg", nuo::Image()), {"Error encoding JPEG image"});
+    ExpectRefused(m_access.WriteImage("a.jpeg", ImageOf(65501, 1, Pixels(3 * 65501))),
+                  {"Error encoding JPEG image"});
+    ExpectAssertion(m_access.ReadImage("a.jpeg", nullptr), "image");
     Put("a.jpeg", "");
     ExpectUnreadable("a.jpeg", {"Error reading JPEG image from archive"});
     ExpectUnreadable("none.raw", {"Unable to read raw data from 'none.raw', file not found.",
                                   "Error reading JPEG image from archive"});
     Reopen(ZRZipAccessMode::READ_ONLY);
     for (const char* name : {"b.raw", "b.jpeg"}) {
-        EXPECT_FALSE(m_access.WriteImage(name, Gradient(2, 2)));
-        ExpectTexts({"The file is read only.", "Error writing snapshot image to ZRFx"});
+        ExpectRefused(m_access.WriteImage(name, Gradient(2, 2)),
+                      {"The file is read only.", "Error writing snapshot image to ZRFx"});
     }
 }
 

@@ -47,7 +47,7 @@ protected:
         return Committed(&file);
     }
 
-    ziptest::TempFolder m_folder;
+    ziptest::TemporaryFolder m_folder;
     const std::string m_sPath = m_folder.File("model.zrfx");
     const std::string m_sJournal = m_sPath + ".journal";
     const std::string m_sOld = ziptest::RandomBytes(100000, 7);

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -78,15 +77,14 @@ TEST_F(ZRFxMainDocumentTest, RegistryLinesCopyTheAttributesAndReplaceTheirOwn) {
 TEST_F(ZRFxMainDocumentTest, RefusedRegistrationLeavesTheMainDocument) {
     ASSERT_TRUE(AddCase("ID='1' Folder='C1'", false));
     const std::string before = Get("ZRF.xml");
-    EXPECT_FALSE(AddCase("ID='1' Folder='C1'", false));
-    ExpectTexts({"Xml file 'C1\\Case.xml' exists in archive, and overwrite flag is not set",
-                 "Error writing Xml file."});
+    ExpectRefused(AddCase("ID='1' Folder='C1'", false),
+                  {"Xml file 'C1\\Case.xml' exists in archive, and overwrite flag is not set",
+                   "Error writing Xml file."});
     nvf::XmlDocument other;
     ASSERT_TRUE(other.parse("<Other/>"));
-    EXPECT_FALSE(m_access.AddCase(other, true));
-    ExpectTexts({"<Case> not found in case Xml document."});
-    EXPECT_FALSE(m_access.AddDatabase(other, true));
-    ExpectTexts({"<Database> not found in database Xml document."});
+    ExpectRefused(m_access.AddCase(other, true), {"<Case> not found in case Xml document."});
+    ExpectRefused(m_access.AddDatabase(other, true),
+                  {"<Database> not found in database Xml document."});
     EXPECT_EQ(Get("ZRF.xml"), before);
 }
 
@@ -96,52 +94,39 @@ TEST_F(ZRFxMainDocumentTest, DamagedDocumentIsReportedByEachOperation) {
     ASSERT_TRUE(database.parse("<Database Folder='D' ID='1'/>"));
     ASSERT_TRUE(aCase.parse("<Case Folder='C' ID='1'/>"));
     const std::string missing = "Error reading main document file, <";
-    using Operation = std::function<bool()>;
+    const std::string noFile = "Unable to read raw data from 'ZRF.xml', file not found.";
+    const std::string noDatabases = "Databases root not found in main document";
+    const std::string noCases = "Cases root not found in main document";
     int count = 0;
     ZRFxDatabaseInfo databaseInfo;
     ZRFxCaseInfo caseInfo;
     ZRFxDateTime date;
     bool isOnly = false;
-    const Operation addDatabase = [&] { return m_access.AddDatabase(database, true); };
-    const Operation addCase = [&] { return m_access.AddCase(aCase, true); };
-    const Operation setVendor = [&] { return m_access.SetVendorInfo("a", "v", 1); };
-    struct Row {
-        const char* document;  // null for none
-        Operation operation;
-        std::vector<std::string> messages;
-    };
-    const std::string noFile = "Unable to read raw data from 'ZRF.xml', file not found.";
-    const std::string noDatabases = "Databases root not found in main document";
-    const std::string noCases = "Cases root not found in main document";
-    const std::vector<Row> kCases = {
-        Row(nullptr, setVendor,
-            {noFile, "Main document file (ZRF.xml) is either missing or invalid"}),
-        Row(nullptr, addDatabase, {noFile, "Error reading main document (ZRF.xml) file."}),
-        Row("<Zrf/>", addCase, {"Error validating main document file, <ZRF> missing"}),
-        Row("<ZRF/>", addDatabase, {"Database root not found in main document"}),
-        Row("<ZRF/>", addCase, {"Could not find case root element in main document"}),
-        Row("<Zrf/>", setVendor, {missing + "ZRF> missing"}),
-        Row("<ZRF/>", setVendor, {missing + "FileInfo> missing"}),
-        Row("<ZRF><FileInfo/></ZRF>", setVendor, {missing + "VendorID> missing"}),
-        Row("<ZRF><FileInfo><VendorID/></FileInfo></ZRF>", setVendor,
-            {missing + "VendorName> missing"}),
-        Row("<ZRF><FileInfo><VendorID/><VendorName/></FileInfo></ZRF>", setVendor,
-            {missing + "ExportApplication> missing"}),
-        Row("<ZRF/>", [&] { return m_access.GetNumDatabases(&count); }, {noDatabases}),
-        Row("<ZRF/>", [&] { return m_access.GetDatabaseByID(1, &databaseInfo); }, {noDatabases}),
-        Row("<ZRF/>", [&] { return m_access.GetNumCases(&count); }, {noCases}),
-        Row("<ZRF/>", [&] { return m_access.GetCaseByID(1, &caseInfo); }, {noCases}),
-        Row("<ZRF/>", [&] { return m_access.GetExportDateTime(&date); }, {}),
-        Row("<ZRF/>", [&] { return m_access.GetDisplayModelOnly(&isOnly); }, {}),
-    };
-    for (const auto& testCase : kCases) {
-        ASSERT_TRUE(m_access.RemoveFile("ZRF.xml"));
-        if (testCase.document) Put("ZRF.xml", testCase.document);
-        EXPECT_FALSE(testCase.operation());
-        ExpectTexts(testCase.messages);
-        ASSERT_TRUE(m_access.RemoveFile("D\\Database.xml"));
-        ASSERT_TRUE(m_access.RemoveFile("C\\Case.xml"));
-    }
+    ASSERT_TRUE(m_access.RemoveFile("ZRF.xml"));
+    ExpectRefused(m_access.SetVendorInfo("a", "v", 1),
+                  {noFile, "Main document file (ZRF.xml) is either missing or invalid"});
+    ExpectRefused(m_access.AddDatabase(database, true),
+                  {noFile, "Error reading main document (ZRF.xml) file."});
+    Put("ZRF.xml", "<ZRF/>");
+    ExpectRefused(m_access.SetVendorInfo("a", "v", 1), {missing + "FileInfo> missing"});
+    Put("ZRF.xml", "<ZRF><FileInfo><VendorID/><VendorName/></FileInfo></ZRF>");
+    ExpectRefused(m_access.SetVendorInfo("a", "v", 1), {missing + "ExportApplication> missing"});
+    Put("ZRF.xml", "<Zrf/>");
+    ExpectRefused(m_access.AddCase(aCase, true),
+                  {"Error validating main document file, <ZRF> missing"});
+    ASSERT_TRUE(m_access.RemoveFile("C\\Case.xml"));
+    ASSERT_TRUE(m_access.RemoveFile("D\\Database.xml"));
+    Put("ZRF.xml", "<ZRF/>");
+    ExpectRefused(m_access.AddDatabase(database, true),
+                  {"Database root not found in main document"});
+    ExpectRefused(m_access.AddCase(aCase, true),
+                  {"Could not find case root element in main document"});
+    ExpectRefused(m_access.GetNumDatabases(&count), {noDatabases});
+    ExpectRefused(m_access.GetDatabaseByID(1, &databaseInfo), {noDatabases});
+    ExpectRefused(m_access.GetNumCases(&count), {noCases});
+    ExpectRefused(m_access.GetCaseByID(1, &caseInfo), {noCases});
+    ExpectRefused(m_access.GetExportDateTime(&date), {});
+    ExpectRefused(m_access.GetDisplayModelOnly(&isOnly), {});
 }
 
 TEST_F(ZRFxMainDocumentTest, VendorInfoIsReadInPartsAndReplaced) {
@@ -188,22 +173,10 @@ TEST_F(ZRFxMainDocumentTest, DisplayModelOnlyIsSaidByTheExactText) {
 TEST_F(ZRFxMainDocumentTest, BadArgumentsAreAssertionsAndGiveNothing) {
     ZRFxDatabaseInfo database;
     ZRFxCaseInfo aCase;
-    EXPECT_FALSE(m_access.GetDatabaseInfo(-1, &database));
-    ExpectAssertion("index >= 0");
-    EXPECT_FALSE(m_access.GetCaseInfo(-1, &aCase));
-    ExpectAssertion("index >= 0");
-    EXPECT_FALSE(m_access.GetDatabaseInfo(0, nullptr));
-    ExpectAssertion("info");
-    EXPECT_FALSE(m_access.GetCaseByID(0, nullptr));
-    ExpectAssertion("info");
-    EXPECT_FALSE(m_access.GetNumCases(nullptr));
-    ExpectAssertion("count");
-    EXPECT_FALSE(m_access.GetExportDateTime(nullptr));
-    ExpectAssertion("dateTime");
-    EXPECT_FALSE(m_access.GetDisplayModelOnly(nullptr));
-    ExpectAssertion("displayModelOnly");
-    EXPECT_FALSE(m_access.ReadAndValidateMainDocumentFile(nullptr));
-    ExpectAssertion("doc");
+    ExpectAssertion(m_access.GetDatabaseInfo(-1, &database), "index >= 0");
+    ExpectAssertion(m_access.GetCaseInfo(-1, &aCase), "index >= 0");
+    ExpectAssertion(m_access.GetCaseByID(0, nullptr), "info");
+    ExpectAssertion(m_access.GetNumCases(nullptr), "count");
 }
 
 }  // namespace

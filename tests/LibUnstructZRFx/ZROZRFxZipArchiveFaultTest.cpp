@@ -29,44 +29,39 @@ protected:
     };
 
     Work Create() const {
-        Model first = SmallModel();
-        Model second = Changed(first);
-        Work work = {{[this](auto* p) { return p->Open(m_sPath, ZRFxOpenMode::kCreate); }},
-                     {Model{}, first, second}};
-        for (const auto& [sName, sData] : first) {
+        Work work = {{Opening(ZRFxOpenMode::kCreate)}, {Model{}, SmallModel(), Changed()}};
+        for (const auto& [sName, sData] : SmallModel()) {
             work.aSteps.push_back([sName = sName, sData = sData](auto* p) {
                 return p->Contains(sName) || AddText(p, sName, sData);
             });
         }
         work.aSteps.push_back([](auto* p) { return p->Commit(); });
-        AddChanges(&work);
-        return work;
+        return WithChanges(std::move(work));
     }
     Work Append() const {
-        return AddChanges({{[this](auto* p) { return p->Open(m_sPath, ZRFxOpenMode::kUpdate); }},
-                           {SmallModel(), Changed(SmallModel())}});
+        return WithChanges({{Opening(ZRFxOpenMode::kUpdate)}, {SmallModel(), Changed()}});
     }
-    static Model Changed(Model model) {
+    Step Opening(ZRFxOpenMode eMode) const {
+        return [this, eMode](auto* p) { return p->Open(m_sPath, eMode); };
+    }
+    static Model Changed() {
+        Model model = SmallModel();
         model["ZRF.xml"] = "<ZRF>changed</ZRF>";
         model["State.dat"] = SmoothField(3000, 5);
         model.erase("Database001\\Result.dat");
         return model;
     }
-    static Work AddChanges(Work work) {
-        AddChanges(&work);
-        return work;
-    }
-    static void AddChanges(Work* pWork) {
-        const Model changed = Changed(SmallModel());
+    static Work WithChanges(Work work) {
         for (const char* sName : {"ZRF.xml", "State.dat"}) {
-            pWork->aSteps.push_back([sName, sData = changed.at(sName)](auto* p) {
+            work.aSteps.push_back([sName, sData = Changed().at(sName)](auto* p) {
                 return ReplaceText(p, sName, sData);
             });
         }
-        pWork->aSteps.push_back([](auto* p) {
+        work.aSteps.push_back([](auto* p) {
             return !p->Contains("Database001\\Result.dat") || p->Remove("Database001\\Result.dat");
         });
-        pWork->aSteps.push_back([](auto* p) { return p->Close(); });
+        work.aSteps.push_back([](auto* p) { return p->Close(); });
+        return work;
     }
 
     bool IsOneOf(const std::vector<Model>& aStates, const Model& seen) const {
@@ -111,7 +106,7 @@ protected:
         return true;
     }
 
-    TempFolder m_folder;
+    TemporaryFolder m_folder;
     const std::string m_sPath = m_folder.File("model.zrfx");
 };
 
@@ -158,7 +153,7 @@ INSTANTIATE_TEST_SUITE_P(Faults, FailingCalls,
                                          Manner{FaultySystem::Failing::kFromThenOn, 10}));
 
 TEST(FullDisk, EntryThatPassesTheThresholdIsRefusedAndTheOthersStay) {
-    TempFolder folder;
+    TemporaryFolder folder;
     FaultySystem system;
     ZRFxZipArchive archive;
     ASSERT_TRUE(archive.Open(folder.File("m.zrfx"), ZRFxOpenMode::kCreate));
@@ -268,7 +263,7 @@ protected:
         }
     }
 
-    TempFolder m_folder;
+    TemporaryFolder m_folder;
     const std::string m_sPath = m_folder.File("model.zrfx");
     std::mt19937 m_random{std::random_device{}()};
 };

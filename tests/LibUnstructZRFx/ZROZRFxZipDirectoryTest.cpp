@@ -54,7 +54,7 @@ protected:
         return m_sGood.find(sName, m_nDirectory) - 46;
     }
 
-    TempFolder m_folder;
+    TemporaryFolder m_folder;
     const std::string m_sPath = m_folder.File("damaged.zrfx");
     const Model m_model = SmallModel();
     std::string m_sGood;
@@ -194,7 +194,7 @@ protected:
         EXPECT_EQ(Shell("7z t -p" + (sPassword.empty() ? "x" : sPassword) + " " + m_sPath), 0);
     }
 
-    TempFolder m_folder;
+    TemporaryFolder m_folder;
     const std::string m_sPath = m_folder.File("foreign.zip");
     const Model m_model = {{"field.dat", SmoothField(50000)},
                            {"zeros.dat", std::string(3'000'000, '\0')},

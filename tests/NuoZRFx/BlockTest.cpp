@@ -1,6 +1,5 @@
 #include <gmock/gmock.h>
 
-#include <limits>
 #include <string>
 #include <vector>
 
@@ -16,6 +15,7 @@ using testing::IsEmpty;
 
 using Ints = std::vector<int>;
 using Floats = std::vector<float>;
+using Faces = std::vector<std::vector<int>>;
 
 class BlockTest : public InterfaceTest {
 protected:
@@ -43,10 +43,9 @@ TEST_F(BlockTest, BlockOfAForeignClassIsRefused) {
     EXPECT_EQ(Block::INVALID_BLOCK, block->blockType());
     ASSERT_TRUE(m_file.create(nuo::Str(m_folder.File("block.zrfx")), FileSettings()));
     const PtrRef<Database> database = WriteDatabase(m_file, "a", 0);
-    ExpectRefused({{"write",
-                    [&] { return database->writeBlock(block.p()); },
-                    {"Block::zrfxBlock() not implemented in derived class",
-                     "Cannot write block, weak validity check failed. (block id 3)."}}});
+    ExpectRefused(database->writeBlock(block.p()),
+                  {"Block::zrfxBlock() not implemented in derived class",
+                   "Cannot write block, weak validity check failed. (block id 3)."});
 }
 
 // Nodes.
@@ -57,48 +56,15 @@ TEST_F(BlockTest, NodesThatDoNotFitAreRefused) {
     const std::string needsId =
         Assertion("(nodeId >= 0 && withNodeIds) || (nodeId < 0 && !withNodeIds)");
     const std::string idsDiffer = Assertion("nodeIds.size() == (withNodeIds ? nodeCount : 0)");
+    const std::string dataIdsDiffer = Assertion("(nodeIds != nullptr) == withNodeIds");
+    const std::string isNull = "Given pointer to node coordinates was NULL. (block id 2)";
     const float xyz[] = {1, 2, 3};
-    const int ids[] = {1};
-    ExpectRefused({
-        {"too much room", [&] { return with->allocateNodes(SIZE_MAX); }, {}},
-        {"no id", [&] { return with->addNode(0, 0, 0); }, {needsId}},
-        {"id too many", [&] { return without->addNode(0, 0, 0, 5); }, {needsId}},
-        {"no coordinates",
-         [&] { return without->setNodes(Floats{}, {}); },
-         {"Given pointer to node coordinates was NULL. (block id 2)"}},
-        {"no nodes",
-         [&] { return with->setNodes(std::vector<nuo::Vec3f>{}, {}); },
-         {"Given pointer to node coordinates was NULL. (block id 1)"}},
-        {"a part of a node",
-         [&] {
-             return without->setNodes(Floats{1, 2, 3, 4}, {});
-         },
-         {Assertion("coordinates.size() % 3 == 0")}},
-        {"no ids",
-         [&] {
-             return with->setNodes(Floats{1, 2, 3}, {});
-         },
-         {idsDiffer}},
-        {"ids too many",
-         [&] {
-             return without->setNodes(Floats{1, 2, 3}, {1});
-         },
-         {idsDiffer}},
-        {"too few ids",
-         [&] {
-             return with->setNodes(Floats{1, 2, 3, 4, 5, 6}, {1});
-         },
-         {idsDiffer}},
-        {"no data",
-         [&] { return without->setNodeData(nullptr, 1, nullptr); },
-         {"Given pointer to node coordinates was NULL. (block id 2)"}},
-        {"data without ids",
-         [&] { return with->setNodeData(xyz, 1, nullptr); },
-         {Assertion("(nodeIds != nullptr) == withNodeIds")}},
-        {"data with ids",
-         [&] { return without->setNodeData(xyz, 1, ids); },
-         {Assertion("(nodeIds != nullptr) == withNodeIds")}},
-    });
+    ExpectRefused(with->addNode(0, 0, 0), {needsId});
+    ExpectRefused(without->setNodes(Floats{1, 2, 3, 4}, {}),
+                  {Assertion("coordinates.size() % 3 == 0")});
+    ExpectRefused(with->setNodes(Floats{1, 2, 3}, {}), {idsDiffer});
+    ExpectRefused(without->setNodeData(nullptr, 1, nullptr), {isNull});
+    ExpectRefused(with->setNodeData(xyz, 1, nullptr), {dataIdsDiffer});
     EXPECT_EQ(0u, with->nodeCount() + without->nodeCount());
     EXPECT_EQ(-1, with->nodeIndex(3));
 }
@@ -145,173 +111,50 @@ TEST_F(BlockTest, NodesAreFoundByIdAfterEveryChange) {
 
 // Elements.
 
-struct ElementFacts {
-    ElementBlock::ElementType type;
-    std::size_t nodes;
-    std::size_t surfaces;
-    bool isVolume;
-};
-
-constexpr ElementFacts kElements[] = {
-    {ElementBlock::POINTS, 1, 0, false},      {ElementBlock::BEAMS, 2, 0, false},
-    {ElementBlock::BEAMS_3, 3, 0, false},     {ElementBlock::TRIANGLES, 3, 1, false},
-    {ElementBlock::TRIANGLES_6, 6, 1, false}, {ElementBlock::QUADS, 4, 1, false},
-    {ElementBlock::QUADS_8, 8, 1, false},     {ElementBlock::QUADS_9, 9, 1, false},
-    {ElementBlock::PYRAMIDS, 5, 5, true},     {ElementBlock::PYRAMIDS_13, 13, 5, true},
-    {ElementBlock::TETRAHEDRONS, 4, 4, true}, {ElementBlock::TETRAHEDRONS_10, 10, 4, true},
-    {ElementBlock::HEXAHEDRONS, 8, 6, true},  {ElementBlock::HEXAHEDRONS_20, 20, 6, true},
-    {ElementBlock::PENTAHEDRONS, 6, 5, true}, {ElementBlock::PENTAHEDRONS_15, 15, 5, true},
-    {ElementBlock::UNKNOWN, 0, 0, false},
-};
-
 TEST_F(BlockTest, EveryElementTypeIsStoredAndComesBack) {
+    constexpr std::size_t kNodes[] = {1, 2, 3, 3, 6, 4, 8, 9, 5, 13, 4, 10, 8, 20, 6, 15};
     const PtrRef<ElementBlock> block = new ElementBlock(1, false, false);
     block->setNodeBlockId(1);
-    for (const ElementFacts& facts : kElements) {
-        EXPECT_EQ(facts.nodes, ElementBlock::nodesPerElement(facts.type));
-        EXPECT_EQ(facts.surfaces, ElementBlock::surfacesPerElement(facts.type));
-        EXPECT_EQ(facts.isVolume, ElementBlock::isVolumeElement(facts.type));
-        for (std::size_t i = 0; i < facts.surfaces; ++i) {
-            for (const unsigned int node : ElementBlock::elementSurface(facts.type, i)) {
-                EXPECT_LT(node, facts.nodes);
-            }
-        }
-        if (facts.nodes == 0) continue;
-        Ints nodes(2 * facts.nodes);
-        for (std::size_t i = 0; i < nodes.size(); ++i) nodes[i] = static_cast<int>(i * i);
-        EXPECT_TRUE(block->addElements(facts.type, nodes, {}));
+    for (int i = ElementBlock::POINTS; i < ElementBlock::POLYHEDRONS; ++i) {
+        const auto type = static_cast<ElementBlock::ElementType>(i);
+        EXPECT_EQ(kNodes[i], ElementBlock::nodesPerElement(type));
+        EXPECT_EQ(type >= ElementBlock::PYRAMIDS, ElementBlock::isVolumeElement(type));
+        Ints nodes(2 * kNodes[i]);
+        for (std::size_t at = 0; at < nodes.size(); ++at) nodes[at] = static_cast<int>(at * at);
+        EXPECT_TRUE(block->addElements(type, nodes, {}));
     }
-    EXPECT_EQ(std::size(kElements) - 1, block->elementGroupCount());
+    EXPECT_EQ(std::size(kNodes), block->elementGroupCount());
     EXPECT_EQ(Describe(*block), Describe(*WriteAndRead(*block)));
-    EXPECT_EQ(std::numeric_limits<std::size_t>::max(),
-              ElementBlock::nodesPerElement(ElementBlock::POLYHEDRONS));
-    EXPECT_TRUE(ElementBlock::isVolumeElement(ElementBlock::POLYHEDRONS));
-}
-
-// On a unit element the normal of every surface points away from the middle.
-TEST_F(BlockTest, SurfacesOfVolumesFaceOutward) {
-    struct Solid {
-        ElementBlock::ElementType type;
-        std::vector<nuo::Vec3f> corners;
-    };
-    const Solid solids[] = {
-        {ElementBlock::TETRAHEDRONS, {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 1}}},
-        {ElementBlock::PYRAMIDS, {{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}, {.5f, .5f, 1}}},
-        {ElementBlock::PENTAHEDRONS,
-         {{0, 0, 0}, {0, 1, 0}, {1, 0, 0}, {0, 0, 1}, {0, 1, 1}, {1, 0, 1}}},
-        {ElementBlock::HEXAHEDRONS,
-         {{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}, {0, 0, 1}, {1, 0, 1}, {1, 1, 1}, {0, 1, 1}}},
-    };
-    for (const Solid& solid : solids) {
-        nuo::Vec3f middle;
-        for (const nuo::Vec3f& c : solid.corners) {
-            const float share = 1.0f / static_cast<float>(solid.corners.size());
-            middle = {middle.x + c.x * share, middle.y + c.y * share, middle.z + c.z * share};
-        }
-        for (std::size_t i = 0; i < ElementBlock::surfacesPerElement(solid.type); ++i) {
-            const auto surface = ElementBlock::elementSurface(solid.type, i);
-            const nuo::Vec3f& a = solid.corners[surface[0]];
-            const nuo::Vec3f& b = solid.corners[surface[1]];
-            const nuo::Vec3f& c = solid.corners[surface[2]];
-            const nuo::Vec3f ab{b.x - a.x, b.y - a.y, b.z - a.z};
-            const nuo::Vec3f ac{c.x - a.x, c.y - a.y, c.z - a.z};
-            const float outward = (ab.y * ac.z - ab.z * ac.y) * (a.x - middle.x) +
-                                  (ab.z * ac.x - ab.x * ac.z) * (a.y - middle.y) +
-                                  (ab.x * ac.y - ab.y * ac.x) * (a.z - middle.z);
-            EXPECT_GT(outward, 0) << "type " << solid.type << " surface " << i;
-        }
-    }
 }
 
 TEST_F(BlockTest, ElementsThatDoNotFitAreRefused) {
     const PtrRef<ElementBlock> with = new ElementBlock(1, true, false);
     const PtrRef<ElementBlock> without = new ElementBlock(2, false, false);
     const int nodes[] = {0, 1, 2, 3};
-    const int ids[] = {1};
     const std::string isWhole = Assertion("isWhole");
     const std::string ownIds = Assertion("isGiven == m_hasElementIds");
-    const std::string nodesGiven = Assertion("elementNodes && elementCount > 0");
+    const auto wrongType = static_cast<ElementBlock::ElementType>(18);
+    const Faces threeFaces = {{0, 1, 2}, {0, 1, 3}, {1, 2, 3}};
+    const Faces faceOfTwoNodes = {{0, 1, 2}, {0, 1, 3}, {1, 2, 3}, {0, 3}};
     Ints out;
-    ExpectRefused({
-        {"too few nodes",
-         [&] {
-             return without->addElement(ElementBlock::QUADS, {1, 2, 3});
-         },
-         {isWhole}},
-        {"no id",
-         [&] {
-             return with->addElement(ElementBlock::QUADS, {1, 2, 3, 4});
-         },
-         {ownIds}},
-        {"id too many",
-         [&] {
-             return without->addElement(ElementBlock::QUADS, {1, 2, 3, 4}, 1);
-         },
-         {ownIds}},
-        {"negative node",
-         [&] {
-             return without->addElement(ElementBlock::BEAMS, {1, -1});
-         },
-         {Assertion("areNodes")}},
-        {"a part of an element",
-         [&] {
-             return without->addElements(ElementBlock::BEAMS, {1, 2, 3}, {});
-         },
-         {isWhole}},
-        {"too few ids",
-         [&] {
-             return with->addElements(ElementBlock::BEAMS, {1, 2, 3, 4}, {1});
-         },
-         {Assertion("elementIds.empty() || elementIds.size() == *elementCount")}},
-        {"no nodes",
-         [&] { return without->addElements(ElementBlock::BEAMS, nullptr, 1, nullptr); },
-         {nodesGiven}},
-        {"no elements",
-         [&] { return without->addElementData(ElementBlock::BEAMS, nodes, 0, nullptr); },
-         {nodesGiven}},
-        {"data without ids",
-         [&] { return with->addElementData(ElementBlock::BEAMS, nodes, 2, nullptr); },
-         {ownIds}},
-        {"data with ids",
-         [&] { return without->addElementData(ElementBlock::QUADS, nodes, 1, ids); },
-         {ownIds}},
-        {"polyhedron as nodes",
-         [&] { return without->addElementData(ElementBlock::POLYHEDRONS, nodes, 1, nullptr); },
-         {Assertion("hasFixedNodes")}},
-        {"wrong type",
-         [&] {
-             const auto type = static_cast<ElementBlock::ElementType>(18);
-             return without->addElements(type, {1, 2}, {});
-         },
-         {"Invalid type id 18 given (ElementBlock::ElementType)", isWhole}},
-        {"three faces",
-         [&] {
-             return without->addPolyhedron({{0, 1, 2}, {0, 1, 3}, {1, 2, 3}});
-         },
-         {Assertion("isSolid")}},
-        {"face of two nodes",
-         [&] {
-             return without->addPolyhedron({{0, 1, 2}, {0, 1, 3}, {1, 2, 3}, {0, 3}});
-         },
-         {Assertion("isSolid")}},
-        {"surface",
-         [&] { return !ElementBlock::elementSurface(ElementBlock::QUADS, 1).empty(); },
-         {Assertion("surfaceIndex < surfacesPerElement(elementType)"), "Invalid surface index"}},
-        {"group of none",
-         [&] { return without->elementGroup(0, &out, nullptr); },
-         {"Given group index 0 was invalid"}},
-    });
+    ExpectRefused(without->addElement(ElementBlock::QUADS, {1, 2, 3, 4}, 1), {ownIds});
+    ExpectRefused(without->addElement(ElementBlock::BEAMS, {1, -1}), {Assertion("areNodes")});
+    ExpectRefused(without->addElements(ElementBlock::BEAMS, {1, 2, 3}, {}), {isWhole});
+    ExpectRefused(with->addElements(ElementBlock::BEAMS, {1, 2, 3, 4}, {1}),
+                  {Assertion("elementIds.empty() || elementIds.size() == *elementCount")});
+    ExpectRefused(without->addElementData(ElementBlock::POLYHEDRONS, nodes, 1, nullptr),
+                  {Assertion("hasFixedNodes")});
+    ExpectRefused(without->addElements(wrongType, {1, 2}, {}),
+                  {"Invalid type id 18 given (ElementBlock::ElementType)", isWhole});
+    ExpectRefused(without->addPolyhedron(threeFaces), {Assertion("isSolid")});
+    ExpectRefused(without->addPolyhedron(faceOfTwoNodes), {Assertion("isSolid")});
+    ExpectRefused(
+        !ElementBlock::elementSurface(ElementBlock::QUADS, 1).empty(),
+        {Assertion("surfaceIndex < surfacesPerElement(elementType)"), "Invalid surface index"});
     EXPECT_EQ(0u, with->elementGroupCount() + without->elementGroupCount());
     ASSERT_TRUE(without->addElement(ElementBlock::QUADS, {0, 1, 2, 3}));
-    ExpectRefused({
-        {"group",
-         [&] { return without->polyhedronsFaceCounts(4, &out); },
-         {"Given group index 4 out of range [0, 0]"}},
-        {"no output",
-         [&] { return without->elementGroup(0, nullptr, &out); },
-         {"Supplied output is NULL (elementNodes)"}},
-        {"no output", [&] { return without->elementIndices(0, nullptr); }, {Assertion("items")}},
-    });
+    ExpectRefused(without->polyhedronsFaceCounts(4, &out),
+                  {"Given group index 4 out of range [0, 0]"});
 }
 
 TEST_F(BlockTest, ElementDataIsReadInPlaceAndExtendedAsACopy) {
@@ -356,10 +199,8 @@ TEST_F(BlockTest, PolyhedronsAreStoredByLocalNodes) {
 TEST_F(BlockTest, ReplacingElementsKeepsThemWhenItFails) {
     const PtrRef<ElementBlock> block = new ElementBlock(1, false, false);
     ASSERT_TRUE(block->addElement(ElementBlock::BEAMS, {0, 1}));
-    EXPECT_FALSE(block->setElements(ElementBlock::QUADS, {0, 1, 2, -3}, {}));
-    EXPECT_FALSE(block->setElements(ElementBlock::QUADS, {0, 1, 2, 3}, {1}));
-    EXPECT_THAT(TakeTexts(),
-                ElementsAre(Assertion("areNodes"), Assertion("isGiven == m_hasElementIds")));
+    ExpectRefused(block->setElements(ElementBlock::QUADS, {0, 1, 2, -3}, {}),
+                  {Assertion("areNodes")});
     EXPECT_EQ(ElementBlock::BEAMS, block->elementGroupType(0));
     EXPECT_TRUE(block->setElements(ElementBlock::QUADS, {0, 1, 2, 3}, {}));
     EXPECT_EQ(1u, block->elementGroupCount());
@@ -373,48 +214,19 @@ TEST_F(BlockTest, PartsThatDoNotFitAreRefused) {
     ASSERT_TRUE(block->addElementBlockForState(0, 1, 10, 5));
     const std::string noGeometry =
         "Invalid geometry index: 2. This geometry block has 2 geometry(ies).";
-    const auto set = [&](Ints blocks, int state, Ints parts) {
-        return [=] { return block->setElementBlocksForState(1, blocks, state, parts); };
-    };
-    ExpectRefused({
-        {"geometry", [&] { return block->addElementBlock(2, 1, 1); }, {noGeometry}},
-        {"geometry", [&] { return block->setElementBlocks(2, {1}, {1}); }, {noGeometry}},
-        {"geometry", [&] { return block->partCount(2, 0) > 0; }, {noGeometry}},
-        {"state",
-         [&] { return block->partCount(0, 1) > 0; },
-         {"State index 1 not found in this geometry block"}},
-        {"state",
-         [&] { return !block->elementBlockIds(0, 7).empty(); },
-         {"State index 7 not found in this geometry block"}},
-        {"negative block",
-         [&] { return block->addElementBlockForState(0, -1, 1, 5); },
-         {"elementBlockId cannot be negative."}},
-        {"same block",
-         [&] { return block->addElementBlockForState(0, 1, 11, 5); },
-         {"Found existing part with same block id (1)."}},
-        {"same part",
-         [&] { return block->addElementBlockForState(0, 2, 10, 5); },
-         {"Found existing part with same part id (10)."}},
-        {"negative state",
-         [&] { return block->addElementBlockForState(0, 2, 11, -1); },
-         {"stateId cannot be negative."}},
-        {"no blocks", set({}, 5, {}), {"elementBlockIds cannot be empty."}},
-        {"negative state", set({1}, -1, {1}), {"stateId cannot be negative."}},
-        {"negative part",
-         set({1, 2}, 5, {1, -1}),
-         {"Negative part id supplied for part at index 1. (state id 5)."}},
-        {"negative block",
-         set({1, -2}, 5, {1, 2}),
-         {"Invalid block id (-2) specified for part at index 1. (state id 5)."}},
-        {"same part",
-         set({1, 2, 3}, 5, {1, 2, 1}),
-         {"Non unique part id detected (id 1 at idx 0 and idx 2) (state id 5)."}},
-        {"too few parts",
-         set({1, 2}, 5, {1}),
-         {Assertion("elementBlockIds.size() == partIds.size()")}},
-    });
+    ExpectRefused(block->addElementBlock(2, 1, 1), {noGeometry});
+    ExpectRefused(block->partCount(0, 1) > 0, {"State index 1 not found in this geometry block"});
+    ExpectRefused(block->addElementBlockForState(0, 1, 11, 5),
+                  {"Found existing part with same block id (1)."});
+    ExpectRefused(block->addElementBlockForState(0, 2, 10, 5),
+                  {"Found existing part with same part id (10)."});
+    ExpectRefused(block->setElementBlocksForState(1, {1, -2}, 5, {1, 2}),
+                  {"Invalid block id (-2) specified for part at index 1. (state id 5)."});
+    ExpectRefused(block->setElementBlocksForState(1, {1, 2, 3}, 5, {1, 2, 1}),
+                  {"Non unique part id detected (id 1 at idx 0 and idx 2) (state id 5)."});
+    ExpectRefused(block->setElementBlocksForState(1, {1, 2}, 5, {1}),
+                  {Assertion("elementBlockIds.size() == partIds.size()")});
     EXPECT_EQ(1u, block->stateCount());
-    EXPECT_EQ(1u, block->partCount(0, 0));
     EXPECT_EQ(0u, block->partCount(1, 0));
     const PtrRef<GeometryBlock> none = new GeometryBlock(0);
     EXPECT_THAT(TakeTexts(), ElementsAre("geometryCountPerState cannot be 0"));
@@ -424,32 +236,15 @@ TEST_F(BlockTest, StatesOfAGeometryMustHaveTheSameParts) {
     const PtrRef<GeometryBlock> block = new GeometryBlock(1);
     ASSERT_TRUE(block->setElementBlocksForState(0, {1, 2}, 4, {10, 20}));
     ASSERT_TRUE(block->addElementBlockForState(0, 3, 10, 6));
-    ExpectRefused({{"count",
-                    [&] { return block->checkValidity(); },
-                    {"Part count error: state id 6 defines 1 parts, whereas previous states "
-                     "defined 2 parts."}}});
+    ExpectRefused(block->checkValidity(),
+                  {"Part count error: state id 6 defines 1 parts, whereas previous states "
+                   "defined 2 parts."});
     ASSERT_TRUE(block->addElementBlockForState(0, 1, 30, 6));
-    ExpectRefused({{"id",
-                    [&] { return block->checkValidity(); },
-                    {"Part id error: state id 6 defines part id 30 for part at index 1, whereas "
-                     "previous states defined part id 20."}}});
+    ExpectRefused(block->checkValidity(),
+                  {"Part id error: state id 6 defines part id 30 for part at index 1, whereas "
+                   "previous states defined part id 20."});
     ASSERT_TRUE(block->setElementBlocksForState(0, {3, 1}, 6, {10, 20}));
     EXPECT_TRUE(block->checkValidity());
-}
-
-TEST_F(BlockTest, PartInfosThatAreNotThereAreReported) {
-    const PtrRef<GeometryInfoBlock> block = new GeometryInfoBlock(1);
-    const std::string missing = "Geometry with index 1 not found";
-    ASSERT_TRUE(block->addPartInfo(0, 3, "Part"));
-    ExpectRefused({
-        {"add", [&] { return block->addPartInfo(1, 0, "a"); }, {missing}},
-        {"count", [&] { return block->partCount(1) > 0; }, {missing}},
-        {"id", [&] { return block->partId(1, 0) >= 0; }, {missing}},
-        {"name", [&] { return !block->partName(1, 0).isEmpty(); }, {missing}},
-    });
-    EXPECT_EQ(-1, block->partId(0, 1));
-    EXPECT_TRUE(block->partName(0, std::size_t{1} << 32).isEmpty());
-    EXPECT_EQ(2u, TakeTexts().size());
 }
 
 // States.
@@ -458,39 +253,18 @@ TEST_F(BlockTest, StatesAndGroupsThatDoNotFitAreRefused) {
     const PtrRef<StateInfoBlock> block = new StateInfoBlock;
     ASSERT_TRUE(block->addStateInfo(1, "", 0, StateInfoBlock::TIME));
     ASSERT_TRUE(block->addGroupInfo(2, "", {1}));
+    const std::string overlap = " already exist. Note that state and group ids cannot overlap.";
     const std::string index = "State info index 9 does not exist.";
-    ExpectRefused({
-        {"type",
-         [&] {
-             const auto type = static_cast<StateInfoBlock::ReferenceValueType>(4);
-             return block->addStateInfo(3, "", 0, type);
-         },
-         {"Invalid reference value type 4 supplied."}},
-        {"state twice",
-         [&] { return block->addStateInfo(1, "", 0, StateInfoBlock::TIME); },
-         {"State/group 1 already exist. Note that state and group ids cannot overlap."}},
-        {"state as group",
-         [&] { return block->addStateInfo(2, "", 0, StateInfoBlock::TIME); },
-         {"State/group 2 already exist. Note that state and group ids cannot overlap."}},
-        {"group as state",
-         [&] { return block->addGroupInfo(1, "", {}); },
-         {"Group/state id 1 already exist. Note that state and group ids cannot overlap."}},
-        {"group twice",
-         [&] { return block->addGroupInfo(2, "", {}); },
-         {"Group/state id 2 already exist. Note that state and group ids cannot overlap."}},
-        {"negative group",
-         [&] { return block->addGroupInfo(-1, "", {}); },
-         {"groupId must be >= 0"}},
-        {"id", [&] { return block->stateId(9) >= 0; }, {index}},
-        {"name", [&] { return !block->stateName(9).isEmpty(); }, {index}},
-        {"value", [&] { return block->stateReferenceValue(9) != 0; }, {index}},
-        {"type",
-         [&] { return block->stateReferenceValueType(9) != StateInfoBlock::OTHER; },
-         {index}},
-        {"group", [&] { return block->groupId(9) >= 0; }, {index}},
-        {"group name", [&] { return !block->groupName(9).isEmpty(); }, {index}},
-        {"group states", [&] { return !block->groupStateIds(9).empty(); }, {index}},
-    });
+    ExpectRefused(block->addStateInfo(3, "", 0, static_cast<StateInfoBlock::ReferenceValueType>(4)),
+                  {"Invalid reference value type 4 supplied."});
+    for (const int id : {1, 2}) {
+        ExpectRefused(block->addStateInfo(id, "", 0, StateInfoBlock::TIME),
+                      {"State/group " + std::to_string(id) + overlap});
+        ExpectRefused(block->addGroupInfo(id, "", {}),
+                      {"Group/state id " + std::to_string(id) + overlap});
+    }
+    ExpectRefused(block->addGroupInfo(-1, "", {}), {"groupId must be >= 0"});
+    ExpectRefused(!block->groupStateIds(9).empty(), {index});
     EXPECT_EQ(nuo::Str("State 1"), block->stateName(0));
     EXPECT_EQ(nuo::Str("Group 2"), block->groupName(0));
     EXPECT_EQ(-1, block->stateIndex(9));
@@ -499,48 +273,32 @@ TEST_F(BlockTest, StatesAndGroupsThatDoNotFitAreRefused) {
 // Results.
 
 TEST_F(BlockTest, ResultsOfWrongKindAreReported) {
-    const auto construct = [](int type, int mapping) {
-        return [=] {
-            const PtrRef<ResultBlock> block =
-                new ResultBlock(1, static_cast<ResultBlock::ResultType>(type),
-                                static_cast<ResultBlock::ResultMapping>(mapping));
-            return false;
-        };
+    const auto messagesOf = [this](int type, int mapping) {
+        const PtrRef<ResultBlock> block =
+            new ResultBlock(1, static_cast<ResultBlock::ResultType>(type),
+                            static_cast<ResultBlock::ResultMapping>(mapping));
+        return TakeTexts();
     };
-    const std::string needsNodes =
-        "Invalid result mapping type for displacements supplied (NODE_MAPPING required).";
-    ExpectRefused({
-        {"undefined type", construct(-1, 0), {"Invalid result type -1 supplied."}},
-        {"type", construct(4, 0), {"Invalid result type 4 supplied."}},
-        {"undefined mapping", construct(0, -1), {"Invalid result mapping type -1 supplied."}},
-        {"gap in the mappings", construct(0, 2), {"Invalid result mapping type 2 supplied."}},
-        {"mapping", construct(0, 5), {"Invalid result mapping type 5 supplied."}},
-        {"displacement of elements", construct(2, 1), {needsNodes}},
-        {"both", construct(2, 2), {"Invalid result mapping type 2 supplied.", needsNodes}},
-    });
+    EXPECT_THAT(messagesOf(4, 0), ElementsAre("Invalid result type 4 supplied."));
+    EXPECT_THAT(messagesOf(2, 2),
+                ElementsAre("Invalid result mapping type 2 supplied.",
+                            "Invalid result mapping type for displacements supplied (NODE_MAPPING "
+                            "required)."));
     const PtrRef<ResultBlock> block =
         new ResultBlock(1, ResultBlock::UNDEFINED_TYPE, ResultBlock::UNDEFINED_MAPPING);
     TakeTexts();
     EXPECT_EQ(ResultBlock::SCALAR, block->resultType());
-    EXPECT_EQ(ResultBlock::UNDEFINED_MAPPING, block->resultMapping());
+    TakeTexts();
     block->setStrainType(static_cast<ResultBlock::StrainType>(7));
-    EXPECT_EQ(ResultBlock::NO_STRAIN, block->strainType());
-    EXPECT_THAT(TakeTexts(), ElementsAre("Invalid type enum 0 given (ZRFEMResultType).",
-                                         "Invalid type id 7 given (ResultBlock::StrainType)."));
+    ExpectRefused(block->strainType() != ResultBlock::NO_STRAIN,
+                  {"Invalid type id 7 given (ResultBlock::StrainType)."});
 }
 
 TEST_F(BlockTest, StatesOfResultsAreAddedReplacedAndRefused) {
     const PtrRef<ResultBlock> block =
         new ResultBlock(1, ResultBlock::SCALAR, ResultBlock::NODE_MAPPING);
-    ExpectRefused({
-        {"block",
-         [&] { return block->addResultValuesBlock(-1, 3); },
-         {Assertion("valuesBlockId >= 0")}},
-        {"blocks",
-         [&] { return block->setResultValuesBlocks({}, 3); },
-         {Assertion("!valuesBlockIds.empty()")}},
-        {"state", [&] { return !block->resultValuesBlocks(0).empty(); }, {Assertion("state")}},
-    });
+    ExpectRefused(block->addResultValuesBlock(-1, 3), {Assertion("valuesBlockId >= 0")});
+    ExpectRefused(!block->resultValuesBlocks(0).empty(), {Assertion("state")});
     EXPECT_EQ(0u, block->stateCount());
     EXPECT_TRUE(block->addResultValuesBlock(4, 30));
     EXPECT_TRUE(block->addResultValuesBlock(5, 20));
@@ -548,8 +306,6 @@ TEST_F(BlockTest, StatesOfResultsAreAddedReplacedAndRefused) {
     EXPECT_TRUE(block->setResultValuesBlocks({7, 8}, 20));
     EXPECT_THAT(block->resultValuesBlocks(0), ElementsAre(4, 6));
     EXPECT_THAT(block->resultValuesBlocks(1), ElementsAre(7, 8));
-    EXPECT_EQ(20, block->stateId(1));
-    EXPECT_EQ(-1, block->stateId(2));
     EXPECT_EQ(1, block->stateIndex(20));
     EXPECT_EQ(-1, block->stateIndex(5));
     block->addAttribute("unit", "MPa");
@@ -563,78 +319,25 @@ TEST_F(BlockTest, ValuesThatDoNotFitAreRefused) {
     using Values = ResultValuesBlock;
     const PtrRef<Values> scalars = new Values(1, Values::SCALAR1D, false);
     const PtrRef<Values> vectors = new Values(2, Values::VECTOR3D, true);
-    const PtrRef<Values> tensors = new Values(3, Values::TENSOR6D, true);
     const std::string unfit =
         Assertion("isWhole && (mapToItemIds.empty() || mapToItemIds.size() == itemCount)");
     const std::string noIds =
         "ResultValuesBlock configured to use mapToItemIds, but no IDs provided";
     const std::string ids =
         "ResultValuesBlock configured to not use mapToItemIds, but IDs are provided";
-    const float data[6] = {};
-    const int itemIds[] = {1};
-    ExpectRefused({
-        {"negative room",
-         [&] { return scalars->allocateResultValues(-1); },
-         {Assertion("count >= 0")}},
-        {"none",
-         [&] { return scalars->setResultValues({}, {}); },
-         {Assertion("!resultValues.empty()")}},
-        {"ids too many",
-         [&] {
-             return scalars->setResultValues({1, 2}, {1, 2});
-         },
-         {ids}},
-        {"no ids",
-         [&] {
-             return vectors->setResultValues({1, 2, 3}, {});
-         },
-         {noIds}},
-        {"five for two vectors",
-         [&] {
-             return vectors->setResultValues({1, 2, 3, 4, 5}, {1, 2});
-         },
-         {unfit}},
-        {"six for one vector",
-         [&] {
-             return vectors->setResultValues({1, 2, 3, 4, 5, 6}, {1});
-         },
-         {unfit}},
-        {"three for a tensor",
-         [&] {
-             return tensors->setResultValues({1, 2, 3}, {1});
-         },
-         {unfit}},
-        {"vector of scalars",
-         [&] { return scalars->addResultValue3d(1, 2, 3); },
-         {Assertion("dimension() == VECTOR3D")}},
-        {"scalar of vectors",
-         [&] { return vectors->addResultValue1d(1, 1); },
-         {Assertion("dimension() == SCALAR1D")}},
-        {"vector without id", [&] { return vectors->addResultValue3d(1, 2, 3); }, {noIds}},
-        {"scalar with id", [&] { return scalars->addResultValue1d(1, 0); }, {ids}},
-        {"no data",
-         [&] { return scalars->setResultValueData(nullptr, 1, nullptr); },
-         {Assertion("resultValues && itemCount > 0")}},
-        {"data with ids", [&] { return scalars->setResultValueData(data, 1, itemIds); }, {ids}},
-        {"data without ids",
-         [&] { return tensors->setResultValueData(data, 1, nullptr); },
-         {noIds}},
-        {"target",
-         [&] { return scalars->setMapToBlockId(1, Block::RESULT); },
-         {Assertion("blockType == ELEMENTS || blockType == NODES")}},
-        {"negative target",
-         [&] { return scalars->setMapToBlockId(-1, Block::NODES); },
-         {Assertion("blockId >= 0")}},
-        {"no scalars",
-         [&] { return !scalars->resultValues().empty(); },
-         {"Dimension mismatch, requested scalars, but could not find any"}},
-        {"no vectors",
-         [&] { return vectors->resultValueData() != nullptr; },
-         {"Dimension mismatch, requested vectors, but could not find any"}},
-        {"item ids",
-         [&] { return !scalars->mapToItemIds().empty(); },
-         {"Requested item ids of a result value block, but no IDs were available."}},
-    });
+    ExpectRefused(scalars->allocateResultValues(-1), {Assertion("count >= 0")});
+    ExpectRefused(scalars->setResultValues({1, 2}, {1, 2}), {ids});
+    ExpectRefused(vectors->setResultValues({1, 2, 3}, {}), {noIds});
+    ExpectRefused(vectors->setResultValues({1, 2, 3, 4, 5}, {1, 2}), {unfit});
+    ExpectRefused(vectors->setResultValues({1, 2, 3, 4, 5, 6}, {1}), {unfit});
+    ExpectRefused(vectors->setResultValues({1, 2, 3}, {1, 2}), {unfit});
+    ExpectRefused(scalars->addResultValue3d(1, 2, 3), {Assertion("dimension() == VECTOR3D")});
+    ExpectRefused(scalars->setResultValueData(nullptr, 1, nullptr),
+                  {Assertion("resultValues && itemCount > 0")});
+    ExpectRefused(scalars->setMapToBlockId(1, Block::RESULT),
+                  {Assertion("blockType == ELEMENTS || blockType == NODES")});
+    ExpectRefused(!scalars->resultValues().empty(),
+                  {"Dimension mismatch, requested scalars, but could not find any"});
     EXPECT_TRUE(vectors->setResultValues({1, 2, 3, 4, 5, 6}, {1, 2}));
     EXPECT_EQ(2u, vectors->itemCount());
     EXPECT_THAT(vectors->mapToItemIds(), ElementsAre(1, 2));
@@ -658,7 +361,6 @@ TEST_F(BlockTest, ValueDataIsReadInPlace) {
     ASSERT_TRUE(tensor->setResultValueData(data.data(), 1, nullptr));
     EXPECT_EQ(data.data(), tensor->resultValueData());
     EXPECT_EQ(1u, tensor->itemCount());
-    EXPECT_EQ(data, tensor->resultValues());
 }
 
 // Transformations and sets.
@@ -667,20 +369,11 @@ TEST_F(BlockTest, TransformationsThatDoNotFitAreRefused) {
     const PtrRef<TransformationResultBlock> move = new TransformationResultBlock(3);
     const PtrRef<TransformationResultValuesBlock> moved = new TransformationResultValuesBlock(4);
     EXPECT_EQ(nuo::Str("Transformation result 3"), move->name());
-    ExpectRefused({
-        {"block",
-         [&] { return move->addTransformationResultValuesBlock(-1, 0); },
-         {Assertion("valuesBlockId >= 0")}},
-        {"blocks",
-         [&] { return move->setTransformationResultValuesBlocks({}, 0); },
-         {Assertion("!valuesBlockIds.empty()")}},
-        {"state",
-         [&] { return move->transformationResultValuesBlockCount(0) > 0; },
-         {Assertion("state")}},
-        {"target",
-         [&] { return moved->setMapToBlockId(1, Block::NODES); },
-         {Assertion("(blockType == Block::ELEMENTS)")}},
-    });
+    ExpectRefused(move->addTransformationResultValuesBlock(-1, 0),
+                  {Assertion("valuesBlockId >= 0")});
+    ExpectRefused(move->transformationResultValuesBlockCount(0) > 0, {Assertion("state")});
+    ExpectRefused(moved->setMapToBlockId(1, Block::NODES),
+                  {Assertion("(blockType == Block::ELEMENTS)")});
     Block::BlockType type = Block::NODES;
     EXPECT_EQ(-1, moved->mapToBlockId(&type));
     EXPECT_EQ(Block::INVALID_BLOCK, type);
@@ -704,17 +397,11 @@ TEST_F(BlockTest, ItemsOfSetsGoIntoTheGroupOfTheirBlock) {
     EXPECT_EQ(2, set->itemGroup(1)->itemIdOrIndex(1));
     EXPECT_EQ(5u, set->totalItemCount());
     EXPECT_THAT(items, ElementsAre(5, 6));
-    ExpectRefused(
-        {{"group",
-          [&] { return set->itemGroup(2) != nullptr; },
-          {"Item group index out of bounds"}},
-         {"item", [&] { return group->itemIdOrIndex(3) >= 0; }, {Assertion("index < itemCount()")}},
-         {"type",
-          [&] {
-              set->setItemType(static_cast<SetBlock::ItemType>(5));
-              return set->itemType() == SetBlock::ELEMENT_ITEMS;
-          },
-          {"Invalid type id 5 given (SetBlock::ItemType)."}}});
+    ExpectRefused(set->itemGroup(2) != nullptr, {"Item group index out of bounds"});
+    ExpectRefused(group->itemIdOrIndex(3) >= 0, {Assertion("index < itemCount()")});
+    set->setItemType(static_cast<SetBlock::ItemType>(5));
+    ExpectRefused(set->itemType() == SetBlock::ELEMENT_ITEMS,
+                  {"Invalid type id 5 given (SetBlock::ItemType)."});
     set->addItemGroup(nullptr);
     set->addItems(nullptr, 3, 1);
     EXPECT_THAT(TakeTexts(), ElementsAre(Assertion("group"), Assertion("items || count == 0")));

@@ -18,14 +18,10 @@ class CaseTest : public InterfaceTest {
 protected:
     CaseTest() { EXPECT_TRUE(m_file.create(m_name, FileSettings())); }
 
-    static Refused Construct(const char* what, File* file, const nuo::Str& name, int id,
-                             int databaseId, std::vector<std::string> messages) {
-        return {what,
-                [=] {
-                    const PtrRef<Case> view = new Case(file, name, id, databaseId);
-                    return view->id() >= 0;
-                },
-                std::move(messages)};
+    void ExpectNotConstructed(File* file, const nuo::Str& name, int id, int databaseId,
+                              const std::vector<std::string>& messages) {
+        const PtrRef<Case> view = new Case(file, name, id, databaseId);
+        ExpectRefused(view->id() >= 0, messages);
     }
 
     void Reopen() {
@@ -40,20 +36,17 @@ protected:
 TEST_F(CaseTest, WhatCannotBeConstructedIsReportedAndNotPartOfTheFile) {
     File closed;
     const PtrRef<Case> used = new Case(&m_file, "Used", 2, 0);
-    ExpectRefused({
-        Construct("no file", nullptr, "a", 1, 0, {"Given file pointer was NULL. (case id 1)."}),
-        Construct("no name", &m_file, "", 1, 0, {"Given case name was empty. (case id 1)."}),
-        Construct("negative id", &m_file, "a", -1, 0,
-                  {"Given case id was negative. (case id -1)."}),
-        Construct("negative database id", &m_file, "a", 1, -3,
-                  {"Given database id was negative. (case id 1, database id -3)."}),
-        Construct("closed file", &closed, "a", 1, 0,
-                  {"Given file was in invalid state. (case id 1). File must be created or opened "
-                   "for append before adding a case."}),
-        Construct("used id", &m_file, "a", 2, 0,
-                  {"Case with id 2 already registered.",
-                   "Could not register case instance. (case id 2)."}),
-    });
+    ExpectNotConstructed(nullptr, "a", 1, 0, {"Given file pointer was NULL. (case id 1)."});
+    ExpectNotConstructed(&m_file, "", 1, 0, {"Given case name was empty. (case id 1)."});
+    ExpectNotConstructed(&m_file, "a", -1, 0, {"Given case id was negative. (case id -1)."});
+    ExpectNotConstructed(&m_file, "a", 1, -3,
+                         {"Given database id was negative. (case id 1, database id -3)."});
+    ExpectNotConstructed(&closed, "a", 1, 0,
+                         {"Given file was in invalid state. (case id 1). File must be created or "
+                          "opened for append before adding a case."});
+    ExpectNotConstructed(
+        &m_file, "a", 2, 0,
+        {"Case with id 2 already registered.", "Could not register case instance. (case id 2)."});
     EXPECT_EQ(1u, m_file.fileCaseCount());
     EXPECT_TRUE(m_file.close());
 }
@@ -65,9 +58,7 @@ TEST_F(CaseTest, ImagesAreStoredReplacedAndRefused) {
     EXPECT_TRUE(view->addImage("a", &small));
     EXPECT_TRUE(view->addImage("b.raw", &small));
     EXPECT_TRUE(view->addImage("a", &large));
-    ExpectRefused({{"folder",
-                    [&] { return view->addImage("a/b", &small); },
-                    {"Error writing the image to the ZRFx file."}}});
+    ExpectRefused(view->addImage("a/b", &small), {"Error writing the image to the ZRFx file."});
     Reopen();
     const Case& read = *m_file.fileCase(0);
     ASSERT_EQ(2u, read.imageCount());
@@ -75,17 +66,10 @@ TEST_F(CaseTest, ImagesAreStoredReplacedAndRefused) {
     EXPECT_EQ(2u, read.image(0)->width());
     EXPECT_EQ(nuo::Str("a"), read.imageName(1));
     EXPECT_EQ(9u, read.image(1)->width());
-    ExpectRefused({
-        {"null",
-         [&] { return m_file.fileCase(0)->addImage("c", nullptr); },
-         {"Image object is invalid. Image pointer is NULL."}},
-        {"name",
-         [&] { return !m_file.fileCase(0)->imageName(2).isEmpty(); },
-         {"No image was found at index 2"}},
-        {"image",
-         [&] { return m_file.fileCase(0)->image(2) != nullptr; },
-         {"No image was found at index 2"}},
-    });
+    ExpectRefused(m_file.fileCase(0)->addImage("c", nullptr),
+                  {"Image object is invalid. Image pointer is NULL."});
+    ExpectRefused(!read.imageName(2).isEmpty(), {"No image was found at index 2"});
+    ExpectRefused(read.image(2) != nullptr, {"No image was found at index 2"});
 }
 
 TEST_F(CaseTest, CaseWithoutNameIsCalledByItsId) {
@@ -136,18 +120,14 @@ TEST_F(CaseTest, CaseThatCannotBeWrittenIsReportedAndCanBeMended) {
     const PtrRef<Case> view = new Case(&m_file, "View", 4, 0);
     nuo::Image empty;
     view->setSnapshot(&empty);
-    ExpectRefused({{"close",
-                    [&] { return m_file.close(); },
-                    {"Error writing the snapshot image to the ZRFx file.", "Eror writing case.",
-                     "Could not write case (id 4) to file."}}});
+    ExpectRefused(m_file.close(), {"Error writing the snapshot image to the ZRFx file.",
+                                   "Eror writing case.", "Could not write case (id 4) to file."});
     view->setSnapshot(nullptr);
     ASSERT_TRUE(m_file.close());
     ASSERT_TRUE(m_file.openForAppend(m_name));
     m_file.fileCase(0)->setSnapshot(&empty);
-    ExpectRefused({{"flush",
-                    [&] { return m_file.flush(); },
-                    {"Error writing the snapshot image to the ZRFx file.", "Error writing case.",
-                     "Could not write case (id 4) to file."}}});
+    ExpectRefused(m_file.flush(), {"Error writing the snapshot image to the ZRFx file.",
+                                   "Error writing case.", "Could not write case (id 4) to file."});
     m_file.fileCase(0)->setSnapshot(nullptr);
     EXPECT_TRUE(m_file.close());
 }

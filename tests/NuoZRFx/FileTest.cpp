@@ -51,74 +51,56 @@ protected:
         return nodes;
     }
 
+    // A new file, open, with one database, 0.
+    void Create(int level = 5) {
+        FileSettings settings;
+        settings.compressionLevel = level;
+        ASSERT_TRUE(m_file.create(m_name, settings));
+        m_database = WriteDatabase(m_file, "First", 0);
+    }
+
     static std::size_t NodeCountOf(File& file, int blockId) {
         const PtrRef<Block> block = file.database(0)->blockById(Block::NODES, blockId);
         return block ? static_cast<NodeBlock*>(block.p())->nodeCount() : 0;
     }
 
     nuo::Str m_name;
+    File m_file;
+    PtrRef<Database> m_database;
 };
 
 TEST_F(FileTest, WhatCannotBeOpenedOrCreatedIsReported) {
     const std::string text = m_folder.File("text.zrfx");
     std::ofstream(text) << "no archive";
-    const nuo::Str nowhere = nuo::Str(m_folder.File("no/such/folder/file.zrfx"));
-    File file;
-    ExpectRefused({
-        {"create without a name",
-         [&] { return file.create("", FileSettings()); },
-         {"File name string is NULL."}},
-        {"open without a name", [&] { return file.open(""); }, {"File name string is empty."}},
-        {"append without a name",
-         [&] { return file.openForAppend(""); },
-         {"File name string is empty."}},
-        {"create in no folder",
-         [&] { return file.create(nowhere, FileSettings()); },
-         {"Error creating file."}},
-        {"open nothing", [&] { return file.open(nowhere); }, {"Error opening file."}},
-        {"append to nothing",
-         [&] { return file.openForAppend(nowhere); },
-         {"Error creating file."}},
-        {"open a text", [&] { return file.open(nuo::Str(text)); }, {"Error opening file."}},
-        {"append to a text",
-         [&] { return file.openForAppend(nuo::Str(text)); },
-         {"Error creating file."}},
-        {"close nothing", [&] { return file.close(); }, {}},
-        {"flush nothing", [&] { return file.flush(); }, {}},
-    });
+    const nuo::Str nowhere = nuo::Str(m_folder.File("no/such/folder/m_file.zrfx"));
+    ExpectRefused(m_file.create("", FileSettings()), {"File name string is NULL."});
+    ExpectRefused(m_file.open(""), {"File name string is empty."});
+    ExpectRefused(m_file.openForAppend(""), {"File name string is empty."});
+    ExpectRefused(m_file.create(nowhere, FileSettings()), {"Error creating file."});
+    for (const nuo::Str& name : {nowhere, nuo::Str(text)}) {
+        ExpectRefused(m_file.open(name), {"Error opening file."});
+        ExpectRefused(m_file.openForAppend(name), {"Error creating file."});
+    }
+    ExpectRefused(m_file.close(), {});
+    ExpectRefused(m_file.flush(), {});
     EXPECT_FALSE(File::isZRFxFile(nuo::Str(text)));
-    ASSERT_TRUE(file.create(m_name, FileSettings()));  // usable after all that
-    EXPECT_TRUE(file.close());
-    EXPECT_FALSE(file.close());
+    ASSERT_TRUE(m_file.create(m_name, FileSettings()));  // usable after all that
+    EXPECT_TRUE(m_file.close());
+    EXPECT_FALSE(m_file.close());
     EXPECT_TRUE(File::isZRFxFile(m_name));
 }
 
-TEST_F(FileTest, ClosedFileAnswersWithoutHarm) {
-    File file;
-    EXPECT_EQ(-1, file.unusedDatabaseId());
-    EXPECT_THAT(TakeTexts(), ElementsAre("Error writing file."));
-    EXPECT_EQ(0, file.unusedFileCaseId());
-    EXPECT_EQ(nullptr, file.database(0));
-    EXPECT_EQ(nullptr, file.fileCase(0));
-    ExpectRefused({{"text",
-                    [&] { return file.addUserTextFile("a", "b"); },
-                    {Assertion("m_private->m_zrfxAccess")}}});
-    EXPECT_EQ(0u, file.userTextFileCount());
-    EXPECT_THAT(TakeTexts(), ElementsAre(Assertion("m_zrfxAccess")));
-}
-
 TEST_F(FileTest, IdsFollowTheHighestInUse) {
-    File file;
-    ASSERT_TRUE(file.create(m_name, FileSettings()));
-    EXPECT_EQ(0, file.unusedDatabaseId());
-    const PtrRef<Database> first = WriteDatabase(file, "a", 0);
-    const PtrRef<Database> second = WriteDatabase(file, "b", 7);
-    const PtrRef<Case> view = new Case(&file, "c", 4, 7);
-    EXPECT_EQ(8, file.unusedDatabaseId());
-    EXPECT_EQ(5, file.unusedFileCaseId());
-    EXPECT_EQ(nullptr, file.database(file.databaseCount()));
-    EXPECT_EQ(nullptr, file.fileCase(file.fileCaseCount()));
-    EXPECT_TRUE(file.close());
+    ASSERT_TRUE(m_file.create(m_name, FileSettings()));
+    EXPECT_EQ(0, m_file.unusedDatabaseId());
+    const PtrRef<Database> first = WriteDatabase(m_file, "a", 0);
+    const PtrRef<Database> second = WriteDatabase(m_file, "b", 7);
+    const PtrRef<Case> view = new Case(&m_file, "c", 4, 7);
+    EXPECT_EQ(8, m_file.unusedDatabaseId());
+    EXPECT_EQ(5, m_file.unusedFileCaseId());
+    EXPECT_EQ(nullptr, m_file.database(m_file.databaseCount()));
+    EXPECT_EQ(nullptr, m_file.fileCase(m_file.fileCaseCount()));
+    EXPECT_TRUE(m_file.close());
 }
 
 TEST_F(FileTest, LevelsOutsideTheRangeAreClamped) {
@@ -134,81 +116,53 @@ TEST_F(FileTest, LevelsOutsideTheRangeAreClamped) {
 }
 
 TEST_F(FileTest, UserTextsAreStoredReplacedAndRefused) {
-    File file;
-    ASSERT_TRUE(file.create(m_name, FileSettings()));
-    ExpectRefused({
-        {"no name",
-         [&] { return file.addUserTextFile("", "x"); },
-         {"Given file name string was empty."}},
-        {"no content",
-         [&] { return file.addUserTextFile("x", ""); },
-         {"Given file content string was empty."}},
-        {"name with a slash",
-         [&] { return file.addUserTextFile("a/b", "x"); },
-         {"Error writing the user file to the ZRFx file."}},
-        {"name with a backslash",
-         [&] { return file.addUserTextFile("a\\b", "x"); },
-         {"Error writing the user file to the ZRFx file."}},
-        {"no file",
-         [&] { return !file.userTextFileName(0).isEmpty(); },
-         {"No user text file was found at index 0"}},
-        {"no content",
-         [&] { return !file.userTextFileContent(9).isEmpty(); },
-         {"No user text file was found at index 9"}},
-    });
-    EXPECT_TRUE(file.addUserTextFile("log.v1", "old"));
-    EXPECT_TRUE(file.addUserTextFile("log.v1", "new"));
-    EXPECT_EQ(1u, file.userTextFileCount());
-    EXPECT_EQ(nuo::Str("log.v1"), file.userTextFileName(0));
-    EXPECT_EQ(nuo::Str("new"), file.userTextFileContent(0));
-    EXPECT_TRUE(file.close());
-    ASSERT_TRUE(file.open(m_name));
-    ExpectRefused({{"read only",
-                    [&] { return file.addUserTextFile("x", "y"); },
-                    {"Error writing the user file to the ZRFx file."}}});
+    ASSERT_TRUE(m_file.create(m_name, FileSettings()));
+    const std::string notWritten = "Error writing the user file to the ZRFx file.";
+    ExpectRefused(m_file.addUserTextFile("", "x"), {"Given file name string was empty."});
+    ExpectRefused(m_file.addUserTextFile("x", ""), {"Given file content string was empty."});
+    ExpectRefused(m_file.addUserTextFile("a/b", "x"), {notWritten});
+    ExpectRefused(m_file.addUserTextFile("a\\b", "x"), {notWritten});
+    ExpectRefused(!m_file.userTextFileName(0).isEmpty(),
+                  {"No user text file was found at index 0"});
+    ExpectRefused(!m_file.userTextFileContent(9).isEmpty(),
+                  {"No user text file was found at index 9"});
+    EXPECT_TRUE(m_file.addUserTextFile("log.v1", "old"));
+    EXPECT_TRUE(m_file.addUserTextFile("log.v1", "new"));
+    EXPECT_EQ(1u, m_file.userTextFileCount());
+    EXPECT_EQ(nuo::Str("log.v1"), m_file.userTextFileName(0));
+    EXPECT_EQ(nuo::Str("new"), m_file.userTextFileContent(0));
+    EXPECT_TRUE(m_file.close());
+    ASSERT_TRUE(m_file.open(m_name));
+    ExpectRefused(m_file.addUserTextFile("x", "y"), {notWritten});
 }
 
 TEST_F(FileTest, CreatingClosesWhatIsOpen) {
-    File file;
-    ASSERT_TRUE(file.create(m_name, FileSettings()));
-    const PtrRef<Database> database = WriteDatabase(file, "First", 0);
-    ASSERT_TRUE(file.create(nuo::Str(m_folder.File("other.zrfx")), FileSettings()));
-    EXPECT_EQ(0u, file.databaseCount());
-    EXPECT_TRUE(file.close());
-    ASSERT_TRUE(file.open(m_name));
-    EXPECT_EQ(1u, file.databaseCount());
+    Create();
+    ASSERT_TRUE(m_file.create(nuo::Str(m_folder.File("other.zrfx")), FileSettings()));
+    EXPECT_EQ(0u, m_file.databaseCount());
+    EXPECT_TRUE(m_file.close());
+    ASSERT_TRUE(m_file.open(m_name));
+    EXPECT_EQ(1u, m_file.databaseCount());
 }
 
 TEST_F(FileTest, FileOpenedForReadingTakesNothing) {
     WriteFile();
-    File file;
-    ASSERT_TRUE(file.open(m_name));
-    ExpectRefused({
-        {"flush", [&] { return file.flush(); }, {"Error writing file."}},
-        {"database",
-         [&] { return WriteDatabase(file, "New", 1)->id() >= 0; },
-         {"Given file was in invalid state. (Database id 1). File must be created or opened for "
-          "append before adding a case."}},
-        {"case",
-         [&] {
-             const PtrRef<Case> view = new Case(&file, "New", 1, 0);
-             return view->id() >= 0;
-         },
-         {"Given file was in invalid state. (case id 1). File must be created or opened for "
-          "append before adding a case."}},
-        {"block",
-         [&] { return file.database(0)->writeBlock(NodesOf(2, 1).p()); },
-         {"Error writing block to database. (block id 2, database id 0)."}},
-        {"image",
-         [&] {
-             nuo::Image image = MakeImage(1, 1);
-             return file.fileCase(0)->addImage("new", &image);
-         },
-         {"Error writing the image to the ZRFx file."}},
-    });
-    EXPECT_EQ(1u, file.databaseCount());
-    EXPECT_EQ(1u, file.fileCaseCount());
-    EXPECT_TRUE(file.close());
+    ASSERT_TRUE(m_file.open(m_name));
+    const std::string mustBeOpen =
+        " File must be created or opened for append before adding a case.";
+    nuo::Image image = MakeImage(1, 1);
+    ExpectRefused(m_file.flush(), {"Error writing file."});
+    ExpectRefused(WriteDatabase(m_file, "New", 1)->id() >= 0,
+                  {"Given file was in invalid state. (Database id 1)." + mustBeOpen});
+    ExpectRefused(PtrRef<Case>(new Case(&m_file, "New", 1, 0))->id() >= 0,
+                  {"Given file was in invalid state. (case id 1)." + mustBeOpen});
+    ExpectRefused(m_file.database(0)->writeBlock(NodesOf(2, 1).p()),
+                  {"Error writing block to database. (block id 2, database id 0)."});
+    ExpectRefused(m_file.fileCase(0)->addImage("new", &image),
+                  {"Error writing the image to the ZRFx file."});
+    EXPECT_EQ(1u, m_file.databaseCount());
+    EXPECT_EQ(1u, m_file.fileCaseCount());
+    EXPECT_TRUE(m_file.close());
 }
 
 struct Entrance {
@@ -222,22 +176,17 @@ TEST_P(EncryptedFileTest, OnlyTheRightPasswordOpens) {
     FileSettings settings;
     settings.password = "r\u00EFght";
     WriteFile(settings);
-    File file;
-    ExpectRefused({
-        {"open",
-         [&] { return file.open(m_name, GetParam().password); },
-         {Filled(GetParam().message), "Error opening file."}},
-        {"append",
-         [&] { return file.openForAppend(m_name, GetParam().password); },
-         {Filled(GetParam().message), "Error creating file."}},
-    });
-    EXPECT_EQ(0u, file.databaseCount());
-    ASSERT_TRUE(file.openForAppend(m_name, settings.password));
-    ASSERT_TRUE(file.database(0)->writeBlock(NodesOf(2, 5).p()));
-    ASSERT_TRUE(file.close());
-    ASSERT_TRUE(file.open(m_name, settings.password));
-    EXPECT_EQ(3u, NodeCountOf(file, 1));
-    EXPECT_EQ(5u, NodeCountOf(file, 2));
+    const auto& [password, message] = GetParam();
+    ExpectRefused(m_file.open(m_name, password), {Filled(message), "Error opening file."});
+    ExpectRefused(m_file.openForAppend(m_name, password),
+                  {Filled(message), "Error creating file."});
+    EXPECT_EQ(0u, m_file.databaseCount());
+    ASSERT_TRUE(m_file.openForAppend(m_name, settings.password));
+    ASSERT_TRUE(m_file.database(0)->writeBlock(NodesOf(2, 5).p()));
+    ASSERT_TRUE(m_file.close());
+    ASSERT_TRUE(m_file.open(m_name, settings.password));
+    EXPECT_EQ(3u, NodeCountOf(m_file, 1));
+    EXPECT_EQ(5u, NodeCountOf(m_file, 2));
 }
 
 INSTANTIATE_TEST_SUITE_P(Passwords, EncryptedFileTest,
@@ -247,38 +196,36 @@ INSTANTIATE_TEST_SUITE_P(Passwords, EncryptedFileTest,
 
 TEST_F(FileTest, PasswordOfAnOpenFileIsIgnored) {
     WriteFile();
-    File file;
-    EXPECT_TRUE(file.open(m_name, "any"));
+    EXPECT_TRUE(m_file.open(m_name, "any"));
 }
 
 // Appending.
 
 TEST_F(FileTest, AppendingAddsReplacesAndKeepsTheRest) {
     WriteFile();
-    File file;
-    ASSERT_TRUE(file.openForAppend(m_name));
-    ASSERT_EQ(1, file.unusedDatabaseId());
-    const PtrRef<Database> second = WriteDatabase(file, "Second", 1);
-    const PtrRef<Case> added = new Case(&file, "Added", file.unusedFileCaseId(), 1);
-    EXPECT_TRUE(file.database(0)->writeBlock(NodesOf(1, 4).p()));
-    EXPECT_TRUE(file.database(0)->writeBlock(NodesOf(2, 2).p()));
-    file.fileCase(0)->setName("Renamed");
-    file.fileCase(0)->setDescription("");
-    ASSERT_TRUE(file.close());
+    ASSERT_TRUE(m_file.openForAppend(m_name));
+    ASSERT_EQ(1, m_file.unusedDatabaseId());
+    const PtrRef<Database> second = WriteDatabase(m_file, "Second", 1);
+    const PtrRef<Case> added = new Case(&m_file, "Added", m_file.unusedFileCaseId(), 1);
+    EXPECT_TRUE(m_file.database(0)->writeBlock(NodesOf(1, 4).p()));
+    EXPECT_TRUE(m_file.database(0)->writeBlock(NodesOf(2, 2).p()));
+    m_file.fileCase(0)->setName("Renamed");
+    m_file.fileCase(0)->setDescription("");
+    ASSERT_TRUE(m_file.close());
 
-    ASSERT_TRUE(file.open(m_name));
-    ASSERT_EQ(2u, file.databaseCount());
-    EXPECT_EQ(nuo::Str("Second"), file.database(1)->name());
-    EXPECT_EQ(2u, file.database(0)->blockCount(Block::NODES));
-    EXPECT_EQ(4u, NodeCountOf(file, 1));
-    EXPECT_EQ(2u, NodeCountOf(file, 2));
-    ASSERT_EQ(2u, file.fileCaseCount());
-    EXPECT_EQ(nuo::Str("Renamed"), file.fileCase(0)->name());
-    EXPECT_TRUE(file.fileCase(0)->description().isEmpty());
-    EXPECT_NE(nullptr, file.fileCase(0)->snapshot());
-    EXPECT_EQ(nuo::Str("steel"), file.fileCase(0)->imageName(0));
-    EXPECT_EQ(1, file.fileCase(1)->id());
-    EXPECT_EQ(1, file.fileCase(1)->databaseId());
+    ASSERT_TRUE(m_file.open(m_name));
+    ASSERT_EQ(2u, m_file.databaseCount());
+    EXPECT_EQ(nuo::Str("Second"), m_file.database(1)->name());
+    EXPECT_EQ(2u, m_file.database(0)->blockCount(Block::NODES));
+    EXPECT_EQ(4u, NodeCountOf(m_file, 1));
+    EXPECT_EQ(2u, NodeCountOf(m_file, 2));
+    ASSERT_EQ(2u, m_file.fileCaseCount());
+    EXPECT_EQ(nuo::Str("Renamed"), m_file.fileCase(0)->name());
+    EXPECT_TRUE(m_file.fileCase(0)->description().isEmpty());
+    EXPECT_NE(nullptr, m_file.fileCase(0)->snapshot());
+    EXPECT_EQ(nuo::Str("steel"), m_file.fileCase(0)->imageName(0));
+    EXPECT_EQ(1, m_file.fileCase(1)->id());
+    EXPECT_EQ(1, m_file.fileCase(1)->databaseId());
 }
 
 TEST_F(FileTest, SnapshotOfACaseIsReplacedAndTakenAway) {
@@ -298,14 +245,13 @@ TEST_F(FileTest, SnapshotOfACaseIsReplacedAndTakenAway) {
 }
 
 TEST_F(FileTest, AppendingNothingLeavesTheModelAsItIs) {
-    File file;
-    ASSERT_TRUE(file.create(m_name, FileSettings()));
-    ASSERT_TRUE(WriteModel(file, "x"));
-    ASSERT_TRUE(file.close());
-    ASSERT_TRUE(file.openForAppend(m_name));
-    ASSERT_TRUE(file.close());
-    ASSERT_TRUE(file.open(m_name));
-    EXPECT_EQ(DescribeModel("x"), Describe(file));
+    ASSERT_TRUE(m_file.create(m_name, FileSettings()));
+    ASSERT_TRUE(WriteModel(m_file, "x"));
+    ASSERT_TRUE(m_file.close());
+    ASSERT_TRUE(m_file.openForAppend(m_name));
+    ASSERT_TRUE(m_file.close());
+    ASSERT_TRUE(m_file.open(m_name));
+    EXPECT_EQ(DescribeModel("x"), Describe(m_file));
 }
 
 class AppendedFormTest : public FileTest, public testing::WithParamInterface<bool> {};
@@ -318,22 +264,21 @@ TEST_P(AppendedFormTest, IsTheFormOfTheFile) {
     settings.vendorName = "Maker";
     WriteFile(settings);
     const auto sizeBefore = std::filesystem::file_size(m_name.toStdString());
-    File file;
-    ASSERT_TRUE(file.openForAppend(m_name));
-    EXPECT_EQ(GetParam(), file.settings()->binary);
-    EXPECT_EQ(nuo::Str("Maker"), file.settings()->vendorName);
-    ASSERT_TRUE(file.database(0)->writeBlock(NodesOf(2, 20000).p()));
-    const PtrRef<Database> second = WriteDatabase(file, "Second", 1);
+    ASSERT_TRUE(m_file.openForAppend(m_name));
+    EXPECT_EQ(GetParam(), m_file.settings()->binary);
+    EXPECT_EQ(nuo::Str("Maker"), m_file.settings()->vendorName);
+    ASSERT_TRUE(m_file.database(0)->writeBlock(NodesOf(2, 20000).p()));
+    const PtrRef<Database> second = WriteDatabase(m_file, "Second", 1);
     ASSERT_TRUE(second->writeBlock(NodesOf(1, 20000).p()));
-    ASSERT_TRUE(file.close());
+    ASSERT_TRUE(m_file.close());
     const auto added = std::filesystem::file_size(m_name.toStdString()) - sizeBefore;
     if (GetParam()) {
         EXPECT_LT(added, 20000u);  // compressed
     } else {
         EXPECT_GT(added, 2u * 20000u * sizeof("20000 0 0"));  // stored lines of text
     }
-    ASSERT_TRUE(file.open(m_name));
-    EXPECT_EQ(20000u, NodeCountOf(file, 2));
+    ASSERT_TRUE(m_file.open(m_name));
+    EXPECT_EQ(20000u, NodeCountOf(m_file, 2));
 }
 
 INSTANTIATE_TEST_SUITE_P(TextAndBinary, AppendedFormTest, testing::Bool());
@@ -364,18 +309,16 @@ TEST_F(FileTest, ReadersSeeWhatWasFlushedWhileTheWriterGoesOn) {
 }
 
 TEST_F(FileTest, FlushingNothingNewWritesNothing) {
-    File file;
-    ASSERT_TRUE(file.create(m_name, FileSettings()));
-    const PtrRef<Database> database = WriteDatabase(file, "First", 0);
-    const PtrRef<Case> view = new Case(&file, "View", 0, 0);
-    ASSERT_TRUE(file.flush());
+    Create();
+    const PtrRef<Case> view = new Case(&m_file, "View", 0, 0);
+    ASSERT_TRUE(m_file.flush());
     const auto time = std::filesystem::last_write_time(m_name.toStdString());
     const auto size = std::filesystem::file_size(m_name.toStdString());
     usleep(20000);
-    ASSERT_TRUE(file.flush());
+    ASSERT_TRUE(m_file.flush());
     EXPECT_EQ(time, std::filesystem::last_write_time(m_name.toStdString()));
     EXPECT_EQ(size, std::filesystem::file_size(m_name.toStdString()));
-    EXPECT_TRUE(file.close());
+    EXPECT_TRUE(m_file.close());
 }
 
 TEST_F(FileTest, WriterThatIsKilledLosesNothingOfWhatItFlushed) {
@@ -383,11 +326,11 @@ TEST_F(FileTest, WriterThatIsKilledLosesNothingOfWhatItFlushed) {
     ASSERT_GE(writer, 0);
     if (writer == 0) {
         File file;
-        bool isWritten = file.create(m_name, FileSettings());
-        const PtrRef<Database> database = WriteDatabase(file, "Killed", 0);
+        bool isWritten = m_file.create(m_name, FileSettings());
+        const PtrRef<Database> database = WriteDatabase(m_file, "Killed", 0);
         for (int step = 1; step <= 5; ++step) {
             isWritten = isWritten && database->writeBlock(NodesOf(step, 100 * step).p()) &&
-                        database->writeBlock(NodesOf(99, step).p()) && file.flush();
+                        database->writeBlock(NodesOf(99, step).p()) && m_file.flush();
         }
         isWritten = isWritten && database->writeBlock(NodesOf(6, 600).p()) &&
                     database->writeBlock(NodesOf(99, 6).p());
@@ -398,16 +341,15 @@ TEST_F(FileTest, WriterThatIsKilledLosesNothingOfWhatItFlushed) {
     ASSERT_EQ(writer, waitpid(writer, &status, 0));
     ASSERT_TRUE(WIFSIGNALED(status));
 
-    File file;
-    ASSERT_TRUE(file.open(m_name));
-    EXPECT_EQ(6u, file.database(0)->blockCount(Block::NODES));
+    ASSERT_TRUE(m_file.open(m_name));
+    EXPECT_EQ(6u, m_file.database(0)->blockCount(Block::NODES));
     for (int step = 1; step <= 5; ++step) {
-        EXPECT_EQ(static_cast<std::size_t>(100 * step), NodeCountOf(file, step));
+        EXPECT_EQ(static_cast<std::size_t>(100 * step), NodeCountOf(m_file, step));
     }
-    EXPECT_EQ(5u, NodeCountOf(file, 99));
-    ASSERT_TRUE(file.openForAppend(m_name));  // and it can be gone on with
-    EXPECT_TRUE(file.database(0)->writeBlock(NodesOf(6, 600).p()));
-    EXPECT_TRUE(file.close());
+    EXPECT_EQ(5u, NodeCountOf(m_file, 99));
+    ASSERT_TRUE(m_file.openForAppend(m_name));  // and it can be gone on with
+    EXPECT_TRUE(m_file.database(0)->writeBlock(NodesOf(6, 600).p()));
+    EXPECT_TRUE(m_file.close());
 }
 
 // A disk that is full until the limit goes.
@@ -426,82 +368,69 @@ private:
 };
 
 TEST_F(FileTest, FlushAndCloseThatFailCanBeTriedAgain) {
-    File file;
-    FileSettings settings;
-    settings.compressionLevel = 0;
-    ASSERT_TRUE(file.create(m_name, settings));
-    const PtrRef<Database> database = WriteDatabase(file, "First", 0);
-    ASSERT_TRUE(file.flush());
-    ASSERT_TRUE(database->writeBlock(NodesOf(1, 100000).p()));
+    Create(0);
+    ASSERT_TRUE(m_file.flush());
+    ASSERT_TRUE(m_database->writeBlock(NodesOf(1, 100000).p()));
     {
         const FullDisk disk(50000);
-        ExpectRefused({{"flush", [&] { return file.flush(); }, {"Error writing file."}},
-                       {"close", [&] { return file.close(); }, {"Error writing file."}}});
+        ExpectRefused(m_file.flush(), {"Error writing file."});
+        ExpectRefused(m_file.close(), {"Error writing file."});
     }
     File reader;
     ASSERT_TRUE(reader.open(m_name));  // as of the last flush that went well
     EXPECT_EQ(0u, reader.database(0)->blockCount(Block::NODES));
-    ASSERT_TRUE(file.flush());
-    ASSERT_TRUE(file.close());
+    ASSERT_TRUE(m_file.flush());
+    ASSERT_TRUE(m_file.close());
     ASSERT_TRUE(reader.open(m_name));
     EXPECT_EQ(100000u, NodeCountOf(reader, 1));
 }
 
 // The disk is full between two data files of the block.
 TEST_F(FileTest, BlockThatWasWrittenInPartCanBeWrittenAgain) {
-    File file;
-    FileSettings settings;
-    settings.compressionLevel = 0;
-    ASSERT_TRUE(file.create(m_name, settings));
-    const PtrRef<Database> database = WriteDatabase(file, "First", 0);
-    ASSERT_TRUE(file.flush());
+    Create(0);
+    ASSERT_TRUE(m_file.flush());
     const std::vector<float> coordinates(std::size_t{3} * 1000000, 0.5f);
     const std::vector<int> ids(1000000, 7);
     const PtrRef<NodeBlock> nodes = new NodeBlock(1, true);
     ASSERT_TRUE(nodes->setNodeData(coordinates.data(), ids.size(), ids.data()));
     {
         const FullDisk disk(50000);
-        ExpectRefused({{"write",
-                        [&] { return database->writeBlock(nodes.p()); },
-                        {"Error writing block to database. (block id 1, database id 0)."}}});
+        ExpectRefused(m_database->writeBlock(nodes.p()),
+                      {"Error writing block to database. (block id 1, database id 0)."});
     }
-    EXPECT_EQ(0u, database->blockCount(Block::NODES));
-    EXPECT_TRUE(database->writeBlock(nodes.p()));
-    ASSERT_TRUE(file.close());
-    ASSERT_TRUE(file.open(m_name));
-    EXPECT_EQ(ids.size(), NodeCountOf(file, 1));
+    EXPECT_EQ(0u, m_database->blockCount(Block::NODES));
+    EXPECT_TRUE(m_database->writeBlock(nodes.p()));
+    ASSERT_TRUE(m_file.close());
+    ASSERT_TRUE(m_file.open(m_name));
+    EXPECT_EQ(ids.size(), NodeCountOf(m_file, 1));
 }
 
 TEST_F(FileTest, UnfinishedDatabaseKeepsTheFileOpenUntilItIsFinished) {
-    File file;
-    ASSERT_TRUE(file.create(m_name, FileSettings()));
+    ASSERT_TRUE(m_file.create(m_name, FileSettings()));
     const PtrRef<Database> database =
-        new Database(&file, "Bare", 3, Database::STRUCTURAL, Database::MODAL, "");
+        new Database(&m_file, "Bare", 3, Database::STRUCTURAL, Database::MODAL, "");
     PtrRef<StateInfoBlock> states = new StateInfoBlock;
     states->addStateInfo(0, "", 0, StateInfoBlock::TIME);
-    ExpectRefused({{"nothing",
-                    [&] { return file.close(); },
-                    {"No state info block had been written to database (database id 3).",
-                     "Could not write database (id 3) to file."}}});
+    const std::string notWritten = "Could not write database (id 3) to file.";
+    ExpectRefused(
+        m_file.close(),
+        {"No state info block had been written to database (database id 3).", notWritten});
     EXPECT_TRUE(database->writeBlock(states.p()));
-    ExpectRefused({{"states only",
-                    [&] { return file.close(); },
-                    {"No geometry block had been written to database (database id 3).",
-                     "Could not write database (id 3) to file."}}});
+    ExpectRefused(m_file.close(),
+                  {"No geometry block had been written to database (database id 3).", notWritten});
     EXPECT_TRUE(WriteFrame(*database));
-    EXPECT_TRUE(file.close());
+    EXPECT_TRUE(m_file.close());
 }
 
 TEST_F(FileTest, FileThatIsLetGoKeepsWhatWasFlushed) {
     {
         File file;
-        ASSERT_TRUE(file.create(m_name, FileSettings()));
-        const PtrRef<Database> database = WriteDatabase(file, "First", 0);
-        ASSERT_TRUE(file.flush());
+        ASSERT_TRUE(m_file.create(m_name, FileSettings()));
+        const PtrRef<Database> database = WriteDatabase(m_file, "First", 0);
+        ASSERT_TRUE(m_file.flush());
     }
-    File file;
-    ASSERT_TRUE(file.open(m_name));
-    EXPECT_EQ(1u, file.databaseCount());
+    ASSERT_TRUE(m_file.open(m_name));
+    EXPECT_EQ(1u, m_file.databaseCount());
 }
 
 }  // namespace

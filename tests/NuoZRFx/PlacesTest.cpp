@@ -1,12 +1,11 @@
 #include <gmock/gmock.h>
 
-#include <clocale>
 #include <cstdlib>
-#include <filesystem>
 #include <string>
 #include <thread>
 #include <vector>
 
+#include "support/CommaLocale.h"
 #include "support/InterfaceTest.h"
 #include "support/Model.h"
 
@@ -57,31 +56,8 @@ TEST_F(PlacesTest, FileLiesInFoldersOfEveryScript) {
     }
 }
 
-// A locale that writes numbers with commas and groups, made for the test.
-class CommaLocale {
-public:
-    explicit CommaLocale(const TemporaryFolder& folder) {
-        const std::string target = folder.File("de_DE.UTF-8");
-        const std::string make = "localedef -i de_DE -f UTF-8 '" + target + "' >/dev/null 2>&1";
-        if (std::system(make.c_str()) > 1) return;
-        const auto path = std::filesystem::path(target).parent_path().string();
-        setenv("LOCPATH", path.c_str(), 1);
-        m_isSet = std::setlocale(LC_ALL, "de_DE.UTF-8") && *std::localeconv()->decimal_point == ',';
-    }
-    ~CommaLocale() {
-        std::setlocale(LC_ALL, "C");
-        unsetenv("LOCPATH");
-    }
-
-    bool IsSet() const { return m_isSet; }
-
-private:
-    bool m_isSet = false;
-};
-
 TEST_F(PlacesTest, LocaleOfTheProcessChangesNothing) {
-    const TemporaryFolder folder;
-    const CommaLocale locale(folder);
+    const CommaLocale locale;
     if (!locale.IsSet()) GTEST_SKIP() << "localedef cannot make a locale here";
     for (const bool isBinary : {true, false}) {
         ExpectRoundTrip(m_folder.File("file.zrfx"), "1,5", isBinary);

@@ -61,20 +61,4 @@ TEST(ZRFxComponentTest, FailedAssertionReachesTheHostWithItsPlaceAndThrowsWhenAs
     EXPECT_GT(message.lineNumber, 0);
 }
 
-TEST(ZRFxComponentTest, LevelsApplyToALoggerAndAllBelowIt) {
-    nuo::LogManager* log = nuo::CoreComponent::logManager();
-    nuo::PtrRef<Recorder> recorder = new Recorder;
-    log->setDestination(recorder.p());
-    log->setLevel("nuo", nuo::LL_INFO);
-    log->setLevel("nuo.nvf", nuo::LL_OFF);
-    nuo::Instance instance = instanceWith(nuo::FailedAssertAction::CONTINUE, 0);
-    ASSERT_TRUE(ZRFxComponent::initialize(&instance));
-    nuo::Mat4d().rowCol(4, 0);
-    ASSERT_EQ(1u, recorder->messages.size());
-    EXPECT_EQ(nuo::Str("ZRFx component 3.11.0 initialized"), recorder->messages[0].text);
-    EXPECT_EQ(nuo::Str("nuo::zrfx::ZRFxComponent::initialize"), recorder->messages[0].functionName);
-    EXPECT_EQ(nuo::LL_OFF, log->level("nuo.nvf.unstruct"));
-    log->setDestination(nullptr);
-}
-
 }  // namespace

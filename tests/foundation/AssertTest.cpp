@@ -39,9 +39,6 @@ constexpr Report kReports[] = {
     {-1, nullptr, "Only", "ASSERT:  'Only'", "Assertion failed: 'Only', file dir/f.cpp, line -1\n",
      "Assertion failed\n\nFile: dir/f.cpp\n\nOnly\n\n(Press Retry to debug application)",
      "Only\n\nFile: dir/f.cpp"},
-    {-1, nullptr, nullptr, "ASSERT: ", "Assertion failed: file dir/f.cpp, line -1\n",
-     "Assertion failed\n\nFile: dir/f.cpp\n\n(Press Retry to debug application)",
-     "\n\nFile: dir/f.cpp"},
 };
 
 TEST_F(AssertTest, EveryModeLogsAnErrorFirst) {

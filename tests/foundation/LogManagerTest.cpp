@@ -143,25 +143,16 @@ TEST_F(LogManagerTest, DestinationThatIsReplacedMayLogAsItGoes) {
 
 TEST_F(LogManagerTest, ConsoleLinesCarryPrefixAndErrorsTheirPlace) {
     const CodeLocation place("dir/f%1.cpp", "a::%2", "", 12);
-    const struct {
-        LogLevel level;
-        CodeLocation location;
-        const char* line;
-    } cases[] = {
-        {nuo::LL_ERROR, place,
-         "ERROR: %1 text\n        -func: a::%2\n        -file: dir/f%1.cpp(12)\n"},
-        {nuo::LL_ERROR, CodeLocation("f", "", "", 0), "ERROR: %1 text\n        -file: f(0)\n"},
-        {nuo::LL_ERROR, CodeLocation("f", "g", "", -1), "ERROR: %1 text\n        -func: g\n"},
-        {nuo::LL_ERROR, CodeLocation("", "", "g()", 5), "ERROR: %1 text\n"},
-        {nuo::LL_WARNING, place, "warn:  %1 text\n"},
-        {nuo::LL_INFO, place, "info:  %1 text\n"},
-        {nuo::LL_DEBUG, place, "debug: %1 text\n"},
-    };
-    for (const auto& [level, location, line] : cases) {
+    const auto expectLine = [](LogLevel level, const CodeLocation& location, const char* line) {
         testing::internal::CaptureStderr();
         LogDestinationConsole().log("x", level, "%1 text", location);
         EXPECT_EQ(testing::internal::GetCapturedStderr(), line);
-    }
+    };
+    expectLine(nuo::LL_ERROR, place,
+               "ERROR: %1 text\n        -func: a::%2\n        -file: dir/f%1.cpp(12)\n");
+    expectLine(nuo::LL_ERROR, CodeLocation("f", "g", "", -1), "ERROR: %1 text\n        -func: g\n");
+    expectLine(nuo::LL_WARNING, place, "warn:  %1 text\n");
+    expectLine(nuo::LL_DEBUG, place, "debug: %1 text\n");
 }
 
 class Counter : public LogDestination {

@@ -52,7 +52,8 @@ struct Damage {
     const char* file;  ///< What follows the base name of the block.
     const char* from;  ///< Null for the whole contents.
     const char* to;    ///< Null to remove the file.
-    /// One a line; "#" stands for the base name, "@" for the same with the database's folder.
+    /// One a line; "#" stands for the base name, "@" for the same with the database's folder, "^"
+    /// for the block as messages about its contents name it.
     const char* messages;
 };
 
@@ -71,7 +72,7 @@ protected:
 
     /// Expects that the sample block of id 1, so damaged, is refused with these messages and stays
     /// unread.
-    void ExpectRefused(const Damage& damage);
+    void ExpectUnreadable(const Damage& damage);
 
     unstruct::ZRFxDatabase m_database{&m_access};
 };

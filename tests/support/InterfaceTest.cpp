@@ -1,30 +1,11 @@
 #include "support/InterfaceTest.h"
 
 #include <gmock/gmock.h>
-#include <unistd.h>
 
-#include <atomic>
 #include <mutex>
 #include <utility>
 
 namespace test {
-
-TemporaryFolder::TemporaryFolder(const std::string& utf8Name) {
-    static std::atomic<int> s_count{0};
-    m_base = std::filesystem::temp_directory_path() /
-             ("zrfx-test-" + std::to_string(getpid()) + "-" + std::to_string(s_count++));
-    m_folder = m_base / utf8Name;
-    std::filesystem::create_directories(m_folder);
-}
-
-TemporaryFolder::~TemporaryFolder() {
-    std::error_code ignored;
-    std::filesystem::remove_all(m_base, ignored);
-}
-
-std::string TemporaryFolder::File(const std::string& utf8Name) const {
-    return (m_folder / utf8Name).string();
-}
 
 std::string Assertion(const std::string& expression) {
     return "ASSERT:  (" + expression + ")";
@@ -66,12 +47,11 @@ std::vector<std::string> InterfaceTest::TakeCauses() {
     return std::exchange(m_recorder->causes, {});
 }
 
-void InterfaceTest::ExpectRefused(const std::vector<Refused>& calls) {
-    for (const Refused& refused : calls) {
-        SCOPED_TRACE(refused.what);
-        EXPECT_FALSE(refused.call());
-        EXPECT_THAT(TakeTexts(), testing::ElementsAreArray(refused.messages));
-    }
+void InterfaceTest::ExpectRefused(bool isDone, const std::vector<std::string>& messages,
+                                  std::source_location where) {
+    const testing::ScopedTrace trace(where.file_name(), static_cast<int>(where.line()), "call");
+    EXPECT_FALSE(isDone);
+    EXPECT_THAT(TakeTexts(), testing::ElementsAreArray(messages));
 }
 
 void InterfaceTest::TearDown() {

@@ -3,35 +3,13 @@
 #include <NuoZRFx/NuoZRFx.h>
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <functional>
+#include <source_location>
 #include <string>
 #include <vector>
 
+#include "support/TemporaryFolder.h"
+
 namespace test {
-
-/// A folder of its own below the system's temporary folder, gone with the object.
-class TemporaryFolder {
-public:
-    explicit TemporaryFolder(const std::string& utf8Name = "zrfx");
-    ~TemporaryFolder();
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-
-    /// The path of a file in the folder, in UTF-8.
-    std::string File(const std::string& utf8Name) const;
-
-private:
-    std::filesystem::path m_base;
-    std::filesystem::path m_folder;
-};
-
-/// A call that must fail, and all that the interface must say about it.
-struct Refused {
-    const char* what;
-    std::function<bool()> call;
-    std::vector<std::string> messages;
-};
 
 /// The text that is logged for a failed assertion.
 std::string Assertion(const std::string& expression);
@@ -50,8 +28,9 @@ protected:
     /// Texts of the archive and its blocks since the last call of TakeTexts.
     std::vector<std::string> TakeCauses();
 
-    /// Makes each call and expects it to fail with exactly its messages.
-    void ExpectRefused(const std::vector<Refused>& calls);
+    /// Expects that the call before gave false, or nothing, and exactly these messages.
+    void ExpectRefused(bool isDone, const std::vector<std::string>& messages,
+                       std::source_location where = std::source_location::current());
 
     void TearDown() override;
 

@@ -55,6 +55,20 @@ void LogCapture::ExpectAssertion(std::string_view expression) {
     ExpectReport("ASSERT:  (" + std::string(expression) + ")");
 }
 
+void LogCapture::ExpectAssertion(bool isDone, std::string_view expression,
+                                 std::source_location where) {
+    const testing::ScopedTrace trace(where.file_name(), static_cast<int>(where.line()), "call");
+    EXPECT_FALSE(isDone);
+    ExpectAssertion(expression);
+}
+
+void LogCapture::ExpectRefused(bool isDone, const std::vector<std::string>& texts,
+                               std::source_location where) {
+    const testing::ScopedTrace trace(where.file_name(), static_cast<int>(where.line()), "call");
+    EXPECT_FALSE(isDone);
+    EXPECT_THAT(TakeTexts(), testing::ElementsAreArray(texts));
+}
+
 void LogCapture::ExpectFailure(std::string_view message) {
     ExpectReport("ASSERT:  '" + std::string(message) + "'");
 }

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <source_location>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -34,6 +35,14 @@ protected:
 
     /// Expects that the code since the last call failed this assertion and logged nothing else.
     void ExpectAssertion(std::string_view expression);
+
+    /// Expects moreover that the call before gave false, or nothing.
+    void ExpectAssertion(bool isDone, std::string_view expression,
+                         std::source_location where = std::source_location::current());
+
+    /// Expects that the call before gave false, or nothing, and exactly these messages.
+    void ExpectRefused(bool isDone, const std::vector<std::string>& texts,
+                       std::source_location where = std::source_location::current());
 
     /// Expects likewise a failure that has a message instead of an expression.
     void ExpectFailure(std::string_view message);

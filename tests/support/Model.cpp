@@ -25,10 +25,12 @@ private:
     void Put(const Value& value) {
         m_text << ' ' << value;
     }
-    void Put(const Str& value) { m_text << " '" << value.toStdString() << "'"; }
-    void Put(const nuo::Vec3f& value) {
+    template <typename Value>
+    requires requires(Value value) { value.x, value.y, value.z; }
+    void Put(const Value& value) {
         m_text << " (" << value.x << ' ' << value.y << ' ' << value.z << ')';
     }
+    void Put(const Str& value) { m_text << " '" << value.toStdString() << "'"; }
     template <typename Value>
     void Put(const std::vector<Value>& values) {
         m_text << " [" << values.size() << "]";
@@ -153,6 +155,15 @@ void describe(const SetBlock& block, Facts& facts) {
     }
 }
 
+// As the one of the classes that the block is of.
+template <typename... Classes>
+void describeAs(const Block& block, Facts& facts) {
+    const auto add = [&](const auto* typed) {
+        if (typed) describe(*typed, facts);
+    };
+    (add(dynamic_cast<const Classes*>(&block)), ...);
+}
+
 std::string describeImage(const nuo::Image* image) {
     if (!image) return "none";
     std::vector<unsigned char> rgb(std::size_t{3} * image->width() * image->height());
@@ -166,13 +177,17 @@ std::string describeImage(const nuo::Image* image) {
     return text.str();
 }
 
-void addValue(const nuo::PropertySet& set, const Str& key, Facts& facts) {
-    const nuo::Variant value = set.value(key);
-    const bool isPoint = value.type() == nuo::Variant::VEC3D;
-    facts.Add("property", set.classType(), key, value.type());
-    if (isPoint) facts.Add("point", value.toVec3d().x, value.toVec3d().y, value.toVec3d().z);
-    if (value.type() == nuo::Variant::DOUBLE) facts.Add("number", value.toDouble());
-    if (value.type() == nuo::Variant::STRING) facts.Add("text", value.toStr());
+void addProperties(const nuo::PropertySetCollection* properties, Facts& facts) {
+    for (std::size_t i = 0; properties && i < properties->count(); ++i) {
+        const nuo::PropertySet& set = *properties->propertySet(i);
+        for (const Str& key : set.allKeys()) {
+            const nuo::Variant value = set.value(key);
+            facts.Add("property", set.classType(), key, value.type());
+            if (value.type() == nuo::Variant::VEC3D) facts.Add("point", value.toVec3d());
+            if (value.type() == nuo::Variant::DOUBLE) facts.Add("number", value.toDouble());
+            if (value.type() == nuo::Variant::STRING) facts.Add("text", value.toStr());
+        }
+    }
 }
 
 std::vector<PtrRef<Block>> makeMesh() {
@@ -328,40 +343,9 @@ PtrRef<nuo::PropertySetCollection> MakeCamera() {
 std::string Describe(const Block& block) {
     Facts facts;
     facts.Add("block", block.blockType(), block.blockId());
-    switch (block.blockType()) {
-        case Block::NODES:
-            describe(static_cast<const NodeBlock&>(block), facts);
-            break;
-        case Block::ELEMENTS:
-            describe(static_cast<const ElementBlock&>(block), facts);
-            break;
-        case Block::GEOMETRY:
-            describe(static_cast<const GeometryBlock&>(block), facts);
-            break;
-        case Block::GEOMETRY_INFO:
-            describe(static_cast<const GeometryInfoBlock&>(block), facts);
-            break;
-        case Block::STATE_INFO:
-            describe(static_cast<const StateInfoBlock&>(block), facts);
-            break;
-        case Block::RESULT:
-            describe(static_cast<const ResultBlock&>(block), facts);
-            break;
-        case Block::RESULT_VALUES:
-            describe(static_cast<const ResultValuesBlock&>(block), facts);
-            break;
-        case Block::TRANSFORMATION_RESULT:
-            describe(static_cast<const TransformationResultBlock&>(block), facts);
-            break;
-        case Block::TRANSFORMATION_RESULT_VALUES:
-            describe(static_cast<const TransformationResultValuesBlock&>(block), facts);
-            break;
-        case Block::SET:
-            describe(static_cast<const SetBlock&>(block), facts);
-            break;
-        case Block::INVALID_BLOCK:
-            break;
-    }
+    describeAs<NodeBlock, ElementBlock, GeometryBlock, GeometryInfoBlock, StateInfoBlock,
+               ResultBlock, ResultValuesBlock, TransformationResultBlock,
+               TransformationResultValuesBlock, SetBlock>(block, facts);
     return facts.Text();
 }
 
@@ -389,11 +373,7 @@ std::string Describe(const Case& fileCase) {
     for (std::size_t i = 0; i < fileCase.imageCount(); ++i) {
         facts.Add("image", fileCase.imageName(i), describeImage(fileCase.image(i)));
     }
-    const nuo::PropertySetCollection* properties = fileCase.properties();
-    for (std::size_t i = 0; properties && i < properties->count(); ++i) {
-        const nuo::PropertySet& set = *properties->propertySet(i);
-        for (const Str& key : set.allKeys()) addValue(set, key, facts);
-    }
+    addProperties(fileCase.properties(), facts);
     if (!fileCase.description().isEmpty()) {
         facts.Add("snapshot", describeImage(fileCase.snapshot()));
     }
@@ -464,11 +444,7 @@ std::vector<std::string> DescribeModel(const std::string& text) {
     view.Add("case", 3, 0, Str("View " + text), Str("<p>" + text + "</p>"), true);
     view.Add("image", Str("steel." + text), "5x3 about 6 3 1");
     view.Add("image", Str("wood"), "5x3 about 6 3 1");
-    for (std::size_t i = 0; i < MakeCamera()->count(); ++i) {
-        for (const Str& key : MakeCamera()->propertySet(i)->allKeys()) {
-            addValue(*MakeCamera()->propertySet(i), key, view);
-        }
-    }
+    addProperties(MakeCamera().p(), view);
     view.Add("snapshot", "8x16 about 6 3 1");
     Facts plain;
     plain.Add("case", 0, 7, Str("Plain"), Str(), false);

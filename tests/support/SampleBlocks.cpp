@@ -44,6 +44,11 @@ ZRIntArray Ints(std::initializer_list<std::int32_t> items) {
     return ArrayOf<std::int32_t>(items);
 }
 
+template <typename T>
+std::unique_ptr<T> New(T item) {
+    return std::make_unique<T>(std::move(item));
+}
+
 std::unique_ptr<ZRIntArray> NewInts(std::initializer_list<std::int32_t> items) {
     return std::make_unique<ZRIntArray>(Ints(items));
 }
@@ -117,35 +122,27 @@ void Fill(ZRFxGeometryBlock& block) {
 void Fill(ZRFxResultValuesBlock& block) {
     block.SetMapToBlockID(1);
     block.SetNumDimensions(6);
-    const float tensors[] = {1,
-                             2,
-                             3,
-                             4,
-                             5,
-                             6.5f,
-                             kUndefinedValue,
-                             kUndefinedValue,
-                             kUndefinedValue,
-                             kUndefinedValue,
-                             kUndefinedValue,
-                             kUndefinedValue};
+    constexpr float kU = kUndefinedValue;
+    const float tensors[] = {1, 2, 3, 4, 5, 6.5f, kU, kU, kU, kU, kU, kU};
     block.SetScalars(tensors, 12);
     block.SetIDs(NewInts({3, 5}));
 }
 
 void Fill(ZRFxResultBlock& block) {
-    block.GetDescription() = {kName,
-                              RESULT_DISPLACEMENT,
-                              STRAIN_ENGINEERING,
-                              MAPPING_NODE,
-                              3,
-                              2,
-                              0.1f,
-                              true,
-                              7,
-                              RESULT_UNKNOWN,
-                              18,
-                              {{"Unit", "mm"}, {kName, kName}}};
+    ZRFxResultDescription& result = block.GetDescription();
+    result.attributes = {{"Unit", "mm"}, {kName, kName}};
+    result = {kName,
+              RESULT_DISPLACEMENT,
+              STRAIN_ENGINEERING,
+              MAPPING_NODE,
+              3,
+              2,
+              0.1f,
+              true,
+              7,
+              RESULT_UNKNOWN,
+              18,
+              result.attributes};
     block.AddState(1)->m_aiValuesBlockIDs = Ints({1, 2});
     block.AddState(2);
 }
@@ -167,18 +164,14 @@ void Fill(ZRFxStateInfoBlock& block) {
 void Fill(ZRFxSetBlock& block) {
     block.SetSetID(8);
     block.SetName(kName);
-    block.AddItems(
-        std::make_unique<ZRFxSetBlockItems>(ZRFxSetBlockItems{1, BLOCK_ELEMENTS, Ints({2, 0})}));
-    block.AddItems(
-        std::make_unique<ZRFxSetBlockItems>(ZRFxSetBlockItems{2, BLOCK_ELEMENTS, Ints({1})}));
+    block.AddItems(New(ZRFxSetBlockItems{1, BLOCK_ELEMENTS, Ints({2, 0})}));
+    block.AddItems(New(ZRFxSetBlockItems{2, BLOCK_ELEMENTS, Ints({1})}));
 }
 
 void Fill(ZRFx2DPlotDataBlock& block) {
     block.SetName(kName);
-    block.AddVariable(
-        std::make_unique<ZRFxPlotVariable>(ZRFxPlotVariable{"Time", ArrayOf({0.f, 0.5f})}));
-    block.AddVariable(std::make_unique<ZRFxPlotVariable>(
-        ZRFxPlotVariable{kName, ArrayOf({kUndefinedValue, -3.f})}));
+    block.AddVariable(New(ZRFxPlotVariable{"Time", ArrayOf({0.f, 0.5f})}));
+    block.AddVariable(New(ZRFxPlotVariable{kName, ArrayOf({kUndefinedValue, -3.f})}));
 }
 
 void Fill(ZRFxTransformationResultValuesBlock& block) {
@@ -196,13 +189,11 @@ void Fill(ZRFxTransformationResultsBlock& block) {
 
 void FillState(ZRFxPrecomputedBlock& block) {
     ZRFxPrecomputedState* pState = block.AddState(1);
-    pState->apParts.Add(std::make_unique<ZRFxPrecomputedPart>(
-        ZRFxPrecomputedPart{1, 2, 3, MAPPING_ELEMENT_NODE, 4, {}}));
+    pState->apParts.Add(New(ZRFxPrecomputedPart{1, 2, 3, MAPPING_ELEMENT_NODE, 4, {}}));
 }
 
 void FillGrid(ZRFxPrecomputedState* pState) {
-    pState->apGrids.Add(
-        std::make_unique<ZRFxPrecomputedGrid>(ZRFxPrecomputedGrid{5, 6, 7, 8, 9, 10}));
+    pState->apGrids.Add(New(ZRFxPrecomputedGrid{5, 6, 7, 8, 9, 10}));
 }
 
 void Fill(ZRFxPrecomputedItemBlock& block) {
@@ -211,8 +202,7 @@ void Fill(ZRFxPrecomputedItemBlock& block) {
     block.m_iCaseID = 1;
     FillState(block);
     FillGrid(block.GetState(0));
-    block.GetState(0)->apTraces.Add(
-        std::make_unique<ZRFxPrecomputedTrace>(ZRFxPrecomputedTrace{1, 2, 3, 4}));
+    block.GetState(0)->apTraces.Add(New(ZRFxPrecomputedTrace{1, 2, 3, 4}));
 }
 
 void Fill(ZRFxPositionResultValuesBlock& block) {

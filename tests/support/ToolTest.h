@@ -36,7 +36,7 @@ protected:
     void Edit(const std::string& name, const std::string& entry, const std::string& from,
               const char* to);
 
-    std::string Path(const std::string& name) const { return m_folder.Path(name); }
+    std::string Path(const std::string& name) const { return m_folder.File(name); }
 
 private:
     TemporaryFolder m_folder;

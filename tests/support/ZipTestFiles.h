@@ -1,41 +1,22 @@
 #pragma once
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <cmath>
 #include <cstdint>
-#include <cstdio>
 #include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <random>
 #include <string>
 #include <vector>
 
+#include "support/TemporaryFolder.h"
+
 // Files, damage and data for tests of the container.
 namespace ziptest {
 
-// A folder of its own for a test, removed with all it holds.
-class TempFolder {
-public:
-    TempFolder() {
-        std::string sTemplate = (std::filesystem::temp_directory_path() / "zrfxXXXXXX").string();
-        m_sPath = mkdtemp(sTemplate.data());
-    }
-    ~TempFolder() { std::filesystem::remove_all(m_sPath); }
-    TempFolder(const TempFolder&) = delete;
-    TempFolder& operator=(const TempFolder&) = delete;
-
-    std::string File(const std::string& sName) const { return m_sPath + "/" + sName; }
-    size_t FileCount() const {
-        return static_cast<size_t>(std::distance(std::filesystem::directory_iterator(m_sPath), {}));
-    }
-
-private:
-    std::string m_sPath;
-};
+using test::TemporaryFolder;
 
 inline std::string ReadWhole(const std::string& sPath) {
     std::ifstream file(sPath, std::ios::binary);

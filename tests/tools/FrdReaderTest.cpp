@@ -78,7 +78,7 @@ class FrdReaderTest : public testing::Test {
 protected:
     // All events up to the end, and what was read.
     std::vector<Event> read(const std::string& content) {
-        const std::string path = m_folder.Path("a.frd");
+        const std::string path = m_folder.File("a.frd");
         std::ofstream(path, std::ios::binary) << content;
         m_reader = std::make_unique<FrdReader>();
         EXPECT_TRUE(m_reader->open(path));
