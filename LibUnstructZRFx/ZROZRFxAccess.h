@@ -91,6 +91,7 @@ public:
     static nvf::ref<nvf::XmlDocument> CreateMainDocument(const ZRString& exportApplication,
                                                          const ZRString& vendorName, int vendorId,
                                                          const ZRFxDateTime* dateTime = nullptr);
+    /// REQUIRES: the document is held by a reference, as one made on the stack is not.
     bool ReadAndValidateMainDocumentFile(nvf::XmlDocument* doc);
     bool SetVendorInfo(const ZRString& exportApplication, const ZRString& vendorName, int vendorId);
     bool GetVendorInfo(int* vendorId, ZRString* vendorName, ZRString* exportApplication);
