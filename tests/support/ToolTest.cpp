@@ -128,6 +128,15 @@ Ended ToolTest::Zrfx(const std::string& arguments) {
     return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, contentOf(out), contentOf(err)};
 }
 
+bool ToolTest::HasTerminals() {
+    int terminal = -1;
+    int other = -1;
+    if (openpty(&terminal, &other, nullptr, nullptr, nullptr) != 0) return false;
+    close(terminal);
+    close(other);
+    return true;
+}
+
 std::string ToolTest::OnTerminal(const std::string& arguments, const std::string& answers) {
     int terminal = -1;
     const std::string command = "cd '" + Path("") + "' && exec " NUO_TOOL " " + arguments;

@@ -22,6 +22,9 @@ protected:
     /// Runs "zrfx <arguments>" in a folder of the test's own, with standard error no terminal.
     Ended Zrfx(const std::string& arguments);
 
+    /// Whether the system gives terminals, which a bare container may not.
+    static bool HasTerminals();
+
     /// Runs it on a terminal, where `answers` are typed in, and gives all that the terminal shows.
     std::string OnTerminal(const std::string& arguments, const std::string& answers);
 
