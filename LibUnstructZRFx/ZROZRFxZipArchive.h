@@ -159,8 +159,8 @@ private:
     bool CheckDeclared(const ZRFxZipEntry& entry);
     bool CheckAes(const ZRFxZipEntry& entry);
     bool ReadPlace(const Item& item, uint64_t nOffset, void* pData, size_t nSize);
-    bool FetchSmall(const ZRFxZipEntry& entry, const uint8_t** ppPacked);
     bool FetchPacked(const Item& item, const uint8_t** ppPacked);
+    bool FetchSmall(const ZRFxZipEntry& entry, const uint8_t** ppPacked);
     bool FetchStored(const Item& item, ZRFxZipRawData* pRaw);
     bool LocateData(const Item& item, uint64_t* pOffset);
     bool Unpack(const ZRFxZipEntry& entry, const uint8_t* pPacked, ZRFxZipRawData* pRaw);
