@@ -18,6 +18,7 @@ namespace {
 
 constexpr const char* kExtension = ".zrfx";
 constexpr std::size_t kRawImageHeader = 8;
+constexpr int kMostFolders = 1000;
 
 ZRString inFolder(const ZRString& folder, const ZRString& name) {
     return folder + std::string(1, kFolderSeparator) + name;
@@ -38,6 +39,11 @@ std::string_view belowFolder(std::string_view name, const ZRString& folder) {
         return {};
     }
     return name.substr(length + 1);
+}
+
+// What the names of all that lies in a folder begin with.
+std::string folderPrefix(const ZRString& folder) {
+    return folder.IsEmpty() ? std::string() : folder.Bytes() + kFolderSeparator;
 }
 
 bool isRawImage(const ZRString& name) {
@@ -69,6 +75,14 @@ bool decodeRaw(const ZRFxZipRawData& raw, nuo::Image* image) {
 }
 
 }  // namespace
+
+ZRFxAccess::BoundedReading::BoundedReading(ZRFxAccess* access) : m_access(access) {
+    if (m_access) m_access->m_bounds.Start(m_access->m_pArchive->Length());
+}
+
+ZRFxAccess::BoundedReading::~BoundedReading() {
+    if (m_access) m_access->m_bounds.End();
+}
 
 ZRFxAccess::ZRFxAccess()
     : m_pArchive(std::make_unique<ZRFxZipArchive>()), m_logger(nvf::archiveLogger()) {
@@ -106,10 +120,12 @@ bool ZRFxAccess::Commit() {
 }
 
 bool ZRFxAccess::Close() {
+    Forget();
     return m_pArchive->Close() || FailWithCause("Could not write archive '%1'", m_sFileName);
 }
 
 void ZRFxAccess::Abandon() {
+    Forget();
     m_pArchive->Abandon();
 }
 
@@ -163,22 +179,20 @@ bool ZRFxAccess::SetVendorInfo(const ZRString& exportApplication, const ZRString
 }
 
 bool ZRFxAccess::GetVendorInfo(int* vendorId, ZRString* vendorName, ZRString* exportApplication) {
-    const nvf::ref<nvf::XmlDocument> doc = new nvf::XmlDocument;
     if (vendorId) *vendorId = -1;
     if (vendorName) *vendorName = ZRString();
     if (exportApplication) *exportApplication = ZRString();
-    if (!ReadAndValidateMainDocumentFile(doc.p())) return false;
-    ZRFxMainDocument(doc).GetVendorInfo(vendorId, vendorName, exportApplication);
+    if (!HasMainDocument()) return false;
+    m_mainDocument->GetVendorInfo(vendorId, vendorName, exportApplication);
     return true;
 }
 
 bool ZRFxAccess::GetExportDateTime(ZRFxDateTime* dateTime) {
-    return FromMainDocument([&](const auto& main) { return main.GetExportDateTime(dateTime); });
+    return HasMainDocument() && m_mainDocument->GetExportDateTime(dateTime);
 }
 
 bool ZRFxAccess::GetDisplayModelOnly(bool* displayModelOnly) {
-    return FromMainDocument(
-        [&](const auto& main) { return main.GetDisplayModelOnly(displayModelOnly); });
+    return HasMainDocument() && m_mainDocument->GetDisplayModelOnly(displayModelOnly);
 }
 
 bool ZRFxAccess::AddDatabase(const nvf::XmlDocument& databaseDoc, bool overwrite) {
@@ -209,27 +223,27 @@ bool ZRFxAccess::AddCase(const nvf::XmlDocument& caseDoc, bool overwrite) {
 }
 
 bool ZRFxAccess::GetNumDatabases(int* count) {
-    return FromMainDocument([&](const auto& main) { return main.GetNumDatabases(count); });
+    return HasMainDocument() && m_mainDocument->GetNumDatabases(count);
 }
 
 bool ZRFxAccess::GetNumCases(int* count) {
-    return FromMainDocument([&](const auto& main) { return main.GetNumCases(count); });
+    return HasMainDocument() && m_mainDocument->GetNumCases(count);
 }
 
 bool ZRFxAccess::GetDatabaseInfo(int index, ZRFxDatabaseInfo* info) {
-    return FromMainDocument([&](const auto& main) { return main.GetDatabaseInfo(index, info); });
+    return HasMainDocument() && m_mainDocument->GetDatabaseInfo(index, info);
 }
 
 bool ZRFxAccess::GetDatabaseByID(int id, ZRFxDatabaseInfo* info) {
-    return FromMainDocument([&](const auto& main) { return main.GetDatabaseByID(id, info); });
+    return HasMainDocument() && m_mainDocument->GetDatabaseByID(id, info);
 }
 
 bool ZRFxAccess::GetCaseInfo(int index, ZRFxCaseInfo* info) {
-    return FromMainDocument([&](const auto& main) { return main.GetCaseInfo(index, info); });
+    return HasMainDocument() && m_mainDocument->GetCaseInfo(index, info);
 }
 
 bool ZRFxAccess::GetCaseByID(int id, ZRFxCaseInfo* info) {
-    return FromMainDocument([&](const auto& main) { return main.GetCaseByID(id, info); });
+    return HasMainDocument() && m_mainDocument->GetCaseByID(id, info);
 }
 
 bool ZRFxAccess::GetCaseSnapshot(int caseId, nuo::Image* image) {
@@ -267,8 +281,13 @@ bool ZRFxAccess::WriteXmlFile(const ZRString& name, const nvf::XmlDocument& doc,
 
 bool ZRFxAccess::InternalReadXmlFile(const ZRString& name, LogMode logMode, nvf::XmlDocument* doc) {
     NVF_ASSERT(doc);
+    const BoundedReading bounded(this);
     ZRFxZipRawData raw;
     if (!doc || !InternalReadDataRaw(name, logMode, &raw)) return false;
+    if (!m_bounds.TakeDocument(raw.Length())) {
+        return m_logger->fail("Xml documents are too large for a file of its length, '%1' in '%2'",
+                              name, m_sFileName);
+    }
     nvf::String cause;
     if (doc->parse({reinterpret_cast<const char*>(raw.Buffer()), raw.Length()}, &cause))
         return true;
@@ -371,8 +390,13 @@ bool ZRFxAccess::InternalReadDataRaw(const ZRString& name, LogMode logMode, ZRFx
         if (logMode == LogMode::SILENT) return false;
         return m_logger->fail("Unable to read raw data from '%1', file not found.", name);
     }
-    return m_pArchive->Read(entry, raw) ||
-           FailWithCause("Unable to read raw data from '%1'.", name);
+    if (!m_pArchive->Read(entry, raw)) {
+        return FailWithCause("Unable to read raw data from '%1'.", name);
+    }
+    if (m_bounds.TakeData(raw->Length())) return true;
+    raw->Clear();
+    return m_logger->fail("Too much data for a file of its length, '%1' in '%2'", name,
+                          m_sFileName);
 }
 
 bool ZRFxAccess::OpenNewFile(const ZRString& name) {
@@ -388,6 +412,7 @@ bool ZRFxAccess::WriteNewFile(std::string_view text) {
 }
 
 bool ZRFxAccess::CloseNewFile() {
+    Forget();
     return m_pArchive->CloseEntry() || FailWithCause("Error closing new file.", m_sFileName);
 }
 
@@ -429,6 +454,7 @@ bool ZRFxAccess::Contains(const ZRString& name) const {
 
 bool ZRFxAccess::RemoveFile(const ZRString& name) {
     if (!CheckWritable(name)) return false;
+    Forget();
     for (std::string entry; FindEntry(name, &entry);) {
         if (!m_pArchive->Remove(entry)) {
             return FailWithCause("Could not remove file '%1' from archive", name);
@@ -438,7 +464,7 @@ bool ZRFxAccess::RemoveFile(const ZRString& name) {
 }
 
 bool ZRFxAccess::FindFiles(const ZRString& folder, bool descend, ZRStringArray* names) {
-    return ForEachName(names, [&](const std::string& name) {
+    return ForEachName(folderPrefix(folder), names, [&](const std::string& name) {
         const std::string_view below = belowFolder(name, folder);
         if (below.empty() || below.ends_with(kFolderSeparator) || below.ends_with('/')) return;
         if (!descend && below.find_first_of("\\/") != std::string_view::npos) return;
@@ -447,25 +473,22 @@ bool ZRFxAccess::FindFiles(const ZRString& folder, bool descend, ZRStringArray* 
 }
 
 bool ZRFxAccess::FindFilesOfBase(const ZRString& base, ZRStringArray* names) {
-    return ForEachName(names, [&](const std::string& name) {
-        const std::size_t length = base.Bytes().size();
-        if (name.size() <= length ||
-            withSlashes(name.substr(0, length)) != withSlashes(base.Bytes())) {
-            return;
-        }
-        if (name[length] == '.' || name[length] == '-') names->push_back(name);
+    return ForEachName(base.Bytes(), names, [&](const std::string& name) {
+        const char next = name.c_str()[base.Bytes().size()];
+        if (next == '.' || next == '-') names->push_back(name);
     });
 }
 
 bool ZRFxAccess::FindSubFolders(const ZRString& folder, bool descend, ZRStringArray* names) {
     std::set<std::string> found;
-    return ForEachName(names, [&](const std::string& name) {
+    return ForEachName(folderPrefix(folder), names, [&](const std::string& name) {
         const std::size_t below = name.size() - belowFolder(name, folder).size();
+        int depth = 0;
         for (std::size_t at = name.find_first_of("\\/", below); at != std::string::npos;
              at = name.find_first_of("\\/", at + 1)) {
             const std::string subFolder = name.substr(0, at);
             if (found.insert(subFolder).second) names->push_back(subFolder);
-            if (!descend) return;
+            if (!descend || ++depth == kMostFolders) return;
         }
     });
 }
@@ -514,16 +537,19 @@ bool ZRFxAccess::CheckReadable(const ZRString& name, LogMode logMode) const {
 // Replacing takes the place of the entry under slashes too, and keeps what was there when it fails.
 bool ZRFxAccess::Store(const ZRString& name, const void* data, std::size_t numBytes,
                        bool overwrite) {
+    Forget();
     if (!overwrite) return m_pArchive->Add(name.Bytes(), data, numBytes, m_compressionLevel);
     if (!m_pArchive->Replace(name.Bytes(), data, numBytes, m_compressionLevel)) return false;
     const std::string slashed = withSlashes(name.Bytes());
     return slashed == name.Bytes() || !m_pArchive->Contains(slashed) || m_pArchive->Remove(slashed);
 }
 
-template <typename Query>
-bool ZRFxAccess::FromMainDocument(Query query) {
+bool ZRFxAccess::HasMainDocument() {
+    if (m_mainDocument) return true;
     const nvf::ref<nvf::XmlDocument> doc = new nvf::XmlDocument;
-    return ReadAndValidateMainDocumentFile(doc.p()) && query(ZRFxMainDocument(doc));
+    if (!ReadAndValidateMainDocumentFile(doc.p())) return false;
+    m_mainDocument.emplace(doc);
+    return true;
 }
 
 // The entry that an element of a case's document names, in the case's folder or as it stands.
@@ -568,16 +594,37 @@ bool ZRFxAccess::ReadItems(const ZRString& name, ZRArray<Item>* data) {
     return true;
 }
 
+// Calls takeName, in the order of the archive, with the names that begin with a text, whatever
+// their separators are.
 template <typename TakeName>
-bool ZRFxAccess::ForEachName(ZRStringArray* names, TakeName takeName) {
+bool ZRFxAccess::ForEachName(const std::string& prefix, ZRStringArray* names, TakeName takeName) {
     NVF_ASSERT(names);
     if (!names) return false;
     if (!IsOpen()) return m_logger->fail("Archive is not open.");
     names->clear();
-    for (std::size_t i = 0; i < m_pArchive->EntryCount(); ++i) {
-        takeName(m_pArchive->EntryAt(i).sName);
+    if (m_sortedNames.empty()) SortNames();
+    const std::string wanted = withSlashes(prefix);
+    std::vector<std::size_t> entries;
+    for (auto at = std::lower_bound(m_sortedNames.begin(), m_sortedNames.end(),
+                                    std::pair(wanted, std::size_t{0}));
+         at != m_sortedNames.end() && at->first.starts_with(wanted); ++at) {
+        entries.push_back(at->second);
     }
+    std::sort(entries.begin(), entries.end());
+    for (const std::size_t entry : entries) takeName(m_pArchive->EntryAt(entry).sName);
     return true;
+}
+
+void ZRFxAccess::SortNames() {
+    for (std::size_t i = 0; i < m_pArchive->EntryCount(); ++i) {
+        m_sortedNames.emplace_back(withSlashes(m_pArchive->EntryAt(i).sName), i);
+    }
+    std::sort(m_sortedNames.begin(), m_sortedNames.end());
+}
+
+void ZRFxAccess::Forget() {
+    m_mainDocument.reset();
+    m_sortedNames.clear();
 }
 
 // Gives the name that the archive has the entry under, with backslashes or with slashes.

@@ -3,10 +3,12 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 
 #include "NuoCore/Image.h"
 #include "ZRArray.h"
 #include "ZROZRFxMainDocument.h"
+#include "ZROZRFxReadBounds.h"
 #include "ZROZRFxZipArchive.h"
 #include "ZROZRFxZipMemFile.h"
 #include "ZROZRFxZipRawData.h"
@@ -41,6 +43,19 @@ inline constexpr const char* kUserDataFolder = "UserData";
 /// container as it is. Used by one thread at a time.
 class ZRFxAccess {
 public:
+    /// While it lives, what the access reads counts as one operation, which is bounded as
+    /// ZRFxReadBounds tells. Null is allowed, and bounds nothing.
+    class BoundedReading {
+    public:
+        explicit BoundedReading(ZRFxAccess* access);
+        ~BoundedReading();
+        BoundedReading(const BoundedReading&) = delete;
+        BoundedReading& operator=(const BoundedReading&) = delete;
+
+    private:
+        ZRFxAccess* const m_access;
+    };
+
     static constexpr int kDefaultLevel = -1;
     static constexpr int kDefaultSmartness = 7;
     static constexpr std::uint32_t kDefaultBufferSize = 65536;
@@ -173,7 +188,8 @@ public:
     /// follows.
     bool FindFilesOfBase(const ZRString& base, ZRStringArray* names);
 
-    /// Whole names of the folders in a folder; with `descend`, also those below them.
+    /// Whole names of the folders in a folder; with `descend`, also those below them, 1000 deep at
+    /// most.
     bool FindSubFolders(const ZRString& folder, bool descend, ZRStringArray* names);
 
     /// What the entries tell of how the archive was made.
@@ -184,15 +200,16 @@ private:
     bool CheckWritable(const ZRString& name);
     bool CheckReadable(const ZRString& name, LogMode logMode) const;
     bool Store(const ZRString& name, const void* data, std::size_t numBytes, bool overwrite);
-    template <typename Query>
-    bool FromMainDocument(Query query);
+    bool HasMainDocument();
     bool GetCaseFile(int caseId, const char* element, ZRString* fileName, bool* isGiven);
     template <typename Item>
     bool WriteItems(const ZRString& name, const ZRArray<Item>& data);
     template <typename Item>
     bool ReadItems(const ZRString& name, ZRArray<Item>* data);
     template <typename TakeName>
-    bool ForEachName(ZRStringArray* names, TakeName takeName);
+    bool ForEachName(const std::string& prefix, ZRStringArray* names, TakeName takeName);
+    void SortNames();
+    void Forget();
     bool FindEntry(const ZRString& name, std::string* entry) const;
     bool FailWithCause(nvf::LocatedText message, const ZRString& name);
 
@@ -205,6 +222,10 @@ private:
     int m_compressionSmartness = kDefaultSmartness;
     std::uint32_t m_compressionBufferSize = kDefaultBufferSize;
     std::uint32_t m_fileBufferSize = kDefaultBufferSize;
+    // Found once, and forgotten with the next write: a file may list very many.
+    std::optional<ZRFxMainDocument> m_mainDocument;
+    std::vector<std::pair<std::string, std::size_t>> m_sortedNames;  // With slashes; entry.
+    ZRFxReadBounds m_bounds;
     nvf::ref<nvf::Logger> m_logger;
 };
 

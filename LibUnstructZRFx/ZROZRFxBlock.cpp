@@ -19,6 +19,7 @@ bool ZRFxBlock::ReadBlock() {
     NVF_ASSERT(m_pDatabase);
     if (!m_pDatabase) return false;
     if (m_bRead) return true;
+    const ZRFxAccess::BoundedReading bounded(m_pDatabase->GetAccess());
     nvf::XmlDocument doc;
     const nvf::XmlElement root = GetRootElement(&doc);
     if (root.isNull()) return Log().fail("Invalid XML");

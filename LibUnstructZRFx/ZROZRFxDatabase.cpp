@@ -74,6 +74,7 @@ bool ZRFxDatabase::Create(const ZRString& name, int id, const ZRString& sourceNa
 
 bool ZRFxDatabase::Parse(int id, ZRFxParseMode mode) {
     Log().inform("Parsing ZRFx file...");
+    const ZRFxAccess::BoundedReading bounded(GetAccess());
     ZRFxDatabaseInfo info;
     if (!GetAccess() || !GetAccess()->GetDatabaseByID(id, &info)) {
         return Log().fail("Database Xml file not found.");

@@ -46,35 +46,10 @@ void addFileInfo(XmlElement root, const ZRString& exportApplication, const ZRStr
     info.addChildElement("DigitalSignature");
 }
 
-XmlElement childAt(const XmlElement& registry, int index) {
-    XmlElement child = registry.firstChildElement();
-    while (child.notNull() && index-- > 0) child = child.nextSiblingElement();
-    return child;
-}
-
-XmlElement childOfId(const XmlElement& registry, int id) {
-    XmlElement child = registry.firstChildElement();
-    while (child.notNull() &&
-           (!child.hasAttribute("ID") || child.getAttributeInt("ID", -1) != id)) {
-        child = child.nextSiblingElement();
-    }
-    return child;
-}
-
-int numChildren(const XmlElement& registry) {
-    int count = 0;
-    for (XmlElement child = registry.firstChildElement(); child.notNull();
-         child = child.nextSiblingElement()) {
-        ++count;
-    }
-    return count;
-}
-
+// Writes what a line tells, into the line given or a new one.
 template <typename Attributes>
-void addRegistryLine(XmlElement registry, const XmlElement& source, const Attributes& attributes,
-                     bool replace) {
-    XmlElement line;
-    if (replace) line = childOfId(registry, source.getAttributeInt("ID", -1));
+void writeLine(XmlElement registry, XmlElement line, const XmlElement& source,
+               const Attributes& attributes) {
     if (line.isNull()) line = registry.addChildElement(std::string(source.nameUtf8()).c_str());
     for (const auto& [name, value] : attributes) {
         line.setAttributeUtf8(name, source.getAttributeUtf8(name, value));
@@ -167,20 +142,25 @@ bool ZRFxMainDocument::SetVendorInfo(const ZRString& exportApplication, const ZR
 }
 
 bool ZRFxMainDocument::RegisterDatabase(const XmlElement& root, bool replace) {
-    const XmlElement registry = Root().firstChildElement("Databases");
-    if (registry.isNull()) {
+    const Registry& registry = Databases();
+    if (registry.element.isNull()) {
         return archiveLogger()->fail("Database root not found in main document");
     }
-    addRegistryLine(registry, root, kDatabaseAttributes, replace);
+    const int id = root.getAttributeInt("ID", -1);
+    writeLine(registry.element, replace ? registry.OfID(id) : XmlElement(), root,
+              kDatabaseAttributes);
+    m_databases.reset();
     return true;
 }
 
 bool ZRFxMainDocument::RegisterCase(const XmlElement& root, bool replace) {
-    const XmlElement registry = Root().firstChildElement("Cases");
-    if (registry.isNull()) {
+    const Registry& registry = Cases();
+    if (registry.element.isNull()) {
         return archiveLogger()->fail("Could not find case root element in main document");
     }
-    addRegistryLine(registry, root, kCaseAttributes, replace);
+    const int id = root.getAttributeInt("ID", -1);
+    writeLine(registry.element, replace ? registry.OfID(id) : XmlElement(), root, kCaseAttributes);
+    m_cases.reset();
     return true;
 }
 
@@ -219,50 +199,58 @@ bool ZRFxMainDocument::GetDisplayModelOnly(bool* displayModelOnly) const {
 
 bool ZRFxMainDocument::GetNumDatabases(int* count) const {
     NVF_ASSERT(count);
-    const XmlElement registry = Root().firstChildElement("Databases");
-    if (registry.isNull()) {
+    if (Databases().element.isNull()) {
         return archiveLogger()->fail("Databases root not found in main document");
     }
-    if (count) *count = numChildren(registry);
+    if (count) *count = static_cast<int>(Databases().lines.size());
     return count != nullptr;
 }
 
 bool ZRFxMainDocument::GetNumCases(int* count) const {
     NVF_ASSERT(count);
-    const XmlElement registry = Root().firstChildElement("Cases");
-    if (registry.isNull()) return archiveLogger()->fail("Cases root not found in main document");
-    if (count) *count = numChildren(registry);
+    if (Cases().element.isNull()) {
+        return archiveLogger()->fail("Cases root not found in main document");
+    }
+    if (count) *count = static_cast<int>(Cases().lines.size());
     return count != nullptr;
 }
 
 bool ZRFxMainDocument::GetDatabaseInfo(int index, ZRFxDatabaseInfo* info) const {
     NVF_ASSERT(index >= 0);
     NVF_ASSERT(info);
-    if (index < 0 || !info) return false;
-    return takeDatabase(childAt(Root().firstChildElement("Databases"), index), info);
+    return info && takeDatabase(Databases().At(index), info);
 }
 
 bool ZRFxMainDocument::GetDatabaseByID(int id, ZRFxDatabaseInfo* info) const {
     NVF_ASSERT(info);
-    const XmlElement registry = Root().firstChildElement("Databases");
-    if (registry.isNull()) {
+    if (Databases().element.isNull()) {
         return archiveLogger()->fail("Databases root not found in main document");
     }
-    return info && takeDatabase(childOfId(registry, id), info);
+    return info && takeDatabase(Databases().OfID(id), info);
 }
 
 bool ZRFxMainDocument::GetCaseInfo(int index, ZRFxCaseInfo* info) const {
     NVF_ASSERT(index >= 0);
     NVF_ASSERT(info);
-    if (index < 0 || !info) return false;
-    return takeCase(childAt(Root().firstChildElement("Cases"), index), info);
+    return info && takeCase(Cases().At(index), info);
 }
 
 bool ZRFxMainDocument::GetCaseByID(int id, ZRFxCaseInfo* info) const {
     NVF_ASSERT(info);
-    const XmlElement registry = Root().firstChildElement("Cases");
-    if (registry.isNull()) return archiveLogger()->fail("Cases root not found in main document");
-    return info && takeCase(childOfId(registry, id), info);
+    if (Cases().element.isNull()) {
+        return archiveLogger()->fail("Cases root not found in main document");
+    }
+    return info && takeCase(Cases().OfID(id), info);
+}
+
+XmlElement ZRFxMainDocument::Registry::At(int index) const {
+    const bool isThere = index >= 0 && static_cast<std::size_t>(index) < lines.size();
+    return isThere ? lines[static_cast<std::size_t>(index)] : XmlElement();
+}
+
+XmlElement ZRFxMainDocument::Registry::OfID(int id) const {
+    const auto line = firstOfID.find(id);
+    return line == firstOfID.end() ? XmlElement() : line->second;
 }
 
 XmlElement ZRFxMainDocument::Root() const {
@@ -271,6 +259,21 @@ XmlElement ZRFxMainDocument::Root() const {
 
 XmlElement ZRFxMainDocument::FileInfo(const char* name) const {
     return Root().firstChildElement("FileInfo").firstChildElement(name);
+}
+
+// A line without an id is none of any id.
+const ZRFxMainDocument::Registry& ZRFxMainDocument::RegistryOf(
+    const char* name, std::optional<Registry>* found) const {
+    if (*found) return **found;
+    Registry& registry = found->emplace();
+    registry.element = Root().firstChildElement(name);
+    for (XmlElement line = registry.element.firstChildElement(); line.notNull();
+         line = line.nextSiblingElement()) {
+        registry.lines.push_back(line);
+        if (!line.hasAttribute("ID")) continue;
+        registry.firstOfID.try_emplace(line.getAttributeInt("ID", -1), line);
+    }
+    return registry;
 }
 
 }  // namespace unstruct

@@ -1,5 +1,9 @@
 #pragma once
 
+#include <optional>
+#include <unordered_map>
+#include <vector>
+
 #include "ZRString.h"
 #include "nvf/Object.h"
 #include "nvf/XmlDocument.h"
@@ -81,10 +85,25 @@ public:
     bool GetCaseByID(int id, ZRFxCaseInfo* info) const;
 
 private:
+    /// The lines of a registry, found once, as a file may have very many.
+    struct Registry {
+        nvf::XmlElement At(int index) const;
+        nvf::XmlElement OfID(int id) const;
+
+        nvf::XmlElement element;  ///< Null when the document has no such registry.
+        std::vector<nvf::XmlElement> lines;
+        std::unordered_map<int, nvf::XmlElement> firstOfID;
+    };
+
     nvf::XmlElement Root() const;
     nvf::XmlElement FileInfo(const char* name) const;
+    const Registry& Databases() const { return RegistryOf("Databases", &m_databases); }
+    const Registry& Cases() const { return RegistryOf("Cases", &m_cases); }
+    const Registry& RegistryOf(const char* name, std::optional<Registry>* found) const;
 
     nvf::ref<nvf::XmlDocument> m_document;
+    mutable std::optional<Registry> m_databases;  // Once asked for, until a line is added.
+    mutable std::optional<Registry> m_cases;
 };
 
 }  // namespace unstruct

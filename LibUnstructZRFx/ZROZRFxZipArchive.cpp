@@ -397,8 +397,7 @@ bool ZRFxZipArchive::AddChecked(std::string_view sName, const void* pData, uint6
     if (!MakeItem(sName, pData, nSize, nLevel, &pItem)) return false;
     Item* pAdded = pItem.get();
     Append(std::move(pItem));
-    const uint64_t nWritten = m_bWriting ? m_pStorage->Position() - m_nWritingFrom : 0;
-    if (m_nPendingBytes + nWritten < Threshold() || CommitChanges()) return true;
+    if (Uncommitted() < Threshold() || CommitChanges()) return true;
     if (pAdded->ePlace != Item::Place::kCommitted) Drop(pAdded);
     return false;
 }
@@ -846,6 +845,10 @@ void ZRFxZipArchive::Apply(Layout* pLayout) {
     m_nFirstRemoved = std::min(m_bWriting ? m_nFirstRemoved : kNone, m_nDirectoryOffset);
     m_bChanged = m_nFirstRemoved < m_nDirectoryOffset;
     m_bWriting = false;
+}
+
+uint64_t ZRFxZipArchive::Uncommitted() const {
+    return m_nPendingBytes + (m_bWriting ? m_pStorage->Position() - m_nWritingFrom : 0);
 }
 
 uint64_t ZRFxZipArchive::Threshold() const {

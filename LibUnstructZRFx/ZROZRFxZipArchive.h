@@ -61,6 +61,8 @@ public:
     bool Open(ZRFxZipMemFile* pFile, ZRFxOpenMode eMode);
     bool IsOpen() const { return m_pStorage != nullptr; }
     bool IsReadOnly() const { return m_bReadOnly; }
+    /// Bytes that the archive takes, those of uncommitted entries included; 0 when it is not open.
+    uint64_t Length() const { return m_pStorage ? m_pStorage->Size() + Uncommitted() : 0; }
 
     bool Commit();
     /// Uncommitted bytes from which entries are committed by themselves; a long directory raises
@@ -176,6 +178,7 @@ private:
     uint64_t DescriptorSize(const ZRFxZipEntry& entry, uint64_t nEnd);
     bool WriteDirectory(Layout* pLayout);
     void Apply(Layout* pLayout);
+    uint64_t Uncommitted() const;
     uint64_t Threshold() const;
 
     std::string m_sArchive;  // For messages.

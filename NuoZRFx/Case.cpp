@@ -82,7 +82,7 @@ std::size_t Case::imageCount() const {
 }
 
 Str Case::imageName(std::size_t index) const {
-    const unstruct::ZRStringArray entries = m_private->textureEntries();
+    const unstruct::ZRStringArray& entries = m_private->textureEntries();
     if (index >= entries.size()) {
         fail("No image was found at index %1", index);
         return Str();
@@ -94,7 +94,7 @@ Str Case::imageName(std::size_t index) const {
 }
 
 const Image* Case::image(std::size_t index) const {
-    const unstruct::ZRStringArray entries = m_private->textureEntries();
+    const unstruct::ZRStringArray& entries = m_private->textureEntries();
     if (index >= entries.size()) {
         fail("No image was found at index %1", index);
         return nullptr;

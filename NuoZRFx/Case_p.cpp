@@ -87,11 +87,14 @@ ZRString CasePrivate::entryName(const ZRString& name) const {
     return folder + std::string(1, unstruct::kFolderSeparator) + name;
 }
 
-ZRStringArray CasePrivate::textureEntries() const {
-    ZRStringArray entries;
+const ZRStringArray& CasePrivate::textureEntries() {
     NVF_ASSERT(m_access);
-    if (m_access) m_access->FindFiles(entryName(kTexturesFolder), false, &entries);
-    return entries;
+    if (!m_access) {
+        m_textureEntries.clear();
+    } else if (m_textureEntries.empty() || !m_access->IsReadOnly()) {
+        m_access->FindFiles(entryName(kTexturesFolder), false, &m_textureEntries);
+    }
+    return m_textureEntries;
 }
 
 // A case without a properties file has none.

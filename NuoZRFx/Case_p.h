@@ -28,7 +28,7 @@ public:
 
     /// The name of an entry in the case's folder.
     unstruct::ZRString entryName(const unstruct::ZRString& name) const;
-    unstruct::ZRStringArray textureEntries() const;
+    const unstruct::ZRStringArray& textureEntries();
 
     unstruct::ZRFxAccess* m_access = nullptr;
     int m_id = -1;
@@ -44,6 +44,7 @@ public:
     std::unique_ptr<Image> m_image;  // the texture given last
     PtrRef<PropertySetCollection> m_properties;
     nvf::ref<nvf::XmlDocument> m_caseDocument;
+    unstruct::ZRStringArray m_textureEntries;  // of a file that is read, once asked for
 
 private:
     bool readProperties();

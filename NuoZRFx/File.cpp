@@ -80,7 +80,7 @@ bool File::open(const Str& fileName, const Str& password) {
         return fail("Error opening file.");
     }
     m_private->m_openedForReading = true;
-    return readDatabases() && readCases();
+    return readRegistries();
 }
 
 bool File::openForAppend(const Str& fileName) {
@@ -97,7 +97,7 @@ bool File::openForAppend(const Str& fileName, const Str& password) {
         m_private->m_zrfxAccess->Abandon();
         return fail("Error creating file.");
     }
-    return readDatabases() && readCases();
+    return readRegistries();
 }
 
 bool File::flush() {
@@ -173,7 +173,7 @@ std::size_t File::userTextFileCount() const {
 }
 
 Str File::userTextFileName(std::size_t index) const {
-    const ZRStringArray entries = m_private->userTextEntries();
+    const ZRStringArray& entries = m_private->userTextEntries();
     if (index >= entries.size()) {
         fail("No user text file was found at index %1", index);
         return Str();
@@ -184,7 +184,7 @@ Str File::userTextFileName(std::size_t index) const {
 }
 
 Str File::userTextFileContent(std::size_t index) const {
-    const ZRStringArray entries = m_private->userTextEntries();
+    const ZRStringArray& entries = m_private->userTextEntries();
     if (index >= entries.size()) {
         fail("No user text file was found at index %1", index);
         return Str();
@@ -209,36 +209,41 @@ unstruct::ZRFxAccess* File::writableAccess() const {
 }
 
 bool File::isNewDatabaseId(int id) const {
-    for (const auto& database : m_private->m_databases) {
-        if (database->id() == id) return fail("Database with id %1 already registered.", id);
-    }
-    return true;
+    return m_private->m_databaseIds.count(id) == 0 ||
+           fail("Database with id %1 already registered.", id);
 }
 
 bool File::addDatabase(Database* database) {
     if (!isNewDatabaseId(database->id())) return false;
+    m_private->m_databaseIds.insert(database->id());
     m_private->m_databases.emplace_back(database);
     return true;
 }
 
 bool File::addCase(Case* fileCase) {
-    for (const auto& other : m_private->m_cases) {
-        if (other->id() == fileCase->id()) {
-            return fail("Case with id %1 already registered.", fileCase->id());
-        }
+    if (!m_private->m_caseIds.insert(fileCase->id()).second) {
+        return fail("Case with id %1 already registered.", fileCase->id());
     }
     m_private->m_cases.emplace_back(fileCase);
     return true;
 }
 
+bool File::readRegistries() {
+    const ZRFxAccess::BoundedReading bounded(m_private->m_zrfxAccess.get());
+    return readDatabases() && readCases();
+}
+
 bool File::readDatabases() {
     int count = 0;
     if (!m_private->m_zrfxAccess->GetNumDatabases(&count)) return fail("Error opening file.");
+    std::set<int> documents;
     for (int index = 0; index < count; ++index) {
         unstruct::ZRFxDatabaseInfo info;
         m_private->m_zrfxAccess->GetDatabaseInfo(index, &info);
-        const PtrRef<Database> database = new Database(this, info.id);
-        if (database->id() < 0 || !database->internal_parse()) {
+        const bool isTaken = !m_private->m_databaseIds.count(info.id) &&
+                             !m_private->isFirstOf(info.path, &documents);
+        const PtrRef<Database> database = isTaken ? nullptr : new Database(this, info.id);
+        if (isTaken || database->id() < 0 || !database->internal_parse()) {
             return fail("Error reading database (index %1) from file.", index);
         }
     }
@@ -249,7 +254,15 @@ bool File::readDatabases() {
 bool File::readCases() {
     int count = 0;
     if (!m_private->m_zrfxAccess->GetNumCases(&count)) return fail("Error opening file.");
-    for (int index = 0; index < count; ++index) const PtrRef<Case> read = new Case(this, index);
+    std::set<int> documents;
+    for (int index = 0; index < count; ++index) {
+        unstruct::ZRFxCaseInfo info;
+        m_private->m_zrfxAccess->GetCaseInfo(index, &info);
+        if (m_private->m_caseIds.count(info.id) ||
+            m_private->isFirstOf(info.path, &documents)) {
+            const PtrRef<Case> read = new Case(this, index);
+        }
+    }
     return true;
 }
 

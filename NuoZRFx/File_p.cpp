@@ -94,11 +94,20 @@ bool FilePrivate::renewVendorInfo() {
                                        ZRFxComponent::licenseNumber());
 }
 
-ZRStringArray FilePrivate::userTextEntries() const {
-    ZRStringArray entries;
+const ZRStringArray& FilePrivate::userTextEntries() {
     NVF_ASSERT(m_zrfxAccess);
-    if (isOpen()) m_zrfxAccess->FindFiles(unstruct::kUserDataFolder, false, &entries);
-    return entries;
+    if (!isOpen()) {
+        m_userTextEntries.clear();
+    } else if (m_userTextEntries.empty() || !m_openedForReading) {
+        m_zrfxAccess->FindFiles(unstruct::kUserDataFolder, false, &m_userTextEntries);
+    }
+    return m_userTextEntries;
+}
+
+bool FilePrivate::isFirstOf(const ZRString& document, std::set<int>* documents) {
+    const int entry = m_zrfxAccess->InternalFindFile(document, unstruct::LogMode::SILENT);
+    return entry < 0 || documents->insert(entry).second ||
+           fail("'%1' is registered twice.", document);
 }
 
 void FilePrivate::dropAll() {
@@ -106,6 +115,9 @@ void FilePrivate::dropAll() {
     for (const auto& fileCase : m_cases) fileCase->m_private->detach();
     m_databases.clear();
     m_cases.clear();
+    m_userTextEntries.clear();
+    m_databaseIds.clear();
+    m_caseIds.clear();
 }
 
 }  // namespace nuo::zrfx

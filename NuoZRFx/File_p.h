@@ -1,6 +1,8 @@
 #pragma once
 
 #include <memory>
+#include <set>
+#include <unordered_set>
 #include <vector>
 
 #include "NuoCore/PtrRef.h"
@@ -43,13 +45,20 @@ public:
     /// Stores the vendor id of this process; names stay the file's.
     bool renewVendorInfo();
 
-    unstruct::ZRStringArray userTextEntries() const;
+    const unstruct::ZRStringArray& userTextEntries();
 
     /// Detaches databases and cases from the archive and gives the references to them back.
+    /// Whether none of the documents read before is this one. There is one for each database and
+    /// case, so that what a file makes us keep is bounded by its entries.
+    bool isFirstOf(const unstruct::ZRString& document, std::set<int>* documents);
+
     void dropAll();
 
     std::vector<PtrRef<Database>> m_databases;
     std::vector<PtrRef<Case>> m_cases;
+    unstruct::ZRStringArray m_userTextEntries;  // Of a file that is read, once asked for.
+    std::unordered_set<int> m_databaseIds;  // A file may claim very many.
+    std::unordered_set<int> m_caseIds;
     std::unique_ptr<unstruct::ZRFxAccess> m_zrfxAccess;
     FileSettings m_settings;
     bool m_openedForReading = false;

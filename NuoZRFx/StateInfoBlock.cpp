@@ -1,6 +1,7 @@
 #include "NuoZRFx/StateInfoBlock.h"
 
 #include <algorithm>
+#include <unordered_set>
 
 #include "Convert_p.h"
 #include "Log_p.h"
@@ -29,9 +30,10 @@ bool isValidType(StateInfoBlock::ReferenceValueType type) {
 class StateInfoBlockPrivate {
 public:
     void collectGroups() {
+        std::unordered_set<int> found;
         for (std::int64_t i = 0; i < m_stateInfoBlock->GetStateCount(); ++i) {
             const ZRFxStateInfo* state = m_stateInfoBlock->GetState(i);
-            if (state->parentID < 0 || hasGroup(state->parentID)) continue;
+            if (state->parentID < 0 || !found.insert(state->parentID).second) continue;
             m_groups.push_back({state->parentID, ZRConvert::toStr(state->group)});
         }
     }

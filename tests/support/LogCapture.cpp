@@ -56,14 +56,14 @@ void LogCapture::ExpectAssertion(std::string_view expression) {
 }
 
 void LogCapture::ExpectAssertion(bool isDone, std::string_view expression,
-                                 std::source_location where) {
+                                 nvf::SourceLocation where) {
     const testing::ScopedTrace trace(where.file_name(), static_cast<int>(where.line()), "call");
     EXPECT_FALSE(isDone);
     ExpectAssertion(expression);
 }
 
 void LogCapture::ExpectRefused(bool isDone, const std::vector<std::string>& texts,
-                               std::source_location where) {
+                               nvf::SourceLocation where) {
     const testing::ScopedTrace trace(where.file_name(), static_cast<int>(where.line()), "call");
     EXPECT_FALSE(isDone);
     EXPECT_THAT(TakeTexts(), testing::ElementsAreArray(texts));

@@ -2,12 +2,12 @@
 
 #include <gtest/gtest.h>
 
-#include <source_location>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "nvf/LogManager.h"
+#include "nvf/SourceLocation.h"
 
 namespace test {
 
@@ -38,11 +38,11 @@ protected:
 
     /// Expects moreover that the call before gave false, or nothing.
     void ExpectAssertion(bool isDone, std::string_view expression,
-                         std::source_location where = std::source_location::current());
+                         nvf::SourceLocation where = nvf::SourceLocation::current());
 
     /// Expects that the call before gave false, or nothing, and exactly these messages.
     void ExpectRefused(bool isDone, const std::vector<std::string>& texts,
-                       std::source_location where = std::source_location::current());
+                       nvf::SourceLocation where = nvf::SourceLocation::current());
 
     /// Expects likewise a failure that has a message instead of an expression.
     void ExpectFailure(std::string_view message);

@@ -159,6 +159,20 @@ TEST_F(ZrfxTest, CheckFindsFaultsOfCases) {
     }
 }
 
+TEST_F(ZrfxTest, DocumentThatIsRegisteredTwiceIsOpenedOnce) {
+    WriteSound("a.zrfx");
+    Edit("a.zrfx", "ZRF.xml", "<Cases>",
+         "<Cases><Case ID=\"1\" Name=\"Again\" DatabaseID=\"0\" Folder=\"Case0\"/>");
+    const test::Ended withCase = Zrfx("info a.zrfx --verbose");
+    EXPECT_THAT(withCase.out, HasSubstr("Again"));
+    EXPECT_THAT(withCase.err, HasSubstr("'Case0\\Case.xml' is registered twice."));
+    Edit("a.zrfx", "ZRF.xml", "<Databases>",
+         "<Databases><Database ID=\"1\" Name=\"Again\" Folder=\"Database000\"/>");
+    const test::Ended withDatabase = Zrfx("info a.zrfx --verbose");
+    EXPECT_THAT(withDatabase.err, HasSubstr("'Database000\\Database.xml' is registered twice."));
+    EXPECT_EQ(withDatabase.exitCode, 1);
+}
+
 TEST_F(ZrfxTest, CheckReportsEverythingAndEachOfItsKindOnlySoOften) {
     WriteSound("a.zrfx");
     Edit("a.zrfx", "Database000\\Elements\\Elements0001-0001.txt", "1\n2\n3\n", "91\n92\n93\n");

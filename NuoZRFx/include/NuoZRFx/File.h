@@ -107,6 +107,7 @@ private:
     bool isNewDatabaseId(int id) const;
     bool addDatabase(Database* database);
     bool addCase(Case* fileCase);
+    bool readRegistries();
     bool readDatabases();
     bool readCases();
     bool writeDatabases();

@@ -1,0 +1,69 @@
+#include "ZROZRFxReadBounds.h"
+
+#include <string>
+
+#include "ZROZRFxBlock.h"
+#include "support/ArchiveTest.h"
+#include "support/SampleBlocks.h"
+
+namespace unstruct {
+namespace {
+
+// Small archives that claim much: each of them is one that would take memory or time without end.
+using ZRFxReadBoundsTest = test::DatabaseTest;
+
+std::string repeated(const std::string& text, int count) {
+    std::string all;
+    for (int i = 0; i < count; ++i) all += text;
+    return all;
+}
+
+TEST_F(ZRFxReadBoundsTest, DocumentThatNoFileOfThisLengthNeedsIsNotParsed) {
+    const std::string spaces(ZRFxReadBounds::kAnyDocuments, ' ');
+    Put("fits.xml", "<a>" + spaces + "</a>");
+    Put("large.xml", "<a>" + spaces + spaces + "</a>");
+    Reopen(ZRZipAccessMode::READ_ONLY);
+    ASSERT_LT(m_file.Length(), std::size_t{200000});
+    nvf::XmlDocument document;
+    EXPECT_TRUE(m_access.InternalReadXmlFile("fits.xml", LogMode::LOG, &document));
+    ExpectRefused(m_access.InternalReadXmlFile("large.xml", LogMode::LOG, &document),
+                  {"Xml documents are too large for a file of its length, 'large.xml' in ''"});
+}
+
+TEST_F(ZRFxReadBoundsTest, BlockThatNamesOneDataFileAgainAndAgainIsRefused) {
+    Write(test::SampleBlock(BLOCK_ELEMENTS, 1));
+    const std::string group =
+        "<ElementGroup Type=\"Beam\" NumElementNodes=\"2000000\">"
+        "<File Filename=\"many.dat\" NumItems=\"1000000\"/></ElementGroup>";
+    const auto documentOf = [&](int count) {
+        return "<Elements ID=\"1\" NodeBlock=\"1\">" + repeated(group, count) + "</Elements>";
+    };
+    Put("many.dat", std::string(8000000, '\1'));
+    Put(DocumentOf(BLOCK_ELEMENTS), documentOf(2));
+    EXPECT_TRUE(m_database.OpenBlock(BLOCK_ELEMENTS, 1)->ReadBlock());
+    Put(DocumentOf(BLOCK_ELEMENTS), documentOf(100));
+    ASSERT_TRUE(m_access.Commit());
+    ASSERT_LT(m_file.Length(), std::size_t{60000});
+    ExpectRefused(m_database.OpenBlock(BLOCK_ELEMENTS, 1)->ReadBlock(),
+                  {"Too much data for a file of its length, 'many.dat' in ''",
+                   "Could not read binary int data.", "Error reading element data"});
+}
+
+TEST_F(ZRFxReadBoundsTest, RegistryIsReadOnceForAllOfItsDatabases) {
+    constexpr int kCount = 500;
+    std::string lines;
+    for (int id = 0; id < kCount; ++id) {
+        const std::string number = std::to_string(id);
+        lines += "<Database ID=\"" + number + "\" Folder=\"D" + number + "\" Name=\"" +
+                 std::string(1000, 'n') + "\"/>";
+        Put("D" + number + "\\Database.xml", "<Database Folder=\"D" + number + "\"/>");
+    }
+    Put("ZRF.xml", "<ZRF><Databases>" + lines + "</Databases></ZRF>");
+    Reopen(ZRZipAccessMode::READ_ONLY);
+    const ZRFxAccess::BoundedReading bounded(&m_access);
+    for (int id = 0; id < kCount; ++id) ASSERT_TRUE(ZRFxDatabase(&m_access).Parse(id));
+    TakeTexts();
+}
+
+}  // namespace
+}  // namespace unstruct
