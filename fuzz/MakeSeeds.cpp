@@ -31,6 +31,29 @@ std::string container(bool isEncrypted, int level, const test::Entries& entries)
     return std::string(file.Data(), file.Data() + file.Length());
 }
 
+void storeContainers(const fs::path& folder, const test::Entries& entries) {
+    store(folder, "stored.zrfx", container(false, 0, entries));
+    store(folder, "deflated.zrfx", container(false, 9, entries));
+    store(folder, "encrypted.zrfx", container(true, 5, {*entries.find("ZRF.xml")}));
+    store(folder, "empty.zrfx", container(false, 5, {}));
+}
+
+// Each entry as what replaces itself, and for the targets that read its kind.
+void storeParts(const fs::path& base, std::size_t sample, const test::Entries& entries) {
+    int number = 0;
+    for (const auto& [name, content] : entries) {
+        const std::string label = std::to_string(sample) + "-" + std::to_string(number);
+        const std::string head{static_cast<char>(sample), static_cast<char>(number++),
+                               static_cast<char>(content.size() % 256),
+                               static_cast<char>(content.size() / 256)};
+        store(base / "PartsFuzzer", label, head + content);
+        if (name.ends_with(".txt")) store(base / "TextDataFuzzer", label, content);
+        if (content.find("PropertySet") != std::string::npos) {
+            store(base / "PropertiesFuzzer", label, content);
+        }
+    }
+}
+
 }  // namespace
 
 int main(int argumentCount, char** arguments) {
@@ -39,24 +62,9 @@ int main(int argumentCount, char** arguments) {
         return 2;
     }
     const fs::path base = arguments[1];
-    const test::Entries entries = fuzz::sampleEntries();
-    store(base / "ContainerFuzzer", "stored.zrfx", container(false, 0, entries));
-    store(base / "ContainerFuzzer", "deflated.zrfx", container(false, 9, entries));
-    const test::Entries one{*entries.find("ZRF.xml")};
-    store(base / "ContainerFuzzer", "encrypted.zrfx", container(true, 5, one));
-    store(base / "ContainerFuzzer", "empty.zrfx", container(false, 5, {}));
-
-    int number = 0;
-    for (const auto& [name, content] : entries) {
-        const std::string label = std::to_string(number);
-        const std::string size{static_cast<char>(content.size() % 256),
-                               static_cast<char>(content.size() / 256)};
-        store(base / "PartsFuzzer", label, static_cast<char>(number++) + size + content);
-        if (name.ends_with(".txt")) store(base / "TextDataFuzzer", label, content);
-        if (content.find("PropertySet") != std::string::npos) {
-            store(base / "PropertiesFuzzer", label, content);
-        }
-    }
+    const std::vector<test::Entries> samples = fuzz::samples();
+    storeContainers(base / "ContainerFuzzer", samples.front());
+    for (std::size_t i = 0; i < samples.size(); ++i) storeParts(base, i, samples[i]);
     unstruct::ZRUbyteArray jpeg;
     unstruct::ZRFxImageJpeg::Encode(test::MakeImage(9, 17), &jpeg);
     store(base / "ImageFuzzer", "image.jpg", std::string(jpeg.begin(), jpeg.end()));

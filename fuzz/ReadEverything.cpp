@@ -99,6 +99,24 @@ void append(ZRFxZipMemFile& file) {
     require(std::string(raw.Buffer(), raw.Buffer() + raw.Length()) == kText);
 }
 
+test::Entries entriesOf(const std::string& path) {
+    ZRFxAccess access;
+    require(access.Open(path, ZRZipAccessMode::READ_ONLY));
+    return test::Unpack(access);
+}
+
+test::Entries entriesWithBlock(const std::string& path, int type) {
+    ZRFxAccess access;
+    require(access.Open(path, ZRZipAccessMode::UPDATE));
+    ZRFxDatabase database(&access);
+    database.SetTextMode(true);
+    require(test::CreateDatabase(database, 77) &&
+            test::SampleBlock(type, 1)->WriteBlock(&database) && database.WriteTOC());
+    test::Entries entries = test::Unpack(access);
+    access.Abandon();
+    return entries;
+}
+
 }  // namespace
 
 void require(bool holds) {
@@ -162,27 +180,20 @@ void readFile(const void* bytes, std::size_t size) {
     std::filesystem::remove(path);
 }
 
-test::Entries sampleEntries() {
+std::vector<test::Entries> samples() {
     initialize();
+    std::vector<test::Entries> samples;
     const std::string path = scratchPath("zrfx");
-    nuo::zrfx::File model;
     nuo::zrfx::FileSettings settings;
     settings.binary = false;
+    nuo::zrfx::File model;
     require(model.create(nuo::Str(path), settings) && test::WriteModel(model, "text") &&
             model.close());
-    ZRFxAccess access;
-    require(access.Open(path, ZRZipAccessMode::UPDATE));
-    ZRFxDatabase database(&access);
-    database.SetTextMode(true);
-    require(test::CreateDatabase(database, 77));
-    for (const int type : test::StoredTypes()) {
-        require(test::SampleBlock(type, 1)->WriteBlock(&database));
-    }
-    require(database.WriteTOC());
-    test::Entries entries = test::Unpack(access);
-    access.Abandon();
+    samples.push_back(entriesOf(path));
+    require(model.create(nuo::Str(path), settings) && model.close());
+    for (const int type : test::StoredTypes()) samples.push_back(entriesWithBlock(path, type));
     std::filesystem::remove(path);
-    return entries;
+    return samples;
 }
 
 std::string pack(const test::Entries& entries) {

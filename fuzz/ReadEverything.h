@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "ZROZRFxAccess.h"
 #include "support/ArchiveTest.h"
@@ -29,8 +30,9 @@ void readContainer(const void* bytes, std::size_t size);
 /// Opens the same bytes as a file through the public interface and asks for all that it tells.
 void readFile(const void* bytes, std::size_t size);
 
-/// The entries of a container with every kind of block and document, data files as text.
-test::Entries sampleEntries();
+/// The entries of small containers, data files as text: a model with all kinds of documents, then
+/// one container for every kind of block. Small ones, so that many inputs can be tried.
+std::vector<test::Entries> samples();
 
 /// A container of these entries, stored.
 std::string pack(const test::Entries& entries);
