@@ -240,10 +240,11 @@ bool File::readDatabases() {
     for (int index = 0; index < count; ++index) {
         unstruct::ZRFxDatabaseInfo info;
         m_private->m_zrfxAccess->GetDatabaseInfo(index, &info);
-        const bool isTaken = !m_private->m_databaseIds.count(info.id) &&
-                             !m_private->isFirstOf(info.path, &documents);
-        const PtrRef<Database> database = isTaken ? nullptr : new Database(this, info.id);
-        if (isTaken || database->id() < 0 || !database->internal_parse()) {
+        // An id that is in use has a message of its own.
+        const bool isNewId = m_private->m_databaseIds.count(info.id) == 0;
+        const bool isTwice = isNewId && m_private->isRegisteredTwice(info.path, &documents);
+        const PtrRef<Database> database = isTwice ? nullptr : new Database(this, info.id);
+        if (!database || database->id() < 0 || !database->internal_parse()) {
             return fail("Error reading database (index %1) from file.", index);
         }
     }
@@ -258,10 +259,9 @@ bool File::readCases() {
     for (int index = 0; index < count; ++index) {
         unstruct::ZRFxCaseInfo info;
         m_private->m_zrfxAccess->GetCaseInfo(index, &info);
-        if (m_private->m_caseIds.count(info.id) ||
-            m_private->isFirstOf(info.path, &documents)) {
-            const PtrRef<Case> read = new Case(this, index);
-        }
+        const bool isNewId = m_private->m_caseIds.count(info.id) == 0;
+        if (isNewId && m_private->isRegisteredTwice(info.path, &documents)) continue;
+        const PtrRef<Case> read = new Case(this, index);
     }
     return true;
 }

@@ -104,10 +104,11 @@ const ZRStringArray& FilePrivate::userTextEntries() {
     return m_userTextEntries;
 }
 
-bool FilePrivate::isFirstOf(const ZRString& document, std::set<int>* documents) {
+bool FilePrivate::isRegisteredTwice(const ZRString& document, std::set<int>* documents) {
     const int entry = m_zrfxAccess->InternalFindFile(document, unstruct::LogMode::SILENT);
-    return entry < 0 || documents->insert(entry).second ||
-           fail("'%1' is registered twice.", document);
+    if (entry < 0 || documents->insert(entry).second) return false;
+    fail("'%1' is registered twice.", document);
+    return true;
 }
 
 void FilePrivate::dropAll() {

@@ -45,19 +45,20 @@ public:
     /// Stores the vendor id of this process; names stay the file's.
     bool renewVendorInfo();
 
+    /// Names of the entries of the user's text files; of a file opened for reading, found once.
     const unstruct::ZRStringArray& userTextEntries();
 
-    /// Detaches databases and cases from the archive and gives the references to them back.
-    /// Whether none of the documents read before is this one. There is one for each database and
-    /// case, so that what a file makes us keep is bounded by its entries.
-    bool isFirstOf(const unstruct::ZRString& document, std::set<int>* documents);
+    /// Whether the document is one of those asked about before, which is logged. With one for each
+    /// database and case, what an open file keeps is bounded by its entries.
+    bool isRegisteredTwice(const unstruct::ZRString& document, std::set<int>* documents);
 
+    /// Detaches databases and cases from the archive and gives the references to them back.
     void dropAll();
 
     std::vector<PtrRef<Database>> m_databases;
     std::vector<PtrRef<Case>> m_cases;
-    unstruct::ZRStringArray m_userTextEntries;  // Of a file that is read, once asked for.
-    std::unordered_set<int> m_databaseIds;  // A file may claim very many.
+    unstruct::ZRStringArray m_userTextEntries;
+    std::unordered_set<int> m_databaseIds;  // For looking up, as a file may hold very many.
     std::unordered_set<int> m_caseIds;
     std::unique_ptr<unstruct::ZRFxAccess> m_zrfxAccess;
     FileSettings m_settings;

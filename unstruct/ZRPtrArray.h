@@ -5,14 +5,19 @@
 #include <utility>
 #include <vector>
 
+#include "nvf/Assert.h"
+
 namespace unstruct {
 
 /// An ordered list of objects that it owns. Used by one thread at a time.
 template <typename T>
 class ZRPtrArray {
 public:
-    /// Takes the object over and gives it back as a plain pointer.
+    /// Takes the object over and gives it back as a plain pointer; null is an assertion and is not
+    /// added.
     T* Add(std::unique_ptr<T> object) {
+        NVF_ASSERT(object);
+        if (!object) return nullptr;
         m_objects.push_back(std::move(object));
         return m_objects.back().get();
     }

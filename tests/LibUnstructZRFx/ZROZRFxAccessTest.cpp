@@ -169,6 +169,8 @@ TEST_F(ZRFxAccessTest, FilesAndFoldersAreFoundUnderEitherSeparator) {
     EXPECT_THAT(Found(&ZRFxAccess::FindSubFolders, "", false), ElementsAre("A", "AB"));
     EXPECT_THAT(Found(&ZRFxAccess::FindSubFolders, "A", true),
                 ElementsAre("A\\B", "A/B", "A/B/C", "A/D"));
+    Put("deep" + std::string(3000, '/') + "x", "");
+    EXPECT_EQ(Found(&ZRFxAccess::FindSubFolders, "", true).size(), 6u + 1000u);
     EXPECT_GE(m_access.InternalFindFile("A\\2.xml", LogMode::LOG), 0);
     EXPECT_EQ(m_access.InternalFindFile("a\\2.xml", LogMode::LOG), -1);
     EXPECT_TRUE(m_access.WriteXmlFile("A\\2.xml", nvf::XmlDocument(), true));

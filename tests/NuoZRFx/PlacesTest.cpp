@@ -66,7 +66,7 @@ TEST_F(PlacesTest, LocaleOfTheProcessChangesNothing) {
 
 TEST_F(PlacesTest, ThreadsWorkOnFilesOfTheirOwn) {
     std::vector<std::thread> threads;
-    for (const std::string text : {"first", "second"}) {
+    for (const std::string text : {"first", "second", "third", "fourth"}) {
         threads.emplace_back([&, text] {
             for (int round = 0; round < 3; ++round) {
                 ExpectRoundTrip(m_folder.File(text + ".zrfx"), text, round > 0);
@@ -77,7 +77,7 @@ TEST_F(PlacesTest, ThreadsWorkOnFilesOfTheirOwn) {
         });
     }
     for (std::thread& thread : threads) thread.join();
-    EXPECT_EQ(12u, TakeTexts().size());
+    EXPECT_EQ(24u, TakeTexts().size());
 }
 
 // Python's own ZIP and XML modules check documents, registries and data files of the file.

@@ -43,7 +43,8 @@ public:
 
     /// Opens a file for reading; close first what is open. An encrypted file needs its password. A
     /// database that cannot be read ends the opening; a case that cannot be read is reported and
-    /// left out.
+    /// left out. Memory and time that this takes are bounded by the file's size, whatever it
+    /// claims.
     bool open(const Str& fileName);
     bool open(const Str& fileName, const Str& password);
 
