@@ -116,6 +116,7 @@ bool ZRFxAccess::Open(ZRFxZipMemFile* memFile, ZRZipAccessMode mode) {
 bool ZRFxAccess::Commit() {
     if (!IsOpen()) return m_logger->fail("Archive is not open.");
     if (m_readOnly) return m_logger->fail("The file is read only.");
+    Forget();
     return m_pArchive->Commit() || FailWithCause("Could not write archive '%1'", m_sFileName);
 }
 
@@ -324,6 +325,7 @@ bool ZRFxAccess::WriteDataRaw(const ZRString& name, const void* data, std::size_
                               bool overwrite) {
     if (!CheckWritable(name)) return false;
     if (!data || numBytes == 0) {
+        Forget();
         return m_pArchive->Add(name.Bytes(), nullptr, 0) ||
                FailWithCause("Could not add empty file '%1' to archive", name);
     }
@@ -622,6 +624,7 @@ void ZRFxAccess::SortNames() {
     std::sort(m_sortedNames.begin(), m_sortedNames.end());
 }
 
+// What was found holds as long as the entries do.
 void ZRFxAccess::Forget() {
     m_mainDocument.reset();
     m_sortedNames.clear();

@@ -222,7 +222,7 @@ private:
     int m_compressionSmartness = kDefaultSmartness;
     std::uint32_t m_compressionBufferSize = kDefaultBufferSize;
     std::uint32_t m_fileBufferSize = kDefaultBufferSize;
-    // Found once, and forgotten with the next write: a file may list very many.
+    // Found once, as a file may list very many, and forgotten with the next write or commit.
     std::optional<ZRFxMainDocument> m_mainDocument;
     std::vector<std::pair<std::string, std::size_t>> m_sortedNames;  // With slashes; entry.
     ZRFxReadBounds m_bounds;

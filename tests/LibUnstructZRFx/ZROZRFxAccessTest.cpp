@@ -5,6 +5,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -175,6 +176,26 @@ TEST_F(ZRFxAccessTest, FilesAndFoldersAreFoundUnderEitherSeparator) {
     EXPECT_EQ(m_access.InternalFindFile("a\\2.xml", LogMode::LOG), -1);
     EXPECT_TRUE(m_access.WriteXmlFile("A\\2.xml", nvf::XmlDocument(), true));
     EXPECT_EQ(test::Unpack(m_access).count("A/2.xml"), 0u);
+}
+
+TEST_F(ZRFxAccessTest, WhatWasFoundIsFoundAgainAfterEveryChange) {
+    const auto found = [&] { return Found(&ZRFxAccess::FindFiles, "A", true); };
+    const std::function<bool()> changes[] = {
+        [&] { return m_access.WriteDataRaw("A\\empty", nullptr, 0, false); },
+        [&] { return m_access.WriteDataRaw("A\\data", "1", 1, false); },
+        [&] { return m_access.WriteXmlFile("A\\a.xml", nvf::XmlDocument(), false); },
+        [&] { return m_access.OpenNewFile("A\\new") && m_access.CloseNewFile(); },
+        [&] { return m_access.Commit(); },
+        [&] { return m_access.RemoveFile("A\\empty"); },
+        [&] { return m_access.WriteDataRaw("A\\last", "1", 1, false); },
+    };
+    const std::size_t kCounts[] = {1, 2, 3, 4, 4, 3, 4};
+    EXPECT_TRUE(found().empty());
+    for (std::size_t i = 0; i < std::size(changes); ++i) {
+        ASSERT_TRUE(changes[i]());
+        EXPECT_EQ(found().size(), kCounts[i]) << i;
+    }
+    EXPECT_EQ(found().back(), "A\\last");
 }
 
 TEST_F(ZRFxAccessTest, ArchiveTellsWhetherItIsCompressedBinaryAndEncrypted) {
