@@ -65,14 +65,21 @@ private:
         for (int i = 0; i < count; ++i) {
             ZRFxCaseInfo info;
             m_access.GetCaseInfo(i, &info);
-            if (!m_caseIds.insert(info.id).second) reportTwice("case", info.id);
-            m_cases.push_back(info);
+            m_knownFolders.insert(withBackslashes(info.folder.Bytes()));
+            if (!m_caseIds.insert(info.id).second) reportTwice(numbered("case", info.id));
+            if (isNewDocument(info.path)) m_cases.push_back(info);
         }
     }
 
-    void reportTwice(const char* what, int id) {
-        Reporter(m_findings, "duplicate-id", kMainEntry)
-            .error("", numbered(what, id) + " is registered twice");
+    void reportTwice(const std::string& what) {
+        Reporter(m_findings, "duplicate-id", kMainEntry).error("", what + " is registered twice");
+    }
+
+    // Each document is checked once, however often a registry names it.
+    bool isNewDocument(const ZRString& path) {
+        if (m_used.insert(withBackslashes(path.Bytes())).second) return true;
+        reportTwice("'" + path.Bytes() + "'");
+        return false;
     }
 
     void checkDatabases() {
@@ -82,8 +89,8 @@ private:
             ZRFxDatabaseInfo info;
             m_access.GetDatabaseInfo(i, &info);
             if (!m_resultIds.try_emplace(info.id).second) {
-                reportTwice("database", info.id);
-            } else {
+                reportTwice(numbered("database", info.id));
+            } else if (isNewDocument(info.path)) {
                 checkDatabase(info);
             }
         }
@@ -93,7 +100,6 @@ private:
         ZRFxDatabase database(&m_access);
         database.Parse(info.id, ZRFxParseMode::LENIENT);
         takeLog(m_log, m_findings, "database", info.folder.Bytes());
-        m_used.insert(withBackslashes(info.path.Bytes()));
         m_used.insert(withBackslashes(database.EntryName("Database-TOC.xml").Bytes()));
         CheckedDatabase checked(database, m_findings, m_caseIds);
         m_log.takeMessages();  // comes again when the blocks are read
@@ -107,6 +113,9 @@ private:
     void checkBlockOf(ZRFxDatabase& database, int type, int id, CheckedDatabase& checked) {
         const auto block = database.OpenBlock(type, id);
         const ZRString document = block->GetFileName();
+        if (m_used.contains(m_entries.documentEntry(database, document))) {
+            return reportTwice("'" + document.Bytes() + "'");
+        }
         const bool isRead = block->ReadBlock();
         if (!takeLog(m_log, m_findings, "block", document.Bytes()) && !isRead) {
             Reporter(m_findings, "block", document.Bytes()).error("", "the block cannot be read");
@@ -135,12 +144,11 @@ private:
     }
 
     bool isInKnownFolder(const std::string& entry) const {
-        const auto isIn = [&](const std::string& folder) {
-            return entry.starts_with(withBackslashes(folder) + kFolderSeparator);
-        };
-        return isIn(kUserDataFolder) || std::ranges::any_of(m_cases, [&](const auto& info) {
-                   return isIn(info.folder.Bytes());
-               });
+        for (std::size_t at = entry.find(kFolderSeparator); at != std::string::npos;
+             at = entry.find(kFolderSeparator, at + 1)) {
+            if (m_knownFolders.contains(entry.substr(0, at))) return true;
+        }
+        return false;
     }
 
     void checkEntries() {
@@ -170,6 +178,7 @@ private:
     std::unordered_set<std::string> m_used;      // entries that are meant to be there
     std::unordered_set<std::string> m_verified;  // entries that have been read with a block
     Progress m_progress;
+    std::unordered_set<std::string> m_knownFolders{kUserDataFolder};  // of cases and user texts
     std::vector<ZRFxCaseInfo> m_cases;
     std::set<int> m_caseIds;
     std::map<int, std::set<int>> m_resultIds;  // by database

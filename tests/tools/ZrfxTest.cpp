@@ -171,6 +171,13 @@ TEST_F(ZrfxTest, DocumentThatIsRegisteredTwiceIsOpenedOnce) {
     const test::Ended withDatabase = Zrfx("info a.zrfx --verbose");
     EXPECT_THAT(withDatabase.err, HasSubstr("'Database000\\Database.xml' is registered twice."));
     EXPECT_EQ(withDatabase.exitCode, 1);
+    Edit("a.zrfx", "Database000\\Database-TOC.xml", "<Nodes",
+         "<Nodes ID=\"7\" File=\"Database000\\Nodes\\Nodes0001.xml\"/><Nodes");
+    const std::string found = Zrfx("check a.zrfx").out;
+    for (const char* document :
+         {"Case0\\Case.xml", "Database000\\Database.xml", "Database000\\Nodes\\Nodes0001.xml"}) {
+        EXPECT_THAT(found, HasSubstr("'" + std::string(document) + "' is registered twice"));
+    }
 }
 
 TEST_F(ZrfxTest, CheckReportsEverythingAndEachOfItsKindOnlySoOften) {
