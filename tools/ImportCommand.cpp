@@ -76,6 +76,7 @@ private:
     bool readNext();
     bool addResult();
     bool wait(Clock::duration needed);
+    bool reopen();
     bool isStateFinished() const;
     bool isOverdue() const;
     bool failImport();
@@ -155,13 +156,19 @@ bool ImportRun::addResult() {
 // Waits for more to be written. A block that is half there is read again, but not so often that
 // nothing else is done.
 bool ImportRun::wait(Clock::duration needed) {
-    if (m_reader.wasShortened()) return reportDamage("the file was written anew meanwhile");
+    if (m_reader.wasWrittenAnew(m_options.input)) return reopen();
     if (m_reader.fileSize() != m_lastSize) m_lastGrowth = Clock::now();
     m_lastSize = m_reader.fileSize();
     if (isStateFinished() && !m_import.commit()) return failImport();
     if (isOverdue()) return reportDamage(m_reader.damage() + ", and nothing more was written");
     m_pause = std::max<Clock::duration>(kPoll, 4 * needed);
     return true;
+}
+
+// A solver may make its file more than once before it writes the first results.
+bool ImportRun::reopen() {
+    if (m_reader.position() > 0) return reportDamage("the file was written anew meanwhile");
+    return m_reader.open(m_options.input) || reportDamage(std::strerror(errno));
 }
 
 // When the next one has begun, or nothing more of it was written for a while.

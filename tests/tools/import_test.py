@@ -175,6 +175,19 @@ class ImportTest(unittest.TestCase):
         self.assertEqual(process.wait(20), 0)
         self.assertEqual(len(self.states()), 1)
 
+    def test_file_that_is_made_again_before_it_is_written_is_followed(self):
+        self.frd.write_text("    1C\n"[:4])
+        process = self.follow("--timeout", "10")
+        time.sleep(0.3)
+        self.frd.unlink()
+        time.sleep(0.3)
+        self.append(HEAD + displacement(1))
+        self.wait_for_states(1)
+        self.frd.unlink()
+        self.append("    1C\n")
+        self.assertEqual(process.wait(20), 1)
+        self.assertIn("written anew meanwhile", process.stderr.read())
+
     def test_solver_that_falls_silent_is_reported(self):
         self.append(HEAD + displacement(1))
         process = self.follow("--timeout", "0.5")

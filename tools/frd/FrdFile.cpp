@@ -21,10 +21,12 @@ std::string_view withoutReturn(std::string_view line) {
 }  // namespace
 
 FrdFile::~FrdFile() {
-    if (m_descriptor >= 0) ::close(m_descriptor);
+    close();
 }
 
 bool FrdFile::open(const std::string& path) {
+    close();
+    returnTo({});
     m_descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
     if (m_descriptor < 0) return false;
     struct stat status {};
@@ -37,9 +39,21 @@ bool FrdFile::open(const std::string& path) {
     return true;
 }
 
+bool FrdFile::isReplacedAt(const std::string& path) const {
+    struct stat opened {};
+    struct stat found {};
+    return fstat(m_descriptor, &opened) == 0 && stat(path.c_str(), &found) == 0 &&
+           (opened.st_ino != found.st_ino || opened.st_dev != found.st_dev);
+}
+
 std::uint64_t FrdFile::size() const {
     struct stat status {};
     return fstat(m_descriptor, &status) == 0 ? static_cast<std::uint64_t>(status.st_size) : 0;
+}
+
+void FrdFile::close() {
+    if (m_descriptor >= 0) ::close(m_descriptor);
+    m_descriptor = -1;
 }
 
 bool FrdFile::fill() {

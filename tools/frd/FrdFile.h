@@ -23,8 +23,12 @@ public:
     FrdFile(const FrdFile&) = delete;
     FrdFile& operator=(const FrdFile&) = delete;
 
-    /// False, with errno, when it cannot be read.
+    /// Opens the file from its beginning, in place of the one before. False, with errno, when it
+    /// cannot be read.
     bool open(const std::string& path);
+
+    /// Whether another file is at that path by now.
+    bool isReplacedAt(const std::string& path) const;
 
     /// The next line without its end, valid until the next call. None when the file does not hold a
     /// whole line any more; nothing is consumed then.
@@ -55,6 +59,7 @@ public:
 private:
     std::size_t available() const { return m_end - m_begin; }
     bool fill();
+    void close();
 
     int m_descriptor = -1;
     std::vector<char> m_window;

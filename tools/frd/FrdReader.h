@@ -27,7 +27,8 @@ public:
         END          ///< The end marker, or nothing that could be read after damage.
     };
 
-    /// False, with errno, when it cannot be read.
+    /// Opens a file, or anew one of which nothing was read. False, with errno, when it cannot be
+    /// read.
     bool open(const std::string& path) { return m_file.open(path); }
 
     /// Reads up to the end of the next block. The data of the block before it is gone then.
@@ -45,8 +46,11 @@ public:
     /// its components are not.
     const FrdResult* begunResult() const { return m_hasBegun ? &m_result : nullptr; }
 
-    /// Whether the file was shortened since it was opened, as by a solver that starts again.
-    bool wasShortened() const { return m_file.size() < m_file.place().offset; }
+    /// Whether the file was shortened since it was opened, or another one is at its path, as with a
+    /// solver that starts again.
+    bool wasWrittenAnew(const std::string& path) const {
+        return m_file.size() < m_file.place().offset || m_file.isReplacedAt(path);
+    }
 
     std::uint64_t position() const { return m_file.place().offset; }
     std::uint64_t fileSize() const { return m_file.size(); }
