@@ -143,5 +143,26 @@ TEST_F(ZRFxImageTest, DamagedJpegNeverCrashesNorTakesMuchMemory) {
     }
 }
 
+// One block of 8 by 8 gray pixels, whose average each of the scans gives anew.
+std::string ProgressiveJpegOf(int scanCount) {
+    std::string bytes("\xFF\xD8\xFF\xDB\0\x43\0", 7);
+    bytes += std::string(64, '\1');
+    bytes += std::string("\xFF\xC2\0\xB\x8\0\x8\0\x8\1\1\x11\0\xFF\xC4\0\x14\0\1", 19);
+    bytes += std::string(16, '\0');
+    for (int i = 0; i < scanCount; ++i) {
+        bytes += std::string("\xFF\xDA\0\x8\1\1\0\0\0\0\x7F", 11);
+    }
+    return bytes + "\xFF\xD9";
+}
+
+TEST_F(ZRFxImageTest, JpegOfScansWithoutEndIsRefused) {
+    Put("a.jpeg", ProgressiveJpegOf(ZRFxImageJpeg::kMostScans));
+    nuo::Image image;
+    ASSERT_TRUE(m_access.ReadImage("a.jpeg", &image));
+    EXPECT_EQ(PixelsOf(image), Pixels(3 * 64, 128));
+    Put("a.jpeg", ProgressiveJpegOf(ZRFxImageJpeg::kMostScans + 1));
+    ExpectUnreadable("a.jpeg", {"Error decoding JPEG image 'a.jpeg'"});
+}
+
 }  // namespace
 }  // namespace unstruct

@@ -1,6 +1,7 @@
 #include <functional>
 
 #include "ZROZRFx2DPlotDataBlock.h"
+#include "ZROZRFxCrossSectionsBlock.h"
 #include "ZROZRFxElementBlock.h"
 #include "ZROZRFxElementType.h"
 #include "ZROZRFxFileRecord.h"
@@ -81,6 +82,14 @@ TEST_F(ZRFxMisuseTest, BlocksTakeNothingOfIt) {
         SCOPED_TRACE(misuse.assertion);
         ExpectAssertion(misuse.call(), misuse.assertion);
     }
+}
+
+TEST_F(ZRFxMisuseTest, UnknownTypesAndMissingPlacesAreTold) {
+    ZRFxDatabase database(&m_access);
+    const nvf::ref<ZRFxGeometryBlock> geometry = new ZRFxGeometryBlock(&database, 1);
+    ExpectAssertion(geometry->GetLegacyGeometryInfo(nullptr), "pGeometryInfo");
+    EXPECT_EQ(CrossSectionTypeName(99), "UNKNOWN");
+    ExpectFailure("Unhandled cross section type");
 }
 
 TEST_F(ZRFxMisuseTest, OperationsWithoutAPlaceForTheirResultGiveFalse) {

@@ -360,6 +360,7 @@ protected:
 };
 
 TEST_F(MisuseTest, NoCallCrashesInAnyStateOfTheFile) {
+    ExpectRefused(ZRFxComponent::initialize(nullptr), {Assertion("instance")});
     const nuo::Str name = nuo::Str(m_folder.File("file.zrfx"));
     File file;
     Misuse::Of(file);
