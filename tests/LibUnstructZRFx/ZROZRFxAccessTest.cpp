@@ -147,13 +147,6 @@ TEST_F(ZRFxAccessTest, ReadingTakesWholeItemsAndMissesSilentlyOnDemand) {
                   {"No filename specified.", "No filename specified.", "No filename specified."});
 }
 
-TEST_F(ZRFxAccessTest, NullArgumentsAreAssertionsAndDoNothing) {
-    ExpectAssertion(m_access.ReadDataFloat("ZRF.xml", nullptr), "data");
-    ExpectAssertion(m_access.FindFiles("", true, nullptr), "names");
-    ExpectAssertion(m_access.GetArchiveInfo(nullptr), "info");
-    ExpectAssertion(m_access.ReadProperties("p.xml", nullptr), "collection");
-}
-
 TEST_F(ZRFxAccessTest, FilesAndFoldersAreFoundUnderEitherSeparator) {
     for (const char* name :
          {"A\\1.xml", "A/2.xml", "A\\B\\3.xml", "A/B/C/4.xml", "AB\\5.xml", "A/D/"}) {

@@ -527,26 +527,5 @@ TEST_F(ZRFxBlockTest, DocumentTakesNoMoreThanItHolds) {
     EXPECT_EQ(TakeTexts().back(), "Invalid XML");
 }
 
-TEST_F(ZRFxBlockTest, BadArgumentsAreAssertionsAndDoNothing) {
-    ZRFxNodeBlock nodes(nullptr, 1);
-    ExpectAssertion(nodes.SetNodes(nullptr, 3, nullptr), "pfNodes && (iNumNodes >= 0)");
-    ExpectAssertion(nodes.GetNumNodes() > 0, "m_pDatabase");
-    ZRFxResultValuesBlock values(nullptr, 1);
-    ExpectAssertion(values.GetIndexOfID(-1) >= 0, "iID >= 0");
-    ZRFxGeometryState state(1, 2);
-    ExpectAssertion(
-        state.AddPart(2, {}),
-        "iGlobalGeometryIndex >= 0 && iGlobalGeometryIndex < GetGeometryCountPerState()");
-    ExpectAssertion(state.GetPart(1, 0).blockID >= 0,
-                    "iPartIndex >= 0 && iPartIndex < "
-                    "static_cast<ZRint>(m_geometryParts[iGlobalGeometryIndex].size())");
-    ZRFxStateInfoBlock states(nullptr, 1);
-    states.RemoveStates(-5, -1);
-    ExpectAssertion("iTo >= 0 && iTo < m_apStateInfo.GetSize()");
-    ZRFxCrossSection section(77);
-    ExpectAssertion(section.SetParameters({"a"}, {}), "names.size() == values.size()");
-    ExpectAssertion(section.SetParameters({"Type"}, {1}), "areNames");
-}
-
 }  // namespace
 }  // namespace unstruct

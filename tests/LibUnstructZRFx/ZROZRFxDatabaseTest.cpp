@@ -83,11 +83,11 @@ TEST_F(ZRFxDatabaseTest, DescriptionAndTableOfContentsAreWrittenAsDocumented) {
 }
 
 TEST_F(ZRFxDatabaseTest, BlocksAreOrderedByTypeAndIDFromTableOfContentsAndFromFolder) {
-    for (const int id : {5, 2, 70000, 0}) Write(SampleBlock(BLOCK_NODES, id));
+    for (const int id : {12345, 2, 1234, 0}) Write(SampleBlock(BLOCK_NODES, id));
     Write(SampleBlock(BLOCK_RESULTS, 2));
     Write(SampleBlock(BLOCK_ELEMENTS, 9));
-    const std::vector<std::string> expected = {"Nodes 0",     "Nodes 2",    "Nodes 5",
-                                               "Nodes 70000", "Elements 9", "Results 2"};
+    const std::vector<std::string> expected = {"Nodes 0",     "Nodes 2",    "Nodes 1234",
+                                               "Nodes 12345", "Elements 9", "Results 2"};
     EXPECT_EQ(BlocksOf(m_database), expected);
     ExpectBlocks(expected);  // as a writer leaves it that was stopped
     ASSERT_TRUE(m_database.WriteTOC());

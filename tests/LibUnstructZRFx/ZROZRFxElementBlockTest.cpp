@@ -130,21 +130,6 @@ TEST_F(ZRFxElementBlockTest, CountsThatAreNotOneForEachPolyhedronAreRefused) {
     }
 }
 
-TEST_F(ZRFxElementBlockTest, BadArgumentsAreAssertionsAndDoNothing) {
-    std::unique_ptr<ZRFxElementBlockGroup> none;
-    ExpectAssertion(m_block->AddElementGroup(none), "pGroup");
-    ExpectAssertion(m_block->GetAllElementIDs(nullptr), "paiElementIDs");
-    for (const int index : {-1, 0}) {
-        ExpectAssertion(m_block->GetElementGroup(index) != nullptr,
-                        "(iEltGroupIdx >= 0) && (iEltGroupIdx < m_apElementGroups.GetSize())");
-    }
-    EXPECT_FALSE(m_block->GetUserProperties(-1));
-    m_block->RemoveElementGroups(0, 3);
-    ExpectAssertion("iTo >= 0 && iTo < m_apElementGroups.GetSize()");
-    m_block->RemoveUserProperties(0, -1);
-    ExpectAssertion("iTo >= 0 && iTo < m_apUserProperties.GetSize()");
-}
-
 class DamagedElements : public test::DatabaseTest, public testing::WithParamInterface<Damage> {};
 
 TEST_P(DamagedElements, AreRefusedAndStayUnread) {

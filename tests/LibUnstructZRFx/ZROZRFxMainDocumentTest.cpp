@@ -170,14 +170,5 @@ TEST_F(ZRFxMainDocumentTest, DisplayModelOnlyIsSaidByTheExactText) {
     }
 }
 
-TEST_F(ZRFxMainDocumentTest, BadArgumentsAreAssertionsAndGiveNothing) {
-    ZRFxDatabaseInfo database;
-    ZRFxCaseInfo aCase;
-    ExpectAssertion(m_access.GetDatabaseInfo(-1, &database), "index >= 0");
-    ExpectAssertion(m_access.GetCaseInfo(-1, &aCase), "index >= 0");
-    ExpectAssertion(m_access.GetCaseByID(0, nullptr), "info");
-    ExpectAssertion(m_access.GetNumCases(nullptr), "count");
-}
-
 }  // namespace
 }  // namespace unstruct

@@ -12,12 +12,6 @@ namespace {
 // Small archives that claim much: each of them is one that would take memory or time without end.
 using ZRFxReadBoundsTest = test::DatabaseTest;
 
-std::string repeated(const std::string& text, int count) {
-    std::string all;
-    for (int i = 0; i < count; ++i) all += text;
-    return all;
-}
-
 TEST_F(ZRFxReadBoundsTest, DocumentThatNoFileOfThisLengthNeedsIsNotParsed) {
     const std::string spaces(ZRFxReadBounds::kAnyDocuments, ' ');
     Put("fits.xml", "<a>" + spaces + "</a>");
@@ -36,7 +30,9 @@ TEST_F(ZRFxReadBoundsTest, BlockThatNamesOneDataFileAgainAndAgainIsRefused) {
         "<ElementGroup Type=\"Beam\" NumElementNodes=\"2000000\">"
         "<File Filename=\"many.dat\" NumItems=\"1000000\"/></ElementGroup>";
     const auto documentOf = [&](int count) {
-        return "<Elements ID=\"1\" NodeBlock=\"1\">" + repeated(group, count) + "</Elements>";
+        std::string groups;
+        while (count-- > 0) groups += group;
+        return "<Elements ID=\"1\" NodeBlock=\"1\">" + groups + "</Elements>";
     };
     Put("many.dat", std::string(8000000, '\1'));
     Put(DocumentOf(BLOCK_ELEMENTS), documentOf(2));

@@ -196,17 +196,6 @@ TEST_F(BlockTest, PolyhedronsAreStoredByLocalNodes) {
                                         0, 1, 2, 3, 0, 4, 1, 1, 4, 2, 2, 4, 3, 3, 4, 0));
 }
 
-TEST_F(BlockTest, ReplacingElementsKeepsThemWhenItFails) {
-    const PtrRef<ElementBlock> block = new ElementBlock(1, false, false);
-    ASSERT_TRUE(block->addElement(ElementBlock::BEAMS, {0, 1}));
-    ExpectRefused(block->setElements(ElementBlock::QUADS, {0, 1, 2, -3}, {}),
-                  {Assertion("areNodes")});
-    EXPECT_EQ(ElementBlock::BEAMS, block->elementGroupType(0));
-    EXPECT_TRUE(block->setElements(ElementBlock::QUADS, {0, 1, 2, 3}, {}));
-    EXPECT_EQ(1u, block->elementGroupCount());
-    EXPECT_EQ(ElementBlock::QUADS, block->elementGroupType(0));
-}
-
 // Geometry.
 
 TEST_F(BlockTest, PartsThatDoNotFitAreRefused) {

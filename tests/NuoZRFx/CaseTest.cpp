@@ -72,13 +72,6 @@ TEST_F(CaseTest, ImagesAreStoredReplacedAndRefused) {
     ExpectRefused(read.image(2) != nullptr, {"No image was found at index 2"});
 }
 
-TEST_F(CaseTest, CaseWithoutNameIsCalledByItsId) {
-    const PtrRef<Case> view = new Case(&m_file, "a", 5, 0);
-    view->setName("");
-    Reopen();
-    EXPECT_EQ(nuo::Str("Case 5"), m_file.fileCase(0)->name());
-}
-
 TEST_F(CaseTest, PropertiesOutsideTheCatalogueAreReportedOneByOne) {
     const PtrRef<Case> view = new Case(&m_file, "View", 0, 0);
     PtrRef<nuo::PropertySet> set = new nuo::PropertySet("camera");

@@ -52,17 +52,6 @@ TEST_F(DatabaseTest, WhatCannotBeConstructedIsReportedAndNotPartOfTheFile) {
     EXPECT_TRUE(m_file->close());
 }
 
-TEST_F(DatabaseTest, DatabaseThatFailedToConstructOnlyFails) {
-    const PtrRef<Database> database =
-        new Database(m_file.get(), "", 1, Database::STRUCTURAL, Database::MODAL, "");
-    TakeTexts();
-    const PtrRef<NodeBlock> nodes = new NodeBlock(1, false);
-    ExpectRefused(database->writeBlock(nodes.p()), {Assertion("m_zrfxDatabase")});
-    ExpectRefused(database->blockCount(Block::NODES) > 0, {Assertion("m_zrfxDatabase")});
-    ExpectRefused(database->blockById(Block::NODES, 1).notNull(), {Assertion("m_zrfxDatabase")});
-    EXPECT_TRUE(database->name().isEmpty());
-}
-
 TEST_F(DatabaseTest, BlocksThatCannotBeWrittenAreReported) {
     const PtrRef<Database> database = WriteDatabase(*m_file, "a", 0);
     const auto expectNotWritten = [&](const PtrRef<Block>& block, const std::string& message) {
@@ -159,27 +148,6 @@ TEST_F(DatabaseTest, SetsAreReadByTheirOwnOperationsOnly) {
     EXPECT_EQ(nuo::Str("Load x"), set->setName());
     EXPECT_EQ(6u, set->totalItemCount());
     EXPECT_EQ(Describe(*set), Describe(*database.setBlockByIndex(0)));
-}
-
-// An id that differs from another only in more digits is another block.
-TEST_F(DatabaseTest, BlocksAreListedByRisingIdInWhateverOrderTheyWereWritten) {
-    const PtrRef<Database> database = WriteDatabase(*m_file, "a", 0);
-    for (const int id : {12345, 3, 1234, 0, 1234}) {
-        PtrRef<NodeBlock> nodes = new NodeBlock(id, false);
-        nodes->addNode(static_cast<float>(id), 0, 0);
-        ASSERT_TRUE(database->writeBlock(nodes.p()));
-    }
-    Reopen();
-    Database& listed = *m_file->database(0);
-    std::vector<int> ids;
-    for (std::size_t i = 0; i < listed.blockCount(Block::NODES); ++i) {
-        ids.push_back(listed.blockId(Block::NODES, i));
-        const PtrRef<Block> block = listed.blockByIndex(Block::NODES, i);
-        ASSERT_TRUE(block.notNull());
-        EXPECT_EQ(static_cast<float>(ids.back()),
-                  static_cast<NodeBlock*>(block.p())->nodeData()[0]);
-    }
-    EXPECT_THAT(ids, ElementsAre(0, 3, 1234, 12345));
 }
 
 TEST_F(DatabaseTest, ObjectsThatOutliveTheirFileOnlyFail) {

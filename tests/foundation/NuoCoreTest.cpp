@@ -59,13 +59,5 @@ TEST_F(NuoCoreTest, LastReferenceDeletesTheObject) {
     EXPECT_EQ(alive, 0);
 }
 
-TEST_F(NuoCoreTest, MissingPropertySetIsReported) {
-    PropertySetCollection collection;
-    collection.addPropertySet(nullptr);
-    ExpectAssertion("propertySet");
-    EXPECT_EQ(collection.propertySet(0), nullptr);
-    ExpectAssertion("index < count()");
-}
-
 }  // namespace
 }  // namespace nuo
