@@ -6,7 +6,6 @@
 #include <string>
 #include <vector>
 
-#include "ZROZRFxCrossSectionsBlock.h"
 #include "ZROZRFxGeometryBlock.h"
 #include "ZROZRFxIndexedFaceSetBlock.h"
 #include "ZROZRFxNodeBlock.h"
@@ -16,7 +15,6 @@
 #include "ZROZRFxResultValuesBlock.h"
 #include "ZROZRFxSetBlock.h"
 #include "ZROZRFxStateInfoBlock.h"
-#include "ZROZRFxTransformationResultsBlock.h"
 #include "support/ArchiveTest.h"
 #include "support/SampleBlocks.h"
 
