@@ -71,8 +71,8 @@ private:
         }
     }
 
-    void reportTwice(const std::string& what) {
-        Reporter(m_findings, "duplicate-id", kMainEntry).error("", what + " is registered twice");
+    void reportTwice(const std::string& what, const std::string& registry = kMainEntry) {
+        Reporter(m_findings, "duplicate-id", registry).error("", what + " is registered twice");
     }
 
     // Each document is checked once, however often a registry names it.
@@ -114,7 +114,8 @@ private:
         const auto block = database.OpenBlock(type, id);
         const ZRString document = block->GetFileName();
         if (m_used.contains(m_entries.documentEntry(database, document))) {
-            return reportTwice("'" + document.Bytes() + "'");
+            return reportTwice("'" + document.Bytes() + "'",
+                               database.EntryName("Database-TOC.xml").Bytes());
         }
         const bool isRead = block->ReadBlock();
         if (!takeLog(m_log, m_findings, "block", document.Bytes()) && !isRead) {
