@@ -183,17 +183,17 @@ bool ZRFxAccess::GetVendorInfo(int* vendorId, ZRString* vendorName, ZRString* ex
     if (vendorId) *vendorId = -1;
     if (vendorName) *vendorName = ZRString();
     if (exportApplication) *exportApplication = ZRString();
-    if (!HasMainDocument()) return false;
+    if (!LoadMainDocument()) return false;
     m_mainDocument->GetVendorInfo(vendorId, vendorName, exportApplication);
     return true;
 }
 
 bool ZRFxAccess::GetExportDateTime(ZRFxDateTime* dateTime) {
-    return HasMainDocument() && m_mainDocument->GetExportDateTime(dateTime);
+    return LoadMainDocument() && m_mainDocument->GetExportDateTime(dateTime);
 }
 
 bool ZRFxAccess::GetDisplayModelOnly(bool* displayModelOnly) {
-    return HasMainDocument() && m_mainDocument->GetDisplayModelOnly(displayModelOnly);
+    return LoadMainDocument() && m_mainDocument->GetDisplayModelOnly(displayModelOnly);
 }
 
 bool ZRFxAccess::AddDatabase(const nvf::XmlDocument& databaseDoc, bool overwrite) {
@@ -224,27 +224,27 @@ bool ZRFxAccess::AddCase(const nvf::XmlDocument& caseDoc, bool overwrite) {
 }
 
 bool ZRFxAccess::GetNumDatabases(int* count) {
-    return HasMainDocument() && m_mainDocument->GetNumDatabases(count);
+    return LoadMainDocument() && m_mainDocument->GetNumDatabases(count);
 }
 
 bool ZRFxAccess::GetNumCases(int* count) {
-    return HasMainDocument() && m_mainDocument->GetNumCases(count);
+    return LoadMainDocument() && m_mainDocument->GetNumCases(count);
 }
 
 bool ZRFxAccess::GetDatabaseInfo(int index, ZRFxDatabaseInfo* info) {
-    return HasMainDocument() && m_mainDocument->GetDatabaseInfo(index, info);
+    return LoadMainDocument() && m_mainDocument->GetDatabaseInfo(index, info);
 }
 
 bool ZRFxAccess::GetDatabaseByID(int id, ZRFxDatabaseInfo* info) {
-    return HasMainDocument() && m_mainDocument->GetDatabaseByID(id, info);
+    return LoadMainDocument() && m_mainDocument->GetDatabaseByID(id, info);
 }
 
 bool ZRFxAccess::GetCaseInfo(int index, ZRFxCaseInfo* info) {
-    return HasMainDocument() && m_mainDocument->GetCaseInfo(index, info);
+    return LoadMainDocument() && m_mainDocument->GetCaseInfo(index, info);
 }
 
 bool ZRFxAccess::GetCaseByID(int id, ZRFxCaseInfo* info) {
-    return HasMainDocument() && m_mainDocument->GetCaseByID(id, info);
+    return LoadMainDocument() && m_mainDocument->GetCaseByID(id, info);
 }
 
 bool ZRFxAccess::GetCaseSnapshot(int caseId, nuo::Image* image) {
@@ -546,7 +546,7 @@ bool ZRFxAccess::Store(const ZRString& name, const void* data, std::size_t numBy
     return slashed == name.Bytes() || !m_pArchive->Contains(slashed) || m_pArchive->Remove(slashed);
 }
 
-bool ZRFxAccess::HasMainDocument() {
+bool ZRFxAccess::LoadMainDocument() {
     if (m_mainDocument) return true;
     const nvf::ref<nvf::XmlDocument> doc = new nvf::XmlDocument;
     if (!ReadAndValidateMainDocumentFile(doc.p())) return false;

@@ -200,7 +200,7 @@ private:
     bool CheckWritable(const ZRString& name);
     bool CheckReadable(const ZRString& name, LogMode logMode) const;
     bool Store(const ZRString& name, const void* data, std::size_t numBytes, bool overwrite);
-    bool HasMainDocument();
+    bool LoadMainDocument();
     bool GetCaseFile(int caseId, const char* element, ZRString* fileName, bool* isGiven);
     template <typename Item>
     bool WriteItems(const ZRString& name, const ZRArray<Item>& data);
