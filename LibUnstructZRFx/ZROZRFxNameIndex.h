@@ -27,9 +27,14 @@ public:
         return nullptr;
     }
 
+    /// Lets the next Insert do without memory.
+    void MakeRoom() {
+        if (2 * (m_nCount + 1) > m_aSlots.size()) Grow(2 * (m_nCount + 1));
+    }
+
     /// REQUIRES: no object of that name is in here.
     void Insert(Object* pObject) {
-        if (2 * (m_nCount + 1) > m_aSlots.size()) Grow(2 * (m_nCount + 1));
+        MakeRoom();
         Put({Hash(NameOf(*pObject)), pObject});
         ++m_nCount;
     }

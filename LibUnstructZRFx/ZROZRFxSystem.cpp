@@ -89,6 +89,10 @@ int ZRFxSystem::StatusOf(const char* sPath, struct stat* pStatus) {
     return ::stat(sPath, pStatus);
 }
 
+int ZRFxSystem::LinkStatusOf(const char* sPath, struct stat* pStatus) {
+    return ::lstat(sPath, pStatus);
+}
+
 int ZRFxSystem::Rename(const char* sFrom, const char* sTo) {
     return ::rename(sFrom, sTo);
 }

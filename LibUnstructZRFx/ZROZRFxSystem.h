@@ -35,6 +35,8 @@ public:
     virtual int SetMode(int nFile, mode_t nMode);
     virtual int Status(int nFile, struct stat* pStatus);
     virtual int StatusOf(const char* sPath, struct stat* pStatus);
+    /// Of a symbolic link itself.
+    virtual int LinkStatusOf(const char* sPath, struct stat* pStatus);
     virtual int Rename(const char* sFrom, const char* sTo);
     virtual int Remove(const char* sPath);
     /// Null, with ENOENT and the like, when the path does not resolve; else malloc'ed.

@@ -3,14 +3,12 @@
 #include <memory>
 #include <string>
 #include <string_view>
-#include <vector>
 
+#include "ZRFxEntryPacker.h"
+#include "ZRFxEntryReader.h"
+#include "ZRFxOpenArchive.h"
 #include "ZROZRFxCipher.h"
 #include "ZROZRFxCodec.h"
-#include "ZROZRFxNameIndex.h"
-#include "ZROZRFxReadAhead.h"
-#include "ZROZRFxZipDirectory.h"
-#include "ZROZRFxZipLibrary.h"
 #include "ZROZRFxZipMemFile.h"
 #include "ZROZRFxZipRawData.h"
 #include "ZROZRFxZipStorage.h"
@@ -21,20 +19,18 @@ namespace unstruct {
 //
 /// A new entry is packed at once (deflated, stored when it does not shrink) and, under a password,
 /// encrypted at once; until the next commit it can be read, replaced and removed like any other.
-/// The first 8 MiB wait in memory; what passes them is written to the file ahead of the commit.
-/// Entries are committed by `Commit`, by `Close`, and by themselves when they pass a threshold: 64
-/// MiB, and more where the directory is long enough to matter. A commit replaces the end of the
-/// archive in place and shows other openers either all of it or nothing (see ZRFxJournaledFile).
-/// Within a commit data comes first, then XML documents, then "ZRF.xml" and the tables of contents:
-/// what is replaced again and again stays within the last kilobytes. Where a removed entry lies
-/// more than 64 MiB before the directory, the archive is rewritten.
+/// Data goes to the file as it is added. XML documents, which are often replaced soon, wait in
+/// memory, up to 8 MiB of them. Nothing is committed but by `Commit` and `Close`: what was written
+/// before is not seen by other openers, and dropped when the archive is destroyed without them.
+/// A commit only appends; see ZRFxArchiveCommit.
 //
 /// Names are UTF-8 and told apart by every byte. Of several entries with one name the last counts;
 /// the others are left out by the next commit.
 //
-/// Memory: 8 MiB of entries, one packed entry and some hundred bytes for each entry. Every
-/// operation that fails returns false and leaves a sentence with archive, entry and cause in
-/// `LastError`; the archive stays as it was and usable. Nothing throws. One thread at a time.
+/// Memory: 8 MiB of entries, one packed entry, the texts of documents that grow, and some hundred
+/// bytes for each entry. Every operation that fails returns false and leaves a sentence with
+/// archive, entry and cause in `LastError`; the archive stays as it was and usable. Nothing throws.
+/// One thread at a time.
 class ZRFxZipArchive {
 public:
     struct EntryInfo {
@@ -48,7 +44,7 @@ public:
     static constexpr int kDefaultLevel = -1;
 
     ZRFxZipArchive();
-    /// Commits what is pending, without a word when that fails.
+    /// Drops what was not committed.
     ~ZRFxZipArchive();
     ZRFxZipArchive(const ZRFxZipArchive&) = delete;
     ZRFxZipArchive& operator=(const ZRFxZipArchive&) = delete;
@@ -59,33 +55,39 @@ public:
     bool Open(const std::string& sPath, ZRFxOpenMode eMode);
     /// The same in memory. REQUIRES: pFile outlives the open archive.
     bool Open(ZRFxZipMemFile* pFile, ZRFxOpenMode eMode);
-    bool IsOpen() const { return m_pStorage != nullptr; }
-    bool IsReadOnly() const { return m_bReadOnly; }
+    bool IsOpen() const { return m_pOpen->pStorage != nullptr; }
+    bool IsReadOnly() const { return m_pOpen->bReadOnly; }
+    /// Whether closing has something to write.
+    bool HasUncommitted() const;
     /// Bytes that the archive takes, those of uncommitted entries included; 0 when it is not open.
-    uint64_t Length() const { return m_pStorage ? m_pStorage->Size() + Uncommitted() : 0; }
+    uint64_t Length() const;
 
     bool Commit();
-    /// Uncommitted bytes from which entries are committed by themselves; a long directory raises
-    /// it.
-    void SetCommitThreshold(uint64_t nBytes) { m_nThreshold = nBytes; }
-    /// Uncommitted bytes that wait in memory; what passes them is written to the file ahead.
+    /// Uncommitted bytes of documents that wait in memory; what passes them goes to the file.
     void SetPendingLimit(uint64_t nBytes) { m_nPendingLimit = nBytes; }
-    /// Commits and closes. When the commit fails the archive stays open with all that is pending,
-    /// for another try or for `Abandon`.
+    /// Commits and closes, and leaves an ordinary archive. When the commit fails the archive stays
+    /// open with all that it was given, for another try, `CloseAs` or `Abandon`.
     bool Close();
+    /// Writes all of the archive to a new file, and closes; the old one stays as its last commit
+    /// left it. Fails when there is a file of that name.
+    bool CloseAs(const std::string& sPath);
     /// Closes without committing.
     void Abandon();
+
+    /// Shows a reader what was committed since it opened the archive or refreshed it last. Takes
+    /// time with what is new. On failure everything stays as it was.
+    bool Refresh(ZRFxArchiveChanges* pChanges);
 
     /// Encrypts entries added from now on, and decrypts; an empty password ends encryption.
     bool SetPassword(std::string_view sPassword);
 
-    /// Entries in the order of the directory, pending ones at the end. Indices hold until the next
-    /// change or commit. REQUIRES: nIndex < EntryCount().
+    /// Entries in the order of the directory, uncommitted ones at the end. Indices hold until the
+    /// next change, commit or refresh. An index from EntryCount() on gives an empty description.
     size_t EntryCount();
     EntryInfo EntryAt(size_t nIndex);
     bool Contains(std::string_view sName) const { return FindItem(sName) != nullptr; }
     /// Whether a name of any entry, now or before, has a slash in it; foreign ones may.
-    bool HasSlashes() const { return m_bHasSlashes; }
+    bool HasSlashes() const { return m_pOpen->table.HasSlashes(); }
     /// A number that no other entry has until the next change or commit; -1 when there is no such
     /// entry.
     int64_t IndexOf(std::string_view sName) const;
@@ -93,20 +95,29 @@ public:
     bool Find(std::string_view sName, EntryInfo* pInfo);
 
     /// Adds an entry at level 0 (stored) to 9, or kDefaultLevel. Fails when the name is taken or
-    /// empty, or the data is longer than ZRFxZipRawData::kMaxLength. When the threshold is passed
-    /// and the commit fails, the entry is not added and those before it stay pending. Data of
-    /// length 0 makes an empty entry, which is never encrypted.
+    /// empty, or the data is longer than ZRFxZipRawData::kMaxLength. Data of length 0 makes an
+    /// empty entry, which is never encrypted.
     bool Add(std::string_view sName, const void* pData, uint64_t nSize, int nLevel = kDefaultLevel);
     /// The same in place of the entry of that name, if there is one, which stays when this fails.
-    /// It does not commit by itself.
     bool Replace(std::string_view sName, const void* pData, uint64_t nSize,
                  int nLevel = kDefaultLevel);
+    /// Changes a document at its end: of its nKept first bytes on it becomes sTail. A document that
+    /// is not there is made when nKept is 0. The archive keeps the text in memory, and commits
+    /// store the tails alone. *pRevision, on success, is another number for each change of any
+    /// document in the process; see `RevisionOf`.
+    bool Grow(std::string_view sName, uint64_t nKept, std::string_view sTail, int nLevel,
+              uint64_t* pRevision);
+    /// That of the last `Grow` of a document which nothing else has changed since; 0 otherwise.
+    uint64_t RevisionOf(std::string_view sName) const;
     bool Remove(std::string_view sName);
     /// Reads the whole entry; what it declares is checked against its length in the archive before
     /// memory is taken, and its data against CRC or authentication code before it is given.
     bool Read(std::string_view sName, ZRFxZipRawData* pRaw);
+    /// Reads a document from byte nFrom on; shorter ones give nothing.
+    bool ReadTail(std::string_view sName, uint64_t nFrom, std::string* pTail);
 
-    /// One entry written piece by piece: gathered in memory, added by CloseEntry.
+    /// One entry written piece by piece: gathered in memory, added by CloseEntry. When a piece
+    /// cannot be taken, the entry is given up.
     bool OpenEntry(std::string_view sName, int nLevel = kDefaultLevel);
     bool WriteEntry(const void* pData, size_t nSize);
     bool CloseEntry();
@@ -117,94 +128,46 @@ public:
     const std::string& LastError() const { return m_sError; }
 
 private:
-    struct Item;
-    struct Stream;
-    struct Layout;
+    using Item = ZRFxArchiveItem;
     using ItemPtr = std::unique_ptr<Item>;
 
     template <typename Operation>
     bool Guarded(std::string_view sName, Operation operation) noexcept;
     bool Fail(std::string_view sName, std::string_view sCause);
-    bool FailStorage() { return Fail({}, m_pStorage->Error()); }
 
-    bool OpenFile(const std::string& sPath, ZRFxOpenMode eMode);
-    bool OpenSnapshot(const std::string& sPath);
-    bool Take(std::unique_ptr<ZRFxZipStorage> pStorage, ZRFxZipDirectory* pDirectory,
-              ZRFxOpenMode eMode);
+    bool OpenStorage(std::unique_ptr<ZRFxZipStorage> pStorage, ZRFxOpenMode eMode,
+                     std::unique_ptr<ZRFxOpenArchive>* ppOpen);
+    bool Take(std::unique_ptr<ZRFxOpenArchive> pOpen);
     void Reset();
 
     bool CheckWritable(std::string_view sName);
     bool CheckName(std::string_view sName);
     bool CheckNewName(std::string_view sName);
-    static std::string_view NameOf(const Item& item);
-    Item* FindItem(std::string_view sName) const { return m_byName.Find(sName); }
-    void Append(ItemPtr pItem);
-    void Drop(Item* pItem);
-    static bool Describe(const ZRFxZipEntry& entry, EntryInfo* pInfo);
-    void Compact();
+    Item* FindItem(std::string_view sName) const { return m_pOpen->table.Find(sName); }
+    bool Describe(const Item& item, EntryInfo* pInfo) const;
 
-    bool AddChecked(std::string_view sName, const void* pData, uint64_t nSize, int nLevel);
     bool MakeItem(std::string_view sName, const void* pData, uint64_t nSize, int nLevel,
                   ItemPtr* ppItem);
-    bool Pack(const void* pData, size_t nSize, int nLevel, ZRFxZipEntry* pEntry,
-              const uint8_t** ppPacked);
-    bool Encrypt(ZRFxZipEntry* pEntry);
     bool GoesToFile(const ZRFxZipEntry& entry) const;
     bool KeepPending(Item* pItem, const uint8_t* pPacked);
-    bool WriteAhead(Item* pItem, const uint8_t* pPacked);
-    bool WritePacked(const Item& item, const uint8_t* pPacked);
-    bool StartWriting();
-    bool BeginAt(uint64_t nFrom);
-    bool IsMoved(const Item& item) const;
-
+    bool WriteNow(Item* pItem, const uint8_t* pPacked);
+    bool LoadForGrowth(Item* pItem);
+    Item* AddDocument(std::string_view sName, size_t nLength);
+    bool LoadTexts();
+    bool LoadText(ZRFxGrowingText* pText);
     bool ReadItem(const Item& item, ZRFxZipRawData* pRaw);
-    bool CheckDeclared(const ZRFxZipEntry& entry);
-    bool CheckAes(const ZRFxZipEntry& entry);
-    bool ReadPlace(const Item& item, uint64_t nOffset, void* pData, size_t nSize);
-    bool FetchPacked(const Item& item, const uint8_t** ppPacked);
-    bool FetchSmall(const ZRFxZipEntry& entry, const uint8_t** ppPacked);
-    bool FetchStored(const Item& item, ZRFxZipRawData* pRaw);
-    bool LocateData(const Item& item, uint64_t* pOffset);
-    bool Unpack(const ZRFxZipEntry& entry, const uint8_t* pPacked, ZRFxZipRawData* pRaw);
-    bool Decrypt(const ZRFxZipEntry& entry, const uint8_t* pPacked, uint8_t* pData);
-    bool CheckCrc(const ZRFxZipEntry& entry, const ZRFxZipRawData& raw);
-    bool ReadForeign(const Item& item, ZRFxZipRawData* pRaw);
-    bool ReadForeignAes(const Item& item, ZRFxZipRawData* pRaw);
-
-    bool CommitChanges();
-    Layout Plan();
-    bool WriteItem(Item* pItem, Layout* pLayout);
-    bool CopyCommitted(const Item& item);
-    uint64_t DescriptorSize(const ZRFxZipEntry& entry, uint64_t nEnd);
-    bool WriteDirectory(Layout* pLayout);
-    void Apply(Layout* pLayout);
-    uint64_t Uncommitted() const;
-    uint64_t Threshold() const;
+    bool CommitNow(bool bClosing);
+    bool RefreshFrom(ZRFxLastCommit* pCommit, ZRFxArchiveChanges* pChanges);
+    bool Reopen(ZRFxArchiveChanges* pChanges);
 
     std::string m_sArchive;  // For messages.
-    std::unique_ptr<ZRFxZipStorage> m_pStorage;
-    bool m_bReadOnly = false;
-    bool m_bReplacesAll = false;  // Created: what the storage holds is dropped by the first commit.
-    bool m_bChanged = false;
-    std::vector<ItemPtr> m_apItems;  // Null where an item was removed, until `Compact`.
-    ZRFxNameIndex<Item, &ZRFxZipArchive::NameOf> m_byName;
-    bool m_bHasGaps = false;
-    bool m_bHasSlashes = false;
-    uint64_t m_nDirectoryOffset = 0;
-    uint64_t m_nFirstRemoved = 0;  // Lowest offset of a removed entry; else the directory's.
-    bool m_bWriting = false;       // Entries of the next commit are in the file already.
-    uint64_t m_nWritingFrom = 0;
-    std::string m_sComment;
-    uint64_t m_nPendingBytes = 0;
+    std::string m_sPath;     // Empty for an archive in memory.
+    std::unique_ptr<ZRFxOpenArchive> m_pOpen;
     uint64_t m_nPendingLimit = uint64_t{8} << 20;
-    uint64_t m_nThreshold = uint64_t{64} << 20;
-    std::unique_ptr<Stream> m_pStream;
     ZRFxCodec m_codec;
     ZRFxCipher m_cipher;
-    ZRFxZipLibrary m_library;
-    ZRFxZipRawData m_scratch;  // Packed bytes on their way in or out.
-    ZRFxReadAhead m_readAhead;
-    ZRFxZipRawData m_plain;  // The same decrypted, when they are pending and must stay.
+    ZRFxEntryPacker m_packer{&m_codec, &m_cipher};
+    ZRFxEntryReader m_reader{&m_codec, &m_cipher};
     std::string m_sError;
 };
 

@@ -9,14 +9,8 @@
 namespace unstruct {
 namespace {
 
-constexpr uint32_t kLocalSignature = 0x04034B50;
 constexpr uint32_t kDescriptorSignature = 0x08074B50;
-constexpr uint32_t kRecordSignature = 0x02014B50;
-constexpr uint32_t kEndSignature = 0x06054B50;
-constexpr uint32_t kEnd64Signature = 0x06064B50;
 constexpr uint32_t kLocator64Signature = 0x07064B50;
-constexpr size_t kRecordSize = 46;
-constexpr size_t kEndSize = 22;
 constexpr size_t kEnd64Size = 56;
 constexpr size_t kLocator64Size = 20;
 constexpr uint16_t kExtraZip64 = 0x0001;
@@ -146,26 +140,87 @@ void PutAesExtra(std::string* s, const ZRFxZipEntry& entry) {
 
 }  // namespace
 
-bool ZRFxZipDirectory::Load(ZRFxZipStorage* pStorage) {
-    if (pStorage->Size() == 0) return true;
-    if (!FindEnd(pStorage)) return false;
-    std::string sRecords(static_cast<size_t>(m_nSize), '\0');
-    if (!pStorage->Read(nOffset, sRecords.data(), sRecords.size())) return Fail(pStorage->Error());
-    m_nFingerprint = ZRFxCodec::Crc32(0, sRecords.data(), sRecords.size());
-    if (!ParseRecords(sRecords)) return false;
-    CheckOrder();
-    return true;
+bool ZRFxZipDirectory::FindEndAt(ZRFxZipStorage* pStorage, uint64_t nEnd) {
+    const uint64_t nTail = std::min<uint64_t>(nEnd, kEndSize + 0xFFFF);
+    std::string sTail(static_cast<size_t>(nTail), '\0');
+    if (!pStorage->Read(nEnd - nTail, sTail.data(), sTail.size())) return false;
+    for (size_t i = sTail.size() < kEndSize ? 0 : sTail.size() - kEndSize + 1; i-- > 0;) {
+        if (!TakeEnd(pStorage, sTail, i, nEnd)) continue;
+        const uint64_t nStart = nEnd - nTail + i - (m_bZip64 ? kEnd64Size + kLocator64Size : 0);
+        return m_nLength == nEnd && nOffset + m_nSize == nStart;
+    }
+    return false;
 }
 
-bool ZRFxZipDirectory::IsUnchangedIn(ZRFxZipStorage* pStorage) const {
-    std::string sPart;
-    uint32_t nCrc = 0;
-    for (uint64_t nDone = 0; nDone < m_nSize; nDone += sPart.size()) {
-        sPart.resize(static_cast<size_t>(std::min<uint64_t>(m_nSize - nDone, 1 << 20)));
-        if (!pStorage->Read(nOffset + nDone, sPart.data(), sPart.size())) return false;
-        nCrc = ZRFxCodec::Crc32(nCrc, sPart.data(), sPart.size());
+// Takes the last end whose directory can lie before it.
+bool ZRFxZipDirectory::FindEnd(ZRFxZipStorage* pStorage) {
+    const uint64_t nEnd = pStorage->Size();
+    const uint64_t nTail = std::min<uint64_t>(nEnd, kEndSize + 0xFFFF);
+    std::string sTail(static_cast<size_t>(nTail), '\0');
+    if (!pStorage->Read(nEnd - nTail, sTail.data(), sTail.size())) return Fail(pStorage->Error());
+    for (size_t i = sTail.size() < kEndSize ? 0 : sTail.size() - kEndSize + 1; i-- > 0;) {
+        if (TakeEnd(pStorage, sTail, i, nEnd)) return true;
     }
-    return nCrc == m_nFingerprint;
+    return Fail("not a ZIP archive, or its end is missing");
+}
+
+bool ZRFxZipDirectory::Load(ZRFxZipStorage* pStorage) {
+    std::string sRecords(static_cast<size_t>(m_nSize), '\0');
+    if (!pStorage->Read(nOffset, sRecords.data(), sRecords.size())) return Fail(pStorage->Error());
+    aEntries.reserve(static_cast<size_t>(m_nCount));
+    if (!ParseRecords(sRecords, nOffset)) return false;
+    // Without the 64-bit form some programs write the count modulo 65536.
+    const uint64_t nFound = m_bZip64 ? aEntries.size() : aEntries.size() & 0xFFFF;
+    return nFound == m_nCount || Fail("damaged directory of the archive: wrong number of entries");
+}
+
+bool ZRFxZipDirectory::AddRecords(std::string_view sRecords, uint64_t nEnd) {
+    return ParseRecords(sRecords, nEnd);
+}
+
+bool ZRFxZipDirectory::HasOverlaps() const {
+    std::vector<const ZRFxZipEntry*> apEntries;
+    apEntries.reserve(aEntries.size());
+    for (const ZRFxZipEntry& entry : aEntries) apEntries.push_back(&entry);
+    const auto byOffset = [](const ZRFxZipEntry* pLeft, const ZRFxZipEntry* pRight) {
+        return pLeft->nOffset < pRight->nOffset;
+    };
+    if (!std::is_sorted(apEntries.begin(), apEntries.end(), byOffset)) {
+        std::sort(apEntries.begin(), apEntries.end(), byOffset);
+    }
+    uint64_t nEnd = 0;
+    for (const ZRFxZipEntry* pEntry : apEntries) {
+        if (pEntry->nOffset < nEnd) return true;
+        nEnd = pEntry->nOffset + kLocalHeaderSize + pEntry->sName.size() + pEntry->nPackedSize;
+    }
+    return false;
+}
+
+uint64_t ZRFxZipDirectory::LocalSize(const uint8_t* pHeader, size_t nSize) {
+    uint64_t nUnpacked = Load32(pHeader + 22);
+    uint64_t nPacked = Load32(pHeader + 18);
+    const size_t nLength = LocalHeaderLength(pHeader);
+    if ((Load16(pHeader + 6) & kFlagDescriptor) != 0) return 0;
+    if (nPacked != kIn64) return nLength + nPacked;
+    if (nSize < nLength) return 0;
+    const size_t nName = Load16(pHeader + 26);
+    size_t nField = 0;
+    const uint8_t* pField = FindExtra(pHeader + kLocalHeaderSize + nName,
+                                      nLength - kLocalHeaderSize - nName, kExtraZip64, &nField);
+    if (!ReplaceBy64(pField, nField, {&nUnpacked, &nPacked})) return 0;
+    return nPacked > UINT64_MAX - nLength ? 0 : nLength + nPacked;
+}
+
+size_t ZRFxZipDirectory::LocalHeaderLength(const uint8_t* pHeader) {
+    return kLocalHeaderSize + Load16(pHeader + 26) + Load16(pHeader + 28);
+}
+
+size_t ZRFxZipDirectory::LocalLengthOf(const ZRFxZipEntry& entry) {
+    return kLocalHeaderSize + entry.sName.size() + Load16(Bytes(entry.sRecord) + 30);
+}
+
+size_t ZRFxZipDirectory::RecordLength(const uint8_t* pRecord) {
+    return kRecordSize + Load16(pRecord + 28) + Load16(pRecord + 30) + Load16(pRecord + 32);
 }
 
 bool ZRFxZipDirectory::DataOffset(const ZRFxZipEntry& entry, const uint8_t* pHeader,
@@ -290,31 +345,26 @@ std::string ZRFxZipDirectory::End(uint64_t nEntries, uint64_t nStart, uint64_t n
     return s + sEndComment;
 }
 
-// Takes the last end record whose directory can lie before it.
-bool ZRFxZipDirectory::FindEnd(ZRFxZipStorage* pStorage) {
-    const uint64_t nLength = pStorage->Size();
-    const uint64_t nTail = std::min<uint64_t>(nLength, kEndSize + 0xFFFF);
-    std::string sTail(static_cast<size_t>(nTail), '\0');
-    if (!pStorage->Read(nLength - nTail, sTail.data(), sTail.size())) {
-        return Fail(pStorage->Error());
+// Takes the end record at nAt of the last bytes before nEnd; false when there is none whose
+// directory can lie before it.
+bool ZRFxZipDirectory::TakeEnd(ZRFxZipStorage* pStorage, const std::string& sTail, size_t nAt,
+                               uint64_t nEnd) {
+    const uint8_t* pEnd = Bytes(sTail) + nAt;
+    if (Load32(pEnd) != kEndSignature) return false;
+    const size_t nComment = Load16(pEnd + 20);
+    if (nComment > sTail.size() - nAt - kEndSize) return false;
+    const uint64_t nRecord = nEnd - sTail.size() + nAt;
+    m_nCount = Load16(pEnd + 10);
+    m_nSize = Load32(pEnd + 12);
+    nOffset = Load32(pEnd + 16);
+    m_bZip64 = false;
+    if (nRecord >= kLocator64Size && !ReadEnd64(pStorage, nRecord - kLocator64Size)) return false;
+    if (nOffset > nRecord || m_nSize > nRecord - nOffset || m_nCount > m_nSize / kRecordSize) {
+        return false;
     }
-    for (size_t i = sTail.size() < kEndSize ? 0 : sTail.size() - kEndSize + 1; i-- > 0;) {
-        const uint8_t* pEnd = Bytes(sTail) + i;
-        if (Load32(pEnd) != kEndSignature) continue;
-        const size_t nComment = Load16(pEnd + 20);
-        if (nComment > sTail.size() - i - kEndSize) continue;
-        const uint64_t nEnd = nLength - nTail + i;
-        m_nCount = Load16(pEnd + 10);
-        m_nSize = Load32(pEnd + 12);
-        nOffset = Load32(pEnd + 16);
-        m_bZip64 = false;
-        if (nEnd >= kLocator64Size && !ReadEnd64(pStorage, nEnd - kLocator64Size)) continue;
-        if (nOffset > nEnd || m_nSize > nEnd - nOffset || m_nCount > m_nSize / kRecordSize)
-            continue;
-        sComment = sTail.substr(i + kEndSize, nComment);
-        return true;
-    }
-    return Fail("not a ZIP archive, or its end is missing");
+    sComment = sTail.substr(nAt + kEndSize, nComment);
+    m_nLength = nRecord + kEndSize + nComment;
+    return true;
 }
 
 // Does nothing where there is no locator; false when it leads nowhere.
@@ -335,21 +385,19 @@ bool ZRFxZipDirectory::ReadEnd64(ZRFxZipStorage* pStorage, uint64_t nLocator) {
     return nOffset <= nEnd64 && m_nSize <= nEnd64 - nOffset;
 }
 
-bool ZRFxZipDirectory::ParseRecords(const std::string& sRecords) {
-    aEntries.reserve(static_cast<size_t>(m_nCount));
+bool ZRFxZipDirectory::ParseRecords(std::string_view sRecords, uint64_t nEnd) {
+    const uint8_t* pRecords = reinterpret_cast<const uint8_t*>(sRecords.data());
     size_t nDone = 0;
     while (nDone < sRecords.size()) {
         ZRFxZipEntry entry;
-        if (!ParseRecord(Bytes(sRecords) + nDone, sRecords.size() - nDone, &entry)) {
+        if (!ParseRecord(pRecords + nDone, sRecords.size() - nDone, &entry)) {
             return Fail("damaged directory of the archive");
         }
-        if (!CheckEntry(entry)) return false;
+        if (!CheckEntry(entry, nEnd)) return false;
         nDone += entry.sRecord.size();
         aEntries.push_back(std::move(entry));
     }
-    // Without the 64-bit form some programs write the count modulo 65536.
-    const uint64_t nFound = m_bZip64 ? aEntries.size() : aEntries.size() & 0xFFFF;
-    return nFound == m_nCount || Fail("damaged directory of the archive: wrong number of entries");
+    return true;
 }
 
 bool ZRFxZipDirectory::ParseRecord(const uint8_t* pRecord, size_t nLeft, ZRFxZipEntry* pEntry) {
@@ -388,30 +436,13 @@ bool ZRFxZipDirectory::ParseRecord(const uint8_t* pRecord, size_t nLeft, ZRFxZip
     return true;
 }
 
-bool ZRFxZipDirectory::CheckEntry(const ZRFxZipEntry& entry) {
+bool ZRFxZipDirectory::CheckEntry(const ZRFxZipEntry& entry, uint64_t nEnd) {
     const uint64_t nHeader = kLocalHeaderSize + entry.sName.size();
-    if (entry.nOffset <= nOffset && nHeader <= nOffset - entry.nOffset &&
-        entry.nPackedSize <= nOffset - entry.nOffset - nHeader) {
+    if (entry.nOffset <= nEnd && nHeader <= nEnd - entry.nOffset &&
+        entry.nPackedSize <= nEnd - entry.nOffset - nHeader) {
         return true;
     }
     return Fail("damaged directory of the archive: entry '" + entry.sName + "' lies outside of it");
-}
-
-void ZRFxZipDirectory::CheckOrder() {
-    std::vector<const ZRFxZipEntry*> apEntries;
-    apEntries.reserve(aEntries.size());
-    for (const ZRFxZipEntry& entry : aEntries) apEntries.push_back(&entry);
-    const auto byOffset = [](const ZRFxZipEntry* pLeft, const ZRFxZipEntry* pRight) {
-        return pLeft->nOffset < pRight->nOffset;
-    };
-    if (!std::is_sorted(apEntries.begin(), apEntries.end(), byOffset)) {
-        std::sort(apEntries.begin(), apEntries.end(), byOffset);
-    }
-    uint64_t nEnd = 0;
-    for (const ZRFxZipEntry* pEntry : apEntries) {
-        bOrderly = bOrderly && pEntry->nOffset >= nEnd;
-        nEnd = pEntry->nOffset + kLocalHeaderSize + pEntry->sName.size() + pEntry->nPackedSize;
-    }
 }
 
 }  // namespace unstruct

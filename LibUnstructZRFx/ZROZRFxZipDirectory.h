@@ -34,19 +34,45 @@ struct ZRFxZipEntry {
 
 /// Reading and writing of the structures of a ZIP archive: local headers, the central directory and
 /// its end, with their 64-bit forms. Names are taken and given as bytes; those written are UTF-8.
-/// The functions keep no state.
 class ZRFxZipDirectory {
 public:
     static constexpr size_t kLocalHeaderSize = 30;
+    static constexpr size_t kRecordSize = 46;
+    static constexpr size_t kEndSize = 22;
     static constexpr size_t kMaxDescriptorSize = 24;
+    static constexpr uint32_t kLocalSignature = 0x04034B50;
+    static constexpr uint32_t kRecordSignature = 0x02014B50;
+    static constexpr uint32_t kEndSignature = 0x06054B50;
+    static constexpr uint32_t kEnd64Signature = 0x06064B50;
 
-    /// Reads the directory of the committed state; an empty storage is an archive without entries.
-    /// Refuses, with the cause in sError, directories that do not fit the archive: what an archive
-    /// claims is never allocated before its own length makes it possible. Takes memory of about
-    /// twice the directory's length and time linear in it.
+    /// Finds the directory of the archive that ends exactly at nEnd; false, without an error, when
+    /// none does, or it does not reach to its end as those of nearly all programs do.
+    bool FindEndAt(ZRFxZipStorage* pStorage, uint64_t nEnd);
+    /// Finds the directory of an archive in whatever form: with bytes that follow its end, or with
+    /// structures between directory and end.
+    bool FindEnd(ZRFxZipStorage* pStorage);
+    /// Reads the directory that was found. Refuses, with the cause in sError, directories that do
+    /// not fit the archive: what an archive claims is never allocated before its own length makes
+    /// it possible. Takes memory of about twice the directory's length and time linear in it.
     bool Load(ZRFxZipStorage* pStorage);
-    /// Whether the storage still gives the bytes that were loaded.
-    bool IsUnchangedIn(ZRFxZipStorage* pStorage) const;
+    /// Takes records that stand elsewhere, of entries that lie before nEnd, behind those loaded.
+    bool AddRecords(std::string_view sRecords, uint64_t nEnd);
+    /// Whether entries overlap, so that the archive cannot be changed.
+    bool HasOverlaps() const;
+    /// Number of entries that the end declares, modulo 65536 where it is no 64-bit one.
+    uint64_t DeclaredCount() const { return m_nCount; }
+    /// Where the archive ends that was found.
+    uint64_t Length() const { return m_nLength; }
+
+    /// Bytes that an entry takes, its header included; 0 when the header does not tell. pHeader
+    /// holds the first kLocalHeaderSize bytes, and where nSize says so, name and extra fields.
+    static uint64_t LocalSize(const uint8_t* pHeader, size_t nSize);
+    /// Bytes of header, name and extra fields.
+    static size_t LocalHeaderLength(const uint8_t* pHeader);
+    /// The same for an entry with its record, taking the extra fields for those of the record.
+    static size_t LocalLengthOf(const ZRFxZipEntry& entry);
+    /// Bytes of a directory record.
+    static size_t RecordLength(const uint8_t* pRecord);
 
     /// The data of the entry begins here; false when its local header is damaged or another's.
     /// pHeader holds the first kLocalHeaderSize + name length bytes at the entry's offset.
@@ -69,8 +95,6 @@ public:
 
     std::vector<ZRFxZipEntry> aEntries;  // In the order of the directory, duplicates included.
     uint64_t nOffset = 0;
-    /// Whether no two entries overlap, so that the archive can be changed in place.
-    bool bOrderly = true;
     std::string sComment;
     std::string sError;
 
@@ -79,17 +103,16 @@ private:
         sError = sCause;
         return false;
     }
-    bool FindEnd(ZRFxZipStorage* pStorage);
+    bool TakeEnd(ZRFxZipStorage* pStorage, const std::string& sTail, size_t nAt, uint64_t nEnd);
     bool ReadEnd64(ZRFxZipStorage* pStorage, uint64_t nLocator);
-    bool ParseRecords(const std::string& sRecords);
+    bool ParseRecords(std::string_view sRecords, uint64_t nEnd);
     bool ParseRecord(const uint8_t* pRecord, size_t nLeft, ZRFxZipEntry* pEntry);
-    bool CheckEntry(const ZRFxZipEntry& entry);
-    void CheckOrder();
+    bool CheckEntry(const ZRFxZipEntry& entry, uint64_t nEnd);
 
     uint64_t m_nSize = 0;
     uint64_t m_nCount = 0;
+    uint64_t m_nLength = 0;
     bool m_bZip64 = false;
-    uint32_t m_nFingerprint = 0;
 };
 
 }  // namespace unstruct

@@ -14,6 +14,7 @@ namespace {
 // A read-only source of the ZIP library over a storage.
 struct Source {
     ZRFxZipStorage* pStorage;
+    uint64_t nSize;
     uint64_t nPosition = 0;
     zip_error_t error{};
 };
@@ -21,25 +22,25 @@ struct Source {
 zip_int64_t Stat(const Source& source, void* pData) {
     zip_stat_t* pStat = static_cast<zip_stat_t*>(pData);
     zip_stat_init(pStat);
-    pStat->size = source.pStorage->Size();
+    pStat->size = source.nSize;
     pStat->valid = ZIP_STAT_SIZE;
     return sizeof(*pStat);
 }
 
 zip_int64_t Read(Source* pSource, void* pData, zip_uint64_t nLength) {
-    const uint64_t nLeft = pSource->pStorage->Size() - pSource->nPosition;
-    const size_t nSize = static_cast<size_t>(std::min<uint64_t>(nLength, nLeft));
-    if (!pSource->pStorage->Read(pSource->nPosition, pData, nSize)) {
+    const uint64_t nLeft = pSource->nSize - pSource->nPosition;
+    const size_t nPart = static_cast<size_t>(std::min<uint64_t>(nLength, nLeft));
+    if (!pSource->pStorage->Read(pSource->nPosition, pData, nPart)) {
         zip_error_set(&pSource->error, ZIP_ER_READ, EIO);
         return -1;
     }
-    pSource->nPosition += nSize;
-    return static_cast<zip_int64_t>(nSize);
+    pSource->nPosition += nPart;
+    return static_cast<zip_int64_t>(nPart);
 }
 
 zip_int64_t Seek(Source* pSource, void* pData, zip_uint64_t nLength) {
     const zip_int64_t nOffset = zip_source_seek_compute_offset(
-        pSource->nPosition, pSource->pStorage->Size(), pData, nLength, &pSource->error);
+        pSource->nPosition, pSource->nSize, pData, nLength, &pSource->error);
     if (nOffset < 0) return -1;
     pSource->nPosition = static_cast<uint64_t>(nOffset);
     return 0;
@@ -79,11 +80,11 @@ zip_int64_t Handle(void* pUser, void* pData, zip_uint64_t nLength, zip_source_cm
 
 }  // namespace
 
-bool ZRFxZipLibrary::Open(ZRFxZipStorage* pStorage) {
+bool ZRFxZipLibrary::Open(ZRFxZipStorage* pStorage, uint64_t nSize) {
     Close();
     zip_error_t error;
     zip_error_init(&error);
-    Source* pUser = new Source{pStorage};
+    Source* pUser = new Source{pStorage, nSize};
     zip_source_t* pSource = zip_source_function_create(Handle, pUser, &error);
     if (!pSource) delete pUser;
     if (pSource) m_pZip = zip_open_from_source(pSource, ZIP_RDONLY, &error);

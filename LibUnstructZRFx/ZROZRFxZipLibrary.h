@@ -12,8 +12,7 @@ struct zip;
 namespace unstruct {
 
 /// Entries of other programs, packed by methods other than deflate or encrypted in the old way, read
-/// through the ZIP library. Reads the committed state of the storage at the time of `Open`; the
-/// owner closes it before a commit. Used by one thread at a time.
+/// through the ZIP library. Used by one thread at a time.
 class ZRFxZipLibrary {
 public:
     ZRFxZipLibrary() = default;
@@ -21,8 +20,9 @@ public:
     ZRFxZipLibrary(const ZRFxZipLibrary&) = delete;
     ZRFxZipLibrary& operator=(const ZRFxZipLibrary&) = delete;
 
-    /// REQUIRES: the storage outlives the open library.
-    bool Open(ZRFxZipStorage* pStorage);
+    /// Opens the archive that the first nSize bytes of the storage are. REQUIRES: they stay as they
+    /// are, and the storage outlives the open library.
+    bool Open(ZRFxZipStorage* pStorage, uint64_t nSize);
     void Close();
     bool IsOpen() const { return m_pZip != nullptr; }
 

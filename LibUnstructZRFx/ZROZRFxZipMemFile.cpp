@@ -61,45 +61,32 @@ bool ZRFxZipMemFile::Reserve(uint64_t nLength) {
 }
 
 bool ZRFxMemStorage::Read(uint64_t nOffset, void* pData, size_t nSize) {
-    if (nOffset > m_nSize || nSize > m_nSize - nOffset) return Fail("the archive ends too early");
-    return m_pFile->ReadAt(nOffset, pData, nSize) || Fail("the memory file was cut");
-}
-
-bool ZRFxMemStorage::BeginCommit(uint64_t nUnchanged) {
-    RollBack();
-    m_nUnchanged = nUnchanged;
-    return true;
-}
-
-bool ZRFxMemStorage::BeginRewrite() {
-    return BeginCommit(0);
+    const bool bInside = nOffset <= Position() && nSize <= Position() - nOffset;
+    if (!bInside) return Fail("the archive ends too early");
+    return Target().ReadAt(nOffset, pData, nSize) || Fail("the memory file was cut");
 }
 
 bool ZRFxMemStorage::Write(const void* pData, size_t nSize) {
-    return m_next.Append(pData, nSize) || Fail("out of memory");
-}
-
-bool ZRFxMemStorage::ReadWritten(uint64_t nOffset, void* pData, size_t nSize) {
-    return m_next.ReadAt(nOffset - m_nUnchanged, pData, nSize) ||
-           Fail("the archive ends too early");
+    if (!m_bWriting) Target().Truncate(m_nSize);
+    m_bWriting = true;
+    return Target().Append(pData, nSize) || Fail("out of memory");
 }
 
 ZRFxCommitResult ZRFxMemStorage::EndCommit() {
-    if (m_nUnchanged == 0) {
-        m_pFile->Swap(m_next);
-    } else if (!m_pFile->WriteAt(m_nUnchanged, m_next.Data(), m_next.Length())) {
-        Fail("out of memory");
-        return ZRFxCommitResult::kFailed;
-    }
-    m_nSize = m_nUnchanged == 0 ? m_pFile->Length() : Position();
-    m_pFile->Truncate(m_nSize);
-    RollBack();
+    m_nSize = Position();
+    if (m_bCreates) m_pFile->Swap(m_created);
+    m_created.Clear();
+    m_bCreates = m_bWriting = false;
     return ZRFxCommitResult::kDone;
 }
 
 void ZRFxMemStorage::RollBack() {
-    m_next.Clear();
-    m_nUnchanged = 0;
+    if (m_bWriting) Target().Truncate(m_nSize);
+    m_bWriting = false;
+}
+
+std::unique_ptr<ZRFxZipStorage> ZRFxMemStorage::Successor() {
+    return std::make_unique<ZRFxMemStorage>(m_pFile, true);
 }
 
 }  // namespace unstruct

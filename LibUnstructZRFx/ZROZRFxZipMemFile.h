@@ -43,32 +43,36 @@ private:
     size_t m_nCapacity = 0;
 };
 
-/// The archive in a memory file of the caller, who keeps it alive. A commit is gathered beside the
-/// file and put into it at the end.
+/// The archive in a memory file of the caller, who keeps it alive.
 class ZRFxMemStorage : public ZRFxZipStorage {
 public:
     /// bCreate starts from an empty state; the file keeps its content until the first commit.
     ZRFxMemStorage(ZRFxZipMemFile* pFile, bool bCreate)
-        : m_pFile(pFile), m_nSize(bCreate ? 0 : pFile->Length()) {}
+        : m_pFile(pFile), m_bCreates(bCreate), m_nSize(bCreate ? 0 : pFile->Length()) {}
     ~ZRFxMemStorage() override { RollBack(); }
 
     uint64_t Size() const override { return m_nSize; }
-    bool Read(uint64_t nOffset, void* pData, size_t nSize) override;
+    void CutTo(uint64_t nSize) override { m_nSize = nSize; }
+    bool Extend() override { return Fail("an archive in memory has one user"); }
 
-    bool BeginCommit(uint64_t nUnchanged) override;
-    bool BeginRewrite() override;
+    uint64_t Position() const override { return m_bWriting ? Target().Length() : m_nSize; }
+    bool Read(uint64_t nOffset, void* pData, size_t nSize) override;
     bool Write(const void* pData, size_t nSize) override;
-    uint64_t Position() const override { return m_nUnchanged + m_next.Length(); }
-    bool ReadWritten(uint64_t nOffset, void* pData, size_t nSize) override;
-    void Rewind(uint64_t nPosition) override { m_next.Truncate(nPosition - m_nUnchanged); }
+    void Rewind(uint64_t nPosition) override { Target().Truncate(nPosition); }
+    bool Flush() override { return true; }
     ZRFxCommitResult EndCommit() override;
     void RollBack() override;
+    std::unique_ptr<ZRFxZipStorage> Successor() override;
 
 private:
+    ZRFxZipMemFile& Target() { return m_bCreates ? m_created : *m_pFile; }
+    const ZRFxZipMemFile& Target() const { return m_bCreates ? m_created : *m_pFile; }
+
     ZRFxZipMemFile* m_pFile;
-    ZRFxZipMemFile m_next;  // What the commit under way has written from m_nUnchanged on.
+    ZRFxZipMemFile m_created;  // What takes the place of the file's content.
+    bool m_bCreates;
+    bool m_bWriting = false;  // Something was written since the last commit.
     uint64_t m_nSize;
-    uint64_t m_nUnchanged = 0;
 };
 
 }  // namespace unstruct

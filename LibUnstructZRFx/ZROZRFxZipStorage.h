@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
 
 namespace unstruct {
@@ -16,35 +17,40 @@ enum class ZRFxCommitResult {
     kUnconfirmed,
 };
 
-/// Where the bytes of an archive live: the state of the last commit, which is read, and the next
-/// one, which is written from front to back. A commit either goes in place, keeping a prefix, or
-/// replaces everything. Until `EndCommit` reads see the last commit, whatever was written meanwhile.
-/// Failures return false (or kFailed) and leave a sentence in `Error`. One thread at a time.
+/// Where the bytes of an archive live. They are written from front to back and never changed: what
+/// was committed stays where it is, and the next commit follows it. Failures return false (or
+/// kFailed) and leave a sentence in `Error`. One thread at a time.
 class ZRFxZipStorage {
 public:
     virtual ~ZRFxZipStorage() = default;
 
-    /// Bytes of the committed state; 0 for a new archive.
+    /// Bytes of the committed state. After opening, all that the storage holds, until `CutTo` says
+    /// how much of it is committed; 0 for a new archive.
     virtual uint64_t Size() const = 0;
-    virtual bool Read(uint64_t nOffset, void* pData, size_t nSize) = 0;
-    /// False when a reader's snapshot may have mixed two states while it was taken.
-    virtual bool IsConsistent() { return true; }
+    /// Declares what follows nSize as torn. The first write removes it, reading changes nothing.
+    virtual void CutTo(uint64_t nSize) = 0;
+    /// Shows bytes that another writer has appended since. False when the storage is no longer the
+    /// one that bears the name, or cannot tell.
+    virtual bool Extend() = 0;
 
-    /// Starts writing at nUnchanged; what lies before stays. REQUIRES: nUnchanged <= Size().
-    virtual bool BeginCommit(uint64_t nUnchanged) = 0;
-    /// Starts writing a whole new state at 0.
-    virtual bool BeginRewrite() = 0;
-    virtual bool Write(const void* pData, size_t nSize) = 0;
+    /// Where the next byte goes.
     virtual uint64_t Position() const = 0;
-    /// Reads what the commit under way has written. REQUIRES: nOffset is not before its start.
-    virtual bool ReadWritten(uint64_t nOffset, void* pData, size_t nSize) = 0;
-    /// Takes back what was written from nPosition on. REQUIRES: a position the commit has passed.
+    /// Reads what lies before the position, committed or not.
+    virtual bool Read(uint64_t nOffset, void* pData, size_t nSize) = 0;
+    virtual bool Write(const void* pData, size_t nSize) = 0;
+    /// Takes back what was written from nPosition on. REQUIRES: Size() <= nPosition <= Position().
     virtual void Rewind(uint64_t nPosition) = 0;
-    /// A commit that fails stays under way, to be ended again, rewound or rolled back.
+    /// Brings all that was written to the disk, still uncommitted.
+    virtual bool Flush() = 0;
+    /// Makes all that was written the committed state. REQUIRES: what an opener needs to find it
+    /// was written last. A commit that fails can be ended again or rewound.
     virtual ZRFxCommitResult EndCommit() = 0;
-    /// Drops what was written since Begin. What cannot be restored now is restored by the next
-    /// Begin, or by the next opener; reads see the last commit in any case.
+    /// Drops what was written since the last commit.
     virtual void RollBack() = 0;
+
+    /// An empty storage whose first commit takes the place of this one; null when it cannot be had.
+    /// Until then this one stays as it is, and open.
+    virtual std::unique_ptr<ZRFxZipStorage> Successor() = 0;
 
     const std::string& Error() const { return m_sError; }
 
@@ -55,6 +61,28 @@ protected:
     }
 
     std::string m_sError;
+};
+
+/// Takes back what was written from its making on, unless it is told to keep it.
+class ZRFxRewind {
+public:
+    explicit ZRFxRewind(ZRFxZipStorage* pStorage)
+        : m_pStorage(pStorage), m_nStart(pStorage->Position()) {}
+    ~ZRFxRewind() {
+        if (m_pStorage) m_pStorage->Rewind(m_nStart);
+    }
+    ZRFxRewind(const ZRFxRewind&) = delete;
+    ZRFxRewind& operator=(const ZRFxRewind&) = delete;
+
+    /// Gives true.
+    bool Keep() {
+        m_pStorage = nullptr;
+        return true;
+    }
+
+private:
+    ZRFxZipStorage* m_pStorage;
+    const uint64_t m_nStart;
 };
 
 }  // namespace unstruct

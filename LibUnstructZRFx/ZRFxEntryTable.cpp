@@ -1,0 +1,51 @@
+#include "ZRFxEntryTable.h"
+
+#include <utility>
+
+namespace unstruct {
+
+uint64_t ZRFxArchiveItem::Span() const {
+    return HasEntry() ? ZRFxZipDirectory::LocalLengthOf(entry) + entry.nPackedSize : 0;
+}
+
+ZRFxArchiveItem* ZRFxEntryTable::Add(std::unique_ptr<Item> pItem) {
+    // What may be missing memory comes first, so that the old item stays when it does.
+    m_byName.MakeRoom();
+    m_apItems.emplace_back();
+    ++m_nGaps;
+    if (Item* pOld = Find(pItem->entry.sName)) Remove(pOld);
+    m_byName.Insert(pItem.get());
+    m_bHasSlashes = m_bHasSlashes || pItem->entry.sName.find('/') != std::string::npos;
+    pItem->nSlot = m_apItems.size() - 1;
+    m_apItems.back() = std::move(pItem);
+    --m_nGaps;
+    return m_apItems.back().get();
+}
+
+void ZRFxEntryTable::Remove(Item* pItem) {
+    m_byName.Erase(pItem);
+    m_apItems[pItem->nSlot].reset();
+    ++m_nGaps;
+}
+
+void ZRFxEntryTable::MoveToEnd(Item* pItem) {
+    if (pItem->nSlot + 1 == m_apItems.size()) return;
+    m_apItems.emplace_back();
+    m_apItems.back() = std::move(m_apItems[pItem->nSlot]);
+    pItem->nSlot = m_apItems.size() - 1;
+    ++m_nGaps;
+}
+
+void ZRFxEntryTable::Reserve(size_t nCount) {
+    m_byName.Reserve(nCount);
+    m_apItems.reserve(nCount);
+}
+
+void ZRFxEntryTable::Compact() {
+    if (m_nGaps == 0) return;
+    std::erase(m_apItems, nullptr);
+    for (size_t i = 0; i < m_apItems.size(); ++i) m_apItems[i]->nSlot = i;
+    m_nGaps = 0;
+}
+
+}  // namespace unstruct

@@ -1,0 +1,82 @@
+#include "ZRFxLastCommit.h"
+
+#include <algorithm>
+
+#include "ZRFxArchiveWalk.h"
+
+namespace unstruct {
+
+bool ZRFxLastCommit::LoadSince(ZRFxZipStorage* pStorage, const ZRFxCommitPlace* pKnown) {
+    if (pStorage->Size() == 0) return true;
+    if (!FindEnd(pStorage) || !FollowChain(pStorage, pKnown)) return false;
+    if (m_bSince) return true;
+    // A record leads to where its archive ends; without one the end was found already.
+    if (!aRecords.empty() && !directory.FindEndAt(pStorage, m_place.nBase)) {
+        return Fail("damaged commit record: the archive that it builds on is missing");
+    }
+    return directory.Load(pStorage) || Fail(directory.sError);
+}
+
+// A file that ends in a commit says so at its end. In any other, the walk finds the last one.
+bool ZRFxLastCommit::FindEnd(ZRFxZipStorage* pStorage) {
+    const uint64_t nSize = pStorage->Size();
+    uint64_t nOffset = 0;
+    if (ZRFxCommitRecord::EndsAt(pStorage, nSize, &nOffset) && TakeRecord(pStorage, nOffset) &&
+        m_place.nEnd == nSize) {
+        return true;
+    }
+    aRecords.clear();
+    if (directory.FindEndAt(pStorage, nSize)) {
+        m_place = {nSize, 0, nSize};
+        return true;
+    }
+    if (WalkToEnd(pStorage)) return true;
+    if (!directory.FindEnd(pStorage)) return Fail(directory.sError);
+    m_place = {directory.Length(), 0, directory.Length()};
+    return true;
+}
+
+bool ZRFxLastCommit::WalkToEnd(ZRFxZipStorage* pStorage) {
+    const ZRFxArchiveWalk walk(pStorage, m_pCodec);
+    switch (walk.LastCommit()) {
+        case ZRFxArchiveWalk::Commit::kRecord:
+            return TakeRecord(pStorage, walk.LastOffset());
+        case ZRFxArchiveWalk::Commit::kArchive:
+            m_place = {walk.LastOffset(), 0, walk.LastOffset()};
+            return directory.FindEndAt(pStorage, walk.LastOffset());
+        case ZRFxArchiveWalk::Commit::kNone:
+            break;
+    }
+    return false;
+}
+
+bool ZRFxLastCommit::TakeRecord(ZRFxZipStorage* pStorage, uint64_t nOffset) {
+    ZRFxCommitRecord record;
+    if (!record.Load(pStorage, nOffset, m_pCodec)) return false;
+    m_place = {record.nBase, record.nOffset, record.nEnd};
+    aRecords.push_back(std::move(record));
+    return true;
+}
+
+// From the last record back to the first, or to the known one.
+bool ZRFxLastCommit::FollowChain(ZRFxZipStorage* pStorage, const ZRFxCommitPlace* pKnown) {
+    const bool bSameBase = pKnown && pKnown->nBase == m_place.nBase;
+    const uint64_t nKnown = bSameBase ? pKnown->nRecord : 0;
+    if (bSameBase && m_place.nRecord == nKnown) aRecords.clear();
+    while (!aRecords.empty() && aRecords.back().nPrevious != nKnown) {
+        const ZRFxCommitRecord& next = aRecords.back();
+        if (next.nPrevious == 0) break;
+        ZRFxCommitRecord record;
+        if (next.nPrevious >= next.nOffset || !record.Load(pStorage, next.nPrevious, m_pCodec) ||
+            record.run != next.run || record.nBase != next.nBase ||
+            record.nEnd > next.nOffset || record.nOffset < record.nBase) {
+            return Fail("damaged commit record: the one before it is missing");
+        }
+        aRecords.push_back(std::move(record));
+    }
+    m_bSince = bSameBase && (aRecords.empty() || aRecords.back().nPrevious == nKnown);
+    std::reverse(aRecords.begin(), aRecords.end());
+    return true;
+}
+
+}  // namespace unstruct
