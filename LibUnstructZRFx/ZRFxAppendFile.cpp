@@ -38,8 +38,9 @@ ZRFxAppendFile::~ZRFxAppendFile() {
 bool ZRFxAppendFile::Open(const std::string& sPath, ZRFxOpenMode eMode) {
     if (!Resolve(sPath)) return false;
     if (eMode == ZRFxOpenMode::kReadOnly) return OpenForReading();
-    m_bCreates = eMode == ZRFxOpenMode::kCreate;
-    if (!OpenForWriting(m_bCreates)) return false;
+    if (!OpenForWriting(eMode == ZRFxOpenMode::kCreate)) return false;
+    // Appended to an empty file, a torn first commit would leave nothing that can be opened.
+    m_bCreates = eMode == ZRFxOpenMode::kCreate || m_nSize == 0;
     if (!m_bCreates) return true;
     m_replaced = std::move(m_file);
     CutTo(0);
@@ -165,7 +166,8 @@ bool ZRFxAppendFile::Resolve(const std::string& sPath) {
     if (errno != ENOENT) return FailSystem("cannot resolve the path");
     const size_t nName = sPath.rfind('/') + 1;  // 0 when there is none.
     std::string sFolder;
-    if (!real(nName == 0 ? "." : sPath.substr(0, nName), &sFolder)) return FailSystem("cannot open");
+    if (!real(nName == 0 ? "." : sPath.substr(0, nName), &sFolder))
+        return FailSystem("cannot open");
     if (sFolder.back() != '/') sFolder += '/';
     m_sPath = sFolder + sPath.substr(nName);
     return true;

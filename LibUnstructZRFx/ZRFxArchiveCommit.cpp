@@ -101,8 +101,8 @@ bool ZRFxArchiveCommit::AppendRecord() {
     ZRFxRewind rewind(m_pTarget);
     ZRFxCommitRecord record;
     ZRFxCommitResult eResult = ZRFxCommitResult::kFailed;
-    if (!PlaceItems(m_archive.nFirstNew, false) ||
-        !WriteRecord(&record, m_pTarget->Position()) || !End(&eResult)) {
+    if (!PlaceItems(m_archive.nFirstNew, false) || !WriteRecord(&record, m_pTarget->Position()) ||
+        !End(&eResult)) {
         return false;
     }
     rewind.Keep();

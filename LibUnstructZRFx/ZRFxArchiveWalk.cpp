@@ -75,8 +75,7 @@ bool ZRFxArchiveWalk::PassDirectory() {
     if (pEnd && Signature(pEnd) == ZRFxZipDirectory::kEnd64Signature) nAt += kEnd64WithLocator;
     pEnd = Get(nAt, ZRFxZipDirectory::kEndSize);
     if (!pEnd || Signature(pEnd) != ZRFxZipDirectory::kEndSignature) return false;
-    const uint64_t nEnd =
-        nAt + ZRFxZipDirectory::kEndSize + LoadLittleEndian<uint16_t>(pEnd + 20);
+    const uint64_t nEnd = nAt + ZRFxZipDirectory::kEndSize + LoadLittleEndian<uint16_t>(pEnd + 20);
     ZRFxZipDirectory directory;
     if (nEnd > m_pStorage->Size() || !directory.FindEndAt(m_pStorage, nEnd) ||
         directory.nOffset != m_nAt || (nRecords & 0xFFFF) != (directory.DeclaredCount() & 0xFFFF)) {

@@ -163,9 +163,7 @@ bool ZRFxCommitRecord::Load(ZRFxZipStorage* pStorage, uint64_t nAt, ZRFxCodec* p
     if (nLeft < kHeaderSize + kFooterSize || !pStorage->Read(nAt, aHeader, kHeaderSize)) {
         return false;
     }
-    const auto value = [&](size_t nField) {
-        return LoadLittleEndian<uint64_t>(aHeader + nField);
-    };
+    const auto value = [&](size_t nField) { return LoadLittleEndian<uint64_t>(aHeader + nField); };
     const uint64_t nListingStored = value(48);
     const uint64_t nTailsStored = value(64);
     const uint64_t nMost = nLeft - kHeaderSize - kFooterSize;

@@ -56,10 +56,9 @@ bool ZRFxEntryReader::FindEnd(const ZRFxZipEntry& entry, uint64_t nLimit, uint64
     const uint64_t nDataEnd = nData + entry.nPackedSize;
     if (nDataEnd > nLimit) return Fail("the entry reaches too far");
     // A descriptor may stand behind the data.
-    std::string sBytes(
-        static_cast<size_t>(std::min<uint64_t>(ZRFxZipDirectory::kMaxDescriptorSize,
-                                               nLimit - nDataEnd)),
-        '\0');
+    std::string sBytes(static_cast<size_t>(std::min<uint64_t>(ZRFxZipDirectory::kMaxDescriptorSize,
+                                                              nLimit - nDataEnd)),
+                       '\0');
     if (!m_pStorage->Read(nDataEnd, sBytes.data(), sBytes.size())) return Fail(m_pStorage->Error());
     *pEnd = nDataEnd + ZRFxZipDirectory::DescriptorSize(entry, sBytes);
     return *pEnd <= nLimit || Fail("the entry reaches too far");
@@ -85,8 +84,7 @@ bool ZRFxEntryReader::CheckAes(const ZRFxZipEntry& entry) {
 }
 
 // Gives the packed bytes of an entry in the file; they stay until the next read.
-bool ZRFxEntryReader::FetchPacked(const ZRFxZipEntry& entry,
-                                  const uint8_t** ppPacked) {
+bool ZRFxEntryReader::FetchPacked(const ZRFxZipEntry& entry, const uint8_t** ppPacked) {
     if (entry.nPackedSize <= kSmallEntry && entry.nOffset < m_pStorage->Size()) {
         return FetchSmall(entry, ppPacked);
     }
@@ -95,9 +93,9 @@ bool ZRFxEntryReader::FetchPacked(const ZRFxZipEntry& entry,
     }
     uint64_t nData = 0;
     *ppPacked = m_packed.Buffer();
-    return LocateData(entry, &nData) && (m_pStorage->Read(nData, m_packed.Buffer(),
-                                                          static_cast<size_t>(entry.nPackedSize)) ||
-                                         Fail(m_pStorage->Error()));
+    return LocateData(entry, &nData) &&
+           (m_pStorage->Read(nData, m_packed.Buffer(), static_cast<size_t>(entry.nPackedSize)) ||
+            Fail(m_pStorage->Error()));
 }
 
 // Header and data together, and more at once where entry after entry is read.
@@ -140,12 +138,11 @@ bool ZRFxEntryReader::LocateData(const ZRFxZipEntry& entry, uint64_t* pOffset) {
         return Fail(m_pStorage->Error());
     }
     const uint8_t* pHeader = reinterpret_cast<const uint8_t*>(sHeader.data());
-    return ZRFxZipDirectory::DataOffset(entry, pHeader, pOffset) ||
-           Fail("damaged local header");
+    return ZRFxZipDirectory::DataOffset(entry, pHeader, pOffset) || Fail("damaged local header");
 }
 
 bool ZRFxEntryReader::Unpack(const ZRFxZipEntry& entry, const uint8_t* pPacked,
-                            ZRFxZipRawData* pRaw) {
+                             ZRFxZipRawData* pRaw) {
     if (!pRaw->Allocate(entry.nSize)) return Fail("out of memory");
     size_t nPacked = static_cast<size_t>(entry.nPackedSize);
     if (entry.eEncryption == ZRFxZipEntry::Encryption::kAes) {
@@ -168,8 +165,8 @@ bool ZRFxEntryReader::Unpack(const ZRFxZipEntry& entry, const uint8_t* pPacked,
 }
 
 bool ZRFxEntryReader::Decrypt(const ZRFxZipEntry& entry, const uint8_t* pPacked, uint8_t* pData) {
-    switch (
-        m_pCipher->Decrypt(entry.eStrength, pPacked, static_cast<size_t>(entry.nPackedSize), pData)) {
+    switch (m_pCipher->Decrypt(entry.eStrength, pPacked, static_cast<size_t>(entry.nPackedSize),
+                               pData)) {
         case ZRFxCipher::Result::kDone:
             return true;
         case ZRFxCipher::Result::kWrongPassword:
@@ -217,7 +214,8 @@ bool ZRFxEntryReader::ReadForeignAes(const ZRFxZipEntry& entry, ZRFxZipRawData* 
     }
     ZRFxMemStorage storage(&file, false);
     ZRFxZipLibrary library;
-    return (library.Open(&storage, storage.Size()) && library.Read(0, entry.nSize, false, {}, pRaw)) ||
+    return (library.Open(&storage, storage.Size()) &&
+            library.Read(0, entry.nSize, false, {}, pRaw)) ||
            Fail(library.Error());
 }
 

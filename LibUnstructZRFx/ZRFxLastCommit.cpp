@@ -68,8 +68,8 @@ bool ZRFxLastCommit::FollowChain(ZRFxZipStorage* pStorage, const ZRFxCommitPlace
         if (next.nPrevious == 0) break;
         ZRFxCommitRecord record;
         if (next.nPrevious >= next.nOffset || !record.Load(pStorage, next.nPrevious, m_pCodec) ||
-            record.run != next.run || record.nBase != next.nBase ||
-            record.nEnd > next.nOffset || record.nOffset < record.nBase) {
+            record.run != next.run || record.nBase != next.nBase || record.nEnd > next.nOffset ||
+            record.nOffset < record.nBase) {
             return Fail("damaged commit record: the one before it is missing");
         }
         aRecords.push_back(std::move(record));

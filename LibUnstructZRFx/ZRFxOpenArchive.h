@@ -69,11 +69,11 @@ struct ZRFxOpenArchive {
     std::unique_ptr<Stream> pStream;
 
     bool bReadOnly = false;
-    bool bTorn = false;             ///< Something follows the last commit that is none.
-    bool bChanged = false;          ///< There is something to commit.
-    bool bOwnChain = false;         ///< The last record is of this run.
-    bool bFollowed = false;         ///< The walk is known to reach the end of the last commit.
-    size_t nFirstNew = 0;           ///< Slots from here on are not committed.
+    bool bTorn = false;                  ///< Something follows the last commit that is none.
+    bool bChanged = false;               ///< There is something to commit.
+    bool bOwnChain = false;              ///< The last record is of this run.
+    bool bFollowed = false;              ///< The walk is known to reach the end of the last commit.
+    size_t nFirstNew = 0;                ///< Slots from here on are not committed.
     std::vector<std::string> asRemoved;  ///< Names that the last commit has; some may be back.
     uint64_t nPendingBytes = 0;
     uint64_t nLiveBytes = 0;       ///< Entries in the file.

@@ -9,8 +9,8 @@ struct libdeflate_decompressor;
 
 namespace unstruct {
 
-/// Deflate, inflate and CRC-32, whole buffers at a time. Keeps one compressor of the level last used
-/// and one decompressor, made on first use. Used by one thread at a time.
+/// Deflate, inflate and CRC-32, whole buffers at a time. Keeps one compressor of the level last
+/// used and one decompressor, made on first use. Used by one thread at a time.
 class ZRFxCodec {
 public:
     ZRFxCodec();

@@ -383,8 +383,8 @@ bool ZRFxZipArchive::MakeItem(std::string_view sName, const void* pData, uint64_
     pItem->entry.sName = sName;
     pItem->nTime = std::time(nullptr);
     const uint8_t* pPacked = nullptr;
-    if (nSize > 0 && !m_packer.Pack(pData, static_cast<size_t>(nSize), nLevel, &pItem->entry,
-                                    &pPacked)) {
+    if (nSize > 0 &&
+        !m_packer.Pack(pData, static_cast<size_t>(nSize), nLevel, &pItem->entry, &pPacked)) {
         return Fail(sName, m_packer.Error());
     }
     const bool bPlaced = GoesToFile(pItem->entry) ? WriteNow(pItem.get(), pPacked)

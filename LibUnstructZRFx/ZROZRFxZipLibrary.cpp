@@ -39,8 +39,8 @@ zip_int64_t Read(Source* pSource, void* pData, zip_uint64_t nLength) {
 }
 
 zip_int64_t Seek(Source* pSource, void* pData, zip_uint64_t nLength) {
-    const zip_int64_t nOffset = zip_source_seek_compute_offset(
-        pSource->nPosition, pSource->nSize, pData, nLength, &pSource->error);
+    const zip_int64_t nOffset = zip_source_seek_compute_offset(pSource->nPosition, pSource->nSize,
+                                                               pData, nLength, &pSource->error);
     if (nOffset < 0) return -1;
     pSource->nPosition = static_cast<uint64_t>(nOffset);
     return 0;

@@ -11,8 +11,8 @@ struct zip;
 
 namespace unstruct {
 
-/// Entries of other programs, packed by methods other than deflate or encrypted in the old way, read
-/// through the ZIP library. Used by one thread at a time.
+/// Entries of other programs, packed by methods other than deflate or encrypted in the old way,
+/// read through the ZIP library. Used by one thread at a time.
 class ZRFxZipLibrary {
 public:
     ZRFxZipLibrary() = default;
@@ -26,9 +26,9 @@ public:
     void Close();
     bool IsOpen() const { return m_pZip != nullptr; }
 
-    /// Reads the entry at nIndex of the directory, whose size is declared as nSize. The buffer grows
-    /// with what is unpacked, so that a false size does not cost more than the data is worth. The
-    /// password may be empty. The CRC is not checked when bHasCrc is false.
+    /// Reads the entry at nIndex of the directory, whose size is declared as nSize. The buffer
+    /// grows with what is unpacked, so that a false size does not cost more than the data is worth.
+    /// The password may be empty. The CRC is not checked when bHasCrc is false.
     bool Read(uint64_t nIndex, uint64_t nSize, bool bHasCrc, std::string_view sPassword,
               ZRFxZipRawData* pRaw);
 

@@ -76,6 +76,9 @@ ZRFxCommitResult ZRFxMemStorage::EndCommit() {
     m_nSize = Position();
     if (m_bCreates) m_pFile->Swap(m_created);
     m_created.Clear();
+    // What that one has written last is gone with the rest.
+    if (m_pReplaced) m_pReplaced->m_bWriting = false;
+    m_pReplaced = nullptr;
     m_bCreates = m_bWriting = false;
     return ZRFxCommitResult::kDone;
 }
@@ -86,7 +89,9 @@ void ZRFxMemStorage::RollBack() {
 }
 
 std::unique_ptr<ZRFxZipStorage> ZRFxMemStorage::Successor() {
-    return std::make_unique<ZRFxMemStorage>(m_pFile, true);
+    auto pSuccessor = std::make_unique<ZRFxMemStorage>(m_pFile, true);
+    pSuccessor->m_pReplaced = this;
+    return pSuccessor;
 }
 
 }  // namespace unstruct

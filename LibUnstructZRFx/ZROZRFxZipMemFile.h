@@ -69,6 +69,7 @@ private:
     const ZRFxZipMemFile& Target() const { return m_bCreates ? m_created : *m_pFile; }
 
     ZRFxZipMemFile* m_pFile;
+    ZRFxMemStorage* m_pReplaced = nullptr;
     ZRFxZipMemFile m_created;  // What takes the place of the file's content.
     bool m_bCreates;
     bool m_bWriting = false;  // Something was written since the last commit.

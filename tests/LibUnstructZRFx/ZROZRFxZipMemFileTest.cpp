@@ -46,20 +46,22 @@ TEST(ZRFxZipMemFile, WithoutMemoryTheContentStays) {
     EXPECT_TRUE(file.Append("0123456789", 10));
 }
 
-TEST(ZRFxMemStorage, LastCommitIsReadUntilTheNextSucceeds) {
+TEST(ZRFxMemStorage, WhatIsNotCommittedIsTakenBackAndASuccessorReplacesAll) {
     ZRFxZipMemFile file;
-    ASSERT_TRUE(file.Append("prefix-old-end", 14));
+    ASSERT_TRUE(file.Append("committed-torn", 14));
     ZRFxMemStorage storage(&file, false);
-    ASSERT_TRUE(storage.BeginCommit(7));
-    ASSERT_TRUE(storage.Write("new", 3));
-    EXPECT_EQ(Content(file), "prefix-old-end");
+    storage.CutTo(9);
+    ASSERT_TRUE(storage.Write("-new", 4));
     storage.RollBack();
-    EXPECT_EQ(Content(file), "prefix-old-end");
-    ASSERT_TRUE(storage.BeginCommit(7));
-    ASSERT_TRUE(storage.Write("new", 3));
+    EXPECT_EQ(Content(file), "committed");
+    ASSERT_TRUE(storage.Write("-next", 5));
     EXPECT_EQ(storage.EndCommit(), ZRFxCommitResult::kDone);
-    EXPECT_EQ(Content(file), "prefix-new");
-    EXPECT_EQ(storage.Size(), 10u);
+    EXPECT_EQ(Content(file), "committed-next");
+    const std::unique_ptr<ZRFxZipStorage> pSuccessor = storage.Successor();
+    ASSERT_TRUE(pSuccessor->Write("anew", 4));
+    EXPECT_EQ(Content(file), "committed-next");
+    EXPECT_EQ(pSuccessor->EndCommit(), ZRFxCommitResult::kDone);
+    EXPECT_EQ(Content(file), "anew");
 }
 
 }  // namespace

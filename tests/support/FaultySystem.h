@@ -62,6 +62,9 @@ public:
     int StatusOf(const char* sPath, struct stat* pStatus) override {
         return Fails() ? -1 : ZRFxSystem::StatusOf(sPath, pStatus);
     }
+    int LinkStatusOf(const char* sPath, struct stat* pStatus) override {
+        return Fails() ? -1 : ZRFxSystem::LinkStatusOf(sPath, pStatus);
+    }
     int Rename(const char* sFrom, const char* sTo) override {
         ++m_nChanges;
         return Fails() ? -1 : ZRFxSystem::Rename(sFrom, sTo);
