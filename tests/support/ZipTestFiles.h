@@ -6,7 +6,6 @@
 #include <cstdint>
 #include <cstdlib>
 #include <fstream>
-#include <iterator>
 #include <random>
 #include <string>
 #include <vector>
@@ -19,8 +18,10 @@ namespace ziptest {
 using test::TemporaryFolder;
 
 inline std::string ReadWhole(const std::string& sPath) {
-    std::ifstream file(sPath, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
+    std::ifstream file(sPath, std::ios::binary | std::ios::ate);
+    std::string sBytes(file ? static_cast<size_t>(file.tellg()) : 0, '\0');
+    file.seekg(0).read(sBytes.data(), static_cast<std::streamsize>(sBytes.size()));
+    return sBytes;
 }
 
 inline void WriteWhole(const std::string& sPath, const std::string& sBytes) {
