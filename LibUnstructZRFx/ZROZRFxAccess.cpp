@@ -18,7 +18,6 @@ namespace {
 
 constexpr const char* kExtension = ".zrfx";
 constexpr std::size_t kRawImageHeader = 8;
-constexpr int kMostFolders = 1000;
 
 ZRString inFolder(const ZRString& folder, const ZRString& name) {
     return folder + std::string(1, kFolderSeparator) + name;
@@ -485,7 +484,7 @@ bool ZRFxAccess::FindSubFolders(const ZRString& folder, bool descend, ZRStringAr
     std::set<std::string> found;
     return ForEachName(folderPrefix(folder), names, [&](const std::string& name) {
         const std::size_t below = name.size() - belowFolder(name, folder).size();
-        int depth = 0;
+        std::size_t depth = 0;
         for (std::size_t at = name.find_first_of("\\/", below); at != std::string::npos;
              at = name.find_first_of("\\/", at + 1)) {
             const std::string subFolder = name.substr(0, at);

@@ -188,8 +188,11 @@ public:
     /// follows.
     bool FindFilesOfBase(const ZRString& base, ZRStringArray* names);
 
-    /// Whole names of the folders in a folder; with `descend`, also those below them, 1000 deep at
-    /// most.
+    /// A name lies in no more folders than these; what else it tells of folders does not count.
+    static constexpr std::size_t kMostFolders = 1000;
+
+    /// Whole names of the folders in a folder; with `descend`, also those below them, kMostFolders
+    /// deep at most.
     bool FindSubFolders(const ZRString& folder, bool descend, ZRStringArray* names);
 
     /// What the entries tell of how the archive was made.
