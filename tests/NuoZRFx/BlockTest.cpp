@@ -171,6 +171,14 @@ TEST_F(BlockTest, ElementDataIsReadInPlaceAndExtendedAsACopy) {
     Ints read;
     ASSERT_TRUE(block->elementGroup(0, &read, nullptr));
     EXPECT_THAT(read, ElementsAre(0, 1, 1, 2, 2, 3));
+    for (const auto output :
+         {&ElementBlock::elementIndices, &ElementBlock::polyhedronsElementNodeCounts,
+          &ElementBlock::polyhedronsFaceCounts, &ElementBlock::polyhedronsFaceNodeCounts,
+          &ElementBlock::polyhedronsLocalNodes}) {
+        ExpectRefused(((*block).*output)(0, nullptr), {"Supplied output is NULL (elementNodes)"});
+    }
+    ExpectRefused(block->elementGroup(0, nullptr, &read),
+                  {"Supplied output is NULL (elementNodes)"});
     EXPECT_THAT(nodes, ElementsAre(0, 1, 1, 2));
 }
 
