@@ -37,8 +37,8 @@ public:
     /// Stores the main document of a new file.
     bool writeMainDocument();
 
-    /// Takes the settings over that the opened file was made with, and checks that the password, if
-    /// it needs one, opens its main document.
+    /// Takes over what the opened file tells of the settings that it was made with, and checks that
+    /// the password, if it needs one, opens its main document.
     bool takeFileProperties(const Str& fileName, const Str& password);
 
     /// Stores the vendor id of this process; names stay the file's.
