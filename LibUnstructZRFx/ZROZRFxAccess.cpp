@@ -18,7 +18,6 @@ namespace {
 
 constexpr const char* kExtension = ".zrfx";
 constexpr std::size_t kRawImageHeader = 8;
-constexpr int kMostFolders = 1000;
 
 ZRString inFolder(const ZRString& folder, const ZRString& name) {
     return folder + std::string(1, kFolderSeparator) + name;
@@ -121,6 +120,7 @@ bool ZRFxAccess::Commit() {
 }
 
 bool ZRFxAccess::Close() {
+    if (!IsOpen()) return m_logger->fail("Archive is not open.");
     Forget();
     return m_pArchive->Close() || FailWithCause("Could not write archive '%1'", m_sFileName);
 }
@@ -324,13 +324,11 @@ bool ZRFxAccess::ReadProperties(const ZRString& fileName, nvf::PropertySetCollec
 bool ZRFxAccess::WriteDataRaw(const ZRString& name, const void* data, std::size_t numBytes,
                               bool overwrite) {
     if (!CheckWritable(name)) return false;
-    if (!data || numBytes == 0) {
-        Forget();
-        return m_pArchive->Add(name.Bytes(), nullptr, 0) ||
-               FailWithCause("Could not add empty file '%1' to archive", name);
-    }
-    return Store(name, data, numBytes, overwrite || m_alwaysOverwrite) ||
-           FailWithCause("Could not add file '%1' to archive", name);
+    const bool isEmpty = !data || numBytes == 0;
+    return Store(name, data, isEmpty ? 0 : numBytes, overwrite || m_alwaysOverwrite) ||
+           FailWithCause(isEmpty ? "Could not add empty file '%1' to archive"
+                                 : "Could not add file '%1' to archive",
+                         name);
 }
 
 bool ZRFxAccess::WriteDataInt(const ZRString& name, const ZRIntArray& data) {
@@ -445,8 +443,10 @@ bool ZRFxAccess::ReadImage(const ZRString& name, nuo::Image* image) {
 
 std::int32_t ZRFxAccess::InternalFindFile(const ZRString& name, LogMode logMode) {
     std::string entry;
-    if (!CheckReadable(name, logMode) || !FindEntry(name, &entry)) return -1;
-    return static_cast<std::int32_t>(m_pArchive->IndexOf(entry));
+    if (!CheckReadable(name, logMode)) return -1;
+    if (FindEntry(name, &entry)) return static_cast<std::int32_t>(m_pArchive->IndexOf(entry));
+    if (logMode == LogMode::LOG) m_logger->fail("There is no file '%1' in the archive.", name);
+    return -1;
 }
 
 bool ZRFxAccess::Contains(const ZRString& name) const {
@@ -485,7 +485,7 @@ bool ZRFxAccess::FindSubFolders(const ZRString& folder, bool descend, ZRStringAr
     std::set<std::string> found;
     return ForEachName(folderPrefix(folder), names, [&](const std::string& name) {
         const std::size_t below = name.size() - belowFolder(name, folder).size();
-        int depth = 0;
+        std::size_t depth = 0;
         for (std::size_t at = name.find_first_of("\\/", below); at != std::string::npos;
              at = name.find_first_of("\\/", at + 1)) {
             const std::string subFolder = name.substr(0, at);

@@ -76,7 +76,8 @@ public:
     bool Commit();
 
     /// Commits and closes. When the commit fails the archive stays open with all that it was given,
-    /// so that closing can be tried again; its file holds the last commit.
+    /// so that closing can be tried again; its file holds the last commit. False when it is not
+    /// open.
     bool Close();
 
     /// Closes without committing what was written since the last commit.
@@ -140,9 +141,9 @@ public:
     bool WriteProperties(const ZRString& fileName, const nvf::PropertySetCollection& collection);
     bool ReadProperties(const ZRString& fileName, nvf::PropertySetCollection* collection);
 
-    // Data files: packed little-endian values and nothing else. Typed writes do not replace an
-    // existing file, unless always-overwrite is set; typed reads leave the array empty on failure
-    // and take as many whole items as the entry holds.
+    // Data files: packed little-endian values and nothing else. Writes replace an existing file
+    // only with `overwrite`, or when always-overwrite is set; typed reads leave the array empty on
+    // failure and take as many whole items as the entry holds.
 
     bool WriteDataRaw(const ZRString& name, const void* data, std::size_t numBytes, bool overwrite);
     bool WriteDataInt(const ZRString& name, const ZRIntArray& data);
@@ -172,7 +173,7 @@ public:
 
     // Entries.
 
-    /// Index of an entry, -1 when absent.
+    /// Index of an entry; -1 when absent, which is logged on demand.
     std::int32_t InternalFindFile(const ZRString& name, LogMode logMode);
     /// Whether there is such an entry; says nothing.
     bool Contains(const ZRString& name) const;
@@ -188,8 +189,11 @@ public:
     /// follows.
     bool FindFilesOfBase(const ZRString& base, ZRStringArray* names);
 
-    /// Whole names of the folders in a folder; with `descend`, also those below them, 1000 deep at
-    /// most.
+    /// A name lies in no more folders than these; what else it tells of folders does not count.
+    static constexpr std::size_t kMostFolders = 1000;
+
+    /// Whole names of the folders in a folder; with `descend`, also those below them, kMostFolders
+    /// deep at most.
     bool FindSubFolders(const ZRString& folder, bool descend, ZRStringArray* names);
 
     /// What the entries tell of how the archive was made.

@@ -37,9 +37,12 @@ ZRFxDataFolder::ZRFxDataFolder(ZRFxAccess* pAccess)
     : m_pAccess(pAccess), m_logger(nvf::archiveLogger()) {}
 
 bool ZRFxDataFolder::WriteDataInt(const ZRString& name, const ZRIntArray& data, int itemsPerLine) {
-    NVF_ASSERT(itemsPerLine >= 1 && itemsPerLine <= kMostItemsPerLine);
-    if (itemsPerLine > kMostItemsPerLine) {
-        return Log().fail("Max number of items per line is 20, %1 were requested", itemsPerLine);
+    if (m_bTextMode) {
+        NVF_ASSERT(itemsPerLine >= 1 && itemsPerLine <= kMostItemsPerLine);
+        if (itemsPerLine > kMostItemsPerLine) {
+            return Log().fail("Max number of items per line is 20, %1 were requested",
+                              itemsPerLine);
+        }
     }
     constexpr WriteMessages kMessages{"Could not open new file for ASCII int data.",
                                       "Could not write new file for ASCII int data.",

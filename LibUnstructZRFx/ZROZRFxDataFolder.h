@@ -21,7 +21,7 @@ public:
 
     explicit ZRFxDataFolder(ZRFxAccess* pAccess);
 
-    /// Integers, written `itemsPerLine` to a line (1 to 20) in text form.
+    /// Integers, written `itemsPerLine` to a line (1 to 20) in text form; binary form has no lines.
     bool WriteDataInt(const ZRString& name, const ZRIntArray& data, int itemsPerLine);
     bool WriteDataFloat(const ZRString& name, const ZRFloatArray& data);
     bool WriteDataVector(const ZRString& name, const ZRVec3fArray& data);

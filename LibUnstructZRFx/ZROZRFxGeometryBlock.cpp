@@ -27,8 +27,27 @@ int takeNumber(std::string_view& list) {
 
 const std::vector<ZRFxGeometryPart>& ZRFxGeometryParts::operator[](int iGlobalGeometryIndex) const {
     static const std::vector<ZRFxGeometryPart> kNoParts;
-    const auto found = m_parts.find(iGlobalGeometryIndex);
-    return found == m_parts.end() ? kNoParts : found->second;
+    const auto found = m_geometries.find(iGlobalGeometryIndex);
+    return found == m_geometries.end() ? kNoParts : found->second.parts;
+}
+
+void ZRFxGeometryParts::Add(int iGlobalGeometryIndex, const ZRFxGeometryPart& part) {
+    m_geometries[iGlobalGeometryIndex].parts.push_back(part);
+}
+
+const ZRFxGeometryPart* ZRFxGeometryParts::Find(int iGlobalGeometryIndex, int blockID, int partID) {
+    const auto found = m_geometries.find(iGlobalGeometryIndex);
+    if (found == m_geometries.end()) return nullptr;
+    auto& [parts, indicesOfBlocks, indicesOfParts] = found->second;
+    for (auto i = static_cast<std::size_t>(indicesOfParts.GetNumItems()); i < parts.size(); ++i) {
+        indicesOfBlocks.Add(parts[i].blockID);
+        indicesOfParts.Add(parts[i].partID);
+    }
+    const std::int64_t ofBlock = indicesOfBlocks.IndexOf(blockID);
+    const std::int64_t ofPart = indicesOfParts.IndexOf(partID);
+    const bool isBlockFirst = ofPart < 0 || (ofBlock >= 0 && ofBlock < ofPart);
+    const std::int64_t first = isBlockFirst ? ofBlock : ofPart;
+    return first < 0 ? nullptr : &parts[static_cast<std::size_t>(first)];
 }
 
 ZRFxGeometryState::ZRFxGeometryState(int stateID, int geometryCountPerState)
@@ -50,14 +69,20 @@ ZRFxGeometryPart ZRFxGeometryState::GetPart(int iGlobalGeometryIndex, int iPartI
 
 bool ZRFxGeometryState::AddPart(int iGlobalGeometryIndex, const ZRFxGeometryPart& part) {
     if (!IsGeometry(iGlobalGeometryIndex)) return false;
-    m_geometryParts[iGlobalGeometryIndex].push_back(part);
+    m_geometryParts.Add(iGlobalGeometryIndex, part);
     return true;
 }
 
 bool ZRFxGeometryState::RemoveParts(int iGlobalGeometryIndex) {
     if (!IsGeometry(iGlobalGeometryIndex)) return false;
-    m_geometryParts[static_cast<std::size_t>(iGlobalGeometryIndex)].clear();
+    m_geometryParts.Remove(iGlobalGeometryIndex);
     return true;
+}
+
+const ZRFxGeometryPart* ZRFxGeometryState::FindPart(int iGlobalGeometryIndex, int blockID,
+                                                    int partID) {
+    if (!IsGeometry(iGlobalGeometryIndex)) return nullptr;
+    return m_geometryParts.Find(iGlobalGeometryIndex, blockID, partID);
 }
 
 bool ZRFxGeometryState::IsGeometry(int iGlobalGeometryIndex) const {
@@ -70,6 +95,7 @@ ZRFxGeometryBlock::ZRFxGeometryBlock(ZRFxDatabase* pDatabase, int id)
 
 ZRFxGeometryState* ZRFxGeometryBlock::AddState(int stateID) {
     SetRead(true);
+    m_indices.Add(stateID);
     return m_apStates.Add(std::make_unique<ZRFxGeometryState>(stateID, m_iGeometryCountPerState));
 }
 
@@ -168,6 +194,7 @@ bool ZRFxGeometryBlock::DoWriteBlock(nvf::XmlElement root) {
 
 void ZRFxGeometryBlock::DoUnloadData() {
     m_apStates.RemoveAll();
+    m_indices = ZRIDLookup();
 }
 
 std::vector<ZRFxGeometryPart> ZRFxGeometryBlock::PartsOf(const ZRFxGeometryState& state,

@@ -4,6 +4,7 @@
 #include <map>
 #include <vector>
 
+#include "ZRIDLookup.h"
 #include "ZROZRFxBlock.h"
 #include "ZROZRFxGeometryInfoBlock.h"
 #include "ZROZRFxStateInfoBlock.h"
@@ -24,12 +25,21 @@ struct ZRFxGeometryPart {
 class ZRFxGeometryParts {
 public:
     const std::vector<ZRFxGeometryPart>& operator[](int iGlobalGeometryIndex) const;
-    std::vector<ZRFxGeometryPart>& operator[](int iGlobalGeometryIndex) {
-        return m_parts[iGlobalGeometryIndex];
-    }
+    void Add(int iGlobalGeometryIndex, const ZRFxGeometryPart& part);
+    void Remove(int iGlobalGeometryIndex) { m_geometries.erase(iGlobalGeometryIndex); }
+
+    /// The first part of a geometry that has the block or the part id; null when there is none.
+    const ZRFxGeometryPart* Find(int iGlobalGeometryIndex, int blockID, int partID);
 
 private:
-    std::map<int, std::vector<ZRFxGeometryPart>> m_parts;
+    struct Geometry {
+        std::vector<ZRFxGeometryPart> parts;
+        // Made when a part is looked for, as most geometries are only read.
+        ZRIDLookup indicesOfBlocks;
+        ZRIDLookup indicesOfParts;
+    };
+
+    std::map<int, Geometry> m_geometries;
 };
 
 /// The parts of every geometry in one state.
@@ -49,6 +59,10 @@ public:
     /// False after an assertion when there is no such geometry.
     bool AddPart(int iGlobalGeometryIndex, const ZRFxGeometryPart& part);
     bool RemoveParts(int iGlobalGeometryIndex);
+
+    /// The first part of a geometry that has the block or the part id; null when there is none, and
+    /// after an assertion when there is no such geometry. Holds until a part is added or removed.
+    const ZRFxGeometryPart* FindPart(int iGlobalGeometryIndex, int blockID, int partID);
 
 private:
     bool IsGeometry(int iGlobalGeometryIndex) const;
@@ -84,6 +98,11 @@ public:
     std::int64_t GetStateCount() const { return m_apStates.GetSize(); }
     ZRFxGeometryState* GetState(std::int64_t index) const { return m_apStates[index]; }
 
+    /// The first record of a state; null when it has none.
+    ZRFxGeometryState* FindState(int stateID) const {
+        return m_apStates[m_indices.IndexOf(stateID)];
+    }
+
     /// Whether the document says how many geometries a state has; those of the legacy layout do
     /// not.
     bool HasGeometryCountPerState() const;
@@ -113,6 +132,7 @@ private:
 
     int m_iGeometryCountPerState = 1;
     ZRPtrArray<ZRFxGeometryState> m_apStates;
+    ZRIDLookup m_indices;  // Of the states.
 };
 
 }  // namespace unstruct

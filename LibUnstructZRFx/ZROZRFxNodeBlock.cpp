@@ -30,7 +30,7 @@ bool ZRFxNodeBlock::SetNodes(ZRVec3fArray nodes, std::unique_ptr<ZRIntArray> pai
     if (paiNodeIDs && paiNodeIDs->GetSize() != nodes.GetSize()) return false;
     m_nodes = std::move(nodes);
     m_paiNodeIDs = std::move(paiNodeIDs);
-    m_pSortedIDs.reset();
+    m_indices = ZRIDLookup();
     SetRead(true);
     return true;
 }
@@ -45,7 +45,6 @@ bool ZRFxNodeBlock::AddNode(const nuo::Vec3f& node, std::int32_t id) {
         m_nodes.SetSize(m_nodes.GetSize() - 1);
         return false;
     }
-    m_pSortedIDs.reset();
     SetRead(true);
     return true;
 }
@@ -64,8 +63,8 @@ std::int64_t ZRFxNodeBlock::GetNumNodes() const {
 
 std::int64_t ZRFxNodeBlock::GetNodeIndex(std::int32_t id) const {
     if (!m_paiNodeIDs) return -1;
-    if (!m_pSortedIDs) m_pSortedIDs = std::make_unique<ZRIDLookup>(*m_paiNodeIDs);
-    return m_pSortedIDs->IndexOf(id);
+    m_indices.Update(*m_paiNodeIDs);
+    return m_indices.IndexOf(id);
 }
 
 bool ZRFxNodeBlock::DoReadBlock(const nvf::XmlElement& root) {
@@ -103,7 +102,7 @@ bool ZRFxNodeBlock::DoWriteBlock(nvf::XmlElement root) {
 void ZRFxNodeBlock::DoUnloadData() {
     m_nodes.RemoveAll();
     m_paiNodeIDs.reset();
-    m_pSortedIDs.reset();
+    m_indices = ZRIDLookup();
 }
 
 }  // namespace unstruct

@@ -46,7 +46,7 @@ protected:
 private:
     ZRVec3fArray m_nodes;
     std::unique_ptr<ZRIntArray> m_paiNodeIDs;
-    mutable std::unique_ptr<ZRIDLookup> m_pSortedIDs;
+    mutable ZRIDLookup m_indices;  // Of the nodes that were there when one was last asked for.
 };
 
 }  // namespace unstruct

@@ -53,7 +53,7 @@ bool ZRFxResultValuesBlock::AddVector(const nuo::Vec3f& value, std::int32_t id) 
 
 void ZRFxResultValuesBlock::SetIDs(std::unique_ptr<ZRIntArray> paiIDs) {
     m_paiIDs = std::move(paiIDs);
-    m_paiSortedIDs.reset();
+    m_indices = ZRIDLookup();
 }
 
 std::int64_t ZRFxResultValuesBlock::GetNumItems() const {
@@ -64,8 +64,8 @@ std::int64_t ZRFxResultValuesBlock::GetNumItems() const {
 std::int64_t ZRFxResultValuesBlock::GetIndexOfID(std::int32_t iID) const {
     NVF_ASSERT(iID >= 0);
     if (!m_paiIDs) return iID >= 0 && iID < GetNumItems() ? iID : -1;
-    if (!m_paiSortedIDs) m_paiSortedIDs = std::make_unique<ZRIDLookup>(*m_paiIDs);
-    return m_paiSortedIDs->IndexOf(iID);
+    m_indices.Update(*m_paiIDs);
+    return m_indices.IndexOf(iID);
 }
 
 bool ZRFxResultValuesBlock::DoReadBlock(const nvf::XmlElement& root) {
@@ -114,7 +114,6 @@ void ZRFxResultValuesBlock::DoUnloadData() {
 
 bool ZRFxResultValuesBlock::AddID(std::int32_t id) {
     SetRead(true);
-    m_paiSortedIDs.reset();
     return !m_paiIDs || m_paiIDs->Add(id);
 }
 

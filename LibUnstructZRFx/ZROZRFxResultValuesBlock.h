@@ -64,7 +64,7 @@ private:
     ZRFloatArray m_afResults;
     ZRVec3fArray m_avResults;
     std::unique_ptr<ZRIntArray> m_paiIDs;
-    mutable std::unique_ptr<ZRIDLookup> m_paiSortedIDs;
+    mutable ZRIDLookup m_indices;  // Of the items that were there when one was last asked for.
 };
 
 }  // namespace unstruct

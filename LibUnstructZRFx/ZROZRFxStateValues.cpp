@@ -21,23 +21,13 @@ bool ReadStateValues(const nvf::XmlElement& root, ZRPtrArray<ZRFxStateValues>* s
     states->RemoveAll();
     for (nvf::XmlElement state = root.firstChildElement("State"); state.notNull();
          state = state.nextSiblingElement("State")) {
-        auto pState = std::make_unique<ZRFxStateValues>();
-        pState->m_iStateID = state.getAttributeInt("ID", -1);
+        auto pState = std::make_unique<ZRFxStateValues>(state.getAttributeInt("ID", -1));
         if (!ReadIntList(state.firstChildElement("ResultValues"), &pState->m_aiValuesBlockIDs)) {
             return false;
         }
         states->Add(std::move(pState));
     }
     return true;
-}
-
-ZRFxStateValues* StateValuesOf(int stateID, ZRPtrArray<ZRFxStateValues>* states) {
-    for (const auto& pState : *states) {
-        if (pState->m_iStateID == stateID) return pState.get();
-    }
-    auto pState = std::make_unique<ZRFxStateValues>();
-    pState->m_iStateID = stateID;
-    return states->Add(std::move(pState));
 }
 
 }  // namespace unstruct

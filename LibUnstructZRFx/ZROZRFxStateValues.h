@@ -8,7 +8,9 @@ namespace unstruct {
 
 /// Which values blocks hold a result in one state.
 struct ZRFxStateValues {
-    int m_iStateID = -1;
+    explicit ZRFxStateValues(int stateID) : m_iStateID(stateID) {}
+
+    const int m_iStateID;
     ZRIntArray m_aiValuesBlockIDs;
 };
 
@@ -17,8 +19,5 @@ void WriteStateValues(nvf::XmlElement root, const ZRPtrArray<ZRFxStateValues>& s
 
 /// Reads them back. False when a list holds anything but integers.
 bool ReadStateValues(const nvf::XmlElement& root, ZRPtrArray<ZRFxStateValues>* states);
-
-/// The record of a state, added when there is none.
-ZRFxStateValues* StateValuesOf(int stateID, ZRPtrArray<ZRFxStateValues>* states);
 
 }  // namespace unstruct

@@ -1,5 +1,7 @@
 #include "ZROZRFxStatesBlock.h"
 
+#include <memory>
+
 namespace unstruct {
 
 bool ZRFxStatesBlock::ReadMetaData() {
@@ -11,21 +13,33 @@ bool ZRFxStatesBlock::ReadMetaData() {
 
 ZRFxStateValues* ZRFxStatesBlock::AddState(int stateID) {
     SetRead(true);
-    return StateValuesOf(stateID, &m_apStates);
+    const std::int64_t index = GetStateIndex(stateID);
+    if (index >= 0) return m_apStates[index];
+    m_indices.Add(stateID);
+    return m_apStates.Add(std::make_unique<ZRFxStateValues>(stateID));
 }
 
 void ZRFxStatesBlock::RemoveStates(std::int64_t iFrom, std::int64_t iTo) {
     NVF_ASSERT(iTo >= 0 && iTo < m_apStates.GetSize());
     m_apStates.RemoveRange(iFrom, iTo);
+    UpdateIndices();
 }
 
 bool ZRFxStatesBlock::DoReadBlock(const nvf::XmlElement& root) {
-    return DoReadMetaData(root) &&
-           (ReadStateValues(root, &m_apStates) || Log().fail("Invalid XML"));
+    if (!DoReadMetaData(root)) return false;
+    const bool isRead = ReadStateValues(root, &m_apStates);
+    UpdateIndices();
+    return isRead || Log().fail("Invalid XML");
 }
 
 void ZRFxStatesBlock::DoUnloadData() {
     m_apStates.RemoveAll();
+    UpdateIndices();
+}
+
+void ZRFxStatesBlock::UpdateIndices() {
+    m_indices = ZRIDLookup();
+    for (const auto& pState : m_apStates) m_indices.Add(pState->m_iStateID);
 }
 
 }  // namespace unstruct

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 
+#include "ZRIDLookup.h"
 #include "ZROZRFxBlock.h"
 #include "ZROZRFxStateValues.h"
 
@@ -18,6 +19,9 @@ public:
     std::int64_t GetStateCount() const { return m_apStates.GetSize(); }
     ZRFxStateValues* GetState(std::int64_t index) const { return m_apStates[index]; }
 
+    /// The index of the first record of a state; -1 when it has none.
+    std::int64_t GetStateIndex(int stateID) const { return m_indices.IndexOf(stateID); }
+
     /// Removes a range of states, both ends included.
     void RemoveStates(std::int64_t iFrom, std::int64_t iTo);
 
@@ -32,7 +36,10 @@ protected:
     virtual bool DoReadMetaData(const nvf::XmlElement& root) = 0;
 
 private:
+    void UpdateIndices();
+
     ZRPtrArray<ZRFxStateValues> m_apStates;
+    ZRIDLookup m_indices;  // Of the states.
 };
 
 }  // namespace unstruct

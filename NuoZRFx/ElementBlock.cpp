@@ -19,6 +19,9 @@ using unstruct::ZRFxElementBlock;
 using unstruct::ZRFxElementBlockGroup;
 using unstruct::ZRIntArray;
 
+// Of every operation that gives an array of a group.
+constexpr const char* kNoOutput = "Supplied output is NULL (elementNodes)";
+
 // Grows by parts of what is there, so that adding elements one by one stays linear.
 bool append(const int* items, std::size_t count, ZRIntArray& array) {
     const std::int64_t size = array.GetSize();
@@ -249,7 +252,7 @@ std::size_t ElementBlock::elementGroupElementNodeCount(std::size_t groupIndex) c
 
 bool ElementBlock::elementGroup(std::size_t groupIndex, std::vector<int>* elementNodes,
                                 std::vector<int>* elementIds) const {
-    if (!elementNodes) return fail("Supplied output is NULL (elementNodes)");
+    if (!elementNodes) return fail(kNoOutput);
     const ZRFxElementBlockGroup* group = groupAt(groupIndex);
     if (!group) return false;
     *elementNodes = copyOf(group->m_aiConnectivity);
@@ -344,9 +347,9 @@ const ZRFxElementBlockGroup* ElementBlock::groupAt(std::size_t groupIndex) const
 
 bool ElementBlock::copyGroupArray(std::size_t groupIndex, std::vector<int>* items,
                                   ZRIntArray ZRFxElementBlockGroup::*array) const {
-    NVF_ASSERT(items);
+    if (!items) return fail(kNoOutput);
     const ZRFxElementBlockGroup* group = groupAt(groupIndex);
-    if (!items || !group) return false;
+    if (!group) return false;
     *items = copyOf(group->*array);
     return true;
 }

@@ -28,10 +28,7 @@ ZRString userEntry(const Str& name) {
 }
 
 // Where the highest id that there is stands for an item, the lowest gap.
-template <typename Items>
-int unusedId(const Items& items) {
-    std::set<int> ids;
-    for (const auto& item : items) ids.insert(item->id());
+int unusedId(const std::set<int>& ids) {
     if (ids.empty()) return 0;
     if (*ids.rbegin() < INT_MAX) return *ids.rbegin() + 1;
     int unused = 0;
@@ -149,11 +146,11 @@ int File::unusedDatabaseId() const {
         fail("Error writing file.");
         return -1;
     }
-    return unusedId(m_private->m_databases);
+    return unusedId(m_private->m_databaseIds);
 }
 
 int File::unusedFileCaseId() const {
-    return unusedId(m_private->m_cases);
+    return unusedId(m_private->m_caseIds);
 }
 
 bool File::addUserTextFile(const Str& fileName, const Str& content) {

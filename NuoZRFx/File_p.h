@@ -2,7 +2,6 @@
 
 #include <memory>
 #include <set>
-#include <unordered_set>
 #include <vector>
 
 #include "NuoCore/PtrRef.h"
@@ -38,8 +37,8 @@ public:
     /// Stores the main document of a new file.
     bool writeMainDocument();
 
-    /// Takes the settings over that the opened file was made with, and checks that the password, if
-    /// it needs one, opens its main document.
+    /// Takes over what the opened file tells of the settings that it was made with, and checks that
+    /// the password, if it needs one, opens its main document.
     bool takeFileProperties(const Str& fileName, const Str& password);
 
     /// Stores the vendor id of this process; names stay the file's.
@@ -58,8 +57,8 @@ public:
     std::vector<PtrRef<Database>> m_databases;
     std::vector<PtrRef<Case>> m_cases;
     unstruct::ZRStringArray m_userTextEntries;
-    std::unordered_set<int> m_databaseIds;  // For looking up, as a file may hold very many.
-    std::unordered_set<int> m_caseIds;
+    std::set<int> m_databaseIds;  // For looking up, as a file may hold very many.
+    std::set<int> m_caseIds;
     std::unique_ptr<unstruct::ZRFxAccess> m_zrfxAccess;
     FileSettings m_settings;
     bool m_openedForReading = false;

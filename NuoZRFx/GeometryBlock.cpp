@@ -1,6 +1,5 @@
 #include "NuoZRFx/GeometryBlock.h"
 
-#include <algorithm>
 #include <map>
 
 #include "Log_p.h"
@@ -31,15 +30,6 @@ int checkedGeometryCount(std::size_t geometryCountPerState) {
 
 class GeometryBlockPrivate {
 public:
-    ZRFxGeometryState* stateOf(int stateId) const {
-        for (std::int64_t i = 0; i < m_geometryBlock->GetStateCount(); ++i) {
-            if (m_geometryBlock->GetState(i)->GetStateID() == stateId) {
-                return m_geometryBlock->GetState(i);
-            }
-        }
-        return nullptr;
-    }
-
     // Without a state, the first record is meant, whatever its state.
     ZRFxGeometryState* firstState() const {
         ZRFxGeometryState* first = m_geometryBlock->GetState(0);
@@ -88,7 +78,7 @@ bool GeometryBlock::addElementBlockForState(std::size_t geometryIndex, int eleme
                                             int partId, int stateId) {
     if (!checkGeometry(geometryIndex)) return false;
     if (stateId < 0) return fail("stateId cannot be negative.");
-    ZRFxGeometryState* state = m_private->stateOf(stateId);
+    ZRFxGeometryState* state = m_private->m_geometryBlock->FindState(stateId);
     if (elementBlockId < 0) return fail("elementBlockId cannot be negative.");
     if (!state) state = m_private->m_geometryBlock->AddState(stateId);
     return addPart(*state, geometryIndex, elementBlockId, partId);
@@ -108,7 +98,7 @@ bool GeometryBlock::setElementBlocksForState(std::size_t geometryIndex,
     if (!checkGeometry(geometryIndex) || !checkParts(elementBlockIds, stateId, partIds)) {
         return false;
     }
-    ZRFxGeometryState* state = m_private->stateOf(stateId);
+    ZRFxGeometryState* state = m_private->m_geometryBlock->FindState(stateId);
     if (!state) state = m_private->m_geometryBlock->AddState(stateId);
     const int geometry = static_cast<int>(geometryIndex);
     state->RemoveParts(geometry);
@@ -182,14 +172,10 @@ bool GeometryBlock::addPart(ZRFxGeometryState& state, std::size_t geometryIndex,
                             int partId) {
     const int geometry = static_cast<int>(geometryIndex);
     if (elementBlockId < 0) return fail("elementBlockId cannot be negative.");
-    for (int i = 0; i < state.GetPartCount(geometry); ++i) {
-        const ZRFxGeometryPart part = state.GetPart(geometry, i);
-        if (part.blockID == elementBlockId) {
-            return fail("Found existing part with same block id (%1).", elementBlockId);
-        }
-        if (part.partID == partId) {
-            return fail("Found existing part with same part id (%1).", partId);
-        }
+    if (const ZRFxGeometryPart* part = state.FindPart(geometry, elementBlockId, partId)) {
+        return part->blockID == elementBlockId
+                   ? fail("Found existing part with same block id (%1).", elementBlockId)
+                   : fail("Found existing part with same part id (%1).", partId);
     }
     return state.AddPart(geometry, {-1, elementBlockId, unstruct::BLOCK_ELEMENTS, partId});
 }

@@ -1,6 +1,6 @@
 #include "NuoZRFx/ResultBlock.h"
 
-#include <algorithm>
+#include <map>
 
 #include "Convert_p.h"
 #include "StateValues_p.h"
@@ -36,7 +36,15 @@ class ResultBlockPrivate {
 public:
     unstruct::ZRFxResultDescription& description() const { return m_resultBlock->GetDescription(); }
 
+    void indexAttributes() {
+        const auto& attributes = description().attributes;
+        for (std::size_t i = 0; i < attributes.size(); ++i) {
+            m_attributeIndices.try_emplace(attributes[i].first, i);
+        }
+    }
+
     nvf::ref<ZRFxResultBlock> m_resultBlock;
+    std::map<unstruct::ZRString, std::size_t> m_attributeIndices;  // By name, the first of several.
 };
 
 ResultBlock::ResultBlock(int blockId, ResultType resultType, ResultMapping resultMapping)
@@ -53,6 +61,7 @@ ResultBlock::ResultBlock(int blockId, ResultType resultType, ResultMapping resul
 ResultBlock::ResultBlock(ZRFxResultBlock* resultBlock)
     : Block(resultBlock->GetID(), RESULT), m_private(std::make_unique<ResultBlockPrivate>()) {
     m_private->m_resultBlock = resultBlock;
+    m_private->indexAttributes();
 }
 
 ResultBlock::~ResultBlock() = default;
@@ -119,21 +128,15 @@ void ResultBlock::setRelativeDisplacementResults(bool relative) {
 void ResultBlock::addAttribute(const Str& name, const Str& value) {
     auto& attributes = m_private->description().attributes;
     const unstruct::ZRString key = ZRConvert::toZRString(name);
-    const auto found = std::find_if(attributes.begin(), attributes.end(),
-                                    [&](const auto& attribute) { return attribute.first == key; });
-    if (found == attributes.end()) {
-        attributes.emplace_back(key, ZRConvert::toZRString(value));
-    } else {
-        found->second = ZRConvert::toZRString(value);
-    }
+    const auto [index, isNew] = m_private->m_attributeIndices.try_emplace(key, attributes.size());
+    if (isNew) attributes.emplace_back(key, unstruct::ZRString());
+    attributes[index->second].second = ZRConvert::toZRString(value);
 }
 
 Str ResultBlock::attribute(const Str& name) const {
-    const unstruct::ZRString key = ZRConvert::toZRString(name);
-    for (const auto& [attributeName, value] : m_private->description().attributes) {
-        if (attributeName == key) return ZRConvert::toStr(value);
-    }
-    return Str();
+    const auto found = m_private->m_attributeIndices.find(ZRConvert::toZRString(name));
+    if (found == m_private->m_attributeIndices.end()) return Str();
+    return ZRConvert::toStr(m_private->description().attributes[found->second].second);
 }
 
 std::vector<Str> ResultBlock::attributeNames() const {

@@ -17,7 +17,19 @@ using unstruct::ZRFxSetBlockItems;
 // The set's items belong to the block behind it; the groups are faces of them.
 class SetBlockPrivate {
 public:
+    // The last group of elements of the block; null when there is none.
+    SetItemGroup* groupOf(int elementBlockId) {
+        for (; m_index.groupCount < m_groups.size(); ++m_index.groupCount) {
+            SetItemGroup* group = m_groups[m_index.groupCount].get();
+            if (group->blockType() == Block::ELEMENTS)
+                m_index.lastOfBlock[group->blockId()] = group;
+        }
+        const auto found = m_index.lastOfBlock.find(elementBlockId);
+        return found == m_index.lastOfBlock.end() ? nullptr : found->second;
+    }
+
     nvf::ref<ZRFxSetBlock> m_setBlock;
+    SetItemGroupIndex m_index;
     std::vector<std::unique_ptr<SetItemGroup>> m_groups;
 };
 
@@ -34,6 +46,7 @@ SetBlock::SetBlock(ZRFxSetBlock* setBlock)
         auto group = std::make_unique<SetItemGroup>();
         group->m_private->m_own.reset();
         group->m_private->m_items = setBlock->GetItems(i);
+        group->m_private->m_index = &m_private->m_index;
         m_private->m_groups.push_back(std::move(group));
     }
 }
@@ -79,12 +92,7 @@ void SetBlock::addItem(int item, int elementBlockId) {
 void SetBlock::addItems(const int* items, std::size_t count, int elementBlockId) {
     NVF_ASSERT(items || count == 0);
     if (!items) return;
-    SetItemGroup* target = nullptr;
-    for (const auto& group : m_private->m_groups) {
-        if (group->blockId() == elementBlockId && group->blockType() == ELEMENTS) {
-            target = group.get();
-        }
-    }
+    SetItemGroup* target = m_private->groupOf(elementBlockId);
     if (!target) {
         target = new SetItemGroup;
         target->setBlockId(elementBlockId);
@@ -97,6 +105,7 @@ void SetBlock::addItemGroup(SetItemGroup* group) {
     NVF_ASSERT(group);
     if (!group || !group->m_private->m_own) return;
     m_private->m_setBlock->AddItems(std::move(group->m_private->m_own));
+    group->m_private->m_index = &m_private->m_index;
     m_private->m_groups.emplace_back(group);
 }
 

@@ -15,6 +15,7 @@ int SetItemGroup::blockId() const {
 }
 
 void SetItemGroup::setBlockId(int blockId) {
+    m_private->dropIndex();
     m_private->m_items->m_iBlockID = blockId;
 }
 
@@ -23,6 +24,7 @@ Block::BlockType SetItemGroup::blockType() const {
 }
 
 void SetItemGroup::setBlockType(Block::BlockType blockType) {
+    m_private->dropIndex();
     m_private->m_items->m_iBlockType = ZRConvert::fromBlockType(blockType);
 }
 

@@ -1,10 +1,11 @@
 #include "NuoZRFx/StateInfoBlock.h"
 
 #include <algorithm>
-#include <unordered_set>
+#include <unordered_map>
 
 #include "Convert_p.h"
 #include "Log_p.h"
+#include "ZRIDLookup.h"
 #include "ZROZRFxStateInfoBlock.h"
 
 namespace nuo::zrfx {
@@ -15,9 +16,11 @@ using unstruct::ZRFxStateInfoBlock;
 
 constexpr int kBlockId = 1;
 
+// A group is stored by the states that belong to it; those that have none live here only.
 struct Group {
     int id;
     Str name;
+    std::vector<std::size_t> states;  // That it was given, in order; a later group may have some.
 };
 
 bool isValidType(StateInfoBlock::ReferenceValueType type) {
@@ -26,25 +29,47 @@ bool isValidType(StateInfoBlock::ReferenceValueType type) {
 
 }  // namespace
 
-// A group is stored by the states that belong to it; those that have none live here only.
 class StateInfoBlockPrivate {
 public:
-    void collectGroups() {
-        std::unordered_set<int> found;
-        for (std::int64_t i = 0; i < m_stateInfoBlock->GetStateCount(); ++i) {
-            const ZRFxStateInfo* state = m_stateInfoBlock->GetState(i);
-            if (state->parentID < 0 || !found.insert(state->parentID).second) continue;
-            m_groups.push_back({state->parentID, ZRConvert::toStr(state->group)});
+    ZRFxStateInfo* state(std::size_t index) const {
+        return m_stateInfoBlock->GetState(static_cast<std::int64_t>(index));
+    }
+
+    // What a file tells.
+    void collect() {
+        for (std::size_t i = 0; state(i); ++i) {
+            const ZRFxStateInfo& info = *state(i);
+            m_statesOfId[info.stateID].push_back(i);
+            if (info.parentID >= 0) group(info.parentID, info.group).states.push_back(i);
         }
     }
 
-    bool hasGroup(int id) const {
-        return std::any_of(m_groups.begin(), m_groups.end(),
-                           [&](const Group& group) { return group.id == id; });
+    // The group of an id, added when there is none.
+    Group& group(int id, const unstruct::ZRString& name) {
+        const std::int64_t index = m_groupIndices.IndexOf(id);
+        if (index >= 0) return m_groups[static_cast<std::size_t>(index)];
+        m_groupIndices.Add(id);
+        return m_groups.emplace_back(Group{id, ZRConvert::toStr(name), {}});
+    }
+
+    // The states that have one of the ids, in order.
+    std::vector<std::size_t> statesOf(const std::vector<int>& ids) const {
+        std::vector<std::size_t> states;
+        for (const int id : ids) {
+            const auto found = m_statesOfId.find(id);
+            if (found == m_statesOfId.end()) continue;
+            states.insert(states.end(), found->second.begin(), found->second.end());
+        }
+        std::sort(states.begin(), states.end());
+        states.erase(std::unique(states.begin(), states.end()), states.end());
+        return states;
     }
 
     nvf::ref<ZRFxStateInfoBlock> m_stateInfoBlock;
     std::vector<Group> m_groups;
+    // For looking up, as there may be very many. A file may give an id to several states.
+    std::unordered_map<int, std::vector<std::size_t>> m_statesOfId;
+    unstruct::ZRIDLookup m_groupIndices;
 };
 
 StateInfoBlock::StateInfoBlock()
@@ -55,7 +80,7 @@ StateInfoBlock::StateInfoBlock()
 StateInfoBlock::StateInfoBlock(ZRFxStateInfoBlock* stateInfoBlock, int blockId)
     : Block(blockId, STATE_INFO), m_private(std::make_unique<StateInfoBlockPrivate>()) {
     m_private->m_stateInfoBlock = stateInfoBlock;
-    m_private->collectGroups();
+    m_private->collect();
 }
 
 StateInfoBlock::~StateInfoBlock() = default;
@@ -85,6 +110,7 @@ bool StateInfoBlock::addStateInfo(int stateId, const Str& stateName, float refer
                                     : ZRConvert::toZRString(stateName);
     info.referenceValue = referenceValue;
     info.referenceType = ZRConvert::fromReferenceType(referenceValueType);
+    m_private->m_statesOfId[stateId].push_back(stateCount());
     m_private->m_stateInfoBlock->AddState(info);
     return true;
 }
@@ -97,13 +123,15 @@ bool StateInfoBlock::addGroupInfo(int groupId, const Str& groupName,
             "Group/state id %1 already exist. Note that state and group ids cannot overlap.",
             groupId);
     }
-    const Str name = groupName.isEmpty() ? Str("Group " + std::to_string(groupId)) : groupName;
-    m_private->m_groups.push_back({groupId, name});
-    for (std::size_t i = 0; i < stateCount(); ++i) {
-        ZRFxStateInfo* state = m_private->m_stateInfoBlock->GetState(static_cast<std::int64_t>(i));
-        if (std::find(stateIds.begin(), stateIds.end(), state->stateID) == stateIds.end()) continue;
+    const unstruct::ZRString name = groupName.isEmpty()
+                                        ? unstruct::ZRString("Group " + std::to_string(groupId))
+                                        : ZRConvert::toZRString(groupName);
+    Group& group = m_private->group(groupId, name);
+    group.states = m_private->statesOf(stateIds);
+    for (const std::size_t index : group.states) {
+        ZRFxStateInfo* state = m_private->state(index);
         state->parentID = groupId;
-        state->group = ZRConvert::toZRString(name);
+        state->group = name;
     }
     return true;
 }
@@ -134,10 +162,8 @@ StateInfoBlock::ReferenceValueType StateInfoBlock::stateReferenceValueType(
 }
 
 int StateInfoBlock::stateIndex(int stateId) const {
-    for (std::size_t i = 0; i < stateCount(); ++i) {
-        if (stateAt(i)->stateID == stateId) return static_cast<int>(i);
-    }
-    return -1;
+    const auto found = m_private->m_statesOfId.find(stateId);
+    return found == m_private->m_statesOfId.end() ? -1 : static_cast<int>(found->second.front());
 }
 
 std::size_t StateInfoBlock::groupCount() const {
@@ -159,22 +185,23 @@ Str StateInfoBlock::groupName(std::size_t index) const {
 std::vector<int> StateInfoBlock::groupStateIds(std::size_t index) const {
     std::vector<int> ids;
     const int group = groupId(index);
-    for (std::size_t i = 0; group >= 0 && i < stateCount(); ++i) {
-        if (stateAt(i)->parentID == group) ids.push_back(stateAt(i)->stateID);
+    if (group < 0) return ids;
+    for (const std::size_t state : m_private->m_groups[index].states) {
+        if (stateAt(state)->parentID == group) ids.push_back(stateAt(state)->stateID);
     }
     return ids;
 }
 
 const ZRFxStateInfo* StateInfoBlock::stateAt(std::size_t index) const {
     if (index < stateCount()) {
-        return m_private->m_stateInfoBlock->GetState(static_cast<std::int64_t>(index));
+        return m_private->state(index);
     }
     fail("State info index %1 does not exist.", index);
     return nullptr;
 }
 
 bool StateInfoBlock::isIdUsed(int id) const {
-    return stateIndex(id) >= 0 || m_private->hasGroup(id);
+    return stateIndex(id) >= 0 || m_private->m_groupIndices.IndexOf(id) >= 0;
 }
 
 }  // namespace nuo::zrfx

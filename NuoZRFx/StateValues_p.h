@@ -33,10 +33,7 @@ int stateIdAt(const ZRBlock& block, std::size_t index) {
 
 template <typename ZRBlock>
 int stateIndexOf(const ZRBlock& block, int stateId) {
-    for (std::int64_t i = 0; i < block.GetStateCount(); ++i) {
-        if (block.GetState(i)->m_iStateID == stateId) return static_cast<int>(i);
-    }
-    return -1;
+    return static_cast<int>(block.GetStateIndex(stateId));
 }
 
 template <typename ZRBlock>

@@ -13,13 +13,20 @@
 #include "Entries.h"
 #include "Progress.h"
 #include "Text.h"
+#include "ZROZRFxAccess.h"
 #include "ZROZRFxZipArchive.h"
 
 namespace tools {
 namespace {
 
+using unstruct::ZRFxAccess;
 using unstruct::ZRFxZipArchive;
 using unstruct::ZRFxZipRawData;
+
+// A small archive can name very many folders: no more of them are made than these, and so many more
+// for each entry.
+constexpr std::size_t kFewFolders = 1000;
+constexpr std::size_t kFoldersPerEntry = 4;
 
 constexpr const char* kExamples =
     "  zrfx extract plate.zrfx -o plate\n"
@@ -67,9 +74,11 @@ public:
     int file() const { return m_file; }
     bool isOpen() const { return m_file >= 0; }
 
-    /// The folder below of a name, made when it is missing; symbolic links are not followed.
+    /// Makes the folder below of a name; false when it is there.
+    bool make(const std::string& name) const { return mkdirat(m_file, name.c_str(), 0777) == 0; }
+
+    /// The folder below of a name; symbolic links are not followed.
     Folder below(const std::string& name) const {
-        mkdirat(m_file, name.c_str(), 0777);
         return Folder(
             openat(m_file, name.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
     }
@@ -115,6 +124,7 @@ public:
 
     bool run(const std::vector<std::string>& entries, std::uint64_t totalSize) {
         Progress progress("extracting", Progress::Unit::BYTES, totalSize);
+        m_mostFolders = m_newFoldersLeft = kFewFolders + kFoldersPerEntry * entries.size();
         bool isFine = true;
         for (const std::string& entry : entries) {
             ZRFxZipRawData raw;
@@ -139,15 +149,22 @@ private:
         const std::vector<std::string> path = pathOf(entry);
         if (path.empty())
             return fail(entry, "is left out, its name is no safe path below the folder");
+        if (path.size() - 1 > ZRFxAccess::kMostFolders) {
+            return fail(entry, "is left out, its name has more than " +
+                                   std::to_string(ZRFxAccess::kMostFolders) + " folders");
+        }
         if (!m_written.insert(path).second) {
             return fail(entry, "is left out, another entry has the same path");
         }
         Folder folder = m_target.below(".");
         for (std::size_t i = 0; i + 1 < path.size() && folder.isOpen(); ++i) {
+            if (m_newFoldersLeft > 0 && folder.make(path[i])) --m_newFoldersLeft;
             folder = folder.below(path[i]);
         }
         if (folder.isOpen() && writeFile(folder, path.back(), raw)) return true;
-        return fail(entry, std::strerror(errno));
+        if (m_newFoldersLeft > 0 || errno != ENOENT) return fail(entry, std::strerror(errno));
+        return fail(entry, "is left out, the archive names more than " +
+                               std::to_string(m_mostFolders) + " folders");
     }
 
     ToolContext& m_context;
@@ -155,6 +172,8 @@ private:
     ZRFxZipArchive& m_archive;
     const Folder m_target;
     std::set<std::vector<std::string>> m_written;
+    std::size_t m_mostFolders = 0;
+    std::size_t m_newFoldersLeft = 0;
 };
 
 // The entries that were asked for, under either separator; all of them when none was named.

@@ -2,9 +2,9 @@
 
 namespace unstruct {
 
-ZRIDLookup::ZRIDLookup(const ZRIntArray& ids) {
-    m_indexOfID.reserve(static_cast<std::size_t>(ids.GetSize()));
-    for (std::int64_t i = 0; i < ids.GetSize(); ++i) m_indexOfID.emplace(ids.Data()[i], i);
+void ZRIDLookup::Update(const ZRIntArray& ids) {
+    if (m_nNumItems == 0) m_indexOfID.reserve(static_cast<std::size_t>(ids.GetSize()));
+    while (m_nNumItems < ids.GetSize()) Add(ids.Data()[m_nNumItems]);
 }
 
 std::int64_t ZRIDLookup::IndexOf(std::int32_t id) const {

@@ -29,20 +29,43 @@ std::string_view trimmed(std::string_view text) {
     return text;
 }
 
-// The number is well formed but beyond the type: too small when its first digit that counts, once
-// moved by the exponent, stands behind the decimal point.
-template <typename T>
-T nearestOfType(std::string_view text) {
+// The largest double rounded to 15 digits, which is how it is written, is beyond the type.
+constexpr std::string_view kLargestRounded = "179769313486232";
+constexpr std::ptrdiff_t kLargestExponent = 308;
+
+// A well-formed number other than zero: its digits from the first that is not zero to the last one,
+// and the power of ten of the first.
+struct Decimal {
+    std::string digits;
+    std::ptrdiff_t exponent;
+};
+
+Decimal decimalOf(std::string_view text) {
     const std::size_t e = text.find_first_of("eE");
-    const std::string_view digits = text.substr(0, e);
     int exponent = 0;
     if (e != std::string_view::npos && !parseNumber(text.substr(e + 1), exponent)) {
         exponent = text[e + 1] == '-' ? INT_MIN : INT_MAX;
     }
-    const auto point = static_cast<std::ptrdiff_t>(std::min(digits.find('.'), digits.size()));
-    const auto first = static_cast<std::ptrdiff_t>(digits.find_first_of("123456789"));
-    const T magnitude = point - first + exponent < 0 ? T(0) : std::numeric_limits<T>::max();
-    return text.front() == '-' ? -magnitude : magnitude;
+    const std::string_view mantissa = text.substr(0, e);
+    const std::size_t first = mantissa.find_first_of("123456789");
+    const std::size_t point = std::min(mantissa.find('.'), mantissa.size());
+    std::string digits(mantissa.substr(first, mantissa.find_last_of("123456789") + 1 - first));
+    std::erase(digits, '.');
+    const auto places = static_cast<std::ptrdiff_t>(point) - static_cast<std::ptrdiff_t>(first);
+    return {digits, exponent + places - (places > 0 ? 1 : 0)};
+}
+
+// The number is well formed but beyond the type; false when it is too large.
+template <typename T>
+bool takeNearest(std::string_view text, T& value) {
+    const Decimal number = decimalOf(text);
+    const bool isSmall = number.exponent < 0;
+    const bool isLargest = std::is_same_v<T, double> && number.exponent == kLargestExponent &&
+                           number.digits <= kLargestRounded;
+    if (!isSmall && !isLargest) return false;
+    const T magnitude = isSmall ? T(0) : std::numeric_limits<T>::max();
+    value = text.front() == '-' ? -magnitude : magnitude;
+    return true;
 }
 
 }  // namespace
@@ -68,10 +91,7 @@ bool parseNumber(std::string_view text, T& value) {
     const auto result = std::from_chars(text.data(), text.data() + text.size(), parsed);
     if (result.ptr != text.data() + text.size() || text.empty()) return false;
     if (result.ec == std::errc::result_out_of_range) {
-        if constexpr (std::is_floating_point_v<T>) {
-            value = nearestOfType<T>(text);
-            return true;
-        }
+        if constexpr (std::is_floating_point_v<T>) return takeNearest(text, value);
     }
     if (result.ec != std::errc()) return false;
     value = parsed;

@@ -10,9 +10,8 @@ namespace nvf {
 std::string textOfNumber(double value, char format, int precision);
 
 /// Reads a whole text as a number, blanks around it left aside, whatever the locale. False when it
-/// is not one, or an integer beyond the type. A floating-point value beyond the type becomes the
-/// largest finite one, so that the largest double survives being written with 15 digits; one too
-/// small becomes zero.
+/// is not one, or is beyond the type. The largest double rounded up to 15 digits or more counts as
+/// that double, so that it survives being written; a floating-point value too small becomes zero.
 template <typename T>
 bool parseNumber(std::string_view text, T& value);
 

@@ -89,6 +89,7 @@ TEST_F(ZRFxAccessTest, ClosedAndReadOnlyArchivesRefuseToWrite) {
     ExpectRefused(m_access.SetPassword("p"), {"Cannot set password, file is closed"});
     EXPECT_EQ(m_access.InternalFindFile("a", LogMode::LOG), -1);
     ExpectTexts({"Archive is not open."});
+    ExpectRefused(m_access.Close(), {"Archive is not open."});
     ZRStringArray names;
     ZRFxArchiveInfo info;
     ExpectRefused(m_access.FindFiles("", true, &names), {"Archive is not open."});
@@ -104,7 +105,7 @@ TEST_F(ZRFxAccessTest, EntriesAreWrittenOnceUnlessToldToReplace) {
         EXPECT_EQ(TakeTexts().back(), message);
     };
     expectRefused(m_access.WriteDataRaw("x", "a", 1, false), "Could not add file 'x' to archive");
-    expectRefused(m_access.WriteDataRaw("x", "", 0, true),
+    expectRefused(m_access.WriteDataRaw("x", "", 0, false),
                   "Could not add empty file 'x' to archive");
     expectRefused(m_access.WriteDataString("x", "a"), "Could not write string.");
     expectRefused(m_access.WriteDataString("x", ""), "Could not write empty replacement string.");
@@ -117,7 +118,12 @@ TEST_F(ZRFxAccessTest, EntriesAreWrittenOnceUnlessToldToReplace) {
     EXPECT_EQ(Get("x"), "");
     EXPECT_TRUE(m_access.WriteDataRaw("x", "new", 3, true));
     EXPECT_EQ(Get("x"), "new");
+    EXPECT_TRUE(m_access.WriteDataRaw("x", nullptr, 0, true));
+    EXPECT_EQ(Get("x"), "");
     m_access.SetAlwaysOverwrite(true);
+    EXPECT_TRUE(m_access.WriteDataInt("x", One<ZRIntArray>(1)));
+    EXPECT_TRUE(m_access.WriteDataInt("x", ZRIntArray()));
+    EXPECT_EQ(Get("x"), "");
     EXPECT_TRUE(m_access.WriteDataString("x", "newer"));
     EXPECT_TRUE(m_access.OpenNewFile("x"));
     EXPECT_TRUE(m_access.WriteNewFile("a\n"));
@@ -145,6 +151,9 @@ TEST_F(ZRFxAccessTest, ReadingTakesWholeItemsAndMissesSilentlyOnDemand) {
     EXPECT_FALSE(m_access.WriteDataRaw("\t", "a", 1, true));
     ExpectRefused(m_access.WriteXmlFile("", nvf::XmlDocument(), true),
                   {"No filename specified.", "No filename specified.", "No filename specified."});
+    EXPECT_EQ(m_access.InternalFindFile("none", LogMode::SILENT), -1);
+    EXPECT_EQ(m_access.InternalFindFile("none", LogMode::LOG), -1);
+    ExpectTexts({"There is no file 'none' in the archive."});
 }
 
 TEST_F(ZRFxAccessTest, FilesAndFoldersAreFoundUnderEitherSeparator) {
@@ -166,7 +175,7 @@ TEST_F(ZRFxAccessTest, FilesAndFoldersAreFoundUnderEitherSeparator) {
     Put("deep" + std::string(3000, '/') + "x", "");
     EXPECT_EQ(Found(&ZRFxAccess::FindSubFolders, "", true).size(), 6u + 1000u);
     EXPECT_GE(m_access.InternalFindFile("A\\2.xml", LogMode::LOG), 0);
-    EXPECT_EQ(m_access.InternalFindFile("a\\2.xml", LogMode::LOG), -1);
+    EXPECT_EQ(m_access.InternalFindFile("a\\2.xml", LogMode::SILENT), -1);
     EXPECT_TRUE(m_access.WriteXmlFile("A\\2.xml", nvf::XmlDocument(), true));
     EXPECT_EQ(test::Unpack(m_access).count("A/2.xml"), 0u);
 }

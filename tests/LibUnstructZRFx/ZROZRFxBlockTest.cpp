@@ -525,5 +525,17 @@ TEST_F(ZRFxBlockTest, DocumentTakesNoMoreThanItHolds) {
     EXPECT_EQ(TakeTexts().back(), "Invalid XML");
 }
 
+TEST(StatesBlockTest, StatesAreFoundAfterOthersWereRemoved) {
+    const nvf::ref<ZRFxResultBlock> result = new ZRFxResultBlock(nullptr, 1);
+    for (const int id : {7, 8, 9}) result->AddState(id);
+    result->RemoveStates(0, 0);
+    EXPECT_EQ(result->AddState(8), result->GetState(0));
+    EXPECT_EQ(result->GetStateIndex(9), 1);
+    result->AddState(7);
+    EXPECT_EQ(result->GetStateIndex(7), 2);
+    result->UnloadData();
+    EXPECT_EQ(result->GetStateIndex(8), -1);
+}
+
 }  // namespace
 }  // namespace unstruct

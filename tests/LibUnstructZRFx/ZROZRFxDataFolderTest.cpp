@@ -89,6 +89,9 @@ TEST_F(ZRFxDataFolderTest, IntegersAreSetInLinesWithTheTailOneALine) {
     expectText(20, "1\n2\n3\n4\n5\n6\n7\n");
     EXPECT_FALSE(Folder(true).WriteDataInt("i", items, 21));
     EXPECT_EQ(TakeTexts().back(), "Max number of items per line is 20, 21 were requested");
+    EXPECT_TRUE(Folder().WriteDataInt("binary", items, 21));  // without lines, of no consequence
+    EXPECT_TRUE(Folder().WriteDataInt("binary2", items, 0));
+    ExpectTexts({});
     EXPECT_TRUE(Folder(true).WriteDataInt("i", Ints({-2147483647 - 1, 0}), 0));
     ExpectAssertion("itemsPerLine >= 1 && itemsPerLine <= kMostItemsPerLine");
     EXPECT_EQ(Get("Database001\\i.txt"), "-2147483648\n0\n");
@@ -157,7 +160,7 @@ TEST_F(ZRFxDataFolderTest, TextOfOtherProgramsIsRead) {
                {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 18, 19, 20, 1});
     expectRead("", {});
     expectRead("\n\n", {});
-    Put("Database001\\f.txt", "UNDEF\r\n+1.5e3\n1e999\n1e-999\n");
+    Put("Database001\\f.txt", "UNDEF\r\n+1.5e3\n3.40282347e38\n1e-999\n");
     ZRFloatArray floats;
     ASSERT_TRUE(Folder().ReadDataFloat("f", 4, &floats));
     EXPECT_EQ(floats, Floats({kUndefinedValue, 1500, std::numeric_limits<float>::max(), 0}));
@@ -212,6 +215,8 @@ TEST_F(ZRFxDataFolderTest, UnreadableFilesAreReportedAndLeaveTheArrayEmpty) {
         INTS, "1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16 17 18 19 20 21\n",
         {"Could not read integer values '1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16 1' from file "
          "'Database001\\x.txt'"});
+    expectUnreadable(FLOATS, "3\n-1e39\n",
+                     {"Could not read one float value" + inFile + "-1e39 ...)"});
     expectUnreadable(FLOATS, "1 2\n", {"Could not read one float value" + inFile + "1 2 ...)"});
     expectUnreadable(VECTORS, "1 UNDEF 2\n",
                      {"Could not read three float values" + inFile + "1 UNDEF 2 ...)"});

@@ -171,6 +171,14 @@ TEST_F(BlockTest, ElementDataIsReadInPlaceAndExtendedAsACopy) {
     Ints read;
     ASSERT_TRUE(block->elementGroup(0, &read, nullptr));
     EXPECT_THAT(read, ElementsAre(0, 1, 1, 2, 2, 3));
+    for (const auto output :
+         {&ElementBlock::elementIndices, &ElementBlock::polyhedronsElementNodeCounts,
+          &ElementBlock::polyhedronsFaceCounts, &ElementBlock::polyhedronsFaceNodeCounts,
+          &ElementBlock::polyhedronsLocalNodes}) {
+        ExpectRefused(((*block).*output)(0, nullptr), {"Supplied output is NULL (elementNodes)"});
+    }
+    ExpectRefused(block->elementGroup(0, nullptr, &read),
+                  {"Supplied output is NULL (elementNodes)"});
     EXPECT_THAT(nodes, ElementsAre(0, 1, 1, 2));
 }
 
@@ -217,6 +225,14 @@ TEST_F(BlockTest, PartsThatDoNotFitAreRefused) {
                   {Assertion("elementBlockIds.size() == partIds.size()")});
     EXPECT_EQ(1u, block->stateCount());
     EXPECT_EQ(0u, block->partCount(1, 0));
+    // The first part that does not fit is named, whichever of its ids it is.
+    ASSERT_TRUE(block->addElementBlockForState(0, 2, 20, 5));
+    ExpectRefused(block->addElementBlockForState(0, 2, 10, 5),
+                  {"Found existing part with same part id (10)."});
+    ASSERT_TRUE(block->setElementBlocksForState(0, {3}, 5, {30}));
+    EXPECT_TRUE(block->addElementBlockForState(0, 1, 10, 5));
+    ExpectRefused(block->addElementBlockForState(0, 3, 40, 5),
+                  {"Found existing part with same block id (3)."});
     const PtrRef<GeometryBlock> none = new GeometryBlock(0);
     EXPECT_THAT(TakeTexts(), ElementsAre("geometryCountPerState cannot be 0"));
 }
@@ -257,6 +273,17 @@ TEST_F(BlockTest, StatesAndGroupsThatDoNotFitAreRefused) {
     EXPECT_EQ(nuo::Str("State 1"), block->stateName(0));
     EXPECT_EQ(nuo::Str("Group 2"), block->groupName(0));
     EXPECT_EQ(-1, block->stateIndex(9));
+}
+
+TEST_F(BlockTest, StatesBelongToTheirLastGroup) {
+    const PtrRef<StateInfoBlock> block = new StateInfoBlock;
+    for (const int id : {7, 5, 3}) block->addStateInfo(id, "", 0, StateInfoBlock::TIME);
+    EXPECT_TRUE(block->addGroupInfo(10, "", {3, 7, 9, 7, 5}));
+    EXPECT_THAT(block->groupStateIds(0), ElementsAre(7, 5, 3));
+    EXPECT_TRUE(block->addGroupInfo(11, "", {5}));
+    EXPECT_THAT(block->groupStateIds(0), ElementsAre(7, 3));
+    EXPECT_THAT(block->groupStateIds(1), ElementsAre(5));
+    EXPECT_EQ(2, block->stateIndex(3));
 }
 
 // Results.
@@ -388,12 +415,50 @@ TEST_F(BlockTest, ItemsOfSetsGoIntoTheGroupOfTheirBlock) {
     EXPECT_THAT(items, ElementsAre(5, 6));
     ExpectRefused(set->itemGroup(2) != nullptr, {"Item group index out of bounds"});
     ExpectRefused(group->itemIdOrIndex(3) >= 0, {Assertion("index < itemCount()")});
+    group->setBlockId(1);  // the last group of a block gets its items
+    set->addItem(8, 2);
+    set->addItem(9, 1);
+    set->itemGroup(1)->setBlockId(5);
+    set->addItem(10, 1);
+    EXPECT_EQ(8, set->itemGroup(2)->itemIdOrIndex(0));
+    EXPECT_EQ(9, set->itemGroup(1)->itemIdOrIndex(2));
+    EXPECT_EQ(10, group->itemIdOrIndex(3));
     set->setItemType(static_cast<SetBlock::ItemType>(5));
     ExpectRefused(set->itemType() == SetBlock::ELEMENT_ITEMS,
                   {"Invalid type id 5 given (SetBlock::ItemType)."});
     set->addItemGroup(nullptr);
     set->addItems(nullptr, 3, 1);
     EXPECT_THAT(TakeTexts(), ElementsAre(Assertion("group"), Assertion("items || count == 0")));
+}
+
+TEST_F(BlockTest, BlocksThatWereReadKnowTheIdsInThem) {
+    const nuo::Str name = nuo::Str(m_folder.File("ids.zrfx"));
+    ASSERT_TRUE(m_file.create(name, FileSettings()));
+    const PtrRef<Database> database = WriteDatabase(m_file, "a", 0);
+    const PtrRef<StateInfoBlock> states = new StateInfoBlock;
+    for (const int id : {7, 5}) states->addStateInfo(id, "", 0, StateInfoBlock::TIME);
+    states->addGroupInfo(10, "", {5});
+    const PtrRef<ResultBlock> result =
+        new ResultBlock(1, ResultBlock::SCALAR, ResultBlock::NODE_MAPPING);
+    result->setResultId(1);
+    result->addResultValuesBlock(1, 7);
+    result->addAttribute("unit", "MPa");
+    ASSERT_TRUE(database->writeBlock(states.p()) && database->writeBlock(result.p()));
+
+    const PtrRef<Block> read = database->blockById(Block::RESULT, 1);
+    auto& block = static_cast<ResultBlock&>(*read);
+    EXPECT_EQ(0, block.stateIndex(7));
+    EXPECT_TRUE(block.addResultValuesBlock(2, 7));
+    EXPECT_THAT(block.resultValuesBlocks(0), ElementsAre(1, 2));
+    block.addAttribute("unit", "GPa");
+    EXPECT_EQ(nuo::Str("GPa"), block.attribute("unit"));
+    EXPECT_EQ(1u, block.attributeNames().size());
+    const PtrRef<Block> readStates = database->blockById(Block::STATE_INFO, 1);
+    auto& info = static_cast<StateInfoBlock&>(*readStates);
+    EXPECT_EQ(1, info.stateIndex(5));
+    EXPECT_THAT(info.groupStateIds(0), ElementsAre(5));
+    EXPECT_FALSE(info.addStateInfo(10, "", 0, StateInfoBlock::TIME));
+    TakeTexts();
 }
 
 }  // namespace

@@ -77,14 +77,36 @@ TEST(Number, OtherTextIsRefused) {
         {"", ".", "e5", "1e", "1,5", "0x1p3", "1.2.3", "1 2", "1d", "UNDEF", "\u0661"});
 }
 
-TEST(Number, FloatingValuesBeyondTheTypeTakeTheNearestOne) {
+TEST(Number, FloatingValuesTooSmallForTheTypeBecomeZero) {
     const std::string zeros(400, '0');
-    ExpectRead<double>({{"1.79769313486232e+308", DBL_MAX}, {"-1e400", -DBL_MAX}});
-    ExpectRead<double>({{"1e-400", 0.0}, {"-1e-400", -0.0}, {"1e99999999999999999999", DBL_MAX}});
-    ExpectRead<double>({{("1" + zeros).c_str(), DBL_MAX}, {("0." + zeros + "1").c_str(), 0.0}});
-    ExpectRead<double>({{("1" + zeros + "e-50").c_str(), DBL_MAX}});
+    ExpectRead<double>({{"1e-400", 0.0}, {"-1e-400", -0.0}, {"1e-99999999999999999999", 0.0}});
+    ExpectRead<double>({{("0." + zeros + "1").c_str(), 0.0}, {"0.00001e-320", 0.0}});
     ExpectRead<double>({{("-0." + zeros + "1e+50").c_str(), -0.0}});
-    ExpectRead<float>({{"1e39", FLT_MAX}, {"3.40282347e38", FLT_MAX}, {"1e-46", 0.0f}});
+    ExpectRead<float>({{"1e-46", 0.0f}});
+}
+
+TEST(Number, FloatingValuesTooLargeForTheTypeAreRefused) {
+    const std::string zeros(400, '0');
+    ExpectRefused<double>({"1.79769313486233e+308", "1.797693134862321e+308", "-1e309", "-1e400",
+                           "1e99999999999999999999", "1" + zeros, "1" + zeros + "e-50",
+                           "0.0001e400", "2e308"});
+    ExpectRefused<float>({"1e39", "-3.402824e38", "1.79769313486232e+308"});
+}
+
+TEST(Number, LargestOfTheTypeSurvivesBeingWritten) {
+    const std::string zeros(400, '0');
+    for (const int precision : {15, 16, 17}) {
+        ExpectRead<double>({{textOfNumber(DBL_MAX, 'g', precision).c_str(), DBL_MAX},
+                            {textOfNumber(-DBL_MAX, 'e', precision - 1).c_str(), -DBL_MAX},
+                            {textOfNumber(-DBL_MAX, 'f', precision).c_str(), -DBL_MAX}});
+    }
+    ExpectRead<double>({{("0." + zeros + "179769313486232e709").c_str(), DBL_MAX},
+                        {("1797693134862320" + zeros + "e-107").c_str(), DBL_MAX}});
+    for (const int precision : {6, 7, 8, 9}) {
+        float value = 0;
+        EXPECT_TRUE(parseNumber(textOfNumber(FLT_MAX, 'g', precision), value)) << precision;
+    }
+    ExpectRead<float>({{"3.40282347e38", FLT_MAX}});
 }
 
 }  // namespace

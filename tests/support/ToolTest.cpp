@@ -7,6 +7,7 @@
 
 #include <cstdlib>
 #include <fstream>
+#include <regex>
 #include <sstream>
 #include <vector>
 
@@ -159,7 +160,7 @@ std::string ToolTest::OnTerminal(const std::string& arguments, const std::string
     }
     close(terminal);
     waitpid(process, nullptr, 0);
-    return shown;
+    return std::regex_replace(shown, std::regex("\r[^\r\n]*\x1b\\[K"), "");
 }
 
 std::string ToolTest::Output(const std::string& arguments) {

@@ -25,7 +25,8 @@ protected:
     /// Whether the system gives terminals, which a bare container may not.
     static bool HasTerminals();
 
-    /// Runs it on a terminal, where `answers` are typed in, and gives all that the terminal shows.
+    /// Runs it on a terminal, where `answers` are typed in, and gives all that the terminal shows
+    /// in the end: a bar comes and goes where the machine is slow.
     std::string OnTerminal(const std::string& arguments, const std::string& answers);
 
     /// Runs it and expects that it ends fine and says nothing on standard error.

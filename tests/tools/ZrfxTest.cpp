@@ -365,6 +365,33 @@ TEST_F(ZrfxTest, ExtractNeverLeavesItsFolder) {
     EXPECT_TRUE(std::filesystem::exists(Path("box/in/good/file")));
 }
 
+TEST_F(ZrfxTest, ExtractMakesNoFoldersWithoutEnd) {
+    const auto folders = [](std::size_t count, const std::string& first) {
+        std::string path = first;
+        for (std::size_t i = 1; i < count; ++i) path += "\\d";
+        return path + "\\file";
+    };
+    unstruct::ZRFxZipArchive archive;
+    ASSERT_TRUE(archive.Open(Path("deep.zrfx"), unstruct::ZRFxOpenMode::kCreate));
+    for (const std::string& name : {folders(30000, "a"), folders(1001, "b"), folders(1000, "c"),
+                                    folders(30, "d"), std::string("ZRF.xml"), folders(2, "c")}) {
+        ASSERT_TRUE(archive.Add(name, "1", 1));
+    }
+    ASSERT_TRUE(archive.Close());
+    const test::Ended run = Zrfx("extract deep.zrfx -o x");
+    EXPECT_EQ(run.exitCode, 1);
+    std::size_t count = 0;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(Path("x"))) {
+        count += entry.is_directory();
+    }
+    EXPECT_EQ(count, 1000u + 4 * 6);
+    EXPECT_EQ(std::count(run.err.begin(), run.err.end(), '\n'), 3) << run.err;
+    EXPECT_THAT(run.err, HasSubstr("': is left out, its name has more than 1000 folders\n"));
+    EXPECT_THAT(run.err, HasSubstr("': is left out, the archive names more than 1024 folders\n"));
+    EXPECT_TRUE(std::filesystem::exists(Path("x/c/d/file")));
+    EXPECT_TRUE(std::filesystem::exists(Path("x/ZRF.xml")));
+}
+
 TEST_F(ZrfxTest, PasswordComesFromFileOrEnvironment) {
     WriteSound("a.zrfx");
     std::ofstream(Path("right")) << "open sesame\r\nsecond line";

@@ -10,7 +10,7 @@ public:
     /// Data files are packed binary values; else lines of text, which keep six significant digits
     /// of a value and bring each undefined one back as 2.99e38.
     bool binary = true;
-    bool digitallySigned = false;  ///< Kept with the file's settings; no signature is made.
+    bool digitallySigned = false;  ///< No signature is made; File::settings() gives it back.
     int compressionLevel = 5;      ///< 0 (stored) to 9 (smallest); what lies outside is clamped.
     Str vendorName;                ///< Who makes the exporting application.
     Str applicationName;           ///< The exporting application.
