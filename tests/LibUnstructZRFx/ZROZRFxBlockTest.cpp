@@ -602,6 +602,34 @@ TEST_F(ZRFxBlockTest, LegacyGeometryHasOneGeometryPerState) {
     EXPECT_EQ(TakeTexts().back(), "Invalid XML");
 }
 
+// A state that names no geometry has its parts as the legacy layout has them, whatever the document
+// says of their number.
+TEST_F(ZRFxBlockTest, LayoutOfAGeometryIsToldByItsStates) {
+    const std::string legacy = "<State ID='4'><Elements BlockID='1' PartID='5'/></State>";
+    const std::string newer =
+        "<State ID='5'><Geometry Index='2'><Elements BlockID='2' PartID='6'/></Geometry></State>";
+    const auto read = [&](const std::string& count, const std::string& states) {
+        return Read<ZRFxGeometryBlock>(BLOCK_GEOMETRY,
+                                       "<Geometry ID='1'" + count + ">" + states + "</Geometry>");
+    };
+    EXPECT_EQ(read(" GeometryCountPerState='1'", legacy)->GetState(0)->GetPartCount(0), 1);
+    const auto uncounted = read("", newer);
+    EXPECT_EQ(uncounted->GetGeometryCountPerState(), 3);
+    EXPECT_EQ(uncounted->GetState(0)->GetPart(2, 0).blockID, 2);
+    EXPECT_EQ(read(" GeometryCountPerState='7'", "<State/>" + newer)->GetStateCount(), 2);
+    const std::string refusal =
+        "Geometry block ID 1: 'Database001\\Geometry\\Geometry0001.xml' holds ";
+    const auto refuse = [&](const std::string& document, const std::string& message) {
+        ExpectRefused(BlockOf(BLOCK_GEOMETRY, document)->ReadBlock(), {refusal + message});
+    };
+    refuse("<Geometry ID='1' GeometryCountPerState='3'>" + legacy + "</Geometry>",
+           "3 geometries per state, expected 1");
+    refuse("<Geometry ID='1'>" + newer + legacy + "</Geometry>",
+           "3 geometries per state, expected 1");
+    refuse("<Geometry ID='1'><State><Geometry Index='2147483647'/></State></Geometry>",
+           "2147483647 geometries per state, expected 1");
+}
+
 TEST_F(ZRFxBlockTest, GeometryInfosTakeOneRecordForEachStateOrOneForAll) {
     ZRFxGeometryBlock block(nullptr, 1);
     block.AddState(5)->AddPart(0, {-1, 40, BLOCK_ELEMENTS, 7});
