@@ -1,7 +1,9 @@
 #include "NuoZRFx/File.h"
 
+#include <algorithm>
 #include <climits>
 #include <set>
+#include <unordered_set>
 
 #include "Case_p.h"
 #include "Convert_p.h"
@@ -27,13 +29,11 @@ ZRString userEntry(const Str& name) {
            name.toStdString() + kUserExtension;
 }
 
-// Where the highest id that there is stands for an item, the lowest gap.
-template <typename Items>
-int unusedId(const Items& items) {
-    std::set<int> ids;
-    for (const auto& item : items) ids.insert(item->id());
-    if (ids.empty()) return 0;
-    if (*ids.rbegin() < INT_MAX) return *ids.rbegin() + 1;
+// After the highest id, or the lowest gap where there is none after it.
+int unusedId(const std::unordered_set<int>& ids) {
+    int highest = -1;
+    for (const int id : ids) highest = std::max(highest, id);
+    if (highest < INT_MAX) return highest + 1;
     int unused = 0;
     while (ids.count(unused) > 0) ++unused;
     return unused;
@@ -149,11 +149,11 @@ int File::unusedDatabaseId() const {
         fail("Error writing file.");
         return -1;
     }
-    return unusedId(m_private->m_databases);
+    return unusedId(m_private->m_databaseIds);
 }
 
 int File::unusedFileCaseId() const {
-    return unusedId(m_private->m_cases);
+    return unusedId(m_private->m_caseIds);
 }
 
 bool File::addUserTextFile(const Str& fileName, const Str& content) {
@@ -251,18 +251,21 @@ bool File::readDatabases() {
     return true;
 }
 
-// A case that cannot be read has said so and is left out.
+// A case that cannot be read has said so and is left out; its id stays its own.
 bool File::readCases() {
     int count = 0;
     if (!m_private->m_zrfxAccess->GetNumCases(&count)) return fail("Error opening file.");
     std::set<int> documents;
+    std::unordered_set<int> registered;
     for (int index = 0; index < count; ++index) {
         unstruct::ZRFxCaseInfo info;
         m_private->m_zrfxAccess->GetCaseInfo(index, &info);
+        registered.insert(info.id);
         const bool isNewId = m_private->m_caseIds.count(info.id) == 0;
         if (isNewId && m_private->isRegisteredTwice(info.path, &documents)) continue;
         const PtrRef<Case> read = new Case(this, index);
     }
+    m_private->m_caseIds.merge(registered);
     return true;
 }
 

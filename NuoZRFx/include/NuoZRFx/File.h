@@ -82,7 +82,8 @@ public:
     /// the largest of all. With nothing open, -1 and a message.
     int unusedDatabaseId() const;
 
-    /// One more than the largest id in use, 0 at first and with nothing open.
+    /// One more than the largest id in use, that of a case which could not be read included; 0 at
+    /// first and with nothing open.
     int unusedFileCaseId() const;
 
     /// Stores a text under a name, without ".txt" and without folders, in the folder of user files,
