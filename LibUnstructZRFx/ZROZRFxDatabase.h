@@ -98,6 +98,7 @@ private:
     };
 
     nvf::ref<nvf::XmlDocument> CreateDescription() const;
+    bool FailID(int id) const;
     void StartTOC();
     void EnterInTOC(const ZRString& typeName, int id, const ZRString& fileName);
 

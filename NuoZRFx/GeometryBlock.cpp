@@ -19,6 +19,11 @@ constexpr int kBlockId = 1;
 // The state id of the record that is used for all states.
 constexpr int kAllStates = 0;
 
+bool checkPart(int elementBlockId, int partId) {
+    if (elementBlockId < 0) return fail("elementBlockId cannot be negative.");
+    return partId >= 0 || fail("partId cannot be negative.");
+}
+
 // None where they are more than a file may have.
 int checkedGeometryCount(std::size_t geometryCountPerState) {
     if (geometryCountPerState == 0) fail("geometryCountPerState cannot be 0");
@@ -80,7 +85,7 @@ unstruct::ZRFxBlock* GeometryBlock::internal_zrfxBlock() const {
 }
 
 bool GeometryBlock::addElementBlock(std::size_t geometryIndex, int elementBlockId, int partId) {
-    return checkGeometry(geometryIndex) &&
+    return checkGeometry(geometryIndex) && checkPart(elementBlockId, partId) &&
            addPart(*m_private->firstState(), geometryIndex, elementBlockId, partId);
 }
 
@@ -88,8 +93,8 @@ bool GeometryBlock::addElementBlockForState(std::size_t geometryIndex, int eleme
                                             int partId, int stateId) {
     if (!checkGeometry(geometryIndex)) return false;
     if (stateId < 0) return fail("stateId cannot be negative.");
+    if (!checkPart(elementBlockId, partId)) return false;
     ZRFxGeometryState* state = m_private->stateOf(stateId);
-    if (elementBlockId < 0) return fail("elementBlockId cannot be negative.");
     if (!state) state = m_private->m_geometryBlock->AddState(stateId);
     return addPart(*state, geometryIndex, elementBlockId, partId);
 }
@@ -181,7 +186,6 @@ bool GeometryBlock::checkParts(const std::vector<int>& elementBlockIds, int stat
 bool GeometryBlock::addPart(ZRFxGeometryState& state, std::size_t geometryIndex, int elementBlockId,
                             int partId) {
     const int geometry = static_cast<int>(geometryIndex);
-    if (elementBlockId < 0) return fail("elementBlockId cannot be negative.");
     for (int i = 0; i < state.GetPartCount(geometry); ++i) {
         const ZRFxGeometryPart part = state.GetPart(geometry, i);
         if (part.blockID == elementBlockId) {
