@@ -228,9 +228,13 @@ bool File::addCase(Case* fileCase) {
     return true;
 }
 
+// What could not be read to its end is not open: nobody knows which ids are in use.
 bool File::readRegistries() {
     const ZRFxAccess::BoundedReading bounded(m_private->m_zrfxAccess.get());
-    return readDatabases() && readCases();
+    if (readDatabases() && readCases()) return true;
+    m_private->dropAll();
+    m_private->m_zrfxAccess->Abandon();
+    return false;
 }
 
 bool File::readDatabases() {

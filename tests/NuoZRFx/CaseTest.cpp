@@ -153,6 +153,21 @@ TEST_F(CaseTest, IdOfACaseThatCannotBeReadStaysItsOwn) {
     EXPECT_EQ(4, m_file.fileCase(1)->id());
 }
 
+// A file whose databases cannot be read is not open: nothing is added to what is not known.
+TEST_F(CaseTest, FileThatFailedToOpenTakesNoCases) {
+    const PtrRef<Database> database = WriteDatabase(m_file, "a", 0);
+    const PtrRef<Case> view = new Case(&m_file, "View", 0, 0);
+    ASSERT_TRUE(m_file.close());
+    Replace("</Database>", "</Lost>");
+    ExpectRefused(m_file.openForAppend(m_name), {"Could not parse database in file.",
+                                                 "Error reading database (index 0) from file."});
+    EXPECT_EQ(0u, m_file.databaseCount());
+    ExpectNotConstructed(&m_file, "a", 0, 0,
+                         {"Given file was in invalid state. (case id 0). File must be created or "
+                          "opened for append before adding a case."});
+    EXPECT_FALSE(m_file.close());
+}
+
 // Programs call the folder of a case as they like, and name its files in it or as entries.
 TEST_F(CaseTest, FolderOfACaseStaysWhateverItIsCalled) {
     for (const std::string folder : {"Front view", "Case5", "Views/4"}) {

@@ -42,9 +42,9 @@ public:
     bool create(const Str& fileName, const FileSettings& settings);
 
     /// Opens a file for reading; close first what is open. An encrypted file needs its password. A
-    /// database that cannot be read ends the opening; a case that cannot be read is reported and
-    /// left out. Memory and time that this takes are bounded by the file's size, whatever it
-    /// claims.
+    /// database that cannot be read ends the opening, with nothing open; a case that cannot be read
+    /// is reported and left out. Memory and time that this takes are bounded by the file's size,
+    /// whatever it claims.
     bool open(const Str& fileName);
     bool open(const Str& fileName, const Str& password);
 
