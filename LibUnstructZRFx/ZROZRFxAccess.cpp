@@ -46,6 +46,12 @@ std::string folderPrefix(const ZRString& folder) {
     return folder.IsEmpty() ? std::string() : folder.Bytes() + kFolderSeparator;
 }
 
+std::uint64_t denseLengthOf(const ZRFxZipArchive::EntryInfo& entry) {
+    const bool isDense = ZRFxReadBounds::IsDense(entry.nSize, entry.nPackedSize) &&
+                         ZRString(entry.sName).Extension().ToLower() == ".xml";
+    return isDense ? entry.nSize : 0;
+}
+
 bool isRawImage(const ZRString& name) {
     return name.Extension() == ".raw";
 }
@@ -467,6 +473,7 @@ bool ZRFxAccess::RemoveFile(const ZRString& name) {
     if (!CheckWritable(name)) return false;
     Forget();
     for (std::string entry; FindEntry(name, &entry);) {
+        if (m_denseDocuments) *m_denseDocuments -= DenseLength(entry);
         if (!m_pArchive->Remove(entry)) {
             return FailWithCause("Could not remove file '%1' from archive", name);
         }
@@ -550,18 +557,19 @@ bool ZRFxAccess::CheckReadable(const ZRString& name, LogMode logMode) const {
 bool ZRFxAccess::Store(const ZRString& name, const void* data, std::size_t numBytes,
                        bool overwrite) {
     Forget();
-    if (!overwrite) return m_pArchive->Add(name.Bytes(), data, numBytes, m_compressionLevel);
-    if (!m_pArchive->Replace(name.Bytes(), data, numBytes, m_compressionLevel)) return false;
+    const std::uint64_t replaced = DenseLength(name);
+    const auto add = overwrite ? &ZRFxZipArchive::Replace : &ZRFxZipArchive::Add;
+    if (!(*m_pArchive.*add)(name.Bytes(), data, numBytes, m_compressionLevel)) return false;
+    if (m_denseDocuments) *m_denseDocuments += DenseLength(name) - replaced;
+    if (!overwrite) return true;
     const std::string slashed = withSlashes(name.Bytes());
     return slashed == name.Bytes() || !m_pArchive->Contains(slashed) || m_pArchive->Remove(slashed);
 }
 
-// Once there are more dense documents than are read from any file, they are stored as they are, so
-// that the file has the length that reading them asks for.
+// Where there are more dense documents than are read from any file, the next ones are stored
+// unpacked, so that the file has the length that reading them asks for.
 bool ZRFxAccess::StoreDocument(const ZRString& name, const std::string& text, bool overwrite) {
-    const std::uint64_t replaced = DenseLength(name);
     if (!Store(name, text.data(), text.size(), overwrite)) return false;
-    if (m_denseDocuments) *m_denseDocuments += DenseLength(name) - replaced;
     if (DenseLength(name) == 0 || DenseDocuments() <= ZRFxReadBounds::kMostDenseDocuments) {
         return true;
     }
@@ -570,12 +578,10 @@ bool ZRFxAccess::StoreDocument(const ZRString& name, const std::string& text, bo
     return true;
 }
 
-// The length of a dense document; 0 of another one.
+// The length of a dense document; 0 of any other entry.
 std::uint64_t ZRFxAccess::DenseLength(const ZRString& name) {
     ZRFxZipArchive::EntryInfo info;
-    const bool isDense = m_pArchive->Find(name.Bytes(), &info) &&
-                         ZRFxReadBounds::IsDense(info.nSize, info.nPackedSize);
-    return isDense ? info.nSize : 0;
+    return m_pArchive->Find(name.Bytes(), &info) ? denseLengthOf(info) : 0;
 }
 
 // Counted once for each opening, when there is the first one.
@@ -583,11 +589,7 @@ std::uint64_t ZRFxAccess::DenseDocuments() {
     if (m_denseDocuments) return *m_denseDocuments;
     m_denseDocuments = 0;
     for (std::size_t i = 0; i < m_pArchive->EntryCount(); ++i) {
-        const ZRFxZipArchive::EntryInfo entry = m_pArchive->EntryAt(i);
-        const bool isDocument = ZRString(entry.sName).Extension().ToLower() == ".xml";
-        if (isDocument && ZRFxReadBounds::IsDense(entry.nSize, entry.nPackedSize)) {
-            *m_denseDocuments += entry.nSize;
-        }
+        *m_denseDocuments += denseLengthOf(m_pArchive->EntryAt(i));
     }
     return *m_denseDocuments;
 }

@@ -27,7 +27,7 @@ class ZRFxDatabase : public ZRFxDataFolder {
 public:
     explicit ZRFxDatabase(ZRFxAccess* pAccess);
 
-    /// Starts a new database and registers it. Its id must not be in use.
+    /// Starts a new database and registers it. Its id must not be negative, nor in use.
     bool Create(const ZRString& name, int id, const ZRString& sourceName,
                 ZRFEMSimulationType simulationType, ZRFEMSolutionType solutionType,
                 const ZRString& description);

@@ -18,8 +18,9 @@ public:
     /// An operation reads a document that it needs once, or twice where it looks for blocks.
     static constexpr std::uint64_t kMostReadings = 2;
 
-    /// Documents that pack to less than this part of their length are dense. Of them an archive may
-    /// have so many that each operation can read them; writing stores the others as they are.
+    /// Whether a document packs so well that the length of its archive may not justify reading it.
+    /// Of such dense documents an archive holds as many as any operation can read; writing stores
+    /// the others unpacked.
     static constexpr bool IsDense(std::uint64_t length, std::uint64_t packedLength) {
         return length > packedLength * (kMostDocumentsPerByte / kMostReadings);
     }

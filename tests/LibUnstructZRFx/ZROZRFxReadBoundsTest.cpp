@@ -34,7 +34,9 @@ TEST_F(ZRFxReadBoundsTest, DocumentsThatPackVeryWellAreRead) {
     for (int i = 0; i < kCount; ++i) {
         if (i % 15 == 14) Reopen(ZRZipAccessMode::UPDATE);
         ASSERT_TRUE(m_access.WriteXmlFile(nameOf(0), document, true));
-        ASSERT_TRUE(m_access.WriteXmlFile(nameOf(i), document, i == 0));
+        ASSERT_TRUE(m_access.RemoveFile(nameOf(0)));
+        ASSERT_TRUE(m_access.WriteXmlFile(nameOf(0), document, false));
+        ASSERT_TRUE(m_access.WriteXmlFile(nameOf(i), document, true));
         if (i == 5) {
             ASSERT_TRUE(m_access.Commit());
             EXPECT_LT(m_file.Length(), std::size_t{100000});  // a few are packed all the same
