@@ -45,6 +45,12 @@ std::string folderPrefix(const ZRString& folder) {
     return folder.IsEmpty() ? std::string() : folder.Bytes() + kFolderSeparator;
 }
 
+std::uint64_t denseLengthOf(const ZRFxZipArchive::EntryInfo& entry) {
+    const bool isDense = ZRFxReadBounds::IsDense(entry.nSize, entry.nPackedSize) &&
+                         ZRString(entry.sName).Extension().ToLower() == ".xml";
+    return isDense ? entry.nSize : 0;
+}
+
 bool isRawImage(const ZRString& name) {
     return name.Extension() == ".raw";
 }
@@ -247,6 +253,11 @@ bool ZRFxAccess::GetCaseByID(int id, ZRFxCaseInfo* info) {
     return LoadMainDocument() && m_mainDocument->GetCaseByID(id, info);
 }
 
+ZRString ZRFxAccess::CaseEntry(const ZRString& folder, const ZRString& file) const {
+    const ZRString entry = inFolder(folder, file);
+    return !Contains(entry) && Contains(file) ? file : entry;
+}
+
 bool ZRFxAccess::GetCaseSnapshot(int caseId, nuo::Image* image) {
     ZRString fileName;
     bool isGiven = false;
@@ -275,8 +286,7 @@ bool ZRFxAccess::WriteXmlFile(const ZRString& name, const nvf::XmlDocument& doc,
         return m_logger->fail("Xml file '%1' exists in archive, and overwrite flag is not set",
                               name);
     }
-    const std::string text = doc.toUtf8();
-    return Store(name, text.data(), text.size(), isThere) ||
+    return StoreDocument(name, doc.toUtf8(), isThere) ||
            FailWithCause("Could not write Xml file '%1' to archive", name);
 }
 
@@ -299,6 +309,11 @@ bool ZRFxAccess::InternalReadXmlFile(const ZRString& name, LogMode logMode, nvf:
 bool ZRFxAccess::WriteProperties(const ZRString& fileName,
                                  const nvf::PropertySetCollection& collection) {
     if (fileName.IsBlank()) return m_logger->fail("No file name.");
+    if (nvf::PropertyXmlSerializer::nestsTooDeep(collection)) {
+        m_logger->fail("'%1' in '%2': arrays nest deeper than %3 levels", fileName, m_sFileName,
+                       nvf::PropertyXmlSerializer::kDeepestArray);
+        return m_logger->fail("Unable to write properties Xml to archive");
+    }
     nvf::XmlDocument doc;
     nvf::XmlElement root = doc.createRootElement("ZRFxProperties", kNamespaceUri);
     nvf::PropertyXmlSerializer::toXml(collection, &root);
@@ -458,6 +473,7 @@ bool ZRFxAccess::RemoveFile(const ZRString& name) {
     if (!CheckWritable(name)) return false;
     Forget();
     for (std::string entry; FindEntry(name, &entry);) {
+        if (m_denseDocuments) *m_denseDocuments -= DenseLength(entry);
         if (!m_pArchive->Remove(entry)) {
             return FailWithCause("Could not remove file '%1' from archive", name);
         }
@@ -518,6 +534,7 @@ bool ZRFxAccess::TakeOpened(bool isOpened, ZRZipAccessMode mode) {
         return FailWithCause("File still closed after opening it.", m_sFileName);
     }
     m_readOnly = mode == ZRZipAccessMode::READ_ONLY;
+    m_denseDocuments.reset();
     return true;
 }
 
@@ -540,10 +557,41 @@ bool ZRFxAccess::CheckReadable(const ZRString& name, LogMode logMode) const {
 bool ZRFxAccess::Store(const ZRString& name, const void* data, std::size_t numBytes,
                        bool overwrite) {
     Forget();
-    if (!overwrite) return m_pArchive->Add(name.Bytes(), data, numBytes, m_compressionLevel);
-    if (!m_pArchive->Replace(name.Bytes(), data, numBytes, m_compressionLevel)) return false;
+    const std::uint64_t replaced = m_denseDocuments ? DenseLength(name) : 0;
+    const auto add = overwrite ? &ZRFxZipArchive::Replace : &ZRFxZipArchive::Add;
+    if (!(*m_pArchive.*add)(name.Bytes(), data, numBytes, m_compressionLevel)) return false;
+    if (m_denseDocuments) *m_denseDocuments += DenseLength(name) - replaced;
+    if (!overwrite) return true;
     const std::string slashed = withSlashes(name.Bytes());
     return slashed == name.Bytes() || !m_pArchive->Contains(slashed) || m_pArchive->Remove(slashed);
+}
+
+// Where there are more dense documents than are read from any file, the next ones are stored
+// unpacked, so that the file has the length that reading them asks for.
+bool ZRFxAccess::StoreDocument(const ZRString& name, const std::string& text, bool overwrite) {
+    if (!Store(name, text.data(), text.size(), overwrite)) return false;
+    if (DenseLength(name) == 0 || DenseDocuments() <= ZRFxReadBounds::kMostDenseDocuments) {
+        return true;
+    }
+    if (!m_pArchive->Replace(name.Bytes(), text.data(), text.size(), 0)) return false;
+    *m_denseDocuments -= text.size();
+    return true;
+}
+
+// The length of a dense document; 0 of any other entry.
+std::uint64_t ZRFxAccess::DenseLength(const ZRString& name) {
+    ZRFxZipArchive::EntryInfo info;
+    return m_pArchive->Find(name.Bytes(), &info) ? denseLengthOf(info) : 0;
+}
+
+// Counted once for each opening, when there is the first one.
+std::uint64_t ZRFxAccess::DenseDocuments() {
+    if (m_denseDocuments) return *m_denseDocuments;
+    m_denseDocuments = 0;
+    for (std::size_t i = 0; i < m_pArchive->EntryCount(); ++i) {
+        *m_denseDocuments += denseLengthOf(m_pArchive->EntryAt(i));
+    }
+    return *m_denseDocuments;
 }
 
 bool ZRFxAccess::LoadMainDocument() {
@@ -554,7 +602,7 @@ bool ZRFxAccess::LoadMainDocument() {
     return true;
 }
 
-// The entry that an element of a case's document names, in the case's folder or as it stands.
+// The entry that an element of a case's document names.
 bool ZRFxAccess::GetCaseFile(int caseId, const char* element, ZRString* fileName, bool* isGiven) {
     ZRFxCaseInfo info;
     if (!GetCaseByID(caseId, &info)) {
@@ -568,8 +616,7 @@ bool ZRFxAccess::GetCaseFile(int caseId, const char* element, ZRString* fileName
     if (root.isNull()) return m_logger->fail("Invalid Case.xml file (case ID %1)", caseId);
     const nvf::XmlElement file = root.firstChildElement(element);
     *isGiven = file.notNull();
-    *fileName = inFolder(info.folder, GetText(file));
-    if (!Contains(*fileName)) *fileName = GetText(file);
+    *fileName = CaseEntry(info.folder, GetText(file));
     return true;
 }
 

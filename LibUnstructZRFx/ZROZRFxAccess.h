@@ -130,12 +130,17 @@ public:
     bool GetCaseInfo(int index, ZRFxCaseInfo* info);
     bool GetCaseByID(int id, ZRFxCaseInfo* info);
 
+    /// The entry that a case's document names as one of its files: the one of that name in the
+    /// case's folder, or else, where there is only that, the one whose whole name it is.
+    ZRString CaseEntry(const ZRString& folder, const ZRString& file) const;
+
     /// Snapshot and description of a case, from the files that its "Case.xml" names.
     bool GetCaseSnapshot(int caseId, nuo::Image* image);
     bool GetCaseDescription(int caseId, ZRString* text);
 
     // Documents.
 
+    /// Whatever it holds, the document can be read again within ZRFxReadBounds.
     bool WriteXmlFile(const ZRString& name, const nvf::XmlDocument& doc, bool overwrite);
     bool InternalReadXmlFile(const ZRString& name, LogMode logMode, nvf::XmlDocument* doc);
     bool WriteProperties(const ZRString& fileName, const nvf::PropertySetCollection& collection);
@@ -204,6 +209,9 @@ private:
     bool CheckWritable(const ZRString& name);
     bool CheckReadable(const ZRString& name, LogMode logMode) const;
     bool Store(const ZRString& name, const void* data, std::size_t numBytes, bool overwrite);
+    bool StoreDocument(const ZRString& name, const std::string& text, bool overwrite);
+    std::uint64_t DenseLength(const ZRString& name);
+    std::uint64_t DenseDocuments();
     bool LoadMainDocument();
     bool GetCaseFile(int caseId, const char* element, ZRString* fileName, bool* isGiven);
     template <typename Item>
@@ -230,6 +238,7 @@ private:
     std::optional<ZRFxMainDocument> m_mainDocument;
     std::vector<std::pair<std::string, std::size_t>> m_sortedNames;  // With slashes; entry.
     ZRFxReadBounds m_bounds;
+    std::optional<std::uint64_t> m_denseDocuments;  // Their length; counted when it matters.
     nvf::ref<nvf::Logger> m_logger;
 };
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <string>
 #include <utility>
 
 #include "ZROZRFxDatabase.h"
@@ -29,26 +30,19 @@ bool ZRFxBlock::ReadBlock() {
 
 bool ZRFxBlock::WriteBlock() {
     NVF_ASSERT(m_pDatabase);
-    if (!m_pDatabase || !CheckContents()) return false;
-    nvf::XmlDocument doc;
-    if (!DoWriteBlock(CreateRootElement(&doc))) return false;
-    return WriteXml(doc) || Log().fail("File write error");
+    return m_pDatabase && CheckContents() && WriteFiles();
 }
 
 bool ZRFxBlock::WriteBlock(ZRFxDatabase* pDatabase) {
     NVF_ASSERT(pDatabase);
-    if (!pDatabase || !CheckContents()) return false;
+    if (!pDatabase) return false;
     // Keeps this block alive where it is itself the entry that the database replaces.
     const nvf::ref<ZRFxBlock> replaced = pDatabase->GetBlockByID(m_iType, m_iID);
-    if (!pDatabase->RemoveBlockFiles(*this)) return false;
     ZRFxDatabase* const pOwnDatabase = std::exchange(m_pDatabase, pDatabase);
     const ZRString ownFileName = m_sFileName;
-    pDatabase->SetReplacing(true);
-    const bool isWritten = WriteBlock();
-    pDatabase->SetReplacing(false);
+    const bool isWritten = CheckContents() && ReplaceFiles();
     m_pDatabase = pOwnDatabase;
     if (pDatabase != pOwnDatabase) m_sFileName = ownFileName;
-    if (!isWritten) pDatabase->RemoveBlock(*this);
     return isWritten;
 }
 
@@ -67,6 +61,11 @@ ZRString ZRFxBlock::GetFilebase() const {
     char number[16];
     std::snprintf(number, sizeof(number), "%.4d", m_iID);
     return typeName + kFolderSeparator + typeName + number;
+}
+
+ZRString ZRFxBlock::GetDocumentName() const {
+    const bool isNew = m_sFileName.IsBlank() && m_pDatabase;
+    return isNew ? m_pDatabase->EntryName(GetFilebase() + ".xml") : m_sFileName;
 }
 
 ZRString ZRFxBlock::GetFilebase(std::int64_t number) const {
@@ -119,14 +118,17 @@ bool ZRFxBlock::ReadFile(const nvf::XmlElement& element, const char* key,
            m_pDatabase->ReadDataVector(file.filename, file.numItems, items);
 }
 
-bool ZRFxBlock::CheckIndices(const ZRString& file, const char* what,
-                             const ZRIntArray& indices) const {
-    const auto negative =
-        std::find_if(indices.begin(), indices.end(), [](std::int32_t index) { return index < 0; });
-    if (negative == indices.end()) return true;
-    return Log().fail("%1 block ID %2: '%3' holds %4 %5 at position %6, expected none below 0",
-                      ZRFxBlockTypeName(m_iType), m_iID, file, what, *negative,
-                      negative - indices.begin());
+bool ZRFxBlock::CheckIndices(const ZRString& file, const char* what, const ZRIntArray& indices,
+                             std::int32_t highest) const {
+    const auto isIndex = [=](std::int32_t index) { return index >= 0 && index <= highest; };
+    bool areIndices = true;
+    for (const std::int32_t index : indices) areIndices &= isIndex(index);  // all in few steps
+    if (areIndices) return true;
+    const auto wrong = std::find_if_not(indices.begin(), indices.end(), isIndex);
+    const std::string expected = *wrong < 0 ? "none below 0" : "at most " + std::to_string(highest);
+    return Log().fail("%1 block ID %2: '%3' holds %4 %5 at position %6, expected %7",
+                      ZRFxBlockTypeName(m_iType), m_iID, file, what, *wrong,
+                      wrong - indices.begin(), ZRString(expected));
 }
 
 nvf::XmlElement ZRFxBlock::GetRootElement(nvf::XmlDocument* pDoc) const {
@@ -155,6 +157,21 @@ nvf::XmlElement ZRFxBlock::CreateRootElement(nvf::XmlDocument* pDoc) const {
         pDoc->createRootElement(ZRFxBlockTypeName(m_iType).CStr(), kNamespaceUri);
     root.setAttributeInt("ID", m_iID);
     return root;
+}
+
+bool ZRFxBlock::WriteFiles() {
+    nvf::XmlDocument doc;
+    if (!DoWriteBlock(CreateRootElement(&doc))) return false;
+    return WriteXml(doc) || Log().fail("File write error");
+}
+
+bool ZRFxBlock::ReplaceFiles() {
+    if (!m_pDatabase->RemoveBlockFiles(*this)) return false;
+    m_pDatabase->SetReplacing(true);
+    const bool isWritten = WriteFiles();
+    m_pDatabase->SetReplacing(false);
+    if (!isWritten) m_pDatabase->RemoveBlock(*this);
+    return isWritten;
 }
 
 bool ZRFxBlock::WriteXml(const nvf::XmlDocument& doc) {

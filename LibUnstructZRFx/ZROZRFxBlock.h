@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <limits>
 
 #include "ZRArray.h"
 #include "ZROZRFxBlockType.h"
@@ -30,7 +31,9 @@ public:
     /// Reads document and data files, unless that was done already.
     virtual bool ReadBlock();
 
-    /// Writes document and data files, none of which may be in the archive.
+    /// Writes document and data files, none of which may be in the archive. What ReadBlock would
+    /// refuse, or would not give back as it is, is refused with a message before anything is
+    /// written.
     virtual bool WriteBlock();
 
     /// Writes into a database, in place of the block of this type and id that it may hold. The
@@ -62,7 +65,8 @@ protected:
     /// Reads what lies below the root, data files included.
     virtual bool DoReadBlock(const nvf::XmlElement& root) = 0;
 
-    /// Whether the contents can be stored; called before anything is written.
+    /// Whether the contents can be stored and read back; reports why not. Called before anything
+    /// is written, with the database that it is for.
     virtual bool CheckContents() const { return true; }
 
     /// Writes the data files and what lies below the root.
@@ -76,13 +80,23 @@ protected:
     nvf::XmlElement CreateRootElement(nvf::XmlDocument* pDoc) const;
     bool WriteXml(const nvf::XmlDocument& doc);
 
+    /// What messages call the block's document: the entry that it was read from, or else the one
+    /// that it goes to.
+    ZRString GetDocumentName() const;
+
     /// The base name of the files of one of several numbered parts: Elements\Elements0001-0002.
     ZRString GetFilebase(std::int64_t number) const;
 
-    /// Reports that a file does not hold what the block's document says; false. `what` names the
+    /// Reports that a file does not hold what the rest of the block needs; false. `what` names the
     /// items, in the plural.
     bool FailUnfit(const ZRString& file, const char* what, std::int64_t found,
                    std::int64_t expected) const;
+
+    /// Whether there are as many as expected; reports it where not.
+    bool CheckCount(const ZRString& file, const char* what, std::int64_t found,
+                    std::int64_t expected) const {
+        return found == expected || FailUnfit(file, what, found, expected);
+    }
 
     /// Writes an array to a data file and records it under a key of the element.
     bool WriteFile(nvf::XmlElement element, const char* key, const ZRString& name,
@@ -98,8 +112,12 @@ protected:
     bool ReadFile(const nvf::XmlElement& element, const char* key, ZRFloatArray* items) const;
     bool ReadFile(const nvf::XmlElement& element, const char* key, ZRVec3fArray* items) const;
 
-    /// Whether no item is negative; reports the first that is.
-    bool CheckIndices(const ZRString& file, const char* what, const ZRIntArray& indices) const;
+    /// Whether no item is negative or above the highest; reports the first that is.
+    bool CheckIndices(const ZRString& file, const char* what, const ZRIntArray& indices,
+                      std::int32_t highest = std::numeric_limits<std::int32_t>::max()) const;
+
+    /// The highest index that can be stored where indices count from 1 in the file.
+    static constexpr std::int32_t kHighestFromOne = std::numeric_limits<std::int32_t>::max() - 1;
 
     /// Whether contents are in memory, read or built there.
     void SetRead(bool isRead) { m_bRead = isRead; }
@@ -108,6 +126,9 @@ protected:
     ZRFxDatabase* m_pDatabase;
 
 private:
+    bool WriteFiles();
+    bool ReplaceFiles();
+
     int m_iID;
     int m_iType;
     ZRString m_sFileName;

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 #include <memory>
+#include <set>
+#include <string>
 
 #include "ZROZRFxXml.h"
 #include "nvf/Number.h"
@@ -41,12 +43,17 @@ int CrossSectionTypeFromName(const ZRString& name) {
     return CROSS_SECTION_UNKNOWN;
 }
 
+bool ZRFxCrossSection::AreParameterNames(const ZRStringArray& names) {
+    std::set<std::string> found;
+    return std::all_of(names.begin(), names.end(), [&](const ZRString& name) {
+        return isParameterName(name.Bytes()) && found.insert(name.Bytes()).second;
+    });
+}
+
 bool ZRFxCrossSection::SetParameters(const ZRStringArray& names, const std::vector<float>& values) {
     NVF_ASSERT(names.size() == values.size());
     if (names.size() != values.size()) return false;
-    const bool areNames = std::all_of(names.begin(), names.end(), [](const ZRString& name) {
-        return isParameterName(name.Bytes());
-    });
+    const bool areNames = AreParameterNames(names);
     NVF_ASSERT(areNames);
     if (!areNames) return false;
     m_names = names;
@@ -96,12 +103,11 @@ bool ZRFxCrossSectionsBlock::ReadCrossSection(const nvf::XmlElement& element) {
     for (const std::string& name : element.attributeNamesUtf8()) {
         if (name == kTypeAttribute) continue;
         float value = 0;
-        if (!isParameterName(name) ||
-            !nvf::parseNumber(element.getAttributeUtf8(name.c_str(), ""), value))
-            return false;
+        if (!nvf::parseNumber(element.getAttributeUtf8(name.c_str(), ""), value)) return false;
         names.push_back(name);
         values.push_back(value);
     }
+    if (!ZRFxCrossSection::AreParameterNames(names)) return false;
     ZRFxCrossSection crossSection(CrossSectionTypeFromName(GetAttribute(element, kTypeAttribute)));
     crossSection.SetParameters(names, values);
     AddCrossSection(crossSection);

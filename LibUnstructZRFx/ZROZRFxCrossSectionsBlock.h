@@ -33,8 +33,11 @@ class ZRFxCrossSection {
 public:
     explicit ZRFxCrossSection(int type = CROSS_SECTION_UNKNOWN) : m_iType(type) {}
 
+    /// Whether these can be the names of the parameters of one cross section.
+    static bool AreParameterNames(const ZRStringArray& names);
+
     /// Replaces the parameters. False after an assertion when there are not as many values as
-    /// names, or a name is not one.
+    /// names, a name is not one, or is there twice.
     bool SetParameters(const ZRStringArray& names, const std::vector<float>& values);
 
     int GetType() const { return m_iType; }

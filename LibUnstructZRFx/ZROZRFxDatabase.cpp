@@ -51,6 +51,7 @@ bool ZRFxDatabase::Create(const ZRString& name, int id, const ZRString& sourceNa
                           ZRFEMSimulationType simulationType, ZRFEMSolutionType solutionType,
                           const ZRString& description) {
     if (!GetAccess()) return false;
+    if (id < 0) return FailID(id);
     int numDatabases = 0;
     if (!GetAccess()->GetNumDatabases(&numDatabases)) return Log().fail("File structure error.");
     ZRFxDatabaseInfo existing;
@@ -212,6 +213,10 @@ nvf::ref<nvf::XmlDocument> ZRFxDatabase::CreateDescription() const {
     return doc;
 }
 
+bool ZRFxDatabase::FailID(int id) const {
+    return Log().fail("Invalid Database ID %1 specified", id);
+}
+
 void ZRFxDatabase::StartTOC() {
     m_tocLines.clear();
     m_pTOC = new nvf::XmlDocument;
@@ -251,7 +256,7 @@ bool ZRFxDatabase::ParseDescription(const ZRFxDatabaseInfo& info) {
     m_eSimulationType = SimulationTypeFromName(GetAttribute(root, "SimulationType"));
     m_eSolutionType = SolutionTypeFromName(GetAttribute(root, "SolutionType"));
     m_sDescription = GetText(root.firstChildElement("Description"));
-    if (m_iID < 0) return Log().fail("Invalid Database ID %1 specified", m_iID);
+    if (m_iID < 0) return FailID(m_iID);
     return !GetFolder().IsBlank() || Log().fail("Invalid Database Folder, is blank.");
 }
 

@@ -27,7 +27,7 @@ class ZRFxDatabase : public ZRFxDataFolder {
 public:
     explicit ZRFxDatabase(ZRFxAccess* pAccess);
 
-    /// Starts a new database and registers it. Its id must not be in use.
+    /// Starts a new database and registers it. Its id must not be negative, nor in use.
     bool Create(const ZRString& name, int id, const ZRString& sourceName,
                 ZRFEMSimulationType simulationType, ZRFEMSolutionType solutionType,
                 const ZRString& description);
@@ -98,6 +98,7 @@ private:
     };
 
     nvf::ref<nvf::XmlDocument> CreateDescription() const;
+    bool FailID(int id) const;
     void StartTOC();
     void EnterInTOC(const ZRString& typeName, int id, const ZRString& fileName);
 

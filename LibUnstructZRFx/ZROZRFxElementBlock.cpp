@@ -1,6 +1,7 @@
 #include "ZROZRFxElementBlock.h"
 
 #include <algorithm>
+#include <array>
 #include <limits>
 #include <numeric>
 #include <utility>
@@ -11,6 +12,28 @@
 
 namespace unstruct {
 namespace {
+
+constexpr const char* kElementIndices = "element indices";
+constexpr const char* kSectionIndices = "cross section indices";
+
+// An array that only polyhedrons have: the key of its record, and its file.
+struct Extra {
+    const char* key;
+    const char* suffix;
+    ZRIntArray ZRFxElementBlockGroup::*items;
+};
+
+// The file of the node counts and its record have different names in the format.
+constexpr std::array kExtras{
+    Extra{"PolyhedronElementNodeCounts", "-PolyhedronStartNodes",
+          &ZRFxElementBlockGroup::m_aiPolyhedronElementNodeCounts},
+    Extra{"PolyhedronFaceCounts", "-PolyhedronFaceCounts",
+          &ZRFxElementBlockGroup::m_aiPolyhedronFaceCounts},
+    Extra{"PolyhedronFaceLocalNodes", "-PolyhedronFaceLocalNodes",
+          &ZRFxElementBlockGroup::m_aiPolyhedronFaceLocalNodes},
+    Extra{"PolyhedronFaceNodeCounts", "-PolyhedronFaceNodeCounts",
+          &ZRFxElementBlockGroup::m_aiPolyhedronFaceNodeCounts},
+};
 
 std::int64_t sumOf(const ZRIntArray& counts) {
     return std::accumulate(counts.begin(), counts.end(), std::int64_t{0});
@@ -38,10 +61,7 @@ bool ZRFxElementBlock::AddElementGroup(std::unique_ptr<ZRFxElementBlockGroup>& p
     if (!pGroup) return false;
     const bool hasIDs = !pGroup->m_aiIDs.IsEmpty();
     if (m_apElementGroups.IsEmpty()) m_bWithIDs = hasIDs;
-    if (hasIDs != m_bWithIDs) {
-        return Log().fail("Either all element groups must have IDs or none. (Element block ID %1)",
-                          GetID());
-    }
+    if (hasIDs != m_bWithIDs) return FailMixedIDs();
     m_apElementGroups.Add(std::move(pGroup));
     SetRead(true);
     return true;
@@ -132,6 +152,20 @@ bool ZRFxElementBlock::DoReadBlock(const nvf::XmlElement& root) {
     return true;
 }
 
+bool ZRFxElementBlock::CheckContents() const {
+    for (std::int64_t i = 0; i < m_apElementGroups.GetSize(); ++i) {
+        if (!CheckGroup(*m_apElementGroups[i], GetFilebase(i + 1))) return false;
+    }
+    for (std::int64_t i = 0; i < m_apUserProperties.GetSize(); ++i) {
+        const ZRIntArray& properties = *m_apUserProperties[i];
+        if (!properties.IsEmpty() &&
+            !CheckProperties(properties, GetFilebase(i + 1) + "-Properties")) {
+            return false;
+        }
+    }
+    return true;
+}
+
 bool ZRFxElementBlock::DoWriteBlock(nvf::XmlElement root) {
     root.setAttributeInt("NodeBlock", m_iNodeBlockID);
     root.setAttributeBool("MapToNodeIDs", m_bMapToNodeIDs);
@@ -184,25 +218,19 @@ bool ZRFxElementBlock::WriteConnectivity(const ZRFxElementBlockGroup& group, con
 
 bool ZRFxElementBlock::WriteExpansion(nvf::XmlElement element, const ZRFxElementBlockGroup& group,
                                       const ZRString& base) {
-    if (m_iCrossSectionsID < 0 || group.m_aiExpansionMapping.IsEmpty()) return true;
+    if (!IsExpanded(group)) return true;
     return WriteFile(element, "ElementToCrossSectionMapping", base + "-ExpansionMapping",
                      group.m_aiExpansionMapping) &&
            WriteFile(element, "Directions", base + "-Directions", group.m_aDirections) &&
            WriteFile(element, "Eccentricities", base + "-Eccentricities", group.m_aEccentricities);
 }
 
-// The file of the node counts and its record have different names in the format.
 bool ZRFxElementBlock::WritePolyhedrons(nvf::XmlElement element, const ZRFxElementBlockGroup& group,
                                         const ZRString& base) {
-    if (!group.IsPolyhedron()) return true;
-    return WriteFile(element, "PolyhedronElementNodeCounts", base + "-PolyhedronStartNodes",
-                     group.m_aiPolyhedronElementNodeCounts) &&
-           WriteFile(element, "PolyhedronFaceCounts", base + "-PolyhedronFaceCounts",
-                     group.m_aiPolyhedronFaceCounts) &&
-           WriteFile(element, "PolyhedronFaceLocalNodes", base + "-PolyhedronFaceLocalNodes",
-                     group.m_aiPolyhedronFaceLocalNodes) &&
-           WriteFile(element, "PolyhedronFaceNodeCounts", base + "-PolyhedronFaceNodeCounts",
-                     group.m_aiPolyhedronFaceNodeCounts);
+    return !group.IsPolyhedron() ||
+           std::all_of(kExtras.begin(), kExtras.end(), [&](const Extra& extra) {
+               return WriteFile(element, extra.key, base + extra.suffix, group.*extra.items);
+           });
 }
 
 // An empty array writes nothing but keeps its number.
@@ -220,7 +248,6 @@ bool ZRFxElementBlock::ReadGroup(const nvf::XmlElement& element, ZRFxElementBloc
     }
     group->m_iElementType = ZRFEMElementTypeFromName(GetAttribute(element, "Type"));
     group->m_iNumElements = file.numItems;
-    if (file.numItems < 0) return FailUnfit(file.filename, "elements", file.numItems, 0);
     if (!ReadConnectivity(element, file.filename, group)) return false;
     if (!file.ids.IsBlank() &&
         !m_pDatabase->ReadDataInt(file.ids, file.numItems, &group->m_aiIDs)) {
@@ -233,17 +260,12 @@ bool ZRFxElementBlock::ReadGroup(const nvf::XmlElement& element, ZRFxElementBloc
 bool ZRFxElementBlock::ReadConnectivity(const nvf::XmlElement& element, const ZRString& name,
                                         ZRFxElementBlockGroup* group) {
     const int numNodes = element.getAttributeInt("NumElementNodes", -1);
-    const std::int64_t expected =
-        ZRFEMNodesPerElement(group->m_iElementType) * group->m_iNumElements;
-    if (!group->IsPolyhedron() && numNodes != expected) {
-        return FailUnfit(name, "element nodes", numNodes, expected);
-    }
+    if (!CheckElementCount(*group, numNodes, name)) return false;
     if (!m_pDatabase->ReadDataInt(name, numNodes, &group->m_aiConnectivity)) {
         return Log().fail("Error reading element data");
     }
-    if (m_bMapToNodeIDs) return true;
-    if (!addToAll(-1, &group->m_aiConnectivity)) return false;
-    return CheckIndices(name, "node index", group->m_aiConnectivity);
+    if (!m_bMapToNodeIDs && !addToAll(-1, &group->m_aiConnectivity)) return false;
+    return CheckConnectivity(*group, name);
 }
 
 bool ZRFxElementBlock::ReadElementIndices(const nvf::XmlElement& element,
@@ -253,13 +275,13 @@ bool ZRFxElementBlock::ReadElementIndices(const nvf::XmlElement& element,
     if (!GetFileRecord(element, "ElementIndices", &file)) {
         return Log().fail("Error reading element indices");
     }
-    if (file.numItems != group->m_iNumElements) {
-        return FailUnfit(file.filename, "element indices", file.numItems, group->m_iNumElements);
+    if (!CheckCount(file.filename, kElementIndices, file.numItems, group->m_iNumElements)) {
+        return false;
     }
     if (!m_pDatabase->ReadDataInt(file.filename, file.numItems, &group->m_aiElementIndices)) {
         return Log().fail("Error reading element indices");
     }
-    return CheckIndices(file.filename, "element index", group->m_aiElementIndices);
+    return CheckElementIndices(*group, file.filename);
 }
 
 bool ZRFxElementBlock::ReadExpansion(const nvf::XmlElement& element, ZRFxElementBlockGroup* group) {
@@ -268,45 +290,93 @@ bool ZRFxElementBlock::ReadExpansion(const nvf::XmlElement& element, ZRFxElement
     if (!GetFileRecord(element, "ElementToCrossSectionMapping", &mapping)) {
         return Log().fail("Error reading element data");
     }
-    if (mapping.numItems != group->m_iNumElements) {
-        return FailUnfit(mapping.filename, "cross section indices", mapping.numItems,
-                         group->m_iNumElements);
+    if (!CheckCount(mapping.filename, kSectionIndices, mapping.numItems, group->m_iNumElements)) {
+        return false;
     }
     if (!ReadFile(element, "ElementToCrossSectionMapping", &group->m_aiExpansionMapping) ||
         !ReadFile(element, "Directions", &group->m_aDirections) ||
         !ReadFile(element, "Eccentricities", &group->m_aEccentricities)) {
         return Log().fail("Error reading element data");
     }
-    const std::int64_t numEccentricities = m_iNumEccPerElement * group->m_iNumElements;
-    if (group->m_aEccentricities.GetSize() != numEccentricities) {
-        return FailUnfit(GetFileName(), "eccentricities", group->m_aEccentricities.GetSize(),
-                         numEccentricities);
-    }
-    return CheckIndices(mapping.filename, "cross section index", group->m_aiExpansionMapping);
+    return CheckExpansion(*group, mapping.filename);
 }
 
 bool ZRFxElementBlock::ReadPolyhedrons(const nvf::XmlElement& element,
                                        ZRFxElementBlockGroup* group) {
     if (!group->IsPolyhedron()) return true;
-    if (!ReadExtra(element, "PolyhedronElementNodeCounts",
-                   &group->m_aiPolyhedronElementNodeCounts)) {
-        return Log().fail("Error reading polyhedrons (PolyhedronElementNodeCounts)");
-    }
-    if (!ReadExtra(element, "PolyhedronFaceCounts", &group->m_aiPolyhedronFaceCounts)) {
-        return Log().fail("Error reading polyhedrons (PolyhedronFaceCounts)");
-    }
-    if (!ReadExtra(element, "PolyhedronFaceLocalNodes", &group->m_aiPolyhedronFaceLocalNodes)) {
-        return Log().fail("Error reading polyhedrons (PolyhedronFaceLocalNodes)");
-    }
-    if (!ReadExtra(element, "PolyhedronFaceNodeCounts", &group->m_aiPolyhedronFaceNodeCounts)) {
-        return Log().fail("Error reading polyhedrons (PolyhedronFaceNodeCounts)");
+    for (const Extra& extra : kExtras) {
+        ZRIntArray& items = group->*extra.items;
+        if (!ReadFile(element, extra.key, &items) ||
+            !CheckIndices(GetDocumentName(), extra.key, items)) {
+            return Log().fail("Error reading polyhedrons (%1)", ZRString(extra.key));
+        }
     }
     return CheckPolyhedrons(*group);
 }
 
-bool ZRFxElementBlock::ReadExtra(const nvf::XmlElement& element, const char* key,
-                                 ZRIntArray* items) {
-    return ReadFile(element, key, items) && CheckIndices(GetFileName(), key, *items);
+bool ZRFxElementBlock::ReadProperties(const nvf::XmlElement& element) {
+    auto properties = std::make_unique<ZRIntArray>();
+    ZRFxFileRecord file;
+    if (!GetFileRecord(element, "File", &file) ||
+        !m_pDatabase->ReadDataInt(file.filename, file.numItems, properties.get())) {
+        return Log().fail("Error reading element data");
+    }
+    if (!CheckProperties(*properties, file.filename)) return false;
+    AddUserProperties(std::move(properties));
+    return true;
+}
+
+bool ZRFxElementBlock::CheckGroup(const ZRFxElementBlockGroup& group, const ZRString& base) const {
+    return CheckElementCount(group, group.m_aiConnectivity.GetSize(), base) &&
+           CheckConnectivity(group, base) && CheckIDs(group, base + "-IDs") &&
+           (group.m_aiElementIndices.IsEmpty() ||
+            CheckElementIndices(group, base + "-ElementIndices")) &&
+           (!IsExpanded(group) || CheckExpansion(group, base + "-ExpansionMapping")) &&
+           (!group.IsPolyhedron() || (CheckExtras(group) && CheckPolyhedrons(group)));
+}
+
+bool ZRFxElementBlock::CheckIDs(const ZRFxElementBlockGroup& group, const ZRString& file) const {
+    if (m_bWithIDs == group.m_aiIDs.IsEmpty()) return FailMixedIDs();
+    return !m_bWithIDs || CheckCount(file, "IDs", group.m_aiIDs.GetSize(), group.m_iNumElements);
+}
+
+bool ZRFxElementBlock::CheckElementCount(const ZRFxElementBlockGroup& group, std::int64_t numNodes,
+                                         const ZRString& file) const {
+    if (group.m_iNumElements < 0) return FailUnfit(file, "elements", group.m_iNumElements, 0);
+    const std::int64_t expected = ZRFEMNodesPerElement(group.m_iElementType) * group.m_iNumElements;
+    return group.IsPolyhedron() || CheckCount(file, "element nodes", numNodes, expected);
+}
+
+bool ZRFxElementBlock::CheckConnectivity(const ZRFxElementBlockGroup& group,
+                                         const ZRString& file) const {
+    return m_bMapToNodeIDs ||
+           CheckIndices(file, "node index", group.m_aiConnectivity, kHighestFromOne);
+}
+
+bool ZRFxElementBlock::CheckElementIndices(const ZRFxElementBlockGroup& group,
+                                           const ZRString& file) const {
+    const ZRIntArray& indices = group.m_aiElementIndices;
+    return CheckCount(file, kElementIndices, indices.GetSize(), group.m_iNumElements) &&
+           CheckIndices(file, "element index", indices);
+}
+
+bool ZRFxElementBlock::CheckExpansion(const ZRFxElementBlockGroup& group,
+                                      const ZRString& mappingFile) const {
+    const ZRIntArray& mapping = group.m_aiExpansionMapping;
+    return CheckCount(mappingFile, kSectionIndices, mapping.GetSize(), group.m_iNumElements) &&
+           CheckCount(GetDocumentName(), "eccentricities", group.m_aEccentricities.GetSize(),
+                      m_iNumEccPerElement * group.m_iNumElements) &&
+           CheckIndices(mappingFile, "cross section index", mapping);
+}
+
+bool ZRFxElementBlock::IsExpanded(const ZRFxElementBlockGroup& group) const {
+    return m_iCrossSectionsID >= 0 && !group.m_aiExpansionMapping.IsEmpty();
+}
+
+bool ZRFxElementBlock::CheckExtras(const ZRFxElementBlockGroup& group) const {
+    return std::all_of(kExtras.begin(), kExtras.end(), [&](const Extra& extra) {
+        return CheckIndices(GetDocumentName(), extra.key, group.*extra.items);
+    });
 }
 
 // The four arrays describe each other: who walks the faces of the elements stays inside all of
@@ -316,27 +386,14 @@ bool ZRFxElementBlock::CheckPolyhedrons(const ZRFxElementBlockGroup& group) cons
     const ZRIntArray& faceCounts = group.m_aiPolyhedronFaceCounts;
     const ZRIntArray& faceNodeCounts = group.m_aiPolyhedronFaceNodeCounts;
     const ZRIntArray& localNodes = group.m_aiPolyhedronFaceLocalNodes;
-    const ZRString file = GetFileName();
-    if (nodeCounts.GetSize() != group.m_iNumElements) {
-        return FailUnfit(file, "polyhedron node counts", nodeCounts.GetSize(),
-                         group.m_iNumElements);
-    }
-    if (faceCounts.GetSize() != group.m_iNumElements) {
-        return FailUnfit(file, "polyhedron face counts", faceCounts.GetSize(),
-                         group.m_iNumElements);
-    }
-    if (sumOf(nodeCounts) != group.m_aiConnectivity.GetSize()) {
-        return FailUnfit(file, "polyhedron nodes", group.m_aiConnectivity.GetSize(),
-                         sumOf(nodeCounts));
-    }
-    if (sumOf(faceCounts) != faceNodeCounts.GetSize()) {
-        return FailUnfit(file, "polyhedron faces", faceNodeCounts.GetSize(), sumOf(faceCounts));
-    }
-    if (sumOf(faceNodeCounts) != localNodes.GetSize()) {
-        return FailUnfit(file, "polyhedron face nodes", localNodes.GetSize(),
-                         sumOf(faceNodeCounts));
-    }
-    return CheckLocalNodes(group);
+    const ZRString file = GetDocumentName();
+    return CheckCount(file, "polyhedron node counts", nodeCounts.GetSize(), group.m_iNumElements) &&
+           CheckCount(file, "polyhedron face counts", faceCounts.GetSize(), group.m_iNumElements) &&
+           CheckCount(file, "polyhedron nodes", group.m_aiConnectivity.GetSize(),
+                      sumOf(nodeCounts)) &&
+           CheckCount(file, "polyhedron faces", faceNodeCounts.GetSize(), sumOf(faceCounts)) &&
+           CheckCount(file, "polyhedron face nodes", localNodes.GetSize(), sumOf(faceNodeCounts)) &&
+           CheckLocalNodes(group);
 }
 
 bool ZRFxElementBlock::CheckLocalNodes(const ZRFxElementBlockGroup& group) const {
@@ -351,7 +408,7 @@ bool ZRFxElementBlock::CheckLocalNodes(const ZRFxElementBlockGroup& group) const
                 return Log().fail(
                     "Elements block ID %1: '%2' holds local node %3 in polyhedron %4, expected "
                     "less than %5",
-                    GetID(), GetFileName(), *localNode, element, numNodes);
+                    GetID(), GetDocumentName(), *localNode, element, numNodes);
             }
         }
     }
@@ -363,18 +420,8 @@ bool ZRFxElementBlock::FailMixedIDs() const {
                       GetID());
 }
 
-bool ZRFxElementBlock::ReadProperties(const nvf::XmlElement& element) {
-    auto properties = std::make_unique<ZRIntArray>();
-    ZRFxFileRecord file;
-    if (!GetFileRecord(element, "File", &file) ||
-        !m_pDatabase->ReadDataInt(file.filename, file.numItems, properties.get())) {
-        return Log().fail("Error reading element data");
-    }
-    if (file.numItems != GetNumElements()) {
-        return FailUnfit(file.filename, "properties", file.numItems, GetNumElements());
-    }
-    AddUserProperties(std::move(properties));
-    return true;
+bool ZRFxElementBlock::CheckProperties(const ZRIntArray& properties, const ZRString& file) const {
+    return CheckCount(file, "properties", properties.GetSize(), GetNumElements());
 }
 
 }  // namespace unstruct

@@ -46,6 +46,9 @@ public:
     void SetMapToNodeIDs(bool mapToNodeIDs) { m_bMapToNodeIDs = mapToNodeIDs; }
     bool GetWithIDs() const { return m_bWithIDs; }
 
+    /// Says it of a block without groups; afterwards the first group does.
+    void SetWithIDs(bool withIDs) { m_bWithIDs = withIDs; }
+
     /// The cross sections block that beams are expanded with; -1 when there is none.
     int GetCrossSectionsID() const { return m_iCrossSectionsID; }
     void SetCrossSectionsID(int id) { m_iCrossSectionsID = id; }
@@ -54,6 +57,7 @@ public:
 
 protected:
     bool DoReadBlock(const nvf::XmlElement& root) override;
+    bool CheckContents() const override;
     bool DoWriteBlock(nvf::XmlElement root) override;
     void DoUnloadData() override;
 
@@ -72,11 +76,23 @@ private:
     bool ReadElementIndices(const nvf::XmlElement& element, ZRFxElementBlockGroup* group);
     bool ReadExpansion(const nvf::XmlElement& element, ZRFxElementBlockGroup* group);
     bool ReadPolyhedrons(const nvf::XmlElement& element, ZRFxElementBlockGroup* group);
-    bool ReadExtra(const nvf::XmlElement& element, const char* key, ZRIntArray* items);
+    bool ReadProperties(const nvf::XmlElement& element);
+
+    /// Checks that reading and writing share: reading names files as documents record them, writing
+    /// as it will write them.
+    bool CheckGroup(const ZRFxElementBlockGroup& group, const ZRString& base) const;
+    bool CheckIDs(const ZRFxElementBlockGroup& group, const ZRString& file) const;
+    bool CheckElementCount(const ZRFxElementBlockGroup& group, std::int64_t numNodes,
+                           const ZRString& file) const;
+    bool CheckConnectivity(const ZRFxElementBlockGroup& group, const ZRString& file) const;
+    bool CheckElementIndices(const ZRFxElementBlockGroup& group, const ZRString& file) const;
+    bool CheckExpansion(const ZRFxElementBlockGroup& group, const ZRString& mappingFile) const;
+    bool IsExpanded(const ZRFxElementBlockGroup& group) const;
+    bool CheckExtras(const ZRFxElementBlockGroup& group) const;
     bool CheckPolyhedrons(const ZRFxElementBlockGroup& group) const;
     bool CheckLocalNodes(const ZRFxElementBlockGroup& group) const;
+    bool CheckProperties(const ZRIntArray& properties, const ZRString& file) const;
     bool FailMixedIDs() const;
-    bool ReadProperties(const nvf::XmlElement& element);
 
     int m_iNodeBlockID = -1;
     int m_iCrossSectionsID = -1;

@@ -1,6 +1,7 @@
 #include "ZROZRFxGeometryBlock.h"
 
 #include <algorithm>
+#include <climits>
 #include <memory>
 #include <set>
 #include <string_view>
@@ -13,7 +14,22 @@ namespace {
 
 using ZRint = int;
 
+constexpr const char* kCount = "GeometryCountPerState";
 constexpr const char* kLegacyIDs = "VexlynAPIGeometryIDs";
+
+// The geometries that a document has per state: as many as it says, or else as it numbers.
+int countGeometries(const nvf::XmlElement& root) {
+    if (root.hasAttribute(kCount)) return root.getAttributeInt(kCount, 0);
+    int highest = 0;
+    for (nvf::XmlElement state = root.firstChildElement("State"); state.notNull();
+         state = state.nextSiblingElement("State")) {
+        for (nvf::XmlElement geometry = state.firstChildElement("Geometry"); geometry.notNull();
+             geometry = geometry.nextSiblingElement("Geometry")) {
+            highest = std::max(highest, geometry.getAttributeInt("Index", -1));
+        }
+    }
+    return highest < INT_MAX ? highest + 1 : highest;
+}
 
 // Takes the next number off the front of a list with blanks between; -1 when there is none.
 int takeNumber(std::string_view& list) {
@@ -105,7 +121,7 @@ bool ZRFxGeometryBlock::HasGeometryCountPerState() const {
     nvf::XmlDocument doc;
     const nvf::XmlElement root = GetRootElement(&doc);
     if (root.isNull()) return Log().fail("Invalid XML");
-    return root.hasAttribute("GeometryCountPerState");
+    return root.hasAttribute(kCount);
 }
 
 bool ZRFxGeometryBlock::GetLegacyGeometryInfo(ZRFxGeometryInfoBlock* pGeometryInfo) const {
@@ -163,15 +179,12 @@ bool ZRFxGeometryBlock::FillGeometryInfos(const ZRFxGeometryInfoBlock& partInfos
 
 bool ZRFxGeometryBlock::DoReadBlock(const nvf::XmlElement& root) {
     DoUnloadData();
-    const bool isLegacy = !root.hasAttribute("GeometryCountPerState");
-    m_iGeometryCountPerState = isLegacy ? 1 : root.getAttributeInt("GeometryCountPerState", 0);
-    if (m_iGeometryCountPerState < 1 || m_iGeometryCountPerState > kMostGeometriesPerState) {
-        return FailUnfit(GetFileName(), "geometries per state", m_iGeometryCountPerState, 1);
-    }
+    m_iGeometryCountPerState = countGeometries(root);
+    if (!CheckGeometryCount()) return false;
     for (nvf::XmlElement element = root.firstChildElement("State"); element.notNull();
          element = element.nextSiblingElement("State")) {
         ZRFxGeometryState* pState = AddState(element.getAttributeInt("ID", -1));
-        const bool isRead = element.firstChildElement("Geometry").isNull() && isLegacy
+        const bool isRead = element.firstChildElement("Geometry").isNull()
                                 ? ReadLegacyParts(element, pState)
                                 : ReadGeometries(element, pState);
         if (!isRead) return false;
@@ -179,8 +192,14 @@ bool ZRFxGeometryBlock::DoReadBlock(const nvf::XmlElement& root) {
     return true;
 }
 
+bool ZRFxGeometryBlock::CheckContents() const {
+    return CheckGeometryCount() &&
+           std::all_of(m_apStates.begin(), m_apStates.end(),
+                       [this](const auto& pState) { return CheckState(*pState); });
+}
+
 bool ZRFxGeometryBlock::DoWriteBlock(nvf::XmlElement root) {
-    root.setAttributeInt("GeometryCountPerState", m_iGeometryCountPerState);
+    root.setAttributeInt(kCount, m_iGeometryCountPerState);
     for (const auto& pState : m_apStates) {
         NVF_ASSERT(pState);
         nvf::XmlElement state = root.addChildElement("State");
@@ -225,10 +244,7 @@ bool ZRFxGeometryBlock::ReadGeometries(const nvf::XmlElement& element, ZRFxGeome
     for (nvf::XmlElement geometry = element.firstChildElement("Geometry"); geometry.notNull();
          geometry = geometry.nextSiblingElement("Geometry")) {
         const int index = geometry.getAttributeInt("Index", -1);
-        if (index < 0 || index >= m_iGeometryCountPerState) {
-            return Log().fail(
-                "Illegal Geometry Index specified in Geometry::State::Geometry block");
-        }
+        if (index < 0 || index >= m_iGeometryCountPerState) return FailIndex();
         for (nvf::XmlElement child = geometry.firstChildElement(); child.notNull();
              child = child.nextSiblingElement()) {
             ZRFxGeometryPart part;
@@ -241,9 +257,11 @@ bool ZRFxGeometryBlock::ReadGeometries(const nvf::XmlElement& element, ZRFxGeome
 }
 
 // The legacy layout has the parts of its one geometry directly below the state, and their geometry
-// ids as a list of numbers in an attribute of it.
+// ids as a list of numbers in an attribute of it. A state without children has no parts in either
+// layout.
 bool ZRFxGeometryBlock::ReadLegacyParts(const nvf::XmlElement& element, ZRFxGeometryState* pState) {
-    NVF_ASSERT(m_iGeometryCountPerState == 1);
+    if (element.firstChildElement().isNull()) return true;
+    if (m_iGeometryCountPerState != 1) return FailGeometryCount();
     std::string_view geometryIDs = element.getAttributeUtf8(kLegacyIDs, "");
     for (nvf::XmlElement child = element.firstChildElement(); child.notNull();
          child = child.nextSiblingElement()) {
@@ -257,12 +275,42 @@ bool ZRFxGeometryBlock::ReadLegacyParts(const nvf::XmlElement& element, ZRFxGeom
 
 bool ZRFxGeometryBlock::ReadPart(const nvf::XmlElement& element, ZRFxGeometryPart* part) const {
     part->blockType = ZRFxBlockTypeFromName(ZRString(element.nameUtf8()));
-    if (part->blockType != BLOCK_ELEMENTS && part->blockType != BLOCK_INDEXED_FACE_SET) {
-        return Log().fail("Only Elements and Indexed face sets are allowed in geometry spec");
-    }
     part->blockID = element.getAttributeInt("BlockID", -1);
     part->partID = element.getAttributeInt("PartID", -1);
+    return CheckPart(*part);
+}
+
+bool ZRFxGeometryBlock::CheckGeometryCount() const {
+    return (m_iGeometryCountPerState >= 1 && m_iGeometryCountPerState <= kMostGeometriesPerState) ||
+           FailGeometryCount();
+}
+
+bool ZRFxGeometryBlock::CheckState(const ZRFxGeometryState& state) const {
+    const int count = state.GetGeometryCountPerState();
+    if (count > m_iGeometryCountPerState) return FailIndex();
+    if (count < m_iGeometryCountPerState) {
+        return FailUnfit(GetDocumentName(), "geometries of a state", count,
+                         m_iGeometryCountPerState);
+    }
+    for (int geometry = 0; geometry < count; ++geometry) {
+        for (int i = 0; i < state.GetPartCount(geometry); ++i) {
+            if (!CheckPart(state.GetPart(geometry, i))) return false;
+        }
+    }
     return true;
+}
+
+bool ZRFxGeometryBlock::CheckPart(const ZRFxGeometryPart& part) const {
+    return part.blockType == BLOCK_ELEMENTS || part.blockType == BLOCK_INDEXED_FACE_SET ||
+           Log().fail("Only Elements and Indexed face sets are allowed in geometry spec");
+}
+
+bool ZRFxGeometryBlock::FailGeometryCount() const {
+    return FailUnfit(GetDocumentName(), "geometries per state", m_iGeometryCountPerState, 1);
+}
+
+bool ZRFxGeometryBlock::FailIndex() const {
+    return Log().fail("Illegal Geometry Index specified in Geometry::State::Geometry block");
 }
 
 }  // namespace unstruct

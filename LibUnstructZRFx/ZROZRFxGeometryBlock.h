@@ -98,6 +98,7 @@ public:
     std::int64_t GetStateCount() const { return m_apStates.GetSize(); }
     ZRFxGeometryState* GetState(std::int64_t index) const { return m_apStates[index]; }
 
+<<<<<<< HEAD
     /// The first record of a state; null when it has none.
     ZRFxGeometryState* FindState(int stateID) const {
         return m_apStates[m_indices.IndexOf(stateID)];
@@ -105,6 +106,10 @@ public:
 
     /// Whether the document says how many geometries a state has; those of the legacy layout do
     /// not.
+=======
+    /// Whether the document says how many geometries a state has. Where it does not, they are those
+    /// that it numbers, and one in the legacy layout, which a state has that names no geometry.
+>>>>>>> helper-b
     bool HasGeometryCountPerState() const;
 
     /// For a document of the legacy layout, which also tells what a geometry info block tells:
@@ -120,6 +125,7 @@ public:
 
 protected:
     bool DoReadBlock(const nvf::XmlElement& root) override;
+    bool CheckContents() const override;
     bool DoWriteBlock(nvf::XmlElement root) override;
     void DoUnloadData() override;
 
@@ -129,6 +135,11 @@ private:
     bool ReadGeometries(const nvf::XmlElement& element, ZRFxGeometryState* pState);
     bool ReadLegacyParts(const nvf::XmlElement& element, ZRFxGeometryState* pState);
     bool ReadPart(const nvf::XmlElement& element, ZRFxGeometryPart* part) const;
+    bool CheckGeometryCount() const;
+    bool CheckState(const ZRFxGeometryState& state) const;
+    bool CheckPart(const ZRFxGeometryPart& part) const;
+    bool FailGeometryCount() const;
+    bool FailIndex() const;
 
     int m_iGeometryCountPerState = 1;
     ZRPtrArray<ZRFxGeometryState> m_apStates;

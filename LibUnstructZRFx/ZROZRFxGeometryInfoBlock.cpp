@@ -38,9 +38,7 @@ ZRFxPartInfos* ZRFxGeometryInfoBlock::GetPartInfos(int iGeometryIndex) {
 
 bool ZRFxGeometryInfoBlock::DoReadBlock(const nvf::XmlElement& root) {
     const int count = root.getAttributeInt("GeometryCountPerState", -1);
-    if (count < 0 || count > kMostGeometriesPerState) {
-        return Log().fail("GeometryInfo::GeometryCountPerState invalid");
-    }
+    if (!CheckGeometryCount(count)) return false;
     m_geometries.assign(static_cast<std::size_t>(count), {});
     for (nvf::XmlElement geometry = root.firstChildElement("Geometry"); geometry.notNull();
          geometry = geometry.nextSiblingElement("Geometry")) {
@@ -79,6 +77,11 @@ bool ZRFxGeometryInfoBlock::DoWriteBlock(nvf::XmlElement root) {
 
 void ZRFxGeometryInfoBlock::DoUnloadData() {
     m_geometries.clear();
+}
+
+bool ZRFxGeometryInfoBlock::CheckGeometryCount(int count) const {
+    return (count >= 0 && count <= kMostGeometriesPerState) ||
+           Log().fail("GeometryInfo::GeometryCountPerState invalid");
 }
 
 }  // namespace unstruct

@@ -6,7 +6,7 @@
 
 namespace unstruct {
 
-/// More geometries in a state than this are refused when a file is read.
+/// More geometries in a state than this are refused, reading and writing.
 inline constexpr int kMostGeometriesPerState = 100000;
 
 /// What a geometry info block tells of a part.
@@ -46,10 +46,13 @@ public:
 
 protected:
     bool DoReadBlock(const nvf::XmlElement& root) override;
+    bool CheckContents() const override { return CheckGeometryCount(GetGeometryCountPerState()); }
     bool DoWriteBlock(nvf::XmlElement root) override;
     void DoUnloadData() override;
 
 private:
+    bool CheckGeometryCount(int count) const;
+
     std::vector<ZRFxPartInfos> m_geometries;
 };
 

@@ -36,7 +36,7 @@ bool ZRFxIndexedFaceSetBlock::DoReadBlock(const nvf::XmlElement& root) {
         !m_pDatabase->ReadDataInt(file.filename, file.numItems, &packed)) {
         return Log().fail("Error reading IFS connects (IFS block ID %1)", GetID());
     }
-    if (!Unpack(file.filename, packed, numPolygons)) return false;
+    if (!Unpack(file.filename, packed, numPolygons) || !CheckPolygons(file.filename)) return false;
     if (!isWithIDs) return true;
     m_paiIDs = std::make_unique<ZRIntArray>();
     return m_pDatabase->ReadDataInt(file.ids, numPolygons, m_paiIDs.get()) ||
@@ -44,15 +44,9 @@ bool ZRFxIndexedFaceSetBlock::DoReadBlock(const nvf::XmlElement& root) {
 }
 
 bool ZRFxIndexedFaceSetBlock::CheckContents() const {
-    std::int64_t previous = 0;
-    bool areRanges = true;
-    for (const std::int32_t start : m_aiPolygonStart) {
-        areRanges = areRanges && start >= previous;
-        previous = start;
-    }
-    areRanges = areRanges && previous <= m_aiConnects.GetSize();
-    NVF_ASSERT_MESSAGE(areRanges, "Internal ZRF Error!");
-    return areRanges;
+    if (!CheckPolygons(GetFilebase())) return false;
+    return !m_paiIDs ||
+           CheckCount(GetFilebase() + "-IDs", "IDs", m_paiIDs->GetSize(), GetNumPolygons());
 }
 
 bool ZRFxIndexedFaceSetBlock::DoWriteBlock(nvf::XmlElement root) {
@@ -75,6 +69,23 @@ void ZRFxIndexedFaceSetBlock::DoUnloadData() {
     m_aiConnects.RemoveAll();
     m_aiPolygonStart.RemoveAll();
     m_paiIDs.reset();
+}
+
+bool ZRFxIndexedFaceSetBlock::CheckPolygons(const ZRString& file) const {
+    const std::int64_t numNodes = m_aiConnects.GetSize();
+    std::int64_t lowest = m_aiPolygonStart.IsEmpty() ? numNodes : m_aiPolygonStart[0];
+    if (!CheckCount(file, "nodes before the first polygon", lowest, 0)) return false;
+    for (std::int64_t i = 0; i < GetNumPolygons(); ++i) {
+        const std::int32_t start = m_aiPolygonStart[i];
+        if (start < lowest || start > numNodes) {
+            return Log().fail(
+                "IndexedFaceSet block ID %1: '%2' holds polygon start %3 at position %4, expected "
+                "%5 to %6",
+                GetID(), file, start, i, lowest, numNodes);
+        }
+        lowest = start;
+    }
+    return m_bMapToNodeIDs || CheckIndices(file, "node index", m_aiConnects, kHighestFromOne);
 }
 
 bool ZRFxIndexedFaceSetBlock::Pack(ZRIntArray* packed) const {
@@ -105,10 +116,7 @@ bool ZRFxIndexedFaceSetBlock::Unpack(const ZRString& file, const ZRIntArray& pac
             m_aiConnects.Add(packed[at] < 0 ? packed[at] : packed[at] - offset);
         }
     }
-    if (GetNumPolygons() != numPolygons) {
-        return FailUnfit(file, "polygons", GetNumPolygons(), numPolygons);
-    }
-    return m_bMapToNodeIDs || CheckIndices(file, "node index", m_aiConnects);
+    return CheckCount(file, "polygons", GetNumPolygons(), numPolygons);
 }
 
 }  // namespace unstruct

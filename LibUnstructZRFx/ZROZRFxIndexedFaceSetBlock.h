@@ -39,6 +39,7 @@ protected:
     void DoUnloadData() override;
 
 private:
+    bool CheckPolygons(const ZRString& file) const;
     bool Pack(ZRIntArray* packed) const;
     bool Unpack(const ZRString& file, const ZRIntArray& packed, std::int64_t numPolygons);
 

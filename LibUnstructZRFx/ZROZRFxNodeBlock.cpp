@@ -72,16 +72,17 @@ bool ZRFxNodeBlock::DoReadBlock(const nvf::XmlElement& root) {
     ZRVec3fArray nodes;
     std::unique_ptr<ZRIntArray> ids;
     ZRFxFileRecord file;
-    if (root.firstChildElement("File").notNull()) {
-        if (!GetFileRecord(root, "File", &file) ||
-            !m_pDatabase->ReadDataVector(file.filename, file.numItems, &nodes)) {
-            return Log().fail("Error reading node data");
-        }
-        if (hasIDs && !file.ids.IsBlank()) {
-            ids = std::make_unique<ZRIntArray>();
-            if (!m_pDatabase->ReadDataInt(file.ids, file.numItems, ids.get())) {
-                return Log().fail("Error reading node IDs");
-            }
+    if (root.firstChildElement("File").isNull()) {
+        return SetNodes(std::move(nodes), hasIDs ? std::make_unique<ZRIntArray>() : nullptr);
+    }
+    if (!GetFileRecord(root, "File", &file) ||
+        !m_pDatabase->ReadDataVector(file.filename, file.numItems, &nodes)) {
+        return Log().fail("Error reading node data");
+    }
+    if (hasIDs && !file.ids.IsBlank()) {
+        ids = std::make_unique<ZRIntArray>();
+        if (!m_pDatabase->ReadDataInt(file.ids, file.numItems, ids.get())) {
+            return Log().fail("Error reading node IDs");
         }
     }
     return SetNodes(std::move(nodes), std::move(ids));

@@ -59,17 +59,19 @@ bool ZRFxPositionResultValuesBlock::DoReadBlock(const nvf::XmlElement& root) {
         return Log().fail("Error reading position data");
     }
     if (m_aiElementIndices.GetSize() != m_positions.GetSize()) {
-        return FailUnfit(GetFileName(), "element indices", m_aiElementIndices.GetSize(),
+        return FailUnfit(GetDocumentName(), "element indices", m_aiElementIndices.GetSize(),
                          m_positions.GetSize());
     }
-    return CheckIndices(GetFileName(), "element index", m_aiElementIndices) && ReadResults(root);
+    return ReadResults(root) && CheckResults();
 }
 
 bool ZRFxPositionResultValuesBlock::CheckContents() const {
     if (m_iDimension != 1 && m_iDimension != 3) return Log().fail("Result has illegal dimension.");
     if (m_iMapToBlockID < 0) return Log().fail("No map to block ID (element) specified.");
-    return m_aiElementIndices.GetSize() == m_positions.GetSize() ||
-           Log().fail("Num IDs differs from num. results");
+    if (m_aiElementIndices.GetSize() != m_positions.GetSize()) {
+        return Log().fail("Num IDs differs from num. results");
+    }
+    return CheckResults();
 }
 
 bool ZRFxPositionResultValuesBlock::DoWriteBlock(nvf::XmlElement root) {
@@ -108,9 +110,8 @@ bool ZRFxPositionResultValuesBlock::ReadResults(const nvf::XmlElement& root) {
         if (root.firstChildElement("ScalarResult").isNull()) {
             return Log().fail("No scalar values specified for position result values");
         }
-        return (ReadFile(root, "ScalarResult", &m_afScalars) ||
-                Log().fail("Error reading position data")) &&
-               CheckCount("scalar values", m_afScalars.GetSize());
+        return ReadFile(root, "ScalarResult", &m_afScalars) ||
+               Log().fail("Error reading position data");
     }
     ZRFxFileRecord types;
     ZRString names;
@@ -125,14 +126,18 @@ bool ZRFxPositionResultValuesBlock::ReadResults(const nvf::XmlElement& root) {
         !typesOf(names.Bytes(), &m_aiVectorTypes)) {
         return Log().fail("Error reading position data");
     }
-    return CheckCount("vector values", m_vectors.GetSize()) &&
-           CheckCount("vector types", m_aiVectorTypes.GetSize()) &&
-           CheckCount("recorded vector types", types.numItems);
+    return CheckNumber("recorded vector types", types.numItems);
 }
 
-bool ZRFxPositionResultValuesBlock::CheckCount(const char* what, std::int64_t count) const {
-    return count == m_positions.GetSize() ||
-           FailUnfit(GetFileName(), what, count, m_positions.GetSize());
+bool ZRFxPositionResultValuesBlock::CheckResults() const {
+    if (!CheckIndices(GetDocumentName(), "element index", m_aiElementIndices)) return false;
+    if (m_iDimension == 1) return CheckNumber("scalar values", m_afScalars.GetSize());
+    return CheckNumber("vector values", m_vectors.GetSize()) &&
+           CheckNumber("vector types", m_aiVectorTypes.GetSize());
+}
+
+bool ZRFxPositionResultValuesBlock::CheckNumber(const char* what, std::int64_t count) const {
+    return CheckCount(GetDocumentName(), what, count, m_positions.GetSize());
 }
 
 }  // namespace unstruct

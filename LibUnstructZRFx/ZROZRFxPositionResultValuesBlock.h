@@ -37,7 +37,8 @@ protected:
 private:
     bool WriteResults(nvf::XmlElement root);
     bool ReadResults(const nvf::XmlElement& root);
-    bool CheckCount(const char* what, std::int64_t count) const;
+    bool CheckResults() const;
+    bool CheckNumber(const char* what, std::int64_t count) const;
 
     int m_iDimension = 3;
 };

@@ -32,6 +32,15 @@ bool ZRFxPrecomputedBlock::DoReadBlock(const nvf::XmlElement& root) {
     return true;
 }
 
+bool ZRFxPrecomputedBlock::CheckContents() const {
+    for (const auto& pState : m_apStates) {
+        for (const auto& pGrid : pState->apGrids) {
+            if (!CheckGrid(*pGrid)) return false;
+        }
+    }
+    return true;
+}
+
 bool ZRFxPrecomputedBlock::DoWriteBlock(nvf::XmlElement root) {
     WriteAttributes(root);
     for (const auto& pState : m_apStates) {
@@ -118,10 +127,14 @@ bool ZRFxPrecomputedBlock::ReadGrids(const nvf::XmlElement& element, ZRFxPrecomp
         pGrid->computedResultBlockID = grid.getAttributeInt("ComputedResultBlockID", -1);
         pGrid->scalarResultBlockID = grid.getAttributeInt("ScalarResultBlockID", -1);
         pGrid->vectorResultBlockID = grid.getAttributeInt("VectorResultBlockID", -1);
-        const int lowest = std::min(pGrid->numI, pGrid->numJ);
-        if (lowest < 0) return FailUnfit(GetFileName(), "grid lines", lowest, 0);
+        if (!CheckGrid(*pGrid)) return false;
     }
     return true;
+}
+
+bool ZRFxPrecomputedBlock::CheckGrid(const ZRFxPrecomputedGrid& grid) const {
+    const int lowest = std::min(grid.numI, grid.numJ);
+    return lowest >= 0 || FailUnfit(GetDocumentName(), "grid lines", lowest, 0);
 }
 
 }  // namespace unstruct

@@ -60,6 +60,7 @@ protected:
     using ZRFxBlock::ZRFxBlock;
 
     bool DoReadBlock(const nvf::XmlElement& root) final;
+    bool CheckContents() const final;
     bool DoWriteBlock(nvf::XmlElement root) final;
     void DoUnloadData() final { m_apStates.RemoveAll(); }
 
@@ -77,6 +78,7 @@ private:
     void ReadTraces(const nvf::XmlElement& element, ZRFxPrecomputedState* pState);
     void ReadParts(const nvf::XmlElement& element, ZRFxPrecomputedState* pState);
     bool ReadGrids(const nvf::XmlElement& element, ZRFxPrecomputedState* pState);
+    bool CheckGrid(const ZRFxPrecomputedGrid& grid) const;
 
     ZRPtrArray<ZRFxPrecomputedState> m_apStates;
 };

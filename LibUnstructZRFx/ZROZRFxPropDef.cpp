@@ -4,6 +4,7 @@
 #include <string>
 
 #include "nvf/Assert.h"
+#include "nvf/PropertyXmlSerializer.h"
 
 namespace unstruct {
 namespace {
@@ -81,6 +82,12 @@ void validateValue(const PropClassDef& group, const String& key, const Variant& 
             String("Property %1::%2 has illegal data type. Type is '%3' but should be '%4'.")
                 .args(
                     {textOf(group.className()), key, typeName(value.type()), typeName(def->type)}));
+        return;
+    }
+    if (nvf::PropertyXmlSerializer::nestsTooDeep(value)) {
+        errors.push_back(String("Property %1::%2 nests arrays deeper than %3 levels.")
+                             .args({textOf(group.className()), key,
+                                    String::number(nvf::PropertyXmlSerializer::kDeepestArray)}));
         return;
     }
     if (def->type != Variant::STRING || def->legalValues.empty()) return;

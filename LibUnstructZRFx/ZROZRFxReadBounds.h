@@ -15,6 +15,17 @@ public:
     /// Documents that may be read from an archive of any length.
     static constexpr std::uint64_t kAnyDocuments = std::uint64_t{16} << 20;
 
+    /// An operation reads a document that it needs once, or twice where it looks for blocks.
+    static constexpr std::uint64_t kMostReadings = 2;
+
+    /// Whether a document packs so well that the length of its archive may not justify reading it.
+    /// Of such dense documents an archive holds as many as any operation can read; writing stores
+    /// the others unpacked.
+    static constexpr bool IsDense(std::uint64_t length, std::uint64_t packedLength) {
+        return length > packedLength * (kMostDocumentsPerByte / kMostReadings);
+    }
+    static constexpr std::uint64_t kMostDenseDocuments = kAnyDocuments / kMostReadings;
+
     /// Starts an operation on an archive of that length. Those inside of another are part of it.
     void Start(std::uint64_t archiveLength);
     void End();

@@ -88,9 +88,16 @@ bool ZRFxResultValuesBlock::DoReadBlock(const nvf::XmlElement& root) {
 }
 
 bool ZRFxResultValuesBlock::CheckContents() const {
-    const bool areTensors = m_iNumDimensions != 6 || m_afResults.GetSize() % 6 == 0;
-    NVF_ASSERT(areTensors);
-    return areTensors;
+    const ZRString file = GetFilebase();
+    if (m_iNumDimensions != 1 && m_iNumDimensions != 3 && m_iNumDimensions != 6) {
+        return FailDimensions();
+    }
+    const std::int64_t numOthers =
+        m_iNumDimensions == 3 ? m_afResults.GetSize() : m_avResults.GetSize();
+    return CheckCount(file, "values of another dimension", numOthers, 0) &&
+           (m_iNumDimensions != 6 ||
+            CheckCount(file, "tensor components", m_afResults.GetSize(), GetNumItems() * 6)) &&
+           (!m_paiIDs || CheckCount(file + "-IDs", "IDs", m_paiIDs->GetSize(), GetNumItems()));
 }
 
 bool ZRFxResultValuesBlock::DoWriteBlock(nvf::XmlElement root) {
@@ -135,8 +142,12 @@ bool ZRFxResultValuesBlock::ReadValues(const ZRString& name, std::int64_t numIte
             return m_pDatabase->ReadDataTensor(name, numItems, &m_afResults) ||
                    Log().fail("Error reading node data");
         default:
-            return Log().fail("Illegal number of dimensions for result values");
+            return FailDimensions();
     }
+}
+
+bool ZRFxResultValuesBlock::FailDimensions() const {
+    return Log().fail("Illegal number of dimensions for result values");
 }
 
 }  // namespace unstruct

@@ -58,6 +58,7 @@ private:
     bool AddID(std::int32_t id);
     bool WriteValues(const ZRString& name);
     bool ReadValues(const ZRString& name, std::int64_t numItems);
+    bool FailDimensions() const;
 
     int m_iMapToBlockID = -1;
     int m_iNumDimensions = 1;

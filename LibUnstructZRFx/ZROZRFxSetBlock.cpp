@@ -1,5 +1,6 @@
 #include "ZROZRFxSetBlock.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "ZROZRFxXml.h"
@@ -38,12 +39,13 @@ bool ZRFxSetBlock::DoReadBlock(const nvf::XmlElement& root) {
          element = element.nextSiblingElement("Items")) {
         if (!ReadItems(element)) return false;
     }
-    return CountItems() == m_iStoredNumItems ||
-           FailUnfit(GetFileName(), "items", CountItems(), m_iStoredNumItems);
+    return CheckCount(GetFileName(), "items", CountItems(), m_iStoredNumItems);
 }
 
 bool ZRFxSetBlock::CheckContents() const {
-    return m_iItemType == kItemTypeElement || Log().fail("Only element sets are supported");
+    if (m_iItemType != kItemTypeElement) return FailType();
+    return std::all_of(m_apSetBlockItems.begin(), m_apSetBlockItems.end(),
+                       [this](const auto& pSetItems) { return CheckItems(*pSetItems); });
 }
 
 bool ZRFxSetBlock::DoWriteBlock(nvf::XmlElement root) {
@@ -73,8 +75,7 @@ bool ZRFxSetBlock::DoReadMetaData(const nvf::XmlElement& root) {
     m_bItemsSpecifiedAsIDs = root.getAttributeBool("ItemsSpecifiedAsIDs", false);
     m_iStoredNumItems = root.getAttributeInt("TotalNumItems", 0);
     m_iItemType = kItemTypeElement;
-    return GetAttribute(root, "ItemType").ToLower() == "element" ||
-           Log().fail("Only element sets are supported");
+    return GetAttribute(root, "ItemType").ToLower() == "element" || FailType();
 }
 
 std::int64_t ZRFxSetBlock::CountItems() const {
@@ -87,18 +88,23 @@ bool ZRFxSetBlock::ReadItems(const nvf::XmlElement& element) {
     auto pSetItems = std::make_unique<ZRFxSetBlockItems>();
     pSetItems->m_iBlockID = element.getAttributeInt("BlockID", -1);
     pSetItems->m_iBlockType = element.getAttributeInt("BlockType", kInvalidBlockType);
-    if (pSetItems->m_iBlockType != BLOCK_ELEMENTS) {
-        return Log().fail("Only element sets are supported");
-    }
+    if (pSetItems->m_iBlockType != BLOCK_ELEMENTS) return FailType();
     if (!ReadFile(element, "File", &pSetItems->m_aiItems)) {
         return Log().fail("Error reading set data");
     }
-    if (!m_bItemsSpecifiedAsIDs &&
-        !CheckIndices(GetFileName(), "element index", pSetItems->m_aiItems)) {
-        return false;
-    }
+    if (!CheckItems(*pSetItems)) return false;
     m_apSetBlockItems.Add(std::move(pSetItems));
     return true;
+}
+
+bool ZRFxSetBlock::CheckItems(const ZRFxSetBlockItems& items) const {
+    if (items.m_iBlockType != BLOCK_ELEMENTS) return FailType();
+    return m_bItemsSpecifiedAsIDs ||
+           CheckIndices(GetDocumentName(), "element index", items.m_aiItems);
+}
+
+bool ZRFxSetBlock::FailType() const {
+    return Log().fail("Only element sets are supported");
 }
 
 }  // namespace unstruct

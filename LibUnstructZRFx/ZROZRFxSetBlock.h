@@ -56,6 +56,8 @@ private:
     bool DoReadMetaData(const nvf::XmlElement& root);
     std::int64_t CountItems() const;
     bool ReadItems(const nvf::XmlElement& element);
+    bool CheckItems(const ZRFxSetBlockItems& items) const;
+    bool FailType() const;
 
     int m_iSetID = -1;
     ZRString m_sName;

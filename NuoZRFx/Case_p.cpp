@@ -20,8 +20,15 @@ constexpr const char* kSnapshotName = "Snapshot.jpeg";
 constexpr const char* kPropertiesName = "ZRFxProperties.xml";
 constexpr const char* kTexturesFolder = "Textures";
 
-ZRString folderOf(int caseId) {
-    return "Case" + std::to_string(caseId);
+ZRString inFolder(const ZRString& folder, const ZRString& name) {
+    return folder + std::string(1, unstruct::kFolderSeparator) + name;
+}
+
+// Another case may have the folder that is called by this id.
+ZRString freeFolderFor(int caseId, const unstruct::ZRFxAccess& access) {
+    ZRString folder = "Case" + std::to_string(caseId);
+    while (access.Contains(inFolder(folder, "Case.xml"))) folder = folder + "_";
+    return folder;
 }
 
 // The child element that names a file, added when there is none.
@@ -42,7 +49,7 @@ bool CasePrivate::createDocument() {
     root.setAttributeInt("ID", m_id);
     SetAttribute(root, "Name", ZRConvert::toZRString(m_name));
     root.setAttributeInt("DatabaseID", m_databaseId);
-    SetAttribute(root, "Folder", folderOf(m_id));
+    SetAttribute(root, "Folder", freeFolderFor(m_id, *m_access));
     m_caseDocument = document;
     m_isDocumentModified = true;
     return true;
@@ -57,8 +64,11 @@ bool CasePrivate::read(int index) {
     if (!m_access->InternalReadXmlFile(info.path, unstruct::LogMode::LOG, document.p())) {
         return fail("Could not extract case document for case at index %1.", index);
     }
-    const nvf::XmlElement root = document->getRootElement("Case");
+    nvf::XmlElement root = document->getRootElement("Case");
     if (root.isNull()) return fail("Invalid Case.xml file.");
+    if (unstruct::GetAttribute(root, "Folder").IsBlank()) {
+        SetAttribute(root, "Folder", info.folder);
+    }
     m_caseDocument = document;
     m_id = info.id;
     m_name = ZRConvert::toStr(info.name);
@@ -67,7 +77,7 @@ bool CasePrivate::read(int index) {
     const ZRString descriptionFile = GetText(root.firstChildElement("Description"));
     ZRString description;
     if (!descriptionFile.IsBlank() &&
-        !m_access->ReadDataString(entryName(descriptionFile), &description)) {
+        !m_access->ReadDataString(m_access->CaseEntry(folder(), descriptionFile), &description)) {
         return fail("Could not read case description specified in Case.xml.");
     }
     m_description = ZRConvert::toStr(description);
@@ -80,11 +90,14 @@ bool CasePrivate::writeDelayed() {
     return m_isReadFromFile ? fail("Error writing case.") : fail("Eror writing case.");
 }
 
-ZRString CasePrivate::entryName(const ZRString& name) const {
+ZRString CasePrivate::folder() const {
     const nvf::XmlElement root =
         m_caseDocument ? m_caseDocument->getRootElement("Case") : nvf::XmlElement();
-    const ZRString folder = unstruct::GetAttribute(root, "Folder");
-    return folder + std::string(1, unstruct::kFolderSeparator) + name;
+    return unstruct::GetAttribute(root, "Folder");
+}
+
+ZRString CasePrivate::entryName(const ZRString& name) const {
+    return inFolder(folder(), name);
 }
 
 const ZRStringArray& CasePrivate::textureEntries() {
@@ -123,7 +136,6 @@ bool CasePrivate::write() {
     root.setAttributeInt("ID", m_id);
     SetAttribute(root, "Name", name);
     root.setAttributeInt("DatabaseID", m_databaseId);
-    SetAttribute(root, "Folder", folderOf(m_id));
     SetAttribute(root, "ZRFxProperties", ZRString(kPropertiesName));
     SetAttribute(root, "FullDatabase", ZRString(m_derivedResultsDisabled ? "false" : "true"));
     if (!writeProperties() || !writeDescription(root) || !writeSnapshot(root)) return false;

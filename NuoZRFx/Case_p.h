@@ -26,6 +26,9 @@ public:
     /// The file is closing: nothing of the archive may be used any more.
     void detach() { m_access = nullptr; }
 
+    /// The case's folder, which its document names.
+    unstruct::ZRString folder() const;
+
     /// The name of an entry in the case's folder.
     unstruct::ZRString entryName(const unstruct::ZRString& name) const;
     const unstruct::ZRStringArray& textureEntries();

@@ -53,7 +53,6 @@ std::vector<int> copyOf(const ZRIntArray& array) {
 class ElementBlockPrivate {
 public:
     nvf::ref<ZRFxElementBlock> m_elementBlock;
-    bool m_hasElementIds = false;
 };
 
 std::size_t ElementBlock::nodesPerElement(ElementType elementType) {
@@ -86,13 +85,12 @@ ElementBlock::ElementBlock(int blockId, bool withElementIds, bool referNodesById
     : Block(blockId, ELEMENTS), m_private(std::make_unique<ElementBlockPrivate>()) {
     m_private->m_elementBlock = new ZRFxElementBlock(nullptr, blockId);
     m_private->m_elementBlock->SetMapToNodeIDs(referNodesByIds);
-    m_private->m_hasElementIds = withElementIds;
+    m_private->m_elementBlock->SetWithIDs(withElementIds);
 }
 
 ElementBlock::ElementBlock(ZRFxElementBlock* elementBlock)
     : Block(elementBlock->GetID(), ELEMENTS), m_private(std::make_unique<ElementBlockPrivate>()) {
     m_private->m_elementBlock = elementBlock;
-    m_private->m_hasElementIds = elementBlock->GetWithIDs();
 }
 
 ElementBlock::~ElementBlock() = default;
@@ -110,7 +108,7 @@ unstruct::ZRFxBlock* ElementBlock::internal_zrfxBlock() const {
 }
 
 bool ElementBlock::hasElementIds() const {
-    return m_private->m_hasElementIds;
+    return m_private->m_elementBlock->GetWithIDs();
 }
 
 bool ElementBlock::referNodesByIds() const {
@@ -296,7 +294,7 @@ bool ElementBlock::polyhedronsLocalNodes(std::size_t groupIndex,
 }
 
 bool ElementBlock::checkIds(bool isGiven) const {
-    const bool m_hasElementIds = m_private->m_hasElementIds;
+    const bool m_hasElementIds = hasElementIds();
     NVF_ASSERT(isGiven == m_hasElementIds);
     return isGiven == m_hasElementIds;
 }

@@ -1,7 +1,9 @@
 #include "NuoZRFx/File.h"
 
+#include <algorithm>
 #include <climits>
 #include <set>
+#include <unordered_set>
 
 #include "Case_p.h"
 #include "Convert_p.h"
@@ -27,10 +29,18 @@ ZRString userEntry(const Str& name) {
            name.toStdString() + kUserExtension;
 }
 
+<<<<<<< HEAD
 // Where the highest id that there is stands for an item, the lowest gap.
 int unusedId(const std::set<int>& ids) {
     if (ids.empty()) return 0;
     if (*ids.rbegin() < INT_MAX) return *ids.rbegin() + 1;
+=======
+// After the highest id, or the lowest gap where there is none after it.
+int unusedId(const std::unordered_set<int>& ids) {
+    int highest = -1;
+    for (const int id : ids) highest = std::max(highest, id);
+    if (highest < INT_MAX) return highest + 1;
+>>>>>>> helper-b
     int unused = 0;
     while (ids.count(unused) > 0) ++unused;
     return unused;
@@ -225,9 +235,13 @@ bool File::addCase(Case* fileCase) {
     return true;
 }
 
+// What could not be read to its end is not open: nobody knows which ids are in use.
 bool File::readRegistries() {
     const ZRFxAccess::BoundedReading bounded(m_private->m_zrfxAccess.get());
-    return readDatabases() && readCases();
+    if (readDatabases() && readCases()) return true;
+    m_private->dropAll();
+    m_private->m_zrfxAccess->Abandon();
+    return false;
 }
 
 bool File::readDatabases() {
@@ -248,18 +262,21 @@ bool File::readDatabases() {
     return true;
 }
 
-// A case that cannot be read has said so and is left out.
+// A case that cannot be read has said so and is left out; its id stays its own.
 bool File::readCases() {
     int count = 0;
     if (!m_private->m_zrfxAccess->GetNumCases(&count)) return fail("Error opening file.");
     std::set<int> documents;
+    std::unordered_set<int> registered;
     for (int index = 0; index < count; ++index) {
         unstruct::ZRFxCaseInfo info;
         m_private->m_zrfxAccess->GetCaseInfo(index, &info);
+        registered.insert(info.id);
         const bool isNewId = m_private->m_caseIds.count(info.id) == 0;
         if (isNewId && m_private->isRegisteredTwice(info.path, &documents)) continue;
         const PtrRef<Case> read = new Case(this, index);
     }
+    m_private->m_caseIds.merge(registered);
     return true;
 }
 

@@ -50,6 +50,7 @@ unstruct::ZRFxBlock* GeometryInfoBlock::internal_zrfxBlock() const {
 bool GeometryInfoBlock::addPartInfo(std::size_t geometryIndex, int partId, const Str& partName) {
     ZRFxPartInfos* parts = partsOf(geometryIndex);
     if (!parts) return false;
+    if (partId < 0) return fail("partId cannot be negative.");
     parts->AddPartInfo({partId, -1, ZRConvert::toZRString(partName), false});
     return true;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <vector>
 
 #include "Log_p.h"
@@ -20,7 +21,10 @@ bool addValuesBlock(ZRBlock& block, int valuesBlockId, int stateId) {
 template <typename ZRBlock>
 bool setValuesBlocks(ZRBlock& block, const std::vector<int>& valuesBlockIds, int stateId) {
     NVF_ASSERT(!valuesBlockIds.empty());
-    if (valuesBlockIds.empty()) return false;
+    const bool areIds = std::all_of(valuesBlockIds.begin(), valuesBlockIds.end(),
+                                    [](int valuesBlockId) { return valuesBlockId >= 0; });
+    NVF_ASSERT(areIds);
+    if (valuesBlockIds.empty() || !areIds) return false;
     return block.AddState(stateId)->m_aiValuesBlockIDs.Assign(
         valuesBlockIds.data(), static_cast<std::int64_t>(valuesBlockIds.size()));
 }

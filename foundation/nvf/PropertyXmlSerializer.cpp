@@ -1,5 +1,6 @@
 #include "nvf/PropertyXmlSerializer.h"
 
+#include <algorithm>
 #include <array>
 #include <optional>
 
@@ -64,6 +65,14 @@ std::string lowerCase(std::string_view text) {
     return lower;
 }
 
+bool nestsDeeper(const Variant& value, int levels) {
+    if (value.type() != Variant::ARRAY) return false;
+    const auto& values = value.getArray();
+    return levels == 0 || std::any_of(values.begin(), values.end(), [levels](const Variant& item) {
+               return nestsDeeper(item, levels - 1);
+           });
+}
+
 Variant variantFromXml(const XmlElement& element, int arrayDepth);
 
 Variant arrayFromXml(const XmlElement& xmlArrayVariantElement, int arrayDepth) {
@@ -94,6 +103,19 @@ Variant variantFromXml(const XmlElement& element, int arrayDepth) {
 }
 
 }  // namespace
+
+bool PropertyXmlSerializer::nestsTooDeep(const Variant& value) {
+    return nestsDeeper(value, kDeepestArray);
+}
+
+bool PropertyXmlSerializer::nestsTooDeep(const PropertySetCollection& collection) {
+    for (std::size_t i = 0; i < collection.count(); ++i) {
+        for (const auto& [key, value] : collection.propertySet(i)->valuesByKey()) {
+            if (nestsTooDeep(value)) return true;
+        }
+    }
+    return false;
+}
 
 void PropertyXmlSerializer::toXml(const PropertySetCollection& collection, XmlElement* parent) {
     NVF_ASSERT(parent);

@@ -13,6 +13,10 @@ public:
     /// Arrays within arrays are read down to this depth; what lies deeper is left out.
     static constexpr int kDeepestArray = 100;
 
+    /// Whether arrays nest deeper than they are read: what is so must not be written.
+    static bool nestsTooDeep(const Variant& value);
+    static bool nestsTooDeep(const PropertySetCollection& collection);
+
     /// Appends a PropertySetCollection element to `parent`.
     static void toXml(const PropertySetCollection& collection, XmlElement* parent);
 

@@ -258,10 +258,11 @@ TEST_F(ZRFxAccessTest, SnapshotAndDescriptionAreWhatTheCaseNames) {
     nuo::Image image;
     ZRString text;
     ExpectRefused(m_access.GetCaseSnapshot(1, &image),
-                  {unreadable + "s.raw', file not found.", "Error reading JPEG image from archive",
-                   "Error reading snapshot (case ID 1)"});
-    ExpectRefused(m_access.GetCaseDescription(1, &text),
-                  {unreadable + "d.txt', file not found.", "Error reading description(case ID 1)"});
+                  {unreadable + "C\\s.raw', file not found.",
+                   "Error reading JPEG image from archive", "Error reading snapshot (case ID 1)"});
+    ExpectRefused(
+        m_access.GetCaseDescription(1, &text),
+        {unreadable + "C\\d.txt', file not found.", "Error reading description(case ID 1)"});
     Put("C\\s.raw", std::string_view("\1\0\0\0\1\0\0\0abc", 11));
     Put("d.txt", "about");
     EXPECT_TRUE(m_access.GetCaseSnapshot(1, &image));

@@ -214,6 +214,7 @@ TEST_F(ZRFxDatabaseTest, FolderScanReportsDocumentsThatAreNoBlocks) {
 
 TEST_F(ZRFxDatabaseTest, CreateRefusesAnIDInUseAndABrokenFile) {
     ZRFxDatabase other(&m_access);
+    ExpectRefused(test::CreateDatabase(other, -1), {"Invalid Database ID -1 specified"});
     ExpectRefused(test::CreateDatabase(other, 1), {"Database with ID=1 already exists"});
     EXPECT_TRUE(test::CreateDatabase(other, 1000));
     EXPECT_EQ(other.GetFolder(), "Database1000");

@@ -24,6 +24,31 @@ TEST_F(ZRFxReadBoundsTest, DocumentThatNoFileOfThisLengthNeedsIsNotParsed) {
                   {"Xml documents are too large for a file of its length, 'large.xml' in ''"});
 }
 
+// Documents that pack to a thousandth: what was written must be read, whatever else is in the file,
+// and twice where an operation does so.
+TEST_F(ZRFxReadBoundsTest, DocumentsThatPackVeryWellAreRead) {
+    constexpr int kCount = 40;
+    nvf::XmlDocument document;
+    document.createRootElement("a", "b").setTextUtf8(std::string(1 << 20, 'a'));
+    const auto nameOf = [](int i) { return ZRString("a" + std::to_string(i) + ".xml"); };
+    for (int i = 0; i < kCount; ++i) {
+        if (i % 15 == 14) Reopen(ZRZipAccessMode::UPDATE);
+        ASSERT_TRUE(m_access.WriteXmlFile(nameOf(0), document, true));
+        ASSERT_TRUE(m_access.RemoveFile(nameOf(0)));
+        ASSERT_TRUE(m_access.WriteXmlFile(nameOf(0), document, false));
+        ASSERT_TRUE(m_access.WriteXmlFile(nameOf(i), document, true));
+        if (i == 5) {
+            ASSERT_TRUE(m_access.Commit());
+            EXPECT_LT(m_file.Length(), std::size_t{100000});  // a few are packed all the same
+        }
+    }
+    Reopen(ZRZipAccessMode::READ_ONLY);
+    const ZRFxAccess::BoundedReading bounded(&m_access);
+    for (int i = 0; i < 2 * kCount; ++i) {
+        EXPECT_TRUE(m_access.InternalReadXmlFile(nameOf(i / 2), LogMode::LOG, &document));
+    }
+}
+
 TEST_F(ZRFxReadBoundsTest, BlockThatNamesOneDataFileAgainAndAgainIsRefused) {
     Write(test::SampleBlock(BLOCK_ELEMENTS, 1));
     const std::string group =

@@ -157,6 +157,14 @@ TEST_F(BlockTest, ElementsThatDoNotFitAreRefused) {
                   {"Given group index 4 out of range [0, 0]"});
 }
 
+TEST_F(BlockTest, EmptyBlocksWithIdsComeBackWithIds) {
+    const PtrRef<ElementBlock> elements = new ElementBlock(7, true, false);
+    elements->setNodeBlockId(1);
+    EXPECT_TRUE(static_cast<const ElementBlock&>(*WriteAndRead(*elements)).hasElementIds());
+    const PtrRef<NodeBlock> nodes = new NodeBlock(7, true);
+    EXPECT_TRUE(static_cast<const NodeBlock&>(*WriteAndRead(*nodes)).hasNodeIds());
+}
+
 TEST_F(BlockTest, ElementDataIsReadInPlaceAndExtendedAsACopy) {
     Ints nodes{0, 1, 1, 2};
     const Ints ids{8, 9};
@@ -223,6 +231,7 @@ TEST_F(BlockTest, PartsThatDoNotFitAreRefused) {
                   {"Non unique part id detected (id 1 at idx 0 and idx 2) (state id 5)."});
     ExpectRefused(block->setElementBlocksForState(1, {1, 2}, 5, {1}),
                   {Assertion("elementBlockIds.size() == partIds.size()")});
+    ExpectRefused(block->addElementBlockForState(0, 3, -1, 6), {"partId cannot be negative."});
     EXPECT_EQ(1u, block->stateCount());
     EXPECT_EQ(0u, block->partCount(1, 0));
     // The first part that does not fit is named, whichever of its ids it is.
@@ -233,6 +242,12 @@ TEST_F(BlockTest, PartsThatDoNotFitAreRefused) {
     EXPECT_TRUE(block->addElementBlockForState(0, 1, 10, 5));
     ExpectRefused(block->addElementBlockForState(0, 3, 40, 5),
                   {"Found existing part with same block id (3)."});
+    const PtrRef<GeometryBlock> empty = new GeometryBlock(1);
+    ExpectRefused(empty->addElementBlock(0, 3, -1), {"partId cannot be negative."});
+    EXPECT_EQ(0u, empty->stateCount());
+    const PtrRef<GeometryInfoBlock> names = new GeometryInfoBlock(1);
+    ExpectRefused(names->addPartInfo(0, -1, "a"), {"partId cannot be negative."});
+    EXPECT_EQ(0u, names->partCount(0));
     const PtrRef<GeometryBlock> none = new GeometryBlock(0);
     EXPECT_THAT(TakeTexts(), ElementsAre("geometryCountPerState cannot be 0"));
 }
@@ -319,6 +334,7 @@ TEST_F(BlockTest, StatesOfResultsAreAddedReplacedAndRefused) {
     EXPECT_TRUE(block->addResultValuesBlock(4, 30));
     EXPECT_TRUE(block->addResultValuesBlock(5, 20));
     EXPECT_TRUE(block->addResultValuesBlock(6, 30));
+    ExpectRefused(block->setResultValuesBlocks({7, -8}, 40), {Assertion("areIds")});
     EXPECT_TRUE(block->setResultValuesBlocks({7, 8}, 20));
     EXPECT_THAT(block->resultValuesBlocks(0), ElementsAre(4, 6));
     EXPECT_THAT(block->resultValuesBlocks(1), ElementsAre(7, 8));

@@ -3,9 +3,11 @@
 #include <gmock/gmock.h>
 
 #include <string>
+#include <vector>
 
 #include "support/InterfaceTest.h"
 #include "support/Model.h"
+#include "support/OutputOf.h"
 
 namespace {
 
@@ -27,6 +29,12 @@ protected:
     void Reopen() {
         ASSERT_TRUE(m_file.close());
         ASSERT_TRUE(m_file.open(m_name));
+    }
+
+    // Replaces a text in the names and documents of the closed file.
+    void Replace(const std::string& from, const std::string& to) {
+        EXPECT_EQ("", OutputOf("python3 " NUO_TEST_FOLDER "/support/replace_in_archive.py '" +
+                               m_name.toStdString() + "' '" + from + "' '" + to + "'"));
     }
 
     const nuo::Str m_name = nuo::Str(m_folder.File("file.zrfx"));
@@ -123,6 +131,107 @@ TEST_F(CaseTest, CaseThatCannotBeWrittenIsReportedAndCanBeMended) {
                                    "Error writing case.", "Could not write case (id 4) to file."});
     m_file.fileCase(0)->setSnapshot(nullptr);
     EXPECT_TRUE(m_file.close());
+}
+
+TEST_F(CaseTest, IdOfACaseThatCannotBeReadStaysItsOwn) {
+    const PtrRef<Case> view = new Case(&m_file, "View", 3, 0);
+    ASSERT_TRUE(m_file.close());
+    Replace("<Case xmlns", "<Lost xmlns");
+    ASSERT_TRUE(m_file.openForAppend(m_name));
+    EXPECT_THAT(TakeTexts(), ElementsAre("Invalid Case.xml file."));
+    EXPECT_EQ(0u, m_file.fileCaseCount());
+    EXPECT_EQ(4, m_file.unusedFileCaseId());
+    ExpectNotConstructed(
+        &m_file, "a", 3, 0,
+        {"Case with id 3 already registered.", "Could not register case instance. (case id 3)."});
+    const PtrRef<Case> added = new Case(&m_file, "Added", m_file.unusedFileCaseId(), 0);
+    ASSERT_TRUE(m_file.close());
+    Replace("<Lost xmlns", "<Case xmlns");
+    ASSERT_TRUE(m_file.open(m_name));
+    ASSERT_EQ(2u, m_file.fileCaseCount());
+    EXPECT_EQ(nuo::Str("View"), m_file.fileCase(0)->name());
+    EXPECT_EQ(4, m_file.fileCase(1)->id());
+}
+
+// A file whose databases cannot be read is not open: nothing is added to what is not known.
+TEST_F(CaseTest, FileThatFailedToOpenTakesNoCases) {
+    const PtrRef<Database> database = WriteDatabase(m_file, "a", 0);
+    const PtrRef<Case> view = new Case(&m_file, "View", 0, 0);
+    ASSERT_TRUE(m_file.close());
+    Replace("</Database>", "</Lost>");
+    ExpectRefused(m_file.openForAppend(m_name), {"Could not parse database in file.",
+                                                 "Error reading database (index 0) from file."});
+    EXPECT_EQ(0u, m_file.databaseCount());
+    ExpectNotConstructed(&m_file, "a", 0, 0,
+                         {"Given file was in invalid state. (case id 0). File must be created or "
+                          "opened for append before adding a case."});
+    EXPECT_FALSE(m_file.close());
+}
+
+// Programs call the folder of a case as they like, and name its files in it or as entries.
+TEST_F(CaseTest, FolderOfACaseStaysWhateverItIsCalled) {
+    for (const std::string folder : {"Front view", "Case5", "Views/4"}) {
+        nuo::Image image = MakeImage(8, 8);
+        ASSERT_TRUE(m_file.create(m_name, FileSettings()));
+        PtrRef<Case> view = new Case(&m_file, "View", 4, 0);
+        view->setDescription("text");
+        view->setSnapshot(&image);
+        EXPECT_TRUE(view->addImage("steel", &image));
+        EXPECT_TRUE(view->setProperties(MakeCamera().p()));
+        ASSERT_TRUE(m_file.close());
+        Replace("Case4", folder);
+        Replace("Description>Description.html", "Description>" + folder + "\\Description.html");
+        ASSERT_TRUE(m_file.openForAppend(m_name));
+        ASSERT_EQ(1u, m_file.fileCaseCount()) << folder;
+        m_file.fileCase(0)->setName("Renamed");
+        const PtrRef<Case> added = new Case(&m_file, "Added", m_file.unusedFileCaseId(), 0);
+        EXPECT_EQ(5, added->id());
+        added->setDescription("other text");
+        Reopen();
+        ASSERT_EQ(2u, m_file.fileCaseCount());
+        EXPECT_EQ(nuo::Str("Renamed"), m_file.fileCase(0)->name());
+        EXPECT_EQ(nuo::Str("text"), m_file.fileCase(0)->description());
+        EXPECT_NE(nullptr, m_file.fileCase(0)->snapshot());
+        EXPECT_EQ(1u, m_file.fileCase(0)->imageCount());
+        EXPECT_EQ(1u, m_file.fileCase(0)->properties()->count());
+        EXPECT_EQ(nuo::Str("other text"), m_file.fileCase(1)->description());
+        EXPECT_EQ(0u, m_file.fileCase(1)->imageCount());
+        EXPECT_TRUE(m_file.close());
+    }
+}
+
+TEST_F(CaseTest, PropertiesThatNestTooDeepAreRefused) {
+    const auto setNested = [](Case& view, int depth) {
+        nuo::Variant value = 1;
+        while (depth-- > 0) value = std::vector<nuo::Variant>{value};
+        const PtrRef<nuo::PropertySet> set = new nuo::PropertySet("overlay_color_legend");
+        set->setValue("marker_position", value);
+        const PtrRef<nuo::PropertySetCollection> properties = new nuo::PropertySetCollection;
+        properties->addPropertySet(set.p());
+        return view.setProperties(properties.p());
+    };
+    const PtrRef<Case> view = new Case(&m_file, "View", 0, 0);
+    ExpectRefused(
+        setNested(*view, 101),
+        {"Property overlay_color_legend::marker_position nests arrays deeper than 100 levels."});
+    ExpectRefused(m_file.close(), {"Eror writing case.", "Could not write case (id 0) to file."});
+    EXPECT_TRUE(setNested(*view, 100));
+    Reopen();
+    ASSERT_EQ(1u, m_file.fileCaseCount());
+    nuo::Variant value = m_file.fileCase(0)->properties()->propertySet(0)->value("marker_position");
+    int depth = 0;
+    for (; value.type() == nuo::Variant::ARRAY; ++depth) value = value.toArray().at(0);
+    EXPECT_EQ(100, depth);
+    EXPECT_EQ(1, value.toInt());
+}
+
+// What packs to a thousandth would be refused as too much for a file of its length.
+TEST_F(CaseTest, LongUniformTextsComeBack) {
+    const nuo::Str text = nuo::Str(std::string(20 << 20, 'a'));
+    const PtrRef<Case> view = new Case(&m_file, text, 0, 0);
+    Reopen();
+    ASSERT_EQ(1u, m_file.fileCaseCount());
+    EXPECT_TRUE(text == m_file.fileCase(0)->name());
 }
 
 }  // namespace

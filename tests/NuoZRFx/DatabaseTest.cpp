@@ -82,9 +82,16 @@ TEST_F(DatabaseTest, BlocksThatCannotBeWrittenAreReported) {
                          "block (block id 6).");
     }
     PtrRef<SetBlock> set = new SetBlock(8, false);
+    set->addItem(-1, 1);
+    EXPECT_FALSE(database->writeBlock(set.p()));
+    EXPECT_THAT(TakeCauses(),
+                ElementsAre("Set block ID 8: 'Database000\\Set\\Set0008.xml' holds element index "
+                            "-1 at position 0, expected none below 0"));
+    EXPECT_EQ(0u, database->blockCount(Block::SET));
     set->setItemType(SetBlock::UNDEFINED_ITEMS);
-    ExpectRefused(database->writeBlock(set.p()),
-                  {"Error writing block to database. (block id 8, database id 0)."});
+    EXPECT_FALSE(database->writeBlock(set.p()));
+    const std::string refused = "Error writing block to database. (block id 8, database id 0).";
+    EXPECT_THAT(TakeTexts(), ElementsAre(refused, refused));
     EXPECT_TRUE(m_file->close());
 }
 

@@ -308,11 +308,11 @@ private:
         Describe(block);
         block.checkValidity();
         if (!m_database->writeBlock(&block)) return;
-        if (block.blockType() == Block::SET) {
-            m_database->setBlockById(block.blockId());
-        } else {
-            m_database->blockById(block.blockType(), block.blockId());
-        }
+        const bool isSet = block.blockType() == Block::SET;
+        EXPECT_TRUE(isSet
+                        ? m_database->setBlockById(block.blockId()).p() != nullptr
+                        : m_database->blockById(block.blockType(), block.blockId()).p() != nullptr)
+            << Describe(block);
     }
 
     Database* m_database;

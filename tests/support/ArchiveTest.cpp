@@ -1,7 +1,10 @@
 #include "support/ArchiveTest.h"
 
 #include <gmock/gmock.h>
+
+#include <algorithm>
 #include <fstream>
+#include <iterator>
 
 #include "support/OutputOf.h"
 #include "support/SampleBlocks.h"
@@ -122,13 +125,36 @@ void DatabaseTest::ExpectUnreadable(const Damage& damage) {
     for (int attempt = 0; attempt < 2; ++attempt) {
         EXPECT_FALSE(block->ReadBlock());
         EXPECT_FALSE(block->IsRead());
-        std::string texts;
-        for (const std::string& text : TakeTexts()) texts += (texts.empty() ? "" : "\n") + text;
-        texts = Replaced(texts, base.Bytes(), "@");
-        texts = Replaced(texts, sample->GetFilebase().Bytes(), "#");
-        texts = Replaced(texts, ZRFxBlockTypeName(damage.type).Bytes() + " block ID 1: ", "^");
-        EXPECT_EQ(texts, damage.messages);
+        EXPECT_EQ(TakeAbbreviated(*sample), damage.messages);
     }
+}
+
+void DatabaseTest::ExpectUnwritable(const Damage& damage) {
+    Write(SampleBlock(damage.type, 1));
+    const Entries before = Unpack(m_access);
+    const nvf::ref<ZRFxBlock> block = SampleBlock(damage.type, 1);
+    damage.apply(*block);
+    TakeTexts();
+    EXPECT_FALSE(block->WriteBlock(&m_database));
+    const std::string messages = damage.messages;
+    EXPECT_EQ(TakeAbbreviated(*block), messages.substr(0, messages.find('\n')));
+    EXPECT_EQ(Unpack(m_access), before);
+    EXPECT_TRUE(m_database.GetBlockByID(damage.type, 1)->ReadBlock());
+}
+
+std::string DatabaseTest::TakeAbbreviated(const ZRFxBlock& block) {
+    std::string texts;
+    for (const std::string& text : TakeTexts()) texts += (texts.empty() ? "" : "\n") + text;
+    texts = Replaced(texts, m_database.EntryName(block.GetFilebase()).Bytes(), "@");
+    texts = Replaced(texts, block.GetFilebase().Bytes(), "#");
+    return Replaced(texts, ZRFxBlockTypeName(block.GetType()).Bytes() + " block ID 1: ", "^");
+}
+
+std::vector<Damage> OfBlocksInMemory(const std::vector<Damage>& damages) {
+    std::vector<Damage> found;
+    std::copy_if(damages.begin(), damages.end(), std::back_inserter(found),
+                 [](const Damage& damage) { return damage.apply != nullptr; });
+    return found;
 }
 
 void PrintTo(const Damage& damage, std::ostream* stream) {

@@ -55,7 +55,12 @@ struct Damage {
     /// One a line; "#" stands for the base name, "@" for the same with the database's folder, "^"
     /// for the block as messages about its contents name it.
     const char* messages;
+    /// Does the same to the block in memory; null when no block can be brought to it.
+    void (*apply)(unstruct::ZRFxBlock& block) = nullptr;
 };
+
+/// Those of the damages that a block can have in memory.
+std::vector<Damage> OfBlocksInMemory(const std::vector<Damage>& damages);
 
 void PrintTo(const Damage& damage, std::ostream* stream);
 
@@ -74,7 +79,15 @@ protected:
     /// unread.
     void ExpectUnreadable(const Damage& damage);
 
+    /// Expects that the sample block of id 1, so damaged in memory, is refused with the first of
+    /// these messages only, and leaves the one before it and all else as it is.
+    void ExpectUnwritable(const Damage& damage);
+
     unstruct::ZRFxDatabase m_database{&m_access};
+
+private:
+    /// The messages since the last call, abbreviated as those of a damage are.
+    std::string TakeAbbreviated(const unstruct::ZRFxBlock& block);
 };
 
 /// A database with that id and a name, created in an archive.

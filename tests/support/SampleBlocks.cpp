@@ -1,9 +1,5 @@
 #include "support/SampleBlocks.h"
 
-#include <initializer_list>
-#include <memory>
-#include <vector>
-
 #include "ZROZRFx2DPlotDataBlock.h"
 #include "ZROZRFxCrossSectionsBlock.h"
 #include "ZROZRFxElementBlock.h"
@@ -40,17 +36,9 @@ ZRArray<T> ArrayOf(std::initializer_list<T> items) {
     return array;
 }
 
-ZRIntArray Ints(std::initializer_list<std::int32_t> items) {
-    return ArrayOf<std::int32_t>(items);
-}
-
 template <typename T>
 std::unique_ptr<T> New(T item) {
     return std::make_unique<T>(std::move(item));
-}
-
-std::unique_ptr<ZRIntArray> NewInts(std::initializer_list<std::int32_t> items) {
-    return std::make_unique<ZRIntArray>(Ints(items));
 }
 
 ZRVec3fArray Vectors(std::initializer_list<nuo::Vec3f> items) {
@@ -296,6 +284,14 @@ constexpr Sample kSamples[] = {
 };
 
 }  // namespace
+
+ZRIntArray Ints(std::initializer_list<std::int32_t> items) {
+    return ArrayOf<std::int32_t>(items);
+}
+
+std::unique_ptr<ZRIntArray> NewInts(std::initializer_list<std::int32_t> items) {
+    return std::make_unique<ZRIntArray>(Ints(items));
+}
 
 nvf::ref<ZRFxBlock> SampleBlock(int type, int id) {
     for (const Sample& sample : kSamples) {

@@ -57,7 +57,7 @@ void CaseCheck::checkFile(const char* element, const nvf::XmlElement& root) {
     const nvf::XmlElement file = root.firstChildElement(element);
     if (file.isNull()) return;
     const ZRString name = GetText(file);
-    const ZRString entry = exists(inFolder(name)) ? inFolder(name) : name;
+    const ZRString entry = m_access.CaseEntry(m_info.folder, name);
     const std::string what = std::string(element) == "Snapshot" ? "snapshot" : "description";
     if (!exists(entry)) {
         return reporter(what.c_str(), m_info.path)

@@ -21,9 +21,10 @@ class File;
 ///         file.unusedFileCaseId(), database->id());
 class NUO_API Case : public RefCountedObject {
 public:
-    /// Adds a case to a file that was created or opened for append. The id must be new, neither id
-    /// negative, the name not empty. Whether there is such a database is not checked. On failure
-    /// the reason is logged, the case is not part of the file, and its id is -1.
+    /// Adds a case to a file that was created or opened for append. The id must be new to the file,
+    /// cases that could not be read included, neither id negative, the name not empty. Whether
+    /// there is such a database is not checked. On failure the reason is logged, the case is not
+    /// part of the file, and its id is -1.
     Case(File* file, const Str& name, int id, int databaseId);
     ~Case() override;
 
@@ -61,7 +62,9 @@ public:
     const PropertySetCollection* properties() const;
 
     /// Replaces the viewer settings, of which a reference is kept, and checks them against the
-    /// catalogue of properties. Each problem is logged; any makes the result false.
+    /// catalogue of properties, and that arrays nest at most 100 deep. Each problem is logged; any
+    /// makes the result false. Settings whose arrays nest deeper are refused once more when the
+    /// case is written, as they could not be read back.
     bool setProperties(PropertySetCollection* properties);
 
     /// Whether a viewer is to show only results that are stored, none that it could derive.

@@ -62,7 +62,9 @@ public:
 
     /// Writes a block at once, in place of the block of its type and id that the database may have.
     /// The block is only read and stays the caller's; what it refers to may change or go
-    /// afterwards. When the block cannot be stored, the one that it would replace stays. When
+    /// afterwards. A block whose contents could not be read back is refused with a message that
+    /// names them: arrays that do not fit one another, negative indices, polyhedrons that point
+    /// outside of themselves. The one that it would replace then stays. When
     /// writing fails on the way, for example on a full disk, the database has neither, and the
     /// block can be written again.
     bool writeBlock(const Block* block);

@@ -42,9 +42,9 @@ public:
     bool create(const Str& fileName, const FileSettings& settings);
 
     /// Opens a file for reading; close first what is open. An encrypted file needs its password. A
-    /// database that cannot be read ends the opening; a case that cannot be read is reported and
-    /// left out. Memory and time that this takes are bounded by the file's size, whatever it
-    /// claims.
+    /// database that cannot be read ends the opening, with nothing open; a case that cannot be read
+    /// is reported and left out. Memory and time that this takes are bounded by the file's size,
+    /// whatever it claims.
     bool open(const Str& fileName);
     bool open(const Str& fileName, const Str& password);
 
@@ -82,7 +82,8 @@ public:
     /// the largest of all. With nothing open, -1 and a message.
     int unusedDatabaseId() const;
 
-    /// One more than the largest id in use, 0 at first and with nothing open.
+    /// One more than the largest id in use, that of a case which could not be read included; 0 at
+    /// first and with nothing open.
     int unusedFileCaseId() const;
 
     /// Stores a text under a name, without ".txt" and without folders, in the folder of user files,

@@ -26,15 +26,16 @@ public:
     bool checkValidity() const override;
     unstruct::ZRFxBlock* internal_zrfxBlock() const override;
 
-    /// Appends a part to the record that is used for all states, which is the first one.
+    /// Appends a part to the record that is used for all states, which is the first one. No id is
+    /// negative, and neither is in the record already.
     bool addElementBlock(std::size_t geometryIndex, int elementBlockId, int partId);
 
-    /// Appends a part to the record of a state, which is added when it is new.
+    /// The same in the record of a state, which is added when it is new.
     bool addElementBlockForState(std::size_t geometryIndex, int elementBlockId, int partId,
                                  int stateId);
 
-    /// Replaces the parts of a geometry: as many part ids as element block ids, none twice. Without
-    /// a state, in the record that is used for all states.
+    /// Replaces the parts of a geometry: as many part ids as element block ids, none negative, no
+    /// part id twice. Without a state, in the record that is used for all states.
     bool setElementBlocks(std::size_t geometryIndex, const std::vector<int>& elementBlockIds,
                           const std::vector<int>& partIds);
     bool setElementBlocksForState(std::size_t geometryIndex,

@@ -22,6 +22,8 @@ public:
 
     unstruct::ZRFxBlock* internal_zrfxBlock() const override;
 
+    /// Names a part of a geometry. False, with a message, when there is no such geometry or the id
+    /// is negative.
     bool addPartInfo(std::size_t geometryIndex, int partId, const Str& partName);
 
     std::size_t geometryCountPerState() const;

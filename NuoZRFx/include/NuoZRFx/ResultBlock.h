@@ -68,10 +68,12 @@ public:
     Str attribute(const Str& name) const;
     std::vector<Str> attributeNames() const;
 
-    /// Appends a result values block to those of a state, which is added when it is new.
+    /// Appends a result values block to those of a state, which is added when it is new. A negative
+    /// id is an assertion and adds nothing.
     bool addResultValuesBlock(int resultValuesBlockId, int stateId);
 
-    /// Replaces the result values blocks of a state; the list must not be empty.
+    /// Replaces the result values blocks of a state; the list must not be empty, and no
+    /// id negative.
     bool setResultValuesBlocks(const std::vector<int>& resultValuesBlockIds, int stateId);
 
     /// The states that have values.

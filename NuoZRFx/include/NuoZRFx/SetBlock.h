@@ -36,7 +36,7 @@ public:
     bool itemsSpecifiedAsIds() const;
 
     /// Appends items that lie in an element block, to the group of that block. Indices are not
-    /// negative: a set that has one cannot be read.
+    /// negative: a set that has one is not written.
     void addItem(int item, int elementBlockId);
     void addItems(const int* items, std::size_t count, int elementBlockId);
 

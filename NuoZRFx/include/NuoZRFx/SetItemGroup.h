@@ -16,7 +16,7 @@ public:
     SetItemGroup();
     ~SetItemGroup();
 
-    /// The block that the items lie in. It must be an element block: other sets cannot be read.
+    /// The block that the items lie in. It must be an element block: other sets are not written.
     int blockId() const;
     void setBlockId(int blockId);
     Block::BlockType blockType() const;

@@ -29,10 +29,11 @@ public:
     int resultId() const;
     void setResultId(int resultId);
 
-    /// Appends a values block to those of a state, which is added when it is new.
+    /// Appends a values block to those of a state, which is added when it is new. A negative id is
+    /// an assertion and adds nothing.
     bool addTransformationResultValuesBlock(int blockId, int stateId);
 
-    /// Replaces the values blocks of a state; the list must not be empty.
+    /// Replaces the values blocks of a state; the list must not be empty, and no id negative.
     bool setTransformationResultValuesBlocks(const std::vector<int>& blockIds, int stateId);
 
     std::size_t stateCount() const;
