@@ -94,7 +94,11 @@ ZRFxAccess::ZRFxAccess()
     SetCompression(kDefaultLevel, kDefaultSmartness, kDefaultBufferSize, kDefaultBufferSize);
 }
 
-ZRFxAccess::~ZRFxAccess() = default;
+ZRFxAccess::~ZRFxAccess() {
+    if (m_pMemFile || !m_pArchive->HasUncommitted()) return;
+    m_logger->warn("'%1' was not closed, what was written since the last flush is dropped.",
+                   m_sFileName);
+}
 
 bool ZRFxAccess::Open(const ZRString& name, ZRZipAccessMode mode) {
     NVF_ASSERT(m_pArchive);
@@ -131,9 +135,27 @@ bool ZRFxAccess::Close() {
     return m_pArchive->Close() || FailWithCause("Could not write archive '%1'", m_sFileName);
 }
 
+bool ZRFxAccess::CloseAs(const ZRString& name) {
+    if (!IsOpen()) return m_logger->fail("Archive is not open.");
+    if (name.IsBlank()) return m_logger->fail("No filename specified.");
+    Forget();
+    return m_pArchive->CloseAs(name.Bytes()) ||
+           FailWithCause("Could not write archive '%1'", name);
+}
+
 void ZRFxAccess::Abandon() {
     Forget();
     m_pArchive->Abandon();
+}
+
+bool ZRFxAccess::Refresh(ZRFxArchiveChanges* changes) {
+    NVF_ASSERT(changes);
+    if (!changes) return false;
+    if (!m_pArchive->Refresh(changes)) {
+        return FailWithCause("Could not refresh archive '%1'", m_sFileName);
+    }
+    if (changes->bAny) Forget();
+    return true;
 }
 
 bool ZRFxAccess::IsOpen() const {
@@ -277,9 +299,7 @@ bool ZRFxAccess::GetCaseDescription(int caseId, ZRString* text) {
 }
 
 bool ZRFxAccess::WriteXmlFile(const ZRString& name, const nvf::XmlDocument& doc, bool overwrite) {
-    if (!IsOpen()) return m_logger->fail("Cannot write Xml file '%1', archive is not open.", name);
-    if (m_readOnly) return m_logger->fail("The file is read only.");
-    if (name.IsBlank()) return m_logger->fail("No filename specified.");
+    if (!CheckDocumentWritable(name)) return false;
     std::string entry;
     const bool isThere = FindEntry(name, &entry);
     if (isThere && !overwrite) {
@@ -304,6 +324,32 @@ bool ZRFxAccess::InternalReadXmlFile(const ZRString& name, LogMode logMode, nvf:
         return true;
     m_logger->fail("'%1' in '%2': %3", name, m_sFileName, cause);
     return m_logger->fail("Error parsing Xml contents");
+}
+
+bool ZRFxAccess::GrowDocument(const ZRString& name, std::uint64_t kept, std::string_view tail,
+                              std::uint64_t* revision) {
+    if (!CheckDocumentWritable(name)) return false;
+    Forget();
+    const std::string slashed = withSlashes(name.Bytes());
+    if (m_pArchive->Grow(name.Bytes(), kept, tail, m_compressionLevel, revision)) {
+        return slashed == name.Bytes() || !m_pArchive->Contains(slashed) ||
+               m_pArchive->Remove(slashed);
+    }
+    return FailWithCause("Could not write Xml file '%1' to archive", name);
+}
+
+std::uint64_t ZRFxAccess::DocumentRevision(const ZRString& name) const {
+    return m_pArchive->RevisionOf(name.Bytes());
+}
+
+bool ZRFxAccess::ReadDocumentTail(const ZRString& name, std::uint64_t from, std::string* tail) {
+    NVF_ASSERT(tail);
+    std::string entry;
+    if (!tail || !CheckReadable(name, LogMode::LOG)) return false;
+    if (!FindEntry(name, &entry) || !m_pArchive->ReadTail(entry, from, tail)) {
+        return FailWithCause("Unable to read raw data from '%1'.", name);
+    }
+    return true;
 }
 
 bool ZRFxAccess::WriteProperties(const ZRString& fileName,
@@ -543,6 +589,11 @@ bool ZRFxAccess::CheckWritable(const ZRString& name) {
     if (m_readOnly) return m_logger->fail("The file is read only.");
     if (name.IsBlank()) return m_logger->fail("No filename specified.");
     return true;
+}
+
+bool ZRFxAccess::CheckDocumentWritable(const ZRString& name) {
+    if (!IsOpen()) return m_logger->fail("Cannot write Xml file '%1', archive is not open.", name);
+    return CheckWritable(name);
 }
 
 bool ZRFxAccess::CheckReadable(const ZRString& name, LogMode logMode) const {

@@ -39,8 +39,8 @@ inline constexpr const char* kUserDataFolder = "UserData";
 /// reads its entries by name. Entry names are UTF-8 with a backslash between folders; an entry of a
 /// container packed by another program is also found under slashes. Every operation that fails logs
 /// why, with file and entry, and gives false (or -1); nothing is thrown. What is written is
-/// readable at once, and on disk after the next commit. Destroyed without Close, it finishes the
-/// container as it is. Used by one thread at a time.
+/// readable at once, and on disk after the next commit. Destroyed without Close, it drops what was
+/// not committed, with a warning. Used by one thread at a time.
 class ZRFxAccess {
 public:
     /// While it lives, what the access reads counts as one operation, which is bounded as
@@ -80,8 +80,16 @@ public:
     /// open.
     bool Close();
 
+    /// Commits everything to a new file instead, and closes; the old one stays as it was committed
+    /// last. Fails when there is a file of that name.
+    bool CloseAs(const ZRString& name);
+
     /// Closes without committing what was written since the last commit.
     void Abandon();
+
+    /// Of an archive opened for reading, takes over what was committed since. Takes time with what
+    /// is new.
+    bool Refresh(ZRFxArchiveChanges* changes);
 
     bool IsOpen() const;
     bool IsReadOnly() const { return m_readOnly; }
@@ -143,6 +151,17 @@ public:
     /// Whatever it holds, the document can be read again within ZRFxReadBounds.
     bool WriteXmlFile(const ZRString& name, const nvf::XmlDocument& doc, bool overwrite);
     bool InternalReadXmlFile(const ZRString& name, LogMode logMode, nvf::XmlDocument* doc);
+
+    /// Changes a document from its byte `kept` on, as a text that its writer keeps well formed, and
+    /// gives the number of this revision. With 0 the document is made, or replaced as a whole.
+    bool GrowDocument(const ZRString& name, std::uint64_t kept, std::string_view tail,
+                      std::uint64_t* revision);
+
+    /// The revision of a document that nothing but GrowDocument has changed since; 0 otherwise.
+    std::uint64_t DocumentRevision(const ZRString& name) const;
+
+    /// The text of a document from a byte on; empty where it is shorter.
+    bool ReadDocumentTail(const ZRString& name, std::uint64_t from, std::string* tail);
     bool WriteProperties(const ZRString& fileName, const nvf::PropertySetCollection& collection);
     bool ReadProperties(const ZRString& fileName, nvf::PropertySetCollection* collection);
 
@@ -207,6 +226,7 @@ public:
 private:
     bool TakeOpened(bool isOpened, ZRZipAccessMode mode);
     bool CheckWritable(const ZRString& name);
+    bool CheckDocumentWritable(const ZRString& name);
     bool CheckReadable(const ZRString& name, LogMode logMode) const;
     bool Store(const ZRString& name, const void* data, std::size_t numBytes, bool overwrite);
     bool StoreDocument(const ZRString& name, const std::string& text, bool overwrite);

@@ -39,7 +39,7 @@ public:
     /// Writes into a database, in place of the block of this type and id that it may hold. The
     /// block stays attached to its own database. Contents that cannot be stored leave the database
     /// as it is; when its archive fails, neither the old nor the new block is in it.
-    bool WriteBlock(ZRFxDatabase* pDatabase);
+    virtual bool WriteBlock(ZRFxDatabase* pDatabase);
 
     /// Drops what was loaded, so that the next ReadBlock reads again.
     virtual void UnloadData();

@@ -45,6 +45,52 @@ bool isBlockDocument(const ZRString& entry) {
 
 }  // namespace
 
+bool ZRFxDatabase::TOC::Enter(const BlockLine& line) {
+    const BlockKey key(ZRFxBlockTypeFromName(line.typeName), line.id);
+    const auto [index, isNew] = m_indices.try_emplace(key, m_lines.size());
+    if (isNew) {
+        m_lines.push_back(line);
+        return true;
+    }
+    BlockLine& entered = m_lines[index->second];
+    if (entered.fileName == line.fileName) return false;
+    entered.fileName = line.fileName;
+    m_document.Touch(static_cast<std::int64_t>(index->second));
+    return true;
+}
+
+bool ZRFxDatabase::TOC::Remove(const BlockKey& key) {
+    const auto found = m_indices.find(key);
+    if (found == m_indices.end()) return false;
+    const std::size_t removed = found->second;
+    m_lines.erase(m_lines.begin() + static_cast<std::ptrdiff_t>(removed));
+    m_indices.erase(found);
+    for (auto& [other, index] : m_indices) index -= index > removed ? 1 : 0;
+    m_document.Touch(static_cast<std::int64_t>(removed));
+    return true;
+}
+
+bool ZRFxDatabase::TOC::Store(ZRFxAccess* pAccess, const ZRString& name) {
+    return m_document.Store(pAccess, name, *this);
+}
+
+nvf::XmlElement ZRFxDatabase::TOC::WriteHead(nvf::XmlDocument* pDoc) const {
+    nvf::XmlElement root = pDoc->createRootElement("DatabaseTOC", kNamespaceUri);
+    root.setAttributeInt("DatabaseID", m_databaseId);
+    return root;
+}
+
+void ZRFxDatabase::TOC::WriteItem(nvf::XmlElement root, std::int64_t index) const {
+    const BlockLine& line = m_lines[static_cast<std::size_t>(index)];
+    nvf::XmlElement element = root.addChildElement(line.typeName.CStr());
+    element.setAttributeInt("ID", line.id);
+    SetAttribute(element, "File", line.fileName);
+}
+
+std::int64_t ZRFxDatabase::TOC::GetItemCount() const {
+    return static_cast<std::int64_t>(m_lines.size());
+}
+
 ZRFxDatabase::ZRFxDatabase(ZRFxAccess* pAccess) : ZRFxDataFolder(pAccess) {}
 
 bool ZRFxDatabase::Create(const ZRString& name, int id, const ZRString& sourceName,
@@ -88,9 +134,9 @@ bool ZRFxDatabase::Parse(int id, ZRFxParseMode mode) {
 }
 
 bool ZRFxDatabase::WriteTOC() {
-    NVF_ASSERT(m_pTOC.notNull());
-    if (m_pTOC.isNull() || !GetAccess()) return false;
-    if (!GetAccess()->WriteXmlFile(EntryName(kTOCName), *m_pTOC, true)) {
+    NVF_ASSERT(m_pTOC);
+    if (!m_pTOC || !GetAccess()) return false;
+    if (!m_pTOC->Store(GetAccess(), EntryName(kTOCName))) {
         return Log().fail("Cannot write Database TOC to archive.");
     }
     m_bTOCModified = false;
@@ -106,6 +152,20 @@ bool ZRFxDatabase::WriteBlock(const ZRString& typeName, int id, const ZRString& 
     EnterInTOC(typeName, id, fileName);
     bool isReplaced = false;
     return AddBlock(CreateEntry(ZRFxBlockTypeFromName(typeName), id, fileName).p(), &isReplaced);
+}
+
+bool ZRFxDatabase::WriteListBlock(const ZRFxBlock& block, const ZRString& fileName,
+                                  const ZRFxListContent& content, ZRFxListDocument* document) {
+    const ZRString typeName = ZRFxBlockTypeName(block.GetType());
+    if (block.GetID() < 0 || !GetAccess() ||
+        !document->Store(GetAccess(), fileName, content)) {
+        return Log().fail("Error writing block xml file (type '%1' ID %2)", typeName,
+                          block.GetID());
+    }
+    EnterInTOC(typeName, block.GetID(), fileName);
+    if (GetBlockByID(block.GetType(), block.GetID())) return true;
+    bool isReplaced = false;
+    return AddBlock(CreateEntry(block.GetType(), block.GetID(), fileName).p(), &isReplaced);
 }
 
 bool ZRFxDatabase::RemoveBlockFiles(const ZRFxBlock& block) {
@@ -127,12 +187,7 @@ void ZRFxDatabase::RemoveBlock(const ZRFxBlock& block) {
     ZRStringArray files;
     GetAccess()->FindFilesOfBase(EntryName(block.GetFilebase()), &files);
     for (const ZRString& file : files) GetAccess()->RemoveFile(file);
-    const auto line = m_tocLines.find({block.GetType(), block.GetID()});
-    if (line != m_tocLines.end()) {
-        m_pTOC->getRootElement().removeChildElement(line->second);
-        m_tocLines.erase(line);
-        m_bTOCModified = true;
-    }
+    if (m_pTOC && m_pTOC->Remove({block.GetType(), block.GetID()})) m_bTOCModified = true;
     if (!GetBlockByID(block.GetType(), block.GetID())) return;
     BlockArray& blocks = m_apBlocks[static_cast<std::size_t>(block.GetType())];
     blocks.erase(positionOf(blocks, block.GetID()));
@@ -218,19 +273,12 @@ bool ZRFxDatabase::FailID(int id) const {
 }
 
 void ZRFxDatabase::StartTOC() {
-    m_tocLines.clear();
-    m_pTOC = new nvf::XmlDocument;
-    m_pTOC->createRootElement("DatabaseTOC", kNamespaceUri).setAttributeInt("DatabaseID", m_iID);
+    m_pTOC = std::make_unique<TOC>(m_iID);
 }
 
 void ZRFxDatabase::EnterInTOC(const ZRString& typeName, int id, const ZRString& fileName) {
-    if (m_pTOC.isNull()) StartTOC();
-    nvf::XmlElement& line = m_tocLines[{ZRFxBlockTypeFromName(typeName), id}];
-    if (line.isNull()) line = m_pTOC->getRootElement().addChildElement(typeName.CStr());
-    if (GetAttribute(line, "File") == fileName) return;
-    line.setAttributeInt("ID", id);
-    SetAttribute(line, "File", fileName);
-    m_bTOCModified = true;
+    if (!m_pTOC) StartTOC();
+    if (m_pTOC->Enter({typeName, id, fileName})) m_bTOCModified = true;
 }
 
 void ZRFxDatabase::Clear() {
@@ -238,8 +286,7 @@ void ZRFxDatabase::Clear() {
     m_sName = m_sSourceName = m_sDescription = ZRString();
     SetFolder(ZRString());
     for (BlockArray& blocks : m_apBlocks) blocks.clear();
-    m_tocLines.clear();
-    m_pTOC = nullptr;
+    m_pTOC.reset();
 }
 
 bool ZRFxDatabase::ParseDescription(const ZRFxDatabaseInfo& info) {

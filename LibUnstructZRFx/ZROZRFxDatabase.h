@@ -2,9 +2,11 @@
 
 #include <array>
 #include <map>
+#include <memory>
 #include <utility>
 #include <vector>
 
+#include "ZRFxListDocument.h"
 #include "ZROZRFxAccess.h"
 #include "ZROZRFxBlock.h"
 #include "ZROZRFxBlockType.h"
@@ -50,6 +52,10 @@ public:
     /// could not be opened again. Called by blocks.
     bool WriteBlock(const ZRString& typeName, int id, const ZRString& fileName,
                     const nvf::XmlDocument& xmlDoc, bool overwrite);
+
+    /// The same for a block that is a list, of which only what has changed is stored.
+    bool WriteListBlock(const ZRFxBlock& block, const ZRString& fileName,
+                        const ZRFxListContent& content, ZRFxListDocument* document);
 
     /// Removes document and data files that the block of this type and id has in this database, so
     /// that they can be written again; what a block takes to find them does not grow with the file.
@@ -97,6 +103,27 @@ private:
         ZRString fileName;
     };
 
+    // The lines of the table of contents, in the order in which they were entered.
+    class TOC : public ZRFxListContent {
+    public:
+        explicit TOC(int databaseId) : m_databaseId(databaseId) {}
+
+        /// False when the line is there already.
+        bool Enter(const BlockLine& line);
+        bool Remove(const BlockKey& key);
+        bool Store(ZRFxAccess* pAccess, const ZRString& name);
+
+    private:
+        nvf::XmlElement WriteHead(nvf::XmlDocument* pDoc) const override;
+        void WriteItem(nvf::XmlElement root, std::int64_t index) const override;
+        std::int64_t GetItemCount() const override;
+
+        const int m_databaseId;
+        std::vector<BlockLine> m_lines;
+        std::map<BlockKey, std::size_t> m_indices;
+        ZRFxListDocument m_document;
+    };
+
     nvf::ref<nvf::XmlDocument> CreateDescription() const;
     bool FailID(int id) const;
     void StartTOC();
@@ -122,8 +149,7 @@ private:
     ZRFEMSolutionType m_eSolutionType = ZRFEMSolutionType::OTHER;
     ZRString m_sDescription;
     std::array<BlockArray, kNumBlockTypes> m_apBlocks;
-    nvf::ref<nvf::XmlDocument> m_pTOC;
-    std::map<BlockKey, nvf::XmlElement> m_tocLines;
+    std::unique_ptr<TOC> m_pTOC;
     bool m_bTOCModified = false;
 };
 

@@ -98,18 +98,13 @@ public:
     std::int64_t GetStateCount() const { return m_apStates.GetSize(); }
     ZRFxGeometryState* GetState(std::int64_t index) const { return m_apStates[index]; }
 
-<<<<<<< HEAD
     /// The first record of a state; null when it has none.
     ZRFxGeometryState* FindState(int stateID) const {
         return m_apStates[m_indices.IndexOf(stateID)];
     }
 
-    /// Whether the document says how many geometries a state has; those of the legacy layout do
-    /// not.
-=======
     /// Whether the document says how many geometries a state has. Where it does not, they are those
     /// that it numbers, and one in the legacy layout, which a state has that names no geometry.
->>>>>>> helper-b
     bool HasGeometryCountPerState() const;
 
     /// For a document of the legacy layout, which also tells what a geometry info block tells:

@@ -7,7 +7,7 @@ namespace unstruct {
 ZRFxResultBlock::ZRFxResultBlock(ZRFxDatabase* pDatabase, int id)
     : ZRFxStatesBlock(pDatabase, id, BLOCK_RESULTS) {}
 
-bool ZRFxResultBlock::DoWriteBlock(nvf::XmlElement root) {
+void ZRFxResultBlock::DoWriteHead(nvf::XmlElement root) const {
     const ZRFxResultDescription& d = m_description;
     SetAttribute(root, "Name", d.name);
     SetAttribute(root, "ResultType", ResultTypeName(d.resultType));
@@ -25,8 +25,6 @@ bool ZRFxResultBlock::DoWriteBlock(nvf::XmlElement root) {
         SetAttribute(attribute, "Name", name);
         SetAttribute(attribute, "Value", value);
     }
-    WriteStates(root);
-    return true;
 }
 
 bool ZRFxResultBlock::DoReadMetaData(const nvf::XmlElement& root) {

@@ -34,7 +34,7 @@ public:
 
 protected:
     bool DoReadMetaData(const nvf::XmlElement& root) override;
-    bool DoWriteBlock(nvf::XmlElement root) override;
+    void DoWriteHead(nvf::XmlElement root) const override;
 
 private:
     ZRFxResultDescription m_description;

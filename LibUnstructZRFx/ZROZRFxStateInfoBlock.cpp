@@ -7,7 +7,7 @@
 namespace unstruct {
 
 ZRFxStateInfoBlock::ZRFxStateInfoBlock(ZRFxDatabase* pDatabase, int id)
-    : ZRFxBlock(pDatabase, id, BLOCK_STATE_INFO) {}
+    : ZRFxListBlock(pDatabase, id, BLOCK_STATE_INFO) {}
 
 ZRFxStateInfo* ZRFxStateInfoBlock::AddState(const ZRFxStateInfo& info) {
     SetRead(true);
@@ -17,6 +17,12 @@ ZRFxStateInfo* ZRFxStateInfoBlock::AddState(const ZRFxStateInfo& info) {
 void ZRFxStateInfoBlock::RemoveStates(std::int64_t iFrom, std::int64_t iTo) {
     NVF_ASSERT(iTo >= 0 && iTo < m_apStateInfo.GetSize());
     m_apStateInfo.RemoveRange(iFrom, iTo);
+    Touch(iFrom);
+}
+
+ZRFxStateInfo* ZRFxStateInfoBlock::EditState(std::int64_t index) {
+    Touch(index);
+    return m_apStateInfo[index];
 }
 
 bool ZRFxStateInfoBlock::DoReadBlock(const nvf::XmlElement& root) {
@@ -28,19 +34,13 @@ bool ZRFxStateInfoBlock::DoReadBlock(const nvf::XmlElement& root) {
     return true;
 }
 
-bool ZRFxStateInfoBlock::DoWriteBlock(nvf::XmlElement root) {
-    for (const auto& pState : m_apStateInfo) {
-        NVF_ASSERT(pState);
-        WriteState(root, *pState);
-    }
-    return true;
-}
-
 void ZRFxStateInfoBlock::DoUnloadData() {
     m_apStateInfo.RemoveAll();
+    Touch(0);
 }
 
-void ZRFxStateInfoBlock::WriteState(nvf::XmlElement root, const ZRFxStateInfo& info) {
+void ZRFxStateInfoBlock::WriteItem(nvf::XmlElement root, std::int64_t index) const {
+    const ZRFxStateInfo& info = *m_apStateInfo[index];
     nvf::XmlElement state = root.addChildElement("State");
     state.setAttributeInt("ID", info.stateID);
     SetAttribute(state, "Name", info.name);
@@ -51,7 +51,8 @@ void ZRFxStateInfoBlock::WriteState(nvf::XmlElement root, const ZRFxStateInfo& i
     WriteExportInfo(state, info.exportInfo);
 }
 
-void ZRFxStateInfoBlock::WriteExportInfo(nvf::XmlElement state, const ZRFxExportInfo& info) {
+void ZRFxStateInfoBlock::WriteExportInfo(nvf::XmlElement state,
+                                         const ZRFxExportInfo& info) const {
     nvf::XmlElement element = state.addChildElement("ZRFxExportInfo");
     element.setAttributeBool("PolygonModel", info.polygonModel);
     element.setAttributeBool("VisiblePartsOnly", info.visiblePartsOnly);

@@ -3,7 +3,7 @@
 #include <cstdint>
 
 #include "ZRArray.h"
-#include "ZROZRFxBlock.h"
+#include "ZRFxListBlock.h"
 #include "ZROZRFxResultTypes.h"
 #include "ZRPtrArray.h"
 
@@ -30,25 +30,29 @@ struct ZRFxStateInfo {
 };
 
 /// The states of a model.
-class ZRFxStateInfoBlock : public ZRFxBlock {
+class ZRFxStateInfoBlock : public ZRFxListBlock {
 public:
     ZRFxStateInfoBlock(ZRFxDatabase* pDatabase, int id);
 
     ZRFxStateInfo* AddState(const ZRFxStateInfo& info);
     std::int64_t GetStateCount() const { return m_apStateInfo.GetSize(); }
-    ZRFxStateInfo* GetState(std::int64_t index) const { return m_apStateInfo[index]; }
+    const ZRFxStateInfo* GetState(std::int64_t index) const { return m_apStateInfo[index]; }
+
+    /// The same to be changed, before the block is written.
+    ZRFxStateInfo* EditState(std::int64_t index);
 
     /// Removes a range of states, both ends included.
     void RemoveStates(std::int64_t iFrom, std::int64_t iTo);
 
 protected:
     bool DoReadBlock(const nvf::XmlElement& root) override;
-    bool DoWriteBlock(nvf::XmlElement root) override;
+    void DoWriteHead(nvf::XmlElement) const override {}
     void DoUnloadData() override;
 
 private:
-    void WriteState(nvf::XmlElement root, const ZRFxStateInfo& info);
-    void WriteExportInfo(nvf::XmlElement state, const ZRFxExportInfo& info);
+    void WriteItem(nvf::XmlElement root, std::int64_t index) const override;
+    std::int64_t GetItemCount() const override { return GetStateCount(); }
+    void WriteExportInfo(nvf::XmlElement state, const ZRFxExportInfo& info) const;
     bool ReadState(const nvf::XmlElement& state);
     bool ReadExportInfo(const nvf::XmlElement& state, ZRFxExportInfo* info);
 

@@ -7,14 +7,11 @@
 
 namespace unstruct {
 
-void WriteStateValues(nvf::XmlElement root, const ZRPtrArray<ZRFxStateValues>& states) {
-    for (const auto& pState : states) {
-        NVF_ASSERT(pState);
-        nvf::XmlElement state = root.addChildElement("State");
-        state.setAttributeInt("ID", pState->m_iStateID);
-        nvf::XmlElement values = state.addChildElement("ResultValues");
-        WriteIntList(values, pState->m_aiValuesBlockIDs);
-    }
+void WriteStateValues(nvf::XmlElement root, const ZRFxStateValues& values) {
+    nvf::XmlElement state = root.addChildElement("State");
+    state.setAttributeInt("ID", values.m_iStateID);
+    nvf::XmlElement list = state.addChildElement("ResultValues");
+    WriteIntList(list, values.m_aiValuesBlockIDs);
 }
 
 bool ReadStateValues(const nvf::XmlElement& root, ZRPtrArray<ZRFxStateValues>* states) {

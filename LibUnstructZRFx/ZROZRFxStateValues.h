@@ -14,8 +14,8 @@ struct ZRFxStateValues {
     ZRIntArray m_aiValuesBlockIDs;
 };
 
-/// Writes a child "State" for each record, with its blocks as an integer list in "ResultValues".
-void WriteStateValues(nvf::XmlElement root, const ZRPtrArray<ZRFxStateValues>& states);
+/// Writes a child "State" for the record, with its blocks as an integer list in "ResultValues".
+void WriteStateValues(nvf::XmlElement root, const ZRFxStateValues& values);
 
 /// Reads them back. False when a list holds anything but integers.
 bool ReadStateValues(const nvf::XmlElement& root, ZRPtrArray<ZRFxStateValues>* states);

@@ -14,6 +14,7 @@ bool ZRFxStatesBlock::ReadMetaData() {
 ZRFxStateValues* ZRFxStatesBlock::AddState(int stateID) {
     SetRead(true);
     const std::int64_t index = GetStateIndex(stateID);
+    Touch(index >= 0 ? index : GetStateCount());
     if (index >= 0) return m_apStates[index];
     m_indices.Add(stateID);
     return m_apStates.Add(std::make_unique<ZRFxStateValues>(stateID));
@@ -22,19 +23,26 @@ ZRFxStateValues* ZRFxStatesBlock::AddState(int stateID) {
 void ZRFxStatesBlock::RemoveStates(std::int64_t iFrom, std::int64_t iTo) {
     NVF_ASSERT(iTo >= 0 && iTo < m_apStates.GetSize());
     m_apStates.RemoveRange(iFrom, iTo);
+    Touch(iFrom);
     UpdateIndices();
 }
 
 bool ZRFxStatesBlock::DoReadBlock(const nvf::XmlElement& root) {
     if (!DoReadMetaData(root)) return false;
     const bool isRead = ReadStateValues(root, &m_apStates);
+    Touch(0);
     UpdateIndices();
     return isRead || Log().fail("Invalid XML");
 }
 
 void ZRFxStatesBlock::DoUnloadData() {
     m_apStates.RemoveAll();
+    Touch(0);
     UpdateIndices();
+}
+
+void ZRFxStatesBlock::WriteItem(nvf::XmlElement root, std::int64_t index) const {
+    WriteStateValues(root, *m_apStates[index]);
 }
 
 void ZRFxStatesBlock::UpdateIndices() {

@@ -7,11 +7,9 @@ namespace unstruct {
 ZRFxTransformationResultsBlock::ZRFxTransformationResultsBlock(ZRFxDatabase* pDatabase, int id)
     : ZRFxStatesBlock(pDatabase, id, BLOCK_TRANSFORMATION_RESULTS) {}
 
-bool ZRFxTransformationResultsBlock::DoWriteBlock(nvf::XmlElement root) {
+void ZRFxTransformationResultsBlock::DoWriteHead(nvf::XmlElement root) const {
     SetAttribute(root, "Name", m_sName);
     root.setAttributeInt("ResultID", m_iResultID);
-    WriteStates(root);
-    return true;
 }
 
 bool ZRFxTransformationResultsBlock::DoReadMetaData(const nvf::XmlElement& root) {

@@ -16,7 +16,7 @@ public:
 
 protected:
     bool DoReadMetaData(const nvf::XmlElement& root) override;
-    bool DoWriteBlock(nvf::XmlElement root) override;
+    void DoWriteHead(nvf::XmlElement root) const override;
 
 private:
     ZRString m_sName;

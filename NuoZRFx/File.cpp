@@ -1,9 +1,7 @@
 #include "NuoZRFx/File.h"
 
-#include <algorithm>
 #include <climits>
 #include <set>
-#include <unordered_set>
 
 #include "Case_p.h"
 #include "Convert_p.h"
@@ -29,18 +27,10 @@ ZRString userEntry(const Str& name) {
            name.toStdString() + kUserExtension;
 }
 
-<<<<<<< HEAD
 // Where the highest id that there is stands for an item, the lowest gap.
 int unusedId(const std::set<int>& ids) {
     if (ids.empty()) return 0;
     if (*ids.rbegin() < INT_MAX) return *ids.rbegin() + 1;
-=======
-// After the highest id, or the lowest gap where there is none after it.
-int unusedId(const std::unordered_set<int>& ids) {
-    int highest = -1;
-    for (const int id : ids) highest = std::max(highest, id);
-    if (highest < INT_MAX) return highest + 1;
->>>>>>> helper-b
     int unused = 0;
     while (ids.count(unused) > 0) ++unused;
     return unused;
@@ -267,7 +257,7 @@ bool File::readCases() {
     int count = 0;
     if (!m_private->m_zrfxAccess->GetNumCases(&count)) return fail("Error opening file.");
     std::set<int> documents;
-    std::unordered_set<int> registered;
+    std::set<int> registered;
     for (int index = 0; index < count; ++index) {
         unstruct::ZRFxCaseInfo info;
         m_private->m_zrfxAccess->GetCaseInfo(index, &info);

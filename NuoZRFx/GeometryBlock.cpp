@@ -83,13 +83,8 @@ bool GeometryBlock::addElementBlockForState(std::size_t geometryIndex, int eleme
                                             int partId, int stateId) {
     if (!checkGeometry(geometryIndex)) return false;
     if (stateId < 0) return fail("stateId cannot be negative.");
-<<<<<<< HEAD
-    ZRFxGeometryState* state = m_private->m_geometryBlock->FindState(stateId);
-    if (elementBlockId < 0) return fail("elementBlockId cannot be negative.");
-=======
     if (!checkPart(elementBlockId, partId)) return false;
-    ZRFxGeometryState* state = m_private->stateOf(stateId);
->>>>>>> helper-b
+    ZRFxGeometryState* state = m_private->m_geometryBlock->FindState(stateId);
     if (!state) state = m_private->m_geometryBlock->AddState(stateId);
     return addPart(*state, geometryIndex, elementBlockId, partId);
 }
@@ -181,22 +176,10 @@ bool GeometryBlock::checkParts(const std::vector<int>& elementBlockIds, int stat
 bool GeometryBlock::addPart(ZRFxGeometryState& state, std::size_t geometryIndex, int elementBlockId,
                             int partId) {
     const int geometry = static_cast<int>(geometryIndex);
-<<<<<<< HEAD
-    if (elementBlockId < 0) return fail("elementBlockId cannot be negative.");
     if (const ZRFxGeometryPart* part = state.FindPart(geometry, elementBlockId, partId)) {
         return part->blockID == elementBlockId
                    ? fail("Found existing part with same block id (%1).", elementBlockId)
                    : fail("Found existing part with same part id (%1).", partId);
-=======
-    for (int i = 0; i < state.GetPartCount(geometry); ++i) {
-        const ZRFxGeometryPart part = state.GetPart(geometry, i);
-        if (part.blockID == elementBlockId) {
-            return fail("Found existing part with same block id (%1).", elementBlockId);
-        }
-        if (part.partID == partId) {
-            return fail("Found existing part with same part id (%1).", partId);
-        }
->>>>>>> helper-b
     }
     return state.AddPart(geometry, {-1, elementBlockId, unstruct::BLOCK_ELEMENTS, partId});
 }

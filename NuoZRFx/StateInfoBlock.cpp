@@ -31,7 +31,7 @@ bool isValidType(StateInfoBlock::ReferenceValueType type) {
 
 class StateInfoBlockPrivate {
 public:
-    ZRFxStateInfo* state(std::size_t index) const {
+    const ZRFxStateInfo* state(std::size_t index) const {
         return m_stateInfoBlock->GetState(static_cast<std::int64_t>(index));
     }
 
@@ -129,7 +129,8 @@ bool StateInfoBlock::addGroupInfo(int groupId, const Str& groupName,
     Group& group = m_private->group(groupId, name);
     group.states = m_private->statesOf(stateIds);
     for (const std::size_t index : group.states) {
-        ZRFxStateInfo* state = m_private->state(index);
+        ZRFxStateInfo* state =
+            m_private->m_stateInfoBlock->EditState(static_cast<std::int64_t>(index));
         state->parentID = groupId;
         state->group = name;
     }

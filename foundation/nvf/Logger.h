@@ -54,6 +54,14 @@ public:
         return false;
     }
 
+    /// Logs a warning at the caller's place.
+    template <typename... Values>
+    void warn(LocatedText message, const Values&... values) {
+        if (isWarningEnabled()) {
+            warning(compose(message.text, values...), CodeLocation(message.where));
+        }
+    }
+
     /// Logs information at the caller's place.
     template <typename... Values>
     void inform(LocatedText message, const Values&... values) {

@@ -264,7 +264,7 @@ TEST_F(ZRFxDatabaseTest, WithoutArchiveOrWithBadArgumentsItFailsAnAssertion) {
     ExpectAssertion(test::CreateDatabase(nowhere, 1), "m_pAccess");
     EXPECT_FALSE(nowhere.Parse(1));
     EXPECT_EQ(TakeTexts().back(), "Database Xml file not found.");
-    ExpectAssertion(nowhere.WriteTOC(), "m_pTOC.notNull()");
+    ExpectAssertion(nowhere.WriteTOC(), "m_pTOC");
     EXPECT_EQ(m_database.GetBlock(0), nullptr);
     ExpectAssertion(m_database.GetBlock(-1) != nullptr, "globalIndex >= 0");
     for (const int type : {-1, 23}) EXPECT_EQ(m_database.GetBlockByID(type, 0), nullptr);

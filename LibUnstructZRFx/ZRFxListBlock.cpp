@@ -1,0 +1,32 @@
+#include "ZRFxListBlock.h"
+
+#include "ZROZRFxDatabase.h"
+#include "nvf/Assert.h"
+
+namespace unstruct {
+
+// A block that stands in another document, or under another name, is removed first.
+bool ZRFxListBlock::WriteBlock(ZRFxDatabase* pDatabase) {
+    NVF_ASSERT(pDatabase);
+    if (!pDatabase) return false;
+    const ZRFxBlock* written = pDatabase->GetBlockByID(GetType(), GetID());
+    const ZRString fileName = pDatabase->EntryName(GetFilebase() + ".xml");
+    if (written && written->GetFileName() != fileName) return ZRFxBlock::WriteBlock(pDatabase);
+    if (!CheckContents()) return false;
+    return pDatabase->WriteListBlock(*this, fileName, *this, &m_document) ||
+           Log().fail("File write error");
+}
+
+bool ZRFxListBlock::DoWriteBlock(nvf::XmlElement root) {
+    DoWriteHead(root);
+    for (std::int64_t i = 0; i < GetItemCount(); ++i) WriteItem(root, i);
+    return true;
+}
+
+nvf::XmlElement ZRFxListBlock::WriteHead(nvf::XmlDocument* pDoc) const {
+    const nvf::XmlElement root = CreateRootElement(pDoc);
+    DoWriteHead(root);
+    return root;
+}
+
+}  // namespace unstruct

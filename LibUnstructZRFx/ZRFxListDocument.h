@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "ZRString.h"
+#include "nvf/XmlDocument.h"
+
+namespace unstruct {
+
+class ZRFxAccess;
+
+/// What a document lists: some attributes and elements in front, then items, one element each.
+class ZRFxListContent {
+public:
+    virtual ~ZRFxListContent() = default;
+
+    /// Makes the root, with what stands in front of the items.
+    virtual nvf::XmlElement WriteHead(nvf::XmlDocument* pDoc) const = 0;
+    virtual void WriteItem(nvf::XmlElement root, std::int64_t index) const = 0;
+    virtual std::int64_t GetItemCount() const = 0;
+};
+
+/// A document that mostly grows at its end. Storing it again makes only the items that are new, or
+/// have changed, and those after them; what the archive has is kept up to there. Remembers a number
+/// an item for that. Used by one thread at a time.
+class ZRFxListDocument {
+public:
+    /// The item is another one than when it was stored.
+    void Touch(std::int64_t index);
+
+    /// Stores the document in place of the entry of that name. False, with a message, when that
+    /// fails; the entry stays as it was.
+    bool Store(ZRFxAccess* pAccess, const ZRString& name, const ZRFxListContent& content);
+
+private:
+    std::string MakeText(const ZRFxListContent& content, std::int64_t iFrom,
+                         std::vector<std::uint64_t>* pStarts, std::size_t* pHead) const;
+
+    std::uint64_t m_nRevision = 0;  // Of the entry as it was stored last.
+    std::string m_sHead;
+    std::vector<std::uint64_t> m_aStarts;  // Of the items in the text, and of what follows them.
+};
+
+}  // namespace unstruct
