@@ -307,6 +307,64 @@ void Read(benchmark::State& state) {
                     [&] { load.ReadInterface(); }});
 }
 
+// One by one, as a solver adds them; the time of each must not grow with their number.
+
+void addStates(int count) {
+    StateInfoBlock block;
+    for (int id = 0; id < count; ++id) {
+        require(block.addStateInfo(id, "", 0, StateInfoBlock::TIME) && block.stateIndex(id) == id);
+    }
+}
+
+void addGroups(int count) {
+    StateInfoBlock block;
+    for (int id = 0; id < count; ++id) {
+        require(block.addStateInfo(id, "", 0, StateInfoBlock::TIME));
+        require(block.addGroupInfo(count + id, "", {id}));
+        require(block.groupStateIds(static_cast<std::size_t>(id)).size() == 1);
+    }
+}
+
+void addParts(int count) {
+    GeometryBlock block(1);
+    for (int id = 0; id < count; ++id) require(block.addElementBlock(0, id, id));
+}
+
+void addPartsOfStates(int count) {
+    GeometryBlock block(1);
+    for (int id = 0; id < count; ++id) require(block.addElementBlockForState(0, 1, 1, id));
+}
+
+void addResultStates(int count) {
+    ResultBlock block(1, ResultBlock::SCALAR, ResultBlock::NODE_MAPPING);
+    for (int id = 0; id < count; ++id) {
+        require(block.addResultValuesBlock(id, id) && block.stateIndex(id) == id);
+    }
+}
+
+void addItemsOfBlocks(int count) {
+    SetBlock block(1, false);
+    for (int id = 0; id < count; ++id) block.addItem(id, id);
+}
+
+void Add(benchmark::State& state, void (*add)(int)) {
+    initialize();
+    const int count = static_cast<int>(state.range(0));
+    for (auto _ : state) add(count);
+    state.SetItemsProcessed(state.iterations() * count);
+}
+
+void counts(benchmark::internal::Benchmark* benchmark) {
+    benchmark->ArgName("count")->Arg(1'000)->Arg(100'000)->Unit(benchmark::kMillisecond);
+}
+
+BENCHMARK_CAPTURE(Add, States, addStates)->Apply(counts);
+BENCHMARK_CAPTURE(Add, Groups, addGroups)->Apply(counts);
+BENCHMARK_CAPTURE(Add, Parts, addParts)->Apply(counts);
+BENCHMARK_CAPTURE(Add, PartsOfStates, addPartsOfStates)->Apply(counts);
+BENCHMARK_CAPTURE(Add, ResultStates, addResultStates)->Apply(counts);
+BENCHMARK_CAPTURE(Add, ItemsOfBlocks, addItemsOfBlocks)->Apply(counts);
+
 // Levels: stored, where nothing hides what the interface does, and the default.
 void levels(benchmark::internal::Benchmark* benchmark) {
     benchmark->ArgName("level")->Arg(0)->Arg(5)->UseManualTime()->Unit(benchmark::kMillisecond);

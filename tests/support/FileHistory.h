@@ -129,7 +129,8 @@ private:
             for (size_t nSector = 0; nSector < m_abStopped.size(); ++nSector) {
                 if (m_abStopped[nSector] && !m_abHeld[nSector]) Fill(nSector, sForeign);
             }
-            return {m_sBytes.substr(0, m_nSize), m_nMode};
+            m_sBytes.resize(m_nSize);
+            return {std::move(m_sBytes), m_nMode};
         }
 
     private:
