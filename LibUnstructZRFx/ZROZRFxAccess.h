@@ -139,7 +139,7 @@ public:
     bool GetCaseByID(int id, ZRFxCaseInfo* info);
 
     /// The entry that a case's document names as one of its files: the one of that name in the
-    /// case's folder, or else, where there is only that, the one whose whole name it is.
+    /// case's folder or, where there is none, the one of that whole name.
     ZRString CaseEntry(const ZRString& folder, const ZRString& file) const;
 
     /// Snapshot and description of a case, from the files that its "Case.xml" names.

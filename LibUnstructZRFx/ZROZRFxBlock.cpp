@@ -122,7 +122,7 @@ bool ZRFxBlock::CheckIndices(const ZRString& file, const char* what, const ZRInt
                              std::int32_t highest) const {
     const auto isIndex = [=](std::int32_t index) { return index >= 0 && index <= highest; };
     bool areIndices = true;
-    for (const std::int32_t index : indices) areIndices &= isIndex(index);  // all in few steps
+    for (const std::int32_t index : indices) areIndices &= isIndex(index);  // no branches
     if (areIndices) return true;
     const auto wrong = std::find_if_not(indices.begin(), indices.end(), isIndex);
     const std::string expected = *wrong < 0 ? "none below 0" : "at most " + std::to_string(highest);

@@ -46,7 +46,7 @@ public:
     void SetMapToNodeIDs(bool mapToNodeIDs) { m_bMapToNodeIDs = mapToNodeIDs; }
     bool GetWithIDs() const { return m_bWithIDs; }
 
-    /// Says it of a block without groups; afterwards the first group does.
+    /// Sets it for a block without groups; the first group that is added decides anew.
     void SetWithIDs(bool withIDs) { m_bWithIDs = withIDs; }
 
     /// The cross sections block that beams are expanded with; -1 when there is none.

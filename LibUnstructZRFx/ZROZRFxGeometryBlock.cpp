@@ -17,7 +17,7 @@ using ZRint = int;
 constexpr const char* kCount = "GeometryCountPerState";
 constexpr const char* kLegacyIDs = "VexlynAPIGeometryIDs";
 
-// The geometries that a document has per state: as many as it says, or else as it numbers.
+// The number of geometries per state: as the document says, or else by the highest index in it.
 int countGeometries(const nvf::XmlElement& root) {
     if (root.hasAttribute(kCount)) return root.getAttributeInt(kCount, 0);
     int highest = 0;

@@ -103,8 +103,9 @@ public:
         return m_apStates[m_indices.IndexOf(stateID)];
     }
 
-    /// Whether the document says how many geometries a state has. Where it does not, they are those
-    /// that it numbers, and one in the legacy layout, which a state has that names no geometry.
+    /// Whether the document says how many geometries a state has. Where it does not, the highest
+    /// index of a geometry decides. The legacy layout, whose states have parts but no geometries,
+    /// has one.
     bool HasGeometryCountPerState() const;
 
     /// For a document of the legacy layout, which also tells what a geometry info block tells:

@@ -225,7 +225,7 @@ bool File::addCase(Case* fileCase) {
     return true;
 }
 
-// What could not be read to its end is not open: nobody knows which ids are in use.
+// A file that could not be read completely is closed again: which ids it uses is not known.
 bool File::readRegistries() {
     const ZRFxAccess::BoundedReading bounded(m_private->m_zrfxAccess.get());
     if (readDatabases() && readCases()) return true;

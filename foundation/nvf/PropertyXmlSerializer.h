@@ -13,7 +13,7 @@ public:
     /// Arrays within arrays are read down to this depth; what lies deeper is left out.
     static constexpr int kDeepestArray = 100;
 
-    /// Whether arrays nest deeper than they are read: what is so must not be written.
+    /// Whether arrays nest deeper than that, so that they could not be read back.
     static bool nestsTooDeep(const Variant& value);
     static bool nestsTooDeep(const PropertySetCollection& collection);
 

@@ -273,7 +273,7 @@ const std::vector<Damage> kDamages = {
 INSTANTIATE_TEST_SUITE_P(All, DamagedBlock, testing::ValuesIn(kDamages),
                          [](const auto& test) { return std::string(test.param.name); });
 
-// What no file can hold, or reading tells in other words.
+// Contents that no file can hold, or that reading reports in other words.
 Damage InMemory(const char* name, int type, const char* messages, void (*apply)(ZRFxBlock&)) {
     return {name, type, nullptr, nullptr, nullptr, messages, apply};
 }
@@ -604,7 +604,7 @@ TEST_F(ZRFxBlockTest, LegacyGeometryHasOneGeometryPerState) {
 
 // A state that names no geometry has its parts as the legacy layout has them, whatever the document
 // says of their number.
-TEST_F(ZRFxBlockTest, LayoutOfAGeometryIsToldByItsStates) {
+TEST_F(ZRFxBlockTest, LayoutOfAGeometryFollowsFromItsStates) {
     const std::string legacy = "<State ID='4'><Elements BlockID='1' PartID='5'/></State>";
     const std::string newer =
         "<State ID='5'><Geometry Index='2'><Elements BlockID='2' PartID='6'/></Geometry></State>";

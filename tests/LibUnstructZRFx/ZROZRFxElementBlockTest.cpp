@@ -217,7 +217,7 @@ const std::vector<Damage> kDamages = {
 INSTANTIATE_TEST_SUITE_P(All, DamagedElements, testing::ValuesIn(kDamages),
                          [](const auto& test) { return std::string(test.param.name); });
 
-// What no file can hold, or reading tells in other words.
+// Contents that no file can hold, or that reading reports in other words.
 const std::vector<Damage> kUnwritable = {
     Of("IDsTooFew", nullptr, nullptr, nullptr, "^'#-0001-IDs' holds 1 IDs, expected 2",
        [](ZRFxBlock& b) { Group(b, 0).m_aiIDs.SetSize(1); }),

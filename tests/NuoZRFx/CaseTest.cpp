@@ -153,7 +153,7 @@ TEST_F(CaseTest, IdOfACaseThatCannotBeReadStaysItsOwn) {
     EXPECT_EQ(4, m_file.fileCase(1)->id());
 }
 
-// A file whose databases cannot be read is not open: nothing is added to what is not known.
+// Nothing can be added to a file whose databases could not be read.
 TEST_F(CaseTest, FileThatFailedToOpenTakesNoCases) {
     const PtrRef<Database> database = WriteDatabase(m_file, "a", 0);
     const PtrRef<Case> view = new Case(&m_file, "View", 0, 0);
@@ -168,7 +168,8 @@ TEST_F(CaseTest, FileThatFailedToOpenTakesNoCases) {
     EXPECT_FALSE(m_file.close());
 }
 
-// Programs call the folder of a case as they like, and name its files in it or as entries.
+// Other programs may choose any name for the folder of a case, and name its files within it or by
+// whole entry names.
 TEST_F(CaseTest, FolderOfACaseStaysWhateverItIsCalled) {
     for (const std::string folder : {"Front view", "Case5", "Views/4"}) {
         nuo::Image image = MakeImage(8, 8);
@@ -225,7 +226,7 @@ TEST_F(CaseTest, PropertiesThatNestTooDeepAreRefused) {
     EXPECT_EQ(1, value.toInt());
 }
 
-// What packs to a thousandth would be refused as too much for a file of its length.
+// A document that packs to a thousandth would be too large for a file of its length.
 TEST_F(CaseTest, LongUniformTextsComeBack) {
     const nuo::Str text = nuo::Str(std::string(20 << 20, 'a'));
     const PtrRef<Case> view = new Case(&m_file, text, 0, 0);
