@@ -9,12 +9,17 @@ namespace unstruct {
 bool ZRFxListBlock::WriteBlock(ZRFxDatabase* pDatabase) {
     NVF_ASSERT(pDatabase);
     if (!pDatabase) return false;
-    const ZRFxBlock* written = pDatabase->GetBlockByID(GetType(), GetID());
+    // Keeps this block alive where it is itself the entry that the database replaces.
+    const nvf::ref<ZRFxBlock> written = pDatabase->GetBlockByID(GetType(), GetID());
     const ZRString fileName = pDatabase->EntryName(GetFilebase() + ".xml");
-    if (written && written->GetFileName() != fileName) return ZRFxBlock::WriteBlock(pDatabase);
+    if (written.notNull() && written->GetFileName() != fileName)
+        return ZRFxBlock::WriteBlock(pDatabase);
     if (!CheckContents()) return false;
-    return pDatabase->WriteListBlock(*this, fileName, *this, &m_document) ||
-           Log().fail("File write error");
+    if (!pDatabase->WriteListBlock(*this, fileName, *this, &m_document)) {
+        return Log().fail("File write error");
+    }
+    if (pDatabase == GetDatabase()) SetFileName(fileName);
+    return true;
 }
 
 bool ZRFxListBlock::DoWriteBlock(nvf::XmlElement root) {

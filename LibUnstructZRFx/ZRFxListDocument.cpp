@@ -66,7 +66,8 @@ std::string ZRFxListDocument::MakeText(const ZRFxListContent& content, std::int6
     std::string text = doc.toUtf8();
     pStarts->clear();
     if (text.ends_with(std::string(kEmptyEnd) + "\n")) {
-        text.replace(text.size() - kEmptyEnd.size() - 1, kEmptyEnd.size(), ">\n</" + std::string(root.nameUtf8()) + ">");
+        text.replace(text.size() - kEmptyEnd.size() - 1, kEmptyEnd.size(),
+                     ">\n</" + std::string(root.nameUtf8()) + ">");
     }
     for (std::size_t at = text.find(kItemStart); at != std::string::npos;
          at = text.find(kItemStart, at + 1)) {

@@ -139,8 +139,7 @@ bool ZRFxAccess::CloseAs(const ZRString& name) {
     if (!IsOpen()) return m_logger->fail("Archive is not open.");
     if (name.IsBlank()) return m_logger->fail("No filename specified.");
     Forget();
-    return m_pArchive->CloseAs(name.Bytes()) ||
-           FailWithCause("Could not write archive '%1'", name);
+    return m_pArchive->CloseAs(name.Bytes()) || FailWithCause("Could not write archive '%1'", name);
 }
 
 void ZRFxAccess::Abandon() {

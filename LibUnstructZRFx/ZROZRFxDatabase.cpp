@@ -157,13 +157,11 @@ bool ZRFxDatabase::WriteBlock(const ZRString& typeName, int id, const ZRString& 
 bool ZRFxDatabase::WriteListBlock(const ZRFxBlock& block, const ZRString& fileName,
                                   const ZRFxListContent& content, ZRFxListDocument* document) {
     const ZRString typeName = ZRFxBlockTypeName(block.GetType());
-    if (block.GetID() < 0 || !GetAccess() ||
-        !document->Store(GetAccess(), fileName, content)) {
+    if (block.GetID() < 0 || !GetAccess() || !document->Store(GetAccess(), fileName, content)) {
         return Log().fail("Error writing block xml file (type '%1' ID %2)", typeName,
                           block.GetID());
     }
     EnterInTOC(typeName, block.GetID(), fileName);
-    if (GetBlockByID(block.GetType(), block.GetID())) return true;
     bool isReplaced = false;
     return AddBlock(CreateEntry(block.GetType(), block.GetID(), fileName).p(), &isReplaced);
 }

@@ -51,8 +51,7 @@ void ZRFxStateInfoBlock::WriteItem(nvf::XmlElement root, std::int64_t index) con
     WriteExportInfo(state, info.exportInfo);
 }
 
-void ZRFxStateInfoBlock::WriteExportInfo(nvf::XmlElement state,
-                                         const ZRFxExportInfo& info) const {
+void ZRFxStateInfoBlock::WriteExportInfo(nvf::XmlElement state, const ZRFxExportInfo& info) const {
     nvf::XmlElement element = state.addChildElement("ZRFxExportInfo");
     element.setAttributeBool("PolygonModel", info.polygonModel);
     element.setAttributeBool("VisiblePartsOnly", info.visiblePartsOnly);

@@ -2,8 +2,8 @@
 
 #include <cstdint>
 
-#include "ZRIDLookup.h"
 #include "ZRFxListBlock.h"
+#include "ZRIDLookup.h"
 #include "ZROZRFxStateValues.h"
 
 namespace unstruct {
