@@ -7,10 +7,9 @@
 namespace unstruct {
 namespace {
 
-// How an element directly below the root begins in a written document, and how the root ends. Text
-// cannot hold them: its markup is escaped.
+// How an element directly below the root begins in a written document. Text cannot hold it: its
+// markup is escaped.
 constexpr std::string_view kItemStart = "\n <";
-constexpr std::string_view kRootEnd = "\n</";
 constexpr std::string_view kEmptyEnd = " />";
 
 int CountChildren(const nvf::XmlElement& element) {

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "ZRString.h"
@@ -27,6 +28,9 @@ public:
 /// an item for that. Used by one thread at a time.
 class ZRFxListDocument {
 public:
+    /// What follows the last item.
+    static constexpr std::string_view kRootEnd = "\n</";
+
     /// The item is another one than when it was stored.
     void Touch(std::int64_t index);
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <set>
 #include <string>
 
 #include "ZROZRFxXml.h"
@@ -131,6 +132,23 @@ bool ZRFxDatabase::Parse(int id, ZRFxParseMode mode) {
     if (ParseDescription(info) && ParseBlocks()) return true;
     Clear();
     return false;
+}
+
+bool ZRFxDatabase::Refresh(const ZRFxArchiveChanges& changes) {
+    if (!GetAccess() || m_iID < 0) return false;
+    const ZRFxAccess::BoundedReading bounded(GetAccess());
+    if (changes.bReplaced) return Parse(int{m_iID});
+    ZRFxDatabaseInfo info;
+    const bool isDescriptionChanged =
+        GetAccess()->GetDatabaseByID(m_iID, &info) && changes.kept.count(info.path.Bytes()) > 0;
+    if (isDescriptionChanged && !ParseDescription(info)) return false;
+    const ZRString toc = EntryName(kTOCName);
+    const auto change = changes.kept.find(toc.Bytes());
+    // One that was not there when the blocks were found in the folder is new.
+    const bool isNew = !m_bHasTOC && GetAccess()->Contains(toc);
+    const bool isChanged = isNew || change != changes.kept.end();
+    if (isChanged && !RefreshTOC(isNew ? 0 : change->second)) return false;
+    return RefreshMetaData(changes);
 }
 
 bool ZRFxDatabase::WriteTOC() {
@@ -285,6 +303,8 @@ void ZRFxDatabase::Clear() {
     SetFolder(ZRString());
     for (BlockArray& blocks : m_apBlocks) blocks.clear();
     m_pTOC.reset();
+    m_bHasTOC = false;
+    m_nTOCEnd = 0;
 }
 
 bool ZRFxDatabase::ParseDescription(const ZRFxDatabaseInfo& info) {
@@ -307,9 +327,9 @@ bool ZRFxDatabase::ParseDescription(const ZRFxDatabaseInfo& info) {
 
 bool ZRFxDatabase::ParseBlocks() {
     StartTOC();
-    const bool hasTOC = GetAccess()->Contains(EntryName(kTOCName));
+    m_bHasTOC = GetAccess()->Contains(EntryName(kTOCName));
     std::vector<BlockLine> lines;
-    if (hasTOC) {
+    if (m_bHasTOC) {
         if (!ParseTOC(ZRFxParseMode::STRICT, &lines)) return false;
         m_bTOCModified = false;
         return AddParsedBlocks(lines, "Error reading block meta data.");
@@ -345,11 +365,73 @@ bool ZRFxDatabase::ParseTOC(ZRFxParseMode mode, std::vector<BlockLine>* lines) {
     if (root.getAttributeInt("DatabaseID", -1) != m_iID) {
         return Log().fail("Illegal database ID in TOC file.");
     }
+    return TakeTOCLines(root, mode, lines);
+}
+
+bool ZRFxDatabase::TakeTOCLines(const nvf::XmlElement& root, ZRFxParseMode mode,
+                                std::vector<BlockLine>* lines) {
     for (nvf::XmlElement element = root.firstChildElement(); element.notNull();
          element = element.nextSiblingElement()) {
         const BlockLine line{ZRString(element.nameUtf8()), element.getAttributeInt("ID", -1),
                              GetAttribute(element, "File")};
         if (!TakeTOCLine(line, lines) && mode == ZRFxParseMode::STRICT) return false;
+    }
+    return true;
+}
+
+// Where the lines that were there are kept, only those that follow them are read.
+bool ZRFxDatabase::RefreshTOC(std::uint64_t kept) {
+    const bool isGrown = m_nTOCEnd > 0 && kept >= m_nTOCEnd;
+    const std::uint64_t from = isGrown ? m_nTOCEnd : 0;
+    std::string text;
+    if (!GetAccess()->ReadDocumentTail(EntryName(kTOCName), from, &text)) return false;
+    const std::size_t end = text.rfind(ZRFxListDocument::kRootEnd);
+    nvf::XmlDocument doc;
+    if (!doc.parse(isGrown ? "<DatabaseTOC>" + text : text)) {
+        return Log().fail("Error parsing Xml contents");
+    }
+    std::vector<BlockLine> lines;
+    if (!isGrown) StartTOC();
+    if (!TakeTOCLines(doc.getRootElement("DatabaseTOC"), ZRFxParseMode::STRICT, &lines)) {
+        return false;
+    }
+    m_bHasTOC = true;
+    m_bTOCModified = false;
+    if (!isGrown) KeepBlocksOf(lines);
+    std::erase_if(lines, [&](const BlockLine& line) {
+        const ZRFxBlock* block = GetBlockByID(ZRFxBlockTypeFromName(line.typeName), line.id);
+        return block && block->GetFileName() == line.fileName;
+    });
+    if (!AddParsedBlocks(lines, "Error reading block meta data.")) return false;
+    m_nTOCEnd = end == std::string::npos ? 0 : from + end;
+    return true;
+}
+
+// Removes the entries of blocks that the table of contents no longer has.
+void ZRFxDatabase::KeepBlocksOf(const std::vector<BlockLine>& lines) {
+    std::set<BlockKey> keys;
+    for (const BlockLine& line : lines) {
+        keys.emplace(ZRFxBlockTypeFromName(line.typeName), line.id);
+    }
+    for (BlockArray& blocks : m_apBlocks) {
+        std::erase_if(blocks, [&](const nvf::ref<ZRFxBlock>& block) {
+            return keys.count({block->GetType(), block->GetID()}) == 0;
+        });
+    }
+}
+
+// What a document has in front stays where it only grew.
+bool ZRFxDatabase::RefreshMetaData(const ZRFxArchiveChanges& changes) {
+    const bool isAnyReplaced =
+        std::any_of(changes.kept.begin(), changes.kept.end(), [&](const auto& change) {
+            return change.second == 0 && isBlockDocument(ZRString(change.first));
+        });
+    for (int i = 0; isAnyReplaced && i < GetNumBlocks(); ++i) {
+        ZRFxBlock* block = GetBlock(i);
+        const auto change = changes.kept.find(block->GetFileName().Bytes());
+        if (change == changes.kept.end() || change->second > 0) continue;
+        block->UnloadData();
+        if (!block->ReadMetaData()) return Log().fail("Error reading block meta data.");
     }
     return true;
 }

@@ -41,6 +41,11 @@ public:
     /// and with the folder's documents for a missing table of contents; no block is looked into.
     bool Parse(int id, ZRFxParseMode mode = ZRFxParseMode::STRICT);
 
+    /// Takes over what was committed since the database was parsed, or refreshed last, which the
+    /// archive has found. Takes time with what is new, where the table of contents only grew. A
+    /// failure may leave some of the new blocks out.
+    bool Refresh(const ZRFxArchiveChanges& changes);
+
     /// Stores the table of contents in place of the one stored before.
     bool WriteTOC();
 
@@ -133,8 +138,13 @@ private:
     bool ParseDescription(const ZRFxDatabaseInfo& info);
     bool ParseBlocks();
     bool ParseTOC(ZRFxParseMode mode, std::vector<BlockLine>* lines);
+    bool RefreshTOC(std::uint64_t kept);
+    bool RefreshMetaData(const ZRFxArchiveChanges& changes);
+    void KeepBlocksOf(const std::vector<BlockLine>& lines);
     bool ParseFolder(ZRFxParseMode mode, std::vector<BlockLine>* lines);
     bool TakeBlockLine(const BlockLine& line, std::vector<BlockLine>* lines);
+    bool TakeTOCLines(const nvf::XmlElement& root, ZRFxParseMode mode,
+                      std::vector<BlockLine>* lines);
     bool TakeTOCLine(const BlockLine& line, std::vector<BlockLine>* lines);
     bool TakeDocument(const ZRString& file, std::vector<BlockLine>* lines);
     bool AddParsedBlocks(std::vector<BlockLine>& lines, const char* metaDataMessage);
@@ -151,6 +161,8 @@ private:
     std::array<BlockArray, kNumBlockTypes> m_apBlocks;
     std::unique_ptr<TOC> m_pTOC;
     bool m_bTOCModified = false;
+    bool m_bHasTOC = false;       // The blocks were found in one.
+    std::uint64_t m_nTOCEnd = 0;  // Of the lines that were taken from the stored one; 0 if unknown.
 };
 
 }  // namespace unstruct

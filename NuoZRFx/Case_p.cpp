@@ -84,6 +84,20 @@ bool CasePrivate::read(int index) {
     return readProperties();
 }
 
+// Every change of a case is one of its document or of its properties.
+bool CasePrivate::refresh(int index, const unstruct::ZRFxArchiveChanges& changes) {
+    m_textureEntries.clear();
+    const auto isOwn = [&](const auto& change) {
+        return ZRString(change.first).StartsWith(folder().Bytes());
+    };
+    if (!changes.bReplaced && std::none_of(changes.kept.begin(), changes.kept.end(), isOwn)) {
+        return true;
+    }
+    m_snapshot.reset();
+    m_image.reset();
+    return read(index);
+}
+
 bool CasePrivate::writeDelayed() {
     if (!m_isDocumentModified && !m_isSnapshotModified && !m_isPropertiesModified) return true;
     if (write()) return true;

@@ -20,6 +20,9 @@ public:
     /// Reads the case at an index of the main document, without snapshot and textures.
     bool read(int index);
 
+    /// Takes over what was committed since for the case at an index of the main document.
+    bool refresh(int index, const unstruct::ZRFxArchiveChanges& changes);
+
     /// Writes what has changed since it was read or written; all of a new case.
     bool writeDelayed();
 

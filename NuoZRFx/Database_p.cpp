@@ -44,6 +44,10 @@ bool DatabasePrivate::flush() {
            fail("Error writing database TOC. (database id %1).", m_id);
 }
 
+bool DatabasePrivate::refresh(const ZRFxArchiveChanges& changes) {
+    return m_zrfxDatabase && m_zrfxDatabase->Refresh(changes);
+}
+
 PtrRef<Block> DatabasePrivate::wrap(ZRFxBlock* block) {
     const int id = block->GetID();
     switch (block->GetType()) {

@@ -17,6 +17,9 @@ public:
     /// Writes the table of contents if it has changed, whatever blocks are there.
     bool flush();
 
+    /// Takes over what was committed since.
+    bool refresh(const unstruct::ZRFxArchiveChanges& changes);
+
     /// The file is closing: nothing of the archive may be used any more.
     void detach() { m_zrfxDatabase.reset(); }
 

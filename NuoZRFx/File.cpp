@@ -1,6 +1,7 @@
 #include "NuoZRFx/File.h"
 
 #include <climits>
+#include <map>
 #include <set>
 
 #include "Case_p.h"
@@ -115,6 +116,40 @@ bool File::close() {
     m_private->dropAll();
     m_private->m_zrfxAccess.reset();
     return true;
+}
+
+bool File::closeAs(const Str& fileName) {
+    if (!m_private->isOpen()) return false;
+    if (m_private->m_openedForReading) return fail("Error writing file.");
+    if (!writeDatabases() || !writeCases()) return false;
+    if (!m_private->m_zrfxAccess->CloseAs(ZRConvert::toZRString(fileName))) {
+        return fail("Error writing file.");
+    }
+    m_private->dropAll();
+    m_private->m_zrfxAccess.reset();
+    return true;
+}
+
+void File::abandon() {
+    if (!m_private->isOpen()) return;
+    m_private->m_zrfxAccess->Abandon();
+    m_private->dropAll();
+    m_private->m_zrfxAccess.reset();
+}
+
+bool File::refresh(bool* isChanged) {
+    if (isChanged) *isChanged = false;
+    if (!m_private->isOpen()) return false;
+    if (!m_private->m_openedForReading) {
+        return fail("A file that is open for writing cannot be refreshed.");
+    }
+    unstruct::ZRFxArchiveChanges changes;
+    if (!m_private->m_zrfxAccess->Refresh(&changes)) return fail("Error refreshing file.");
+    if (isChanged) *isChanged = changes.bAny;
+    if (!changes.bAny) return true;
+    const ZRFxAccess::BoundedReading bounded(m_private->m_zrfxAccess.get());
+    m_private->m_userTextEntries.clear();
+    return refreshDatabases(changes) && refreshCases(changes);
 }
 
 bool File::isZRFxFile(const Str& fileName) {
@@ -267,6 +302,47 @@ bool File::readCases() {
         const PtrRef<Case> read = new Case(this, index);
     }
     m_private->m_caseIds.merge(registered);
+    return true;
+}
+
+bool File::refreshDatabases(const unstruct::ZRFxArchiveChanges& changes) {
+    int count = 0;
+    if (!m_private->m_zrfxAccess->GetNumDatabases(&count)) return fail("Error refreshing file.");
+    if (changes.bReplaced) m_private->dropUnregistered();
+    for (const auto& database : m_private->m_databases) {
+        if (!database->m_private->refresh(changes)) {
+            return fail("Error refreshing database (id %1).", database->id());
+        }
+    }
+    for (int index = 0; index < count; ++index) {
+        unstruct::ZRFxDatabaseInfo info;
+        m_private->m_zrfxAccess->GetDatabaseInfo(index, &info);
+        if (m_private->m_databaseIds.count(info.id) > 0) continue;
+        const PtrRef<Database> database = new Database(this, info.id);
+        if (database->id() >= 0 && database->internal_parse()) continue;
+        if (database->id() >= 0) m_private->dropLastDatabase();
+        return fail("Error reading database (index %1) from file.", index);
+    }
+    return true;
+}
+
+bool File::refreshCases(const unstruct::ZRFxArchiveChanges& changes) {
+    int count = 0;
+    if (!m_private->m_zrfxAccess->GetNumCases(&count)) return fail("Error refreshing file.");
+    std::map<int, Case*> known;
+    for (const auto& fileCase : m_private->m_cases) known[fileCase->id()] = fileCase.p();
+    for (int index = 0; index < count; ++index) {
+        unstruct::ZRFxCaseInfo info;
+        m_private->m_zrfxAccess->GetCaseInfo(index, &info);
+        const auto found = known.find(info.id);
+        if (found != known.end() && !found->second->m_private->refresh(index, changes)) {
+            return fail("Error refreshing case (id %1).", info.id);
+        }
+        if (m_private->m_caseIds.count(info.id) == 0) {
+            const PtrRef<Case> read = new Case(this, index);
+            m_private->m_caseIds.insert(info.id);
+        }
+    }
     return true;
 }
 

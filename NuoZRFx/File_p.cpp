@@ -111,6 +111,29 @@ bool FilePrivate::isRegisteredTwice(const ZRString& document, std::set<int>* doc
     return true;
 }
 
+void FilePrivate::dropUnregistered() {
+    std::erase_if(m_databases, [&](const PtrRef<Database>& database) {
+        unstruct::ZRFxDatabaseInfo info;
+        if (m_zrfxAccess->GetDatabaseByID(database->id(), &info)) return false;
+        m_databaseIds.erase(database->id());
+        database->m_private->detach();
+        return true;
+    });
+    std::erase_if(m_cases, [&](const PtrRef<Case>& fileCase) {
+        unstruct::ZRFxCaseInfo info;
+        if (m_zrfxAccess->GetCaseByID(fileCase->id(), &info)) return false;
+        m_caseIds.erase(fileCase->id());
+        fileCase->m_private->detach();
+        return true;
+    });
+}
+
+void FilePrivate::dropLastDatabase() {
+    m_databaseIds.erase(m_databases.back()->id());
+    m_databases.back()->m_private->detach();
+    m_databases.pop_back();
+}
+
 void FilePrivate::dropAll() {
     for (const auto& database : m_databases) database->m_private->detach();
     for (const auto& fileCase : m_cases) fileCase->m_private->detach();

@@ -51,6 +51,12 @@ public:
     /// database and case, what an open file keeps is bounded by its entries.
     bool isRegisteredTwice(const unstruct::ZRString& document, std::set<int>* documents);
 
+    /// Drops the databases and cases that another file, which has taken the name, does not have.
+    void dropUnregistered();
+
+    /// Drops the database that was added last and could not be read.
+    void dropLastDatabase();
+
     /// Detaches databases and cases from the archive and gives the references to them back.
     void dropAll();
 

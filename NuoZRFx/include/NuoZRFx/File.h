@@ -10,7 +10,8 @@
 
 namespace unstruct {
 class ZRFxAccess;
-}
+struct ZRFxArchiveChanges;
+}  // namespace unstruct
 
 namespace nuo::zrfx {
 
@@ -32,9 +33,9 @@ class NUO_API File : public RefCountedObject {
 public:
     File();
 
-    /// Does not close the file: what was not flushed or closed may be missing from it, and its
-    /// databases have no table of contents of it. Databases and cases that others hold are
-    /// detached.
+    /// Does not close the file: what was not flushed or closed is dropped, with a warning, and a
+    /// file that was created over another has not replaced it. Databases and cases that others hold
+    /// are detached.
     ~File() override;
 
     /// Closes what is open, then creates a file. An existing one of that name is replaced, by the
@@ -63,6 +64,24 @@ public:
     /// and a geometry block. After a failure the file stays open, so that closing can be tried
     /// again. False without a message when nothing is open.
     bool close();
+
+    /// Finishes a file that was created or opened for appending under another name, and closes: for
+    /// when someone has removed or replaced the file beneath its writer, or its disk is full. The
+    /// file itself stays as the last flush left it. False, with everything as it was, when there
+    /// is a file of that name already.
+    bool closeAs(const Str& fileName);
+
+    /// Closes without writing: what was not flushed is dropped. Does nothing when nothing is open.
+    void abandon();
+
+    /// Of a file opened for reading, shows what was committed since it was opened or refreshed
+    /// last: new databases, blocks and cases, beside a running writer above all. `isChanged`, when
+    /// given, tells whether there was anything. Databases and cases stay the objects that they are;
+    /// blocks that were read stay as they were read. Takes time with what is new, or as long as
+    /// opening where another file has taken the name. False when nothing is open or the file is
+    /// open for writing, and when it cannot be read; then it stays as it was, or lacks some of what
+    /// is new.
+    bool refresh(bool* isChanged = nullptr);
 
     /// Whether a path holds a ZRFx file, by its extension ".zrfx" and content. Alters nothing.
     static bool isZRFxFile(const Str& fileName);
@@ -114,6 +133,8 @@ private:
     bool readCases();
     bool writeDatabases();
     bool writeCases();
+    bool refreshDatabases(const unstruct::ZRFxArchiveChanges& changes);
+    bool refreshCases(const unstruct::ZRFxArchiveChanges& changes);
 
     std::unique_ptr<class FilePrivate> m_private;
 };
