@@ -70,6 +70,7 @@ std::string ZRFxListDocument::MakeText(const ZRFxListContent& content, std::int6
     }
     for (std::size_t at = text.find(kItemStart); at != std::string::npos;
          at = text.find(kItemStart, at + 1)) {
+        if (text[at + kItemStart.size()] == '/') continue;
         if (numBefore-- <= 0) pStarts->push_back(at);
     }
     pStarts->push_back(text.rfind(kRootEnd));
