@@ -1,7 +1,7 @@
 // Measures the container engine against what it is made of, in one run on the same data: bare
 // libdeflate, plain write() and read(), plain libzip with zlib. Prints medians of wall-clock and
 // user CPU time and their ratios. "--large" stops after the large arrays, "--full" adds the cases
-// of several gigabytes.
+// of several gigabytes, "--steps" measures nothing but a solver that flushes after each step.
 #include <fcntl.h>
 #include <libdeflate.h>
 #include <sys/resource.h>
@@ -21,6 +21,7 @@
 #include <string>
 #include <vector>
 
+#include "Steps.h"
 #include "ZROZRFxZipArchive.h"
 
 namespace {
@@ -447,6 +448,12 @@ int main(int nArguments, char** asArguments) {
     const bool bFull = nArguments > 1 && std::strcmp(asArguments[1], "--full") == 0;
     std::string sTemplate = (std::filesystem::temp_directory_path() / "zrfxbenchXXXXXX").string();
     g_sFolder = mkdtemp(sTemplate.data());
+    if (nArguments > 1 && std::strcmp(asArguments[1], "--steps") == 0) {
+        MeasureSteps(g_sFolder, 10000, 1000);
+        MeasureSteps(g_sFolder, 1000, 3000);
+        std::filesystem::remove_all(g_sFolder);
+        return 0;
+    }
     // First, while the process itself is small: a child's peak counts what it was born with.
     if (bFull) Memory();
     std::printf("%-52s %8s %8s %6s   %8s %8s %6s\n", "case, against", "wall s", "theirs", "ratio",
