@@ -198,6 +198,7 @@ bool ZRFxZipArchive::Grow(std::string_view sName, uint64_t nKept, std::string_vi
         text.sText.reserve(static_cast<size_t>(nKept) + sTail.size());
         text.sText.resize(static_cast<size_t>(nKept));
         text.sText.append(sTail);
+        text.sError.clear();
         text.nLevel = nLevel;
         text.nRevision = NewRevision();
         m_pOpen->BecomeText(pItem, nKept);
@@ -451,14 +452,8 @@ bool ZRFxZipArchive::LoadTexts() {
         uint64_t nAt = 0;
         for (size_t i = 0; i < apTexts.size(); ++i) {
             const ZRFxCommitRecord::Edit& edit = record.aEdits[i];
-            ZRFxGrowingText& text = *apTexts[i];
-            if (!text.bLoaded && !text.bDropped && edit.nKept > 0 && !LoadText(&text)) {
-                text.sError = m_reader.Error();
-            }
-            text.bLoaded = true;
-            if (edit.nKept == 0) text.sError.clear();
-            text.sText.resize(static_cast<size_t>(edit.nKept));
-            text.sText.append(sTails, static_cast<size_t>(nAt), static_cast<size_t>(edit.nTail));
+            Apply(edit, std::string_view(sTails).substr(static_cast<size_t>(nAt)),
+                  apTexts[i].get());
             nAt += edit.nTail;
         }
         ++nDone;
@@ -466,6 +461,26 @@ bool ZRFxZipArchive::LoadTexts() {
     m_pOpen->aUnread.erase(m_pOpen->aUnread.begin(),
                            m_pOpen->aUnread.begin() + static_cast<std::ptrdiff_t>(nDone));
     return bLoaded;
+}
+
+// sTails begins with what the edit adds. A text that cannot be had stays so until an edit begins it
+// anew; what its entry declares is not believed.
+void ZRFxZipArchive::Apply(const ZRFxCommitRecord::Edit& edit, std::string_view sTails,
+                           ZRFxGrowingText* pText) {
+    if (pText->bDropped) return;
+    if (edit.nKept == 0) {
+        pText->sError.clear();
+    } else if (!pText->bLoaded && !LoadText(pText)) {
+        pText->sError = m_reader.Error();
+    }
+    pText->bLoaded = true;
+    if (!pText->sError.empty()) return;
+    if (edit.nKept > pText->sText.size()) {
+        pText->sError = "damaged commit record";
+        return;
+    }
+    pText->sText.resize(static_cast<size_t>(edit.nKept));
+    pText->sText.append(sTails.substr(0, static_cast<size_t>(edit.nTail)));
 }
 
 // The entry that a text has outgrown.
