@@ -103,9 +103,10 @@ bool ZRFxZipArchive::CloseAs(const std::string& sPath) {
         if (!pFile->IsNew()) return Fail({}, "'" + sPath + "' exists");
         ZRFxArchiveCommit commit(m_pOpen.get(), &m_packer, &m_reader, &m_codec, &m_cipher);
         if (!LoadTexts()) return false;
-        if (!commit.WriteAnew(std::move(pFile))) {
-            return Fail({}, "'" + sPath + "': " + commit.Error());
-        }
+        const bool bWritten = Guarded({}, [&] { return commit.WriteAnew(std::move(pFile)); });
+        // It may be the new file from here on, only not yet confirmed.
+        m_reader.Open(m_pOpen->pStorage.get(), m_pOpen->place.nBase);
+        if (!bWritten) return Fail({}, "'" + sPath + "': " + commit.Error());
         Reset();
         return true;
     });
@@ -122,10 +123,11 @@ bool ZRFxZipArchive::Refresh(ZRFxArchiveChanges* pChanges) {
         if (!IsReadOnly()) return Fail({}, "the archive is open for writing");
         ZRFxZipStorage& storage = *m_pOpen->pStorage;
         if (!storage.Extend()) return Reopen(pChanges);
-        ZRFxLastCommit last(&m_codec);
-        const bool bRefreshed =
-            (last.LoadSince(&storage, &m_pOpen->place) || Fail({}, last.Error())) &&
-            RefreshFrom(&last, pChanges);
+        const bool bRefreshed = Guarded({}, [&] {
+            ZRFxLastCommit last(&m_codec);
+            return (last.LoadSince(&storage, &m_pOpen->place) || Fail({}, last.Error())) &&
+                   RefreshFrom(&last, pChanges);
+        });
         m_pOpen->pStorage->CutTo(m_pOpen->place.nEnd);
         m_reader.Open(m_pOpen->pStorage.get(), m_pOpen->place.nBase);
         return bRefreshed;
@@ -508,9 +510,10 @@ bool ZRFxZipArchive::ReadItem(const Item& item, ZRFxZipRawData* pRaw) {
 bool ZRFxZipArchive::CommitNow(bool bClosing) {
     if (!LoadTexts()) return false;
     ZRFxArchiveCommit commit(m_pOpen.get(), &m_packer, &m_reader, &m_codec, &m_cipher);
-    const bool bCommitted = commit.Run(bClosing);
+    const bool bCommitted =
+        Guarded({}, [&] { return commit.Run(bClosing) || Fail({}, commit.Error()); });
     m_reader.Open(m_pOpen->pStorage.get(), m_pOpen->place.nBase);
-    return bCommitted || Fail({}, commit.Error());
+    return bCommitted;
 }
 
 bool ZRFxZipArchive::RefreshFrom(ZRFxLastCommit* pCommit, ZRFxArchiveChanges* pChanges) {
@@ -527,9 +530,11 @@ bool ZRFxZipArchive::RefreshFrom(ZRFxLastCommit* pCommit, ZRFxArchiveChanges* pC
     auto pNew = std::make_unique<ZRFxOpenArchive>();
     if (!pNew->Take(pCommit)) return Fail({}, "damaged commit record");
     pNew->bReadOnly = true;
-    pNew->pStorage = std::move(open.pStorage);
     pNew->NoteChangesSince(open, pChanges);
+    pNew->pStorage = std::move(open.pStorage);
     m_pOpen.swap(pNew);
+    // What follows the commit may be written anew, so nothing of it is read ahead.
+    m_pOpen->pStorage->CutTo(place.nEnd);
     m_reader.Open(m_pOpen->pStorage.get(), place.nBase);
     // A document that the new archive has as an entry may have grown.
     for (auto& [sName, nKept] : pChanges->kept) {
