@@ -322,11 +322,11 @@ bool ZRFxZipArchive::OpenStorage(std::unique_ptr<ZRFxZipStorage> pStorage, ZRFxO
     auto pOpen = std::make_unique<ZRFxOpenArchive>();
     ZRFxLastCommit last(&m_codec);
     if (!last.Load(pStorage.get())) return Fail({}, last.Error());
-    if (eMode == ZRFxOpenMode::kUpdate && last.directory.HasOverlaps()) {
-        return Fail({}, "entries overlap, the archive cannot be changed");
-    }
     pOpen->bTorn = last.Place().nEnd < pStorage->Size();
     if (!pOpen->Take(&last)) return Fail({}, "damaged commit record");
+    if (eMode == ZRFxOpenMode::kUpdate && pOpen->table.HasOverlaps()) {
+        return Fail({}, "entries overlap, the archive cannot be changed");
+    }
     pStorage->CutTo(pOpen->place.nEnd);
     pOpen->pStorage = std::move(pStorage);
     pOpen->bReadOnly = eMode == ZRFxOpenMode::kReadOnly;

@@ -178,24 +178,6 @@ bool ZRFxZipDirectory::AddRecords(std::string_view sRecords, uint64_t nEnd) {
     return ParseRecords(sRecords, nEnd);
 }
 
-bool ZRFxZipDirectory::HasOverlaps() const {
-    std::vector<const ZRFxZipEntry*> apEntries;
-    apEntries.reserve(aEntries.size());
-    for (const ZRFxZipEntry& entry : aEntries) apEntries.push_back(&entry);
-    const auto byOffset = [](const ZRFxZipEntry* pLeft, const ZRFxZipEntry* pRight) {
-        return pLeft->nOffset < pRight->nOffset;
-    };
-    if (!std::is_sorted(apEntries.begin(), apEntries.end(), byOffset)) {
-        std::sort(apEntries.begin(), apEntries.end(), byOffset);
-    }
-    uint64_t nEnd = 0;
-    for (const ZRFxZipEntry* pEntry : apEntries) {
-        if (pEntry->nOffset < nEnd) return true;
-        nEnd = pEntry->nOffset + kLocalHeaderSize + pEntry->sName.size() + pEntry->nPackedSize;
-    }
-    return false;
-}
-
 uint64_t ZRFxZipDirectory::LocalSize(const uint8_t* pHeader, size_t nSize) {
     uint64_t nUnpacked = Load32(pHeader + 22);
     uint64_t nPacked = Load32(pHeader + 18);

@@ -57,8 +57,6 @@ public:
     bool Load(ZRFxZipStorage* pStorage);
     /// Takes records that stand elsewhere, of entries that lie before nEnd, behind those loaded.
     bool AddRecords(std::string_view sRecords, uint64_t nEnd);
-    /// Whether entries overlap, so that the archive cannot be changed.
-    bool HasOverlaps() const;
     /// Number of entries that the end declares, modulo 65536 where it is no 64-bit one.
     uint64_t DeclaredCount() const { return m_nCount; }
     /// Where the archive ends that was found.
