@@ -40,7 +40,9 @@ bool ZRFxArchiveCommit::Run(bool bClosing) {
         if (bWritten || m_bApplied) return bWritten;
     }
     if (bClosing || IsArchiveDue()) return AppendArchive();
-    return IsFollowed() ? AppendRecord() : WriteAnew(m_archive.pStorage->Successor());
+    if (IsFollowed()) return AppendRecord();
+    const bool bWritten = WriteAnew(m_archive.pStorage->Successor());
+    return bWritten || m_bApplied ? bWritten : AppendArchive();
 }
 
 bool ZRFxArchiveCommit::WriteAnew(std::unique_ptr<ZRFxZipStorage> pStorage) {
@@ -65,10 +67,10 @@ bool ZRFxArchiveCommit::WriteAnew(std::unique_ptr<ZRFxZipStorage> pStorage) {
 bool ZRFxArchiveCommit::IsRewriteDue(bool bClosing) const {
     if (m_archive.place.nBase == 0) return false;
     const uint64_t nLength = m_pTarget->Position();
-    const uint64_t nLeft = nLength - std::min(nLength, m_archive.nLiveBytes);
-    const uint64_t nNext = m_archive.nDirectoryBytes + DocumentBytes();
-    return bClosing ? nLeft > (nLength + nNext) / kMostLeftShare
-                    : nLeft > m_archive.nLiveBytes + nNext + kMostLeftInRun;
+    const uint64_t nLive = m_archive.nLiveBytes - OutgrownBytes();
+    const uint64_t nLeft = nLength - std::min(nLength, nLive);
+    return bClosing ? nLeft > nLength / kMostLeftShare
+                    : nLeft > nLive + m_archive.nDirectoryBytes + DocumentBytes() + kMostLeftInRun;
 }
 
 bool ZRFxArchiveCommit::IsArchiveDue() const {
@@ -93,6 +95,18 @@ uint64_t ZRFxArchiveCommit::DocumentBytes() const {
     uint64_t nBytes = m_archive.nPendingBytes;
     for (const auto& pText : m_archive.apTexts) {
         if (!pText->bDropped) nBytes += pText->nLength / kUsualPacking;
+    }
+    return nBytes;
+}
+
+// What an ordinary archive leaves behind of the documents: their entries of before.
+uint64_t ZRFxArchiveCommit::OutgrownBytes() const {
+    uint64_t nBytes = 0;
+    for (const auto& pText : m_archive.apTexts) {
+        const ZRFxArchiveItem* pItem = m_archive.table.Find(pText->sName);
+        if (pItem && pItem->pText == pText && pItem->ePlace == Place::kInRecords) {
+            nBytes += pItem->Span();
+        }
     }
     return nBytes;
 }

@@ -48,6 +48,7 @@ private:
     bool IsArchiveDue() const;
     bool IsFollowed();
     uint64_t DocumentBytes() const;
+    uint64_t OutgrownBytes() const;
 
     bool AppendRecord();
     bool WriteRecord(ZRFxCommitRecord* pRecord, uint64_t nStart);

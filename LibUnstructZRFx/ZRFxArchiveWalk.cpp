@@ -19,8 +19,8 @@ uint32_t Signature(const uint8_t* pBytes) {
 
 }  // namespace
 
-ZRFxArchiveWalk::ZRFxArchiveWalk(ZRFxZipStorage* pStorage, ZRFxCodec* pCodec)
-    : m_pStorage(pStorage), m_pCodec(pCodec) {
+ZRFxArchiveWalk::ZRFxArchiveWalk(ZRFxZipStorage* pStorage, ZRFxCodec* pCodec, uint64_t nFrom)
+    : m_pStorage(pStorage), m_pCodec(pCodec), m_nAt(nFrom) {
     while (Step()) {
     }
 }
@@ -75,14 +75,13 @@ bool ZRFxArchiveWalk::PassDirectory() {
     if (pEnd && Signature(pEnd) == ZRFxZipDirectory::kEnd64Signature) nAt += kEnd64WithLocator;
     pEnd = Get(nAt, ZRFxZipDirectory::kEndSize);
     if (!pEnd || Signature(pEnd) != ZRFxZipDirectory::kEndSignature) return false;
-    const uint64_t nEnd = nAt + ZRFxZipDirectory::kEndSize + LoadLittleEndian<uint16_t>(pEnd + 20);
     ZRFxZipDirectory directory;
-    if (nEnd > m_pStorage->Size() || !directory.FindEndAt(m_pStorage, nEnd) ||
-        directory.nOffset != m_nAt || (nRecords & 0xFFFF) != (directory.DeclaredCount() & 0xFFFF)) {
+    if (!directory.FindEndRecordAt(m_pStorage, nAt) || directory.nOffset != m_nAt ||
+        (nRecords & 0xFFFF) != (directory.DeclaredCount() & 0xFFFF)) {
         return false;
     }
     m_eLast = Commit::kArchive;
-    m_nLast = m_nAt = nEnd;
+    m_nLast = m_nAt = directory.Length();
     return true;
 }
 

@@ -25,14 +25,18 @@ const uint8_t* Bytes(std::string_view s) {
     return reinterpret_cast<const uint8_t*>(s.data());
 }
 
-// Deflated when that makes it shorter.
+// No more than this many times its length is unpacked, so that memory stays in proportion to the
+// file.
+constexpr uint64_t kMostPacking = 64;
+
+// Deflated when that makes it shorter, but not by more than a reader takes.
 bool Packed(std::string_view sRaw, ZRFxCodec* pCodec, std::string* pPacked) {
     pPacked->resize(sRaw.size());
     size_t nPacked = 0;
     const bool bPacked = sRaw.size() > 1 &&
                          pCodec->Deflate(kLevel, sRaw.data(), sRaw.size(), pPacked->data(),
                                          sRaw.size() - 1, &nPacked) &&
-                         nPacked > 0;
+                         nPacked > 0 && nPacked >= sRaw.size() / kMostPacking;
     pPacked->resize(nPacked);
     if (!bPacked) pPacked->assign(sRaw);
     return bPacked;
@@ -44,7 +48,7 @@ bool Unpacked(std::string_view sPacked, bool bPacked, uint64_t nSize, ZRFxCodec*
         pRaw->assign(sPacked);
         return sPacked.size() == nSize;
     }
-    if (!ZRFxCodec::IsReachable(sPacked.size(), nSize)) return false;
+    if (nSize / kMostPacking > sPacked.size()) return false;
     pRaw->resize(static_cast<size_t>(nSize));
     return pCodec->Inflate(sPacked.data(), sPacked.size(), pRaw->data(), pRaw->size());
 }

@@ -1,5 +1,6 @@
 #include "ZRFxEntryTable.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace unstruct {
@@ -39,6 +40,27 @@ void ZRFxEntryTable::MoveToEnd(Item* pItem) {
 void ZRFxEntryTable::Reserve(size_t nCount) {
     m_byName.Reserve(nCount);
     m_apItems.reserve(nCount);
+}
+
+bool ZRFxEntryTable::HasOverlaps() const {
+    std::vector<const ZRFxZipEntry*> apEntries;
+    apEntries.reserve(m_apItems.size());
+    for (const auto& pItem : m_apItems) {
+        if (pItem && pItem->HasEntry()) apEntries.push_back(&pItem->entry);
+    }
+    const auto byOffset = [](const ZRFxZipEntry* pLeft, const ZRFxZipEntry* pRight) {
+        return pLeft->nOffset < pRight->nOffset;
+    };
+    if (!std::is_sorted(apEntries.begin(), apEntries.end(), byOffset)) {
+        std::sort(apEntries.begin(), apEntries.end(), byOffset);
+    }
+    uint64_t nEnd = 0;
+    for (const ZRFxZipEntry* pEntry : apEntries) {
+        if (pEntry->nOffset < nEnd) return true;
+        nEnd = pEntry->nOffset + ZRFxZipDirectory::kLocalHeaderSize + pEntry->sName.size() +
+               pEntry->nPackedSize;
+    }
+    return false;
 }
 
 void ZRFxEntryTable::Compact() {

@@ -73,6 +73,10 @@ public:
     /// Whether closing the gaps is worth its time.
     bool HasManyGaps() const { return 2 * m_nGaps > m_apItems.size(); }
 
+    /// Whether entries of the file overlap, so that it cannot be changed: written anew, such a file
+    /// could grow without bound.
+    bool HasOverlaps() const;
+
     /// Whether a name of any item, now or before, has a slash in it.
     bool HasSlashes() const { return m_bHasSlashes; }
 

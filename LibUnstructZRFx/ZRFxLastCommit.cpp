@@ -2,13 +2,14 @@
 
 #include <algorithm>
 
+#include "ZRByteOrder.h"
 #include "ZRFxArchiveWalk.h"
 
 namespace unstruct {
 
 bool ZRFxLastCommit::LoadSince(ZRFxZipStorage* pStorage, const ZRFxCommitPlace* pKnown) {
     if (pStorage->Size() == 0) return true;
-    if (!FindEnd(pStorage) || !FollowChain(pStorage, pKnown)) return false;
+    if (!FindEnd(pStorage, pKnown) || !FollowChain(pStorage, pKnown)) return false;
     if (m_bSince) return true;
     // A record leads to where its archive ends; without one the end was found already.
     if (!aRecords.empty() && !directory.FindEndAt(pStorage, m_place.nBase)) {
@@ -17,8 +18,9 @@ bool ZRFxLastCommit::LoadSince(ZRFxZipStorage* pStorage, const ZRFxCommitPlace* 
     return directory.Load(pStorage) || Fail(directory.sError);
 }
 
-// A file that ends in a commit says so at its end. In any other, the walk finds the last one.
-bool ZRFxLastCommit::FindEnd(ZRFxZipStorage* pStorage) {
+// A file that ends in a commit says so at its end. In any other, the walk finds the last one; it
+// need not pass what is known.
+bool ZRFxLastCommit::FindEnd(ZRFxZipStorage* pStorage, const ZRFxCommitPlace* pKnown) {
     const uint64_t nSize = pStorage->Size();
     uint64_t nOffset = 0;
     if (ZRFxCommitRecord::EndsAt(pStorage, nSize, &nOffset) && TakeRecord(pStorage, nOffset) &&
@@ -30,14 +32,14 @@ bool ZRFxLastCommit::FindEnd(ZRFxZipStorage* pStorage) {
         m_place = {nSize, 0, nSize};
         return true;
     }
-    if (WalkToEnd(pStorage)) return true;
-    if (!directory.FindEnd(pStorage)) return Fail(directory.sError);
-    m_place = {directory.Length(), 0, directory.Length()};
+    if (WalkToEnd(pStorage, pKnown ? pKnown->nEnd : 0)) return true;
+    if (!pKnown) return SearchEnd(pStorage);
+    m_place = *pKnown;
     return true;
 }
 
-bool ZRFxLastCommit::WalkToEnd(ZRFxZipStorage* pStorage) {
-    const ZRFxArchiveWalk walk(pStorage, m_pCodec);
+bool ZRFxLastCommit::WalkToEnd(ZRFxZipStorage* pStorage, uint64_t nFrom) {
+    const ZRFxArchiveWalk walk(pStorage, m_pCodec, nFrom);
     switch (walk.LastCommit()) {
         case ZRFxArchiveWalk::Commit::kRecord:
             return TakeRecord(pStorage, walk.LastOffset());
@@ -48,6 +50,18 @@ bool ZRFxLastCommit::WalkToEnd(ZRFxZipStorage* pStorage) {
             break;
     }
     return false;
+}
+
+// An archive of another program, which the walk cannot follow, and perhaps a torn end.
+bool ZRFxLastCommit::SearchEnd(ZRFxZipStorage* pStorage) {
+    uint8_t aFirst[4] = {};
+    const bool bEntries = pStorage->Read(0, aFirst, sizeof(aFirst)) &&
+                          LoadLittleEndian<uint32_t>(aFirst) == ZRFxZipDirectory::kLocalSignature;
+    if (!(bEntries && directory.FindLastEnd(pStorage)) && !directory.FindEnd(pStorage)) {
+        return Fail(directory.sError);
+    }
+    m_place = {directory.Length(), 0, directory.Length()};
+    return true;
 }
 
 bool ZRFxLastCommit::TakeRecord(ZRFxZipStorage* pStorage, uint64_t nOffset) {
@@ -63,6 +77,9 @@ bool ZRFxLastCommit::FollowChain(ZRFxZipStorage* pStorage, const ZRFxCommitPlace
     const bool bSameBase = pKnown && pKnown->nBase == m_place.nBase;
     const uint64_t nKnown = bSameBase ? pKnown->nRecord : 0;
     if (bSameBase && m_place.nRecord == nKnown) aRecords.clear();
+    if (m_place.nRecord < m_place.nBase && m_place.nRecord != 0) {
+        return Fail("damaged commit record: the archive that it builds on is missing");
+    }
     while (!aRecords.empty() && aRecords.back().nPrevious != nKnown) {
         const ZRFxCommitRecord& next = aRecords.back();
         if (next.nPrevious == 0) break;

@@ -42,8 +42,9 @@ private:
         m_sError = sCause;
         return false;
     }
-    bool FindEnd(ZRFxZipStorage* pStorage);
-    bool WalkToEnd(ZRFxZipStorage* pStorage);
+    bool FindEnd(ZRFxZipStorage* pStorage, const ZRFxCommitPlace* pKnown);
+    bool WalkToEnd(ZRFxZipStorage* pStorage, uint64_t nFrom);
+    bool SearchEnd(ZRFxZipStorage* pStorage);
     bool TakeRecord(ZRFxZipStorage* pStorage, uint64_t nOffset);
     bool FollowChain(ZRFxZipStorage* pStorage, const ZRFxCommitPlace* pKnown);
 

@@ -94,7 +94,7 @@ void ZRFxOpenArchive::NoteChangesSince(const ZRFxOpenArchive& earlier,
         if (!pOld) continue;
         const ZRFxArchiveItem* pNew = table.Find(pOld->entry.sName);
         const bool bSame = pNew && pNew->ePlace == pOld->ePlace && !pNew->pText && !pOld->pText &&
-                           pNew->entry.nOffset == pOld->entry.nOffset;
+                           pNew->entry.sRecord == pOld->entry.sRecord;
         if (!bSame) Note(pChanges, pOld->entry.sName, 0);
     }
 }

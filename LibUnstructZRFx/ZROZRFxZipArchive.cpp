@@ -103,9 +103,10 @@ bool ZRFxZipArchive::CloseAs(const std::string& sPath) {
         if (!pFile->IsNew()) return Fail({}, "'" + sPath + "' exists");
         ZRFxArchiveCommit commit(m_pOpen.get(), &m_packer, &m_reader, &m_codec, &m_cipher);
         if (!LoadTexts()) return false;
-        if (!commit.WriteAnew(std::move(pFile))) {
-            return Fail({}, "'" + sPath + "': " + commit.Error());
-        }
+        const bool bWritten = Guarded({}, [&] { return commit.WriteAnew(std::move(pFile)); });
+        // It may be the new file from here on, only not yet confirmed.
+        m_reader.Open(m_pOpen->pStorage.get(), m_pOpen->place.nBase);
+        if (!bWritten) return Fail({}, "'" + sPath + "': " + commit.Error());
         Reset();
         return true;
     });
@@ -122,10 +123,11 @@ bool ZRFxZipArchive::Refresh(ZRFxArchiveChanges* pChanges) {
         if (!IsReadOnly()) return Fail({}, "the archive is open for writing");
         ZRFxZipStorage& storage = *m_pOpen->pStorage;
         if (!storage.Extend()) return Reopen(pChanges);
-        ZRFxLastCommit last(&m_codec);
-        const bool bRefreshed =
-            (last.LoadSince(&storage, &m_pOpen->place) || Fail({}, last.Error())) &&
-            RefreshFrom(&last, pChanges);
+        const bool bRefreshed = Guarded({}, [&] {
+            ZRFxLastCommit last(&m_codec);
+            return (last.LoadSince(&storage, &m_pOpen->place) || Fail({}, last.Error())) &&
+                   RefreshFrom(&last, pChanges);
+        });
         m_pOpen->pStorage->CutTo(m_pOpen->place.nEnd);
         m_reader.Open(m_pOpen->pStorage.get(), m_pOpen->place.nBase);
         return bRefreshed;
@@ -198,6 +200,7 @@ bool ZRFxZipArchive::Grow(std::string_view sName, uint64_t nKept, std::string_vi
         text.sText.reserve(static_cast<size_t>(nKept) + sTail.size());
         text.sText.resize(static_cast<size_t>(nKept));
         text.sText.append(sTail);
+        text.sError.clear();
         text.nLevel = nLevel;
         text.nRevision = NewRevision();
         m_pOpen->BecomeText(pItem, nKept);
@@ -319,11 +322,11 @@ bool ZRFxZipArchive::OpenStorage(std::unique_ptr<ZRFxZipStorage> pStorage, ZRFxO
     auto pOpen = std::make_unique<ZRFxOpenArchive>();
     ZRFxLastCommit last(&m_codec);
     if (!last.Load(pStorage.get())) return Fail({}, last.Error());
-    if (eMode == ZRFxOpenMode::kUpdate && last.directory.HasOverlaps()) {
-        return Fail({}, "entries overlap, the archive cannot be changed");
-    }
     pOpen->bTorn = last.Place().nEnd < pStorage->Size();
     if (!pOpen->Take(&last)) return Fail({}, "damaged commit record");
+    if (eMode == ZRFxOpenMode::kUpdate && pOpen->table.HasOverlaps()) {
+        return Fail({}, "entries overlap, the archive cannot be changed");
+    }
     pStorage->CutTo(pOpen->place.nEnd);
     pOpen->pStorage = std::move(pStorage);
     pOpen->bReadOnly = eMode == ZRFxOpenMode::kReadOnly;
@@ -451,14 +454,8 @@ bool ZRFxZipArchive::LoadTexts() {
         uint64_t nAt = 0;
         for (size_t i = 0; i < apTexts.size(); ++i) {
             const ZRFxCommitRecord::Edit& edit = record.aEdits[i];
-            ZRFxGrowingText& text = *apTexts[i];
-            if (!text.bLoaded && !text.bDropped && edit.nKept > 0 && !LoadText(&text)) {
-                text.sError = m_reader.Error();
-            }
-            text.bLoaded = true;
-            if (edit.nKept == 0) text.sError.clear();
-            text.sText.resize(static_cast<size_t>(edit.nKept));
-            text.sText.append(sTails, static_cast<size_t>(nAt), static_cast<size_t>(edit.nTail));
+            Apply(edit, std::string_view(sTails).substr(static_cast<size_t>(nAt)),
+                  apTexts[i].get());
             nAt += edit.nTail;
         }
         ++nDone;
@@ -466,6 +463,26 @@ bool ZRFxZipArchive::LoadTexts() {
     m_pOpen->aUnread.erase(m_pOpen->aUnread.begin(),
                            m_pOpen->aUnread.begin() + static_cast<std::ptrdiff_t>(nDone));
     return bLoaded;
+}
+
+// sTails begins with what the edit adds. A text that cannot be had stays so until an edit begins it
+// anew; what its entry declares is not believed.
+void ZRFxZipArchive::Apply(const ZRFxCommitRecord::Edit& edit, std::string_view sTails,
+                           ZRFxGrowingText* pText) {
+    if (pText->bDropped) return;
+    if (edit.nKept == 0) {
+        pText->sError.clear();
+    } else if (!pText->bLoaded && !LoadText(pText)) {
+        pText->sError = m_reader.Error();
+    }
+    pText->bLoaded = true;
+    if (!pText->sError.empty()) return;
+    if (edit.nKept > pText->sText.size()) {
+        pText->sError = "damaged commit record";
+        return;
+    }
+    pText->sText.resize(static_cast<size_t>(edit.nKept));
+    pText->sText.append(sTails.substr(0, static_cast<size_t>(edit.nTail)));
 }
 
 // The entry that a text has outgrown.
@@ -493,9 +510,10 @@ bool ZRFxZipArchive::ReadItem(const Item& item, ZRFxZipRawData* pRaw) {
 bool ZRFxZipArchive::CommitNow(bool bClosing) {
     if (!LoadTexts()) return false;
     ZRFxArchiveCommit commit(m_pOpen.get(), &m_packer, &m_reader, &m_codec, &m_cipher);
-    const bool bCommitted = commit.Run(bClosing);
+    const bool bCommitted =
+        Guarded({}, [&] { return commit.Run(bClosing) || Fail({}, commit.Error()); });
     m_reader.Open(m_pOpen->pStorage.get(), m_pOpen->place.nBase);
-    return bCommitted || Fail({}, commit.Error());
+    return bCommitted;
 }
 
 bool ZRFxZipArchive::RefreshFrom(ZRFxLastCommit* pCommit, ZRFxArchiveChanges* pChanges) {
@@ -512,9 +530,11 @@ bool ZRFxZipArchive::RefreshFrom(ZRFxLastCommit* pCommit, ZRFxArchiveChanges* pC
     auto pNew = std::make_unique<ZRFxOpenArchive>();
     if (!pNew->Take(pCommit)) return Fail({}, "damaged commit record");
     pNew->bReadOnly = true;
-    pNew->pStorage = std::move(open.pStorage);
     pNew->NoteChangesSince(open, pChanges);
+    pNew->pStorage = std::move(open.pStorage);
     m_pOpen.swap(pNew);
+    // What follows the commit may be written anew, so nothing of it is read ahead.
+    m_pOpen->pStorage->CutTo(place.nEnd);
     m_reader.Open(m_pOpen->pStorage.get(), place.nBase);
     // A document that the new archive has as an entry may have grown.
     for (auto& [sName, nKept] : pChanges->kept) {

@@ -154,6 +154,7 @@ private:
     bool LoadForGrowth(Item* pItem);
     Item* AddDocument(std::string_view sName, size_t nLength);
     bool LoadTexts();
+    void Apply(const ZRFxCommitRecord::Edit& edit, std::string_view sTails, ZRFxGrowingText* pText);
     bool LoadText(ZRFxGrowingText* pText);
     bool ReadItem(const Item& item, ZRFxZipRawData* pRaw);
     bool CommitNow(bool bClosing);

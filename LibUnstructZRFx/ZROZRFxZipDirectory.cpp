@@ -146,10 +146,43 @@ bool ZRFxZipDirectory::FindEndAt(ZRFxZipStorage* pStorage, uint64_t nEnd) {
     if (!pStorage->Read(nEnd - nTail, sTail.data(), sTail.size())) return false;
     for (size_t i = sTail.size() < kEndSize ? 0 : sTail.size() - kEndSize + 1; i-- > 0;) {
         if (!TakeEnd(pStorage, sTail, i, nEnd)) continue;
-        const uint64_t nStart = nEnd - nTail + i - (m_bZip64 ? kEnd64Size + kLocator64Size : 0);
-        return m_nLength == nEnd && nOffset + m_nSize == nStart;
+        return m_nLength == nEnd && ReachesTo(nEnd - nTail + i);
     }
     return false;
+}
+
+bool ZRFxZipDirectory::FindLastEnd(ZRFxZipStorage* pStorage) {
+    constexpr uint64_t kWindow = uint64_t{256} << 10;
+    std::string sSignature;
+    Put32(&sSignature, kEndSignature);
+    std::string sBytes;
+    for (uint64_t nTo = pStorage->Size(); nTo >= kEndSize;) {
+        const uint64_t nFrom = nTo - std::min(nTo, kWindow);
+        sBytes.resize(static_cast<size_t>(nTo - nFrom));
+        if (!pStorage->Read(nFrom, sBytes.data(), sBytes.size())) return false;
+        for (size_t i = sBytes.rfind(sSignature); i != std::string::npos;
+             i = i > 0 ? sBytes.rfind(sSignature, i - 1) : std::string::npos) {
+            if (FindEndRecordAt(pStorage, nFrom + i)) return true;
+        }
+        // A signature may lie across the border.
+        nTo = nFrom > 0 ? nFrom + sSignature.size() - 1 : 0;
+    }
+    return false;
+}
+
+// The comment, which may be long, is read last.
+bool ZRFxZipDirectory::FindEndRecordAt(ZRFxZipStorage* pStorage, uint64_t nRecord) {
+    const uint64_t nLeft = pStorage->Size() - std::min(pStorage->Size(), nRecord);
+    uint8_t aEnd[kEndSize];
+    if (nLeft < kEndSize || !pStorage->Read(nRecord, aEnd, kEndSize)) return false;
+    const size_t nComment = Load16(aEnd + 20);
+    if (nComment > nLeft - kEndSize || !TakeEndRecord(pStorage, aEnd, nRecord) ||
+        !ReachesTo(nRecord)) {
+        return false;
+    }
+    sComment.resize(nComment);
+    m_nLength = nRecord + kEndSize + nComment;
+    return pStorage->Read(nRecord + kEndSize, sComment.data(), nComment);
 }
 
 // Takes the last end whose directory can lie before it.
@@ -176,24 +209,6 @@ bool ZRFxZipDirectory::Load(ZRFxZipStorage* pStorage) {
 
 bool ZRFxZipDirectory::AddRecords(std::string_view sRecords, uint64_t nEnd) {
     return ParseRecords(sRecords, nEnd);
-}
-
-bool ZRFxZipDirectory::HasOverlaps() const {
-    std::vector<const ZRFxZipEntry*> apEntries;
-    apEntries.reserve(aEntries.size());
-    for (const ZRFxZipEntry& entry : aEntries) apEntries.push_back(&entry);
-    const auto byOffset = [](const ZRFxZipEntry* pLeft, const ZRFxZipEntry* pRight) {
-        return pLeft->nOffset < pRight->nOffset;
-    };
-    if (!std::is_sorted(apEntries.begin(), apEntries.end(), byOffset)) {
-        std::sort(apEntries.begin(), apEntries.end(), byOffset);
-    }
-    uint64_t nEnd = 0;
-    for (const ZRFxZipEntry* pEntry : apEntries) {
-        if (pEntry->nOffset < nEnd) return true;
-        nEnd = pEntry->nOffset + kLocalHeaderSize + pEntry->sName.size() + pEntry->nPackedSize;
-    }
-    return false;
 }
 
 uint64_t ZRFxZipDirectory::LocalSize(const uint8_t* pHeader, size_t nSize) {
@@ -352,19 +367,29 @@ bool ZRFxZipDirectory::TakeEnd(ZRFxZipStorage* pStorage, const std::string& sTai
     const uint8_t* pEnd = Bytes(sTail) + nAt;
     if (Load32(pEnd) != kEndSignature) return false;
     const size_t nComment = Load16(pEnd + 20);
-    if (nComment > sTail.size() - nAt - kEndSize) return false;
     const uint64_t nRecord = nEnd - sTail.size() + nAt;
-    m_nCount = Load16(pEnd + 10);
-    m_nSize = Load32(pEnd + 12);
-    nOffset = Load32(pEnd + 16);
-    m_bZip64 = false;
-    if (nRecord >= kLocator64Size && !ReadEnd64(pStorage, nRecord - kLocator64Size)) return false;
-    if (nOffset > nRecord || m_nSize > nRecord - nOffset || m_nCount > m_nSize / kRecordSize) {
+    if (nComment > sTail.size() - nAt - kEndSize || !TakeEndRecord(pStorage, pEnd, nRecord)) {
         return false;
     }
     sComment = sTail.substr(nAt + kEndSize, nComment);
     m_nLength = nRecord + kEndSize + nComment;
     return true;
+}
+
+bool ZRFxZipDirectory::TakeEndRecord(ZRFxZipStorage* pStorage, const uint8_t* pEnd,
+                                     uint64_t nRecord) {
+    if (Load32(pEnd) != kEndSignature) return false;
+    m_nCount = Load16(pEnd + 10);
+    m_nSize = Load32(pEnd + 12);
+    nOffset = Load32(pEnd + 16);
+    m_bZip64 = false;
+    if (nRecord >= kLocator64Size && !ReadEnd64(pStorage, nRecord - kLocator64Size)) return false;
+    return nOffset <= nRecord && m_nSize <= nRecord - nOffset && m_nCount <= m_nSize / kRecordSize;
+}
+
+// Whether nothing lies between the directory and its end.
+bool ZRFxZipDirectory::ReachesTo(uint64_t nRecord) const {
+    return nOffset + m_nSize + (m_bZip64 ? kEnd64Size + kLocator64Size : 0) == nRecord;
 }
 
 // Does nothing where there is no locator; false when it leads nowhere.

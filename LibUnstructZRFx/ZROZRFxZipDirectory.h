@@ -48,6 +48,10 @@ public:
     /// Finds the directory of the archive that ends exactly at nEnd; false, without an error, when
     /// none does, or it does not reach to its end as those of nearly all programs do.
     bool FindEndAt(ZRFxZipStorage* pStorage, uint64_t nEnd);
+    /// The same for the last such archive in a storage, by searching all of it from its end.
+    bool FindLastEnd(ZRFxZipStorage* pStorage);
+    /// The same for the archive whose end record is at nRecord.
+    bool FindEndRecordAt(ZRFxZipStorage* pStorage, uint64_t nRecord);
     /// Finds the directory of an archive in whatever form: with bytes that follow its end, or with
     /// structures between directory and end.
     bool FindEnd(ZRFxZipStorage* pStorage);
@@ -57,8 +61,6 @@ public:
     bool Load(ZRFxZipStorage* pStorage);
     /// Takes records that stand elsewhere, of entries that lie before nEnd, behind those loaded.
     bool AddRecords(std::string_view sRecords, uint64_t nEnd);
-    /// Whether entries overlap, so that the archive cannot be changed.
-    bool HasOverlaps() const;
     /// Number of entries that the end declares, modulo 65536 where it is no 64-bit one.
     uint64_t DeclaredCount() const { return m_nCount; }
     /// Where the archive ends that was found.
@@ -104,6 +106,8 @@ private:
         return false;
     }
     bool TakeEnd(ZRFxZipStorage* pStorage, const std::string& sTail, size_t nAt, uint64_t nEnd);
+    bool TakeEndRecord(ZRFxZipStorage* pStorage, const uint8_t* pEnd, uint64_t nRecord);
+    bool ReachesTo(uint64_t nRecord) const;
     bool ReadEnd64(ZRFxZipStorage* pStorage, uint64_t nLocator);
     bool ParseRecords(std::string_view sRecords, uint64_t nEnd);
     bool ParseRecord(const uint8_t* pRecord, size_t nLeft, ZRFxZipEntry* pEntry);
