@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <new>
 #include <set>
 #include <string>
 
@@ -275,7 +276,12 @@ bool ZRFxAccess::WriteXmlFile(const ZRString& name, const nvf::XmlDocument& doc,
         return m_logger->fail("Xml file '%1' exists in archive, and overwrite flag is not set",
                               name);
     }
-    const std::string text = doc.toUtf8();
+    if (doc.isIncomplete()) {
+        return m_logger->fail("Out of memory for Xml file '%1'", name);
+    }
+    bool isReplaced = false;
+    const std::string text = doc.toUtf8(&isReplaced);
+    if (isReplaced) m_logger->warn("Characters that Xml cannot hold become U+FFFD in '%1'", name);
     return Store(name, text.data(), text.size(), isThere) ||
            FailWithCause("Could not write Xml file '%1' to archive", name);
 }
@@ -501,7 +507,7 @@ bool ZRFxAccess::GetArchiveInfo(ZRFxArchiveInfo* info) {
     if (!IsOpen()) return m_logger->fail("Archive is not open.");
     *info = ZRFxArchiveInfo();
     for (std::size_t i = 0; i < m_pArchive->EntryCount(); ++i) {
-        const ZRFxZipArchive::EntryInfo entry = m_pArchive->EntryAt(i);
+        const ZRFxZipArchive::EntryInfo entry = EntryAt(i);
         const ZRString extension = ZRString(entry.sName).Extension().ToUpper();
         info->compressed = info->compressed || entry.nPackedSize < entry.nSize;
         info->encrypted = info->encrypted || entry.bEncrypted;
@@ -613,15 +619,25 @@ bool ZRFxAccess::ForEachName(const std::string& prefix, ZRStringArray* names, Ta
         entries.push_back(at->second);
     }
     std::sort(entries.begin(), entries.end());
-    for (const std::size_t entry : entries) takeName(m_pArchive->EntryAt(entry).sName);
+    for (const std::size_t entry : entries) takeName(EntryAt(entry).sName);
     return true;
 }
 
+// The archive describes an entry as empty when there is no memory; what is asked about entries must
+// not miss any.
+ZRFxZipArchive::EntryInfo ZRFxAccess::EntryAt(std::size_t index) {
+    ZRFxZipArchive::EntryInfo entry = m_pArchive->EntryAt(index);
+    if (entry.sName.empty() && !m_pArchive->Contains(entry.sName)) throw std::bad_alloc();
+    return entry;
+}
+
 void ZRFxAccess::SortNames() {
+    decltype(m_sortedNames) names;
     for (std::size_t i = 0; i < m_pArchive->EntryCount(); ++i) {
-        m_sortedNames.emplace_back(withSlashes(m_pArchive->EntryAt(i).sName), i);
+        names.emplace_back(withSlashes(EntryAt(i).sName), i);
     }
-    std::sort(m_sortedNames.begin(), m_sortedNames.end());
+    std::sort(names.begin(), names.end());
+    m_sortedNames.swap(names);
 }
 
 // What was found holds as long as the entries do.

@@ -208,6 +208,7 @@ private:
     bool ReadItems(const ZRString& name, ZRArray<Item>* data);
     template <typename TakeName>
     bool ForEachName(const std::string& prefix, ZRStringArray* names, TakeName takeName);
+    ZRFxZipArchive::EntryInfo EntryAt(std::size_t index);
     void SortNames();
     void Forget();
     bool FindEntry(const ZRString& name, std::string* entry) const;
