@@ -12,6 +12,34 @@
 
 namespace unstruct {
 
+// Attaches a block to the database that it is written into, and takes what came to be written of it
+// out again, unless it ended well.
+class ZRFxBlock::Writing {
+public:
+    Writing(ZRFxBlock* pBlock, ZRFxDatabase* pDatabase)
+        : m_block(*pBlock), m_sOwnFileName(pBlock->m_sFileName), m_pDatabase(pDatabase) {
+        m_pOwnDatabase = std::exchange(m_block.m_pDatabase, pDatabase);
+        pDatabase->SetReplacing(true);
+    }
+    Writing(const Writing&) = delete;
+    Writing& operator=(const Writing&) = delete;
+    ~Writing() {
+        m_pDatabase->SetReplacing(false);
+        if (!m_bWritten) m_pDatabase->RemoveBlock(m_block);
+        m_block.m_pDatabase = m_pOwnDatabase;
+        if (m_pDatabase != m_pOwnDatabase) std::swap(m_block.m_sFileName, m_sOwnFileName);
+    }
+
+    bool End(bool isWritten) { return m_bWritten = isWritten; }
+
+private:
+    ZRFxBlock& m_block;
+    ZRString m_sOwnFileName;
+    ZRFxDatabase* m_pDatabase;
+    ZRFxDatabase* m_pOwnDatabase;
+    bool m_bWritten = false;
+};
+
 ZRFxBlock::ZRFxBlock(ZRFxDatabase* pDatabase, int id, int type)
     : m_pDatabase(pDatabase), m_iID(id), m_iType(type), m_logger(nvf::archiveLogger()) {}
 
@@ -40,16 +68,8 @@ bool ZRFxBlock::WriteBlock(ZRFxDatabase* pDatabase) {
     if (!pDatabase || !CheckContents()) return false;
     // Keeps this block alive where it is itself the entry that the database replaces.
     const nvf::ref<ZRFxBlock> replaced = pDatabase->GetBlockByID(m_iType, m_iID);
-    if (!pDatabase->RemoveBlockFiles(*this)) return false;
-    ZRFxDatabase* const pOwnDatabase = std::exchange(m_pDatabase, pDatabase);
-    const ZRString ownFileName = m_sFileName;
-    pDatabase->SetReplacing(true);
-    const bool isWritten = WriteBlock();
-    pDatabase->SetReplacing(false);
-    m_pDatabase = pOwnDatabase;
-    if (pDatabase != pOwnDatabase) m_sFileName = ownFileName;
-    if (!isWritten) pDatabase->RemoveBlock(*this);
-    return isWritten;
+    Writing writing(this, pDatabase);
+    return writing.End(pDatabase->RemoveBlockFiles(*this) && WriteBlock());
 }
 
 void ZRFxBlock::UnloadData() {

@@ -108,6 +108,8 @@ protected:
     ZRFxDatabase* m_pDatabase;
 
 private:
+    class Writing;
+
     int m_iID;
     int m_iType;
     ZRString m_sFileName;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <new>
 #include <string>
 
 #include "ZROZRFxXml.h"
@@ -64,10 +65,10 @@ bool ZRFxDatabase::Create(const ZRString& name, int id, const ZRString& sourceNa
     m_eSimulationType = simulationType;
     m_eSolutionType = solutionType;
     m_sDescription = description;
-    if (!GetAccess()->AddDatabase(*CreateDescription(), false)) {
+    StartTOC();
+    if (!GetAccess()->AddDatabase(*CreateDescription(), HasLeftDescription())) {
         return Log().fail("Error adding database.");
     }
-    StartTOC();
     m_bTOCModified = true;
     return true;
 }
@@ -89,6 +90,7 @@ bool ZRFxDatabase::Parse(int id, ZRFxParseMode mode) {
 bool ZRFxDatabase::WriteTOC() {
     NVF_ASSERT(m_pTOC.notNull());
     if (m_pTOC.isNull() || !GetAccess()) return false;
+    if (m_pTOC->isIncomplete()) RebuildTOC();
     if (!GetAccess()->WriteXmlFile(EntryName(kTOCName), *m_pTOC, true)) {
         return Log().fail("Cannot write Database TOC to archive.");
     }
@@ -123,9 +125,19 @@ bool ZRFxDatabase::RemoveBlockFiles(const ZRFxBlock& block) {
 
 void ZRFxDatabase::RemoveBlock(const ZRFxBlock& block) {
     if (!GetAccess() || !GetAccess()->IsOpen() || GetAccess()->IsReadOnly()) return;
-    ZRStringArray files;
-    GetAccess()->FindFilesOfBase(EntryName(block.GetFilebase()), &files);
-    for (const ZRString& file : files) GetAccess()->RemoveFile(file);
+    RemoveEntry(block);
+    // Without its line a file is part of nothing.
+    try {
+        ZRStringArray files;
+        GetAccess()->FindFilesOfBase(EntryName(block.GetFilebase()), &files);
+        for (const ZRString& file : files) GetAccess()->RemoveFile(file);
+    } catch (const std::bad_alloc&) {
+        Log().fail("Out of memory, files of block type %1 ID %2 stay in the archive.",
+                   block.GetType(), block.GetID());
+    }
+}
+
+void ZRFxDatabase::RemoveEntry(const ZRFxBlock& block) {
     const auto line = m_tocLines.find({block.GetType(), block.GetID()});
     if (line != m_tocLines.end()) {
         m_pTOC->getRootElement().removeChildElement(line->second);
@@ -212,10 +224,28 @@ nvf::ref<nvf::XmlDocument> ZRFxDatabase::CreateDescription() const {
     return doc;
 }
 
+// A description of the id, which is not registered, is left of an attempt that failed.
+bool ZRFxDatabase::HasLeftDescription() const {
+    ZRFxZipRawData raw;
+    nvf::XmlDocument doc;
+    return GetAccess()->InternalReadDataRaw(EntryName("Database.xml"), LogMode::SILENT, &raw) &&
+           doc.parse({reinterpret_cast<const char*>(raw.Buffer()), raw.Length()}) &&
+           doc.getRootElement("Database").getAttributeInt("ID", -1) == m_iID;
+}
+
 void ZRFxDatabase::StartTOC() {
     m_tocLines.clear();
     m_pTOC = new nvf::XmlDocument;
     m_pTOC->createRootElement("DatabaseTOC", kNamespaceUri).setAttributeInt("DatabaseID", m_iID);
+}
+
+void ZRFxDatabase::RebuildTOC() {
+    StartTOC();
+    for (const BlockArray& blocks : m_apBlocks) {
+        for (const auto& block : blocks) {
+            EnterInTOC(ZRFxBlockTypeName(block->GetType()), block->GetID(), block->GetFileName());
+        }
+    }
 }
 
 void ZRFxDatabase::EnterInTOC(const ZRString& typeName, int id, const ZRString& fileName) {

@@ -56,7 +56,8 @@ public:
     bool RemoveBlockFiles(const ZRFxBlock& block);
 
     /// Removes all that is left of the block of this type and id after it was written in part: its
-    /// files, its entry and its line in the table of contents.
+    /// files, its entry and its line in the table of contents. Throws nothing: files that there is
+    /// no memory to find stay, and belong to nothing.
     void RemoveBlock(const ZRFxBlock& block);
 
     /// Adds an entry, and takes out the one of the same type and id if there is one.
@@ -98,7 +99,12 @@ private:
     };
 
     nvf::ref<nvf::XmlDocument> CreateDescription() const;
+    bool HasLeftDescription() const;
     void StartTOC();
+    /// Makes a table of contents anew that memory was missing for.
+    void RebuildTOC();
+    /// Takes a block out of the table of contents and of the entries.
+    void RemoveEntry(const ZRFxBlock& block);
     void EnterInTOC(const ZRString& typeName, int id, const ZRString& fileName);
 
     void Clear();

@@ -4,6 +4,7 @@
 #include <memory>
 #include <set>
 #include <string_view>
+#include <utility>
 
 #include "ZROZRFxXml.h"
 #include "nvf/Number.h"
@@ -51,6 +52,12 @@ ZRFxGeometryPart ZRFxGeometryState::GetPart(int iGlobalGeometryIndex, int iPartI
 bool ZRFxGeometryState::AddPart(int iGlobalGeometryIndex, const ZRFxGeometryPart& part) {
     if (!IsGeometry(iGlobalGeometryIndex)) return false;
     m_geometryParts[iGlobalGeometryIndex].push_back(part);
+    return true;
+}
+
+bool ZRFxGeometryState::SetParts(int iGlobalGeometryIndex, std::vector<ZRFxGeometryPart> parts) {
+    if (!IsGeometry(iGlobalGeometryIndex)) return false;
+    m_geometryParts[iGlobalGeometryIndex] = std::move(parts);
     return true;
 }
 

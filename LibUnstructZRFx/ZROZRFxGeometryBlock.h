@@ -48,6 +48,7 @@ public:
 
     /// False after an assertion when there is no such geometry.
     bool AddPart(int iGlobalGeometryIndex, const ZRFxGeometryPart& part);
+    bool SetParts(int iGlobalGeometryIndex, std::vector<ZRFxGeometryPart> parts);
     bool RemoveParts(int iGlobalGeometryIndex);
 
 private:
