@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <map>
+#include <utility>
 
 #include "Log_p.h"
 #include "ZROZRFxGeometryBlock.h"
@@ -49,11 +50,14 @@ public:
     nvf::ref<ZRFxGeometryBlock> m_geometryBlock;
 };
 
-GeometryBlock::GeometryBlock(std::size_t geometryCountPerState)
-    : Block(kBlockId, GEOMETRY), m_private(std::make_unique<GeometryBlockPrivate>()) {
-    m_private->m_geometryBlock = new ZRFxGeometryBlock(nullptr, kBlockId);
-    m_private->m_geometryBlock->SetGeometryCountPerState(
-        checkedGeometryCount(geometryCountPerState));
+GeometryBlock::GeometryBlock(std::size_t geometryCountPerState) : Block(kBlockId, GEOMETRY) {
+    guarded([&] {
+        auto made = std::make_unique<GeometryBlockPrivate>();
+        made->m_geometryBlock = new ZRFxGeometryBlock(nullptr, kBlockId);
+        made->m_geometryBlock->SetGeometryCountPerState(
+            checkedGeometryCount(geometryCountPerState));
+        m_private.take(std::move(made));
+    });
 }
 
 GeometryBlock::GeometryBlock(ZRFxGeometryBlock* geometryBlock, int blockId)
@@ -64,66 +68,79 @@ GeometryBlock::GeometryBlock(ZRFxGeometryBlock* geometryBlock, int blockId)
 GeometryBlock::~GeometryBlock() = default;
 
 bool GeometryBlock::checkValidity() const {
-    if (stateCount() == 0) {
-        return fail(
-            "No states defined in geometry block, at least one state definition is required.");
-    }
-    const ZRFxGeometryState& first = *m_private->m_geometryBlock->GetState(0);
-    for (std::int64_t i = 1; i < m_private->m_geometryBlock->GetStateCount(); ++i) {
-        if (!hasSameParts(first, *m_private->m_geometryBlock->GetState(i))) return false;
-    }
-    return Block::checkValidity();
+    return guarded([&] {
+        if (stateCount() == 0) {
+            return fail(
+                "No states defined in geometry block, at least one state definition is required.");
+        }
+        const ZRFxGeometryState& first = *m_private->m_geometryBlock->GetState(0);
+        for (std::int64_t i = 1; i < m_private->m_geometryBlock->GetStateCount(); ++i) {
+            if (!hasSameParts(first, *m_private->m_geometryBlock->GetState(i))) return false;
+        }
+        return Block::checkValidity();
+    });
 }
 
 unstruct::ZRFxBlock* GeometryBlock::internal_zrfxBlock() const {
-    return m_private->m_geometryBlock.p();
+    return guarded([&] { return m_private->m_geometryBlock.p(); });
 }
 
 bool GeometryBlock::addElementBlock(std::size_t geometryIndex, int elementBlockId, int partId) {
-    return checkGeometry(geometryIndex) &&
-           addPart(*m_private->firstState(), geometryIndex, elementBlockId, partId);
+    return guarded([&] {
+        return checkGeometry(geometryIndex) &&
+               addPart(*m_private->firstState(), geometryIndex, elementBlockId, partId);
+    });
 }
 
 bool GeometryBlock::addElementBlockForState(std::size_t geometryIndex, int elementBlockId,
                                             int partId, int stateId) {
-    if (!checkGeometry(geometryIndex)) return false;
-    if (stateId < 0) return fail("stateId cannot be negative.");
-    ZRFxGeometryState* state = m_private->stateOf(stateId);
-    if (elementBlockId < 0) return fail("elementBlockId cannot be negative.");
-    if (!state) state = m_private->m_geometryBlock->AddState(stateId);
-    return addPart(*state, geometryIndex, elementBlockId, partId);
+    return guarded([&] {
+        if (!checkGeometry(geometryIndex)) return false;
+        if (stateId < 0) return fail("stateId cannot be negative.");
+        ZRFxGeometryState* state = m_private->stateOf(stateId);
+        if (elementBlockId < 0) return fail("elementBlockId cannot be negative.");
+        if (!state) state = m_private->m_geometryBlock->AddState(stateId);
+        return addPart(*state, geometryIndex, elementBlockId, partId);
+    });
 }
 
 bool GeometryBlock::setElementBlocks(std::size_t geometryIndex,
                                      const std::vector<int>& elementBlockIds,
                                      const std::vector<int>& partIds) {
-    const ZRFxGeometryState* first = m_private->m_geometryBlock->GetState(0);
-    return setElementBlocksForState(geometryIndex, elementBlockIds,
-                                    first ? first->GetStateID() : kAllStates, partIds);
+    return guarded([&] {
+        const ZRFxGeometryState* first = m_private->m_geometryBlock->GetState(0);
+        return setElementBlocksForState(geometryIndex, elementBlockIds,
+                                        first ? first->GetStateID() : kAllStates, partIds);
+    });
 }
 
 bool GeometryBlock::setElementBlocksForState(std::size_t geometryIndex,
                                              const std::vector<int>& elementBlockIds, int stateId,
                                              const std::vector<int>& partIds) {
-    if (!checkGeometry(geometryIndex) || !checkParts(elementBlockIds, stateId, partIds)) {
-        return false;
-    }
-    ZRFxGeometryState* state = m_private->stateOf(stateId);
-    if (!state) state = m_private->m_geometryBlock->AddState(stateId);
-    const int geometry = static_cast<int>(geometryIndex);
-    state->RemoveParts(geometry);
-    for (std::size_t i = 0; i < partIds.size(); ++i) {
-        state->AddPart(geometry, {-1, elementBlockIds[i], unstruct::BLOCK_ELEMENTS, partIds[i]});
-    }
-    return true;
+    return guarded([&] {
+        if (!checkGeometry(geometryIndex) || !checkParts(elementBlockIds, stateId, partIds)) {
+            return false;
+        }
+        ZRFxGeometryState* state = m_private->stateOf(stateId);
+        if (!state) state = m_private->m_geometryBlock->AddState(stateId);
+        const int geometry = static_cast<int>(geometryIndex);
+        std::vector<ZRFxGeometryPart> parts;
+        for (std::size_t i = 0; i < partIds.size(); ++i) {
+            parts.push_back({-1, elementBlockIds[i], unstruct::BLOCK_ELEMENTS, partIds[i]});
+        }
+        return state->SetParts(geometry, std::move(parts));
+    });
 }
 
 std::size_t GeometryBlock::geometryCountPerState() const {
-    return static_cast<std::size_t>(m_private->m_geometryBlock->GetGeometryCountPerState());
+    return guarded([&] {
+        return static_cast<std::size_t>(m_private->m_geometryBlock->GetGeometryCountPerState());
+    });
 }
 
 std::size_t GeometryBlock::stateCount() const {
-    return static_cast<std::size_t>(m_private->m_geometryBlock->GetStateCount());
+    return guarded(
+        [&] { return static_cast<std::size_t>(m_private->m_geometryBlock->GetStateCount()); });
 }
 
 int GeometryBlock::stateId(std::size_t stateIndex) const {
@@ -140,11 +157,13 @@ std::size_t GeometryBlock::partCount(std::size_t geometryIndex, std::size_t stat
 
 std::vector<int> GeometryBlock::elementBlockIds(std::size_t geometryIndex,
                                                 std::size_t stateIndex) const {
-    return idsOfParts(geometryIndex, stateIndex, &ZRFxGeometryPart::blockID);
+    return guarded(
+        [&] { return idsOfParts(geometryIndex, stateIndex, &ZRFxGeometryPart::blockID); });
 }
 
 std::vector<int> GeometryBlock::partIds(std::size_t geometryIndex, std::size_t stateIndex) const {
-    return idsOfParts(geometryIndex, stateIndex, &ZRFxGeometryPart::partID);
+    return guarded(
+        [&] { return idsOfParts(geometryIndex, stateIndex, &ZRFxGeometryPart::partID); });
 }
 
 bool GeometryBlock::checkGeometry(std::size_t geometryIndex) const {

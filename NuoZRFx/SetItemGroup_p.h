@@ -12,6 +12,7 @@ public:
     std::unique_ptr<unstruct::ZRFxSetBlockItems> m_own =
         std::make_unique<unstruct::ZRFxSetBlockItems>();
     unstruct::ZRFxSetBlockItems* m_items = m_own.get();
+    bool m_isIncomplete = false;  // an item could not be added
 };
 
 }  // namespace nuo::zrfx

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <unordered_set>
+#include <utility>
 
 #include "Convert_p.h"
 #include "Log_p.h"
@@ -47,9 +48,12 @@ public:
     std::vector<Group> m_groups;
 };
 
-StateInfoBlock::StateInfoBlock()
-    : Block(kBlockId, STATE_INFO), m_private(std::make_unique<StateInfoBlockPrivate>()) {
-    m_private->m_stateInfoBlock = new ZRFxStateInfoBlock(nullptr, kBlockId);
+StateInfoBlock::StateInfoBlock() : Block(kBlockId, STATE_INFO) {
+    guarded([&] {
+        auto made = std::make_unique<StateInfoBlockPrivate>();
+        made->m_stateInfoBlock = new ZRFxStateInfoBlock(nullptr, kBlockId);
+        m_private.take(std::move(made));
+    });
 }
 
 StateInfoBlock::StateInfoBlock(ZRFxStateInfoBlock* stateInfoBlock, int blockId)
@@ -66,50 +70,63 @@ bool StateInfoBlock::checkValidity() const {
 }
 
 unstruct::ZRFxBlock* StateInfoBlock::internal_zrfxBlock() const {
-    return m_private->m_stateInfoBlock.p();
+    return guarded([&] { return m_private->m_stateInfoBlock.p(); });
 }
 
 bool StateInfoBlock::addStateInfo(int stateId, const Str& stateName, float referenceValue,
                                   ReferenceValueType referenceValueType) {
-    if (!isValidType(referenceValueType)) {
-        return fail("Invalid reference value type %1 supplied.",
-                    static_cast<int>(referenceValueType));
-    }
-    if (isIdUsed(stateId)) {
-        return fail("State/group %1 already exist. Note that state and group ids cannot overlap.",
-                    stateId);
-    }
-    ZRFxStateInfo info;
-    info.stateID = stateId;
-    info.name = stateName.isEmpty() ? unstruct::ZRString("State " + std::to_string(stateId))
-                                    : ZRConvert::toZRString(stateName);
-    info.referenceValue = referenceValue;
-    info.referenceType = ZRConvert::fromReferenceType(referenceValueType);
-    m_private->m_stateInfoBlock->AddState(info);
-    return true;
+    return guarded([&] {
+        if (!isValidType(referenceValueType)) {
+            return fail("Invalid reference value type %1 supplied.",
+                        static_cast<int>(referenceValueType));
+        }
+        if (isIdUsed(stateId)) {
+            return fail(
+                "State/group %1 already exist. Note that state and group ids cannot overlap.",
+                stateId);
+        }
+        ZRFxStateInfo info;
+        info.stateID = stateId;
+        info.name = stateName.isEmpty() ? unstruct::ZRString("State " + std::to_string(stateId))
+                                        : ZRConvert::toZRString(stateName);
+        info.referenceValue = referenceValue;
+        info.referenceType = ZRConvert::fromReferenceType(referenceValueType);
+        m_private->m_stateInfoBlock->AddState(info);
+        return true;
+    });
 }
 
 bool StateInfoBlock::addGroupInfo(int groupId, const Str& groupName,
                                   const std::vector<int>& stateIds) {
-    if (groupId < 0) return fail("groupId must be >= 0");
-    if (isIdUsed(groupId)) {
-        return fail(
-            "Group/state id %1 already exist. Note that state and group ids cannot overlap.",
-            groupId);
-    }
-    const Str name = groupName.isEmpty() ? Str("Group " + std::to_string(groupId)) : groupName;
-    m_private->m_groups.push_back({groupId, name});
-    for (std::size_t i = 0; i < stateCount(); ++i) {
-        ZRFxStateInfo* state = m_private->m_stateInfoBlock->GetState(static_cast<std::int64_t>(i));
-        if (std::find(stateIds.begin(), stateIds.end(), state->stateID) == stateIds.end()) continue;
-        state->parentID = groupId;
-        state->group = ZRConvert::toZRString(name);
-    }
-    return true;
+    return guarded([&] {
+        if (groupId < 0) return fail("groupId must be >= 0");
+        if (isIdUsed(groupId)) {
+            return fail(
+                "Group/state id %1 already exist. Note that state and group ids cannot overlap.",
+                groupId);
+        }
+        const Str name = groupName.isEmpty() ? Str("Group " + std::to_string(groupId)) : groupName;
+        const unstruct::ZRString zrName = ZRConvert::toZRString(name);
+        std::vector<std::pair<ZRFxStateInfo*, unstruct::ZRString>> members;
+        for (std::size_t i = 0; i < stateCount(); ++i) {
+            ZRFxStateInfo* state =
+                m_private->m_stateInfoBlock->GetState(static_cast<std::int64_t>(i));
+            if (std::find(stateIds.begin(), stateIds.end(), state->stateID) == stateIds.end())
+                continue;
+            members.emplace_back(state, zrName);
+        }
+        m_private->m_groups.push_back({groupId, name});
+        for (auto& [state, group] : members) {
+            state->parentID = groupId;
+            state->group = std::move(group);
+        }
+        return true;
+    });
 }
 
 std::size_t StateInfoBlock::stateCount() const {
-    return static_cast<std::size_t>(m_private->m_stateInfoBlock->GetStateCount());
+    return guarded(
+        [&] { return static_cast<std::size_t>(m_private->m_stateInfoBlock->GetStateCount()); });
 }
 
 int StateInfoBlock::stateId(std::size_t index) const {
@@ -118,8 +135,10 @@ int StateInfoBlock::stateId(std::size_t index) const {
 }
 
 Str StateInfoBlock::stateName(std::size_t index) const {
-    const ZRFxStateInfo* state = stateAt(index);
-    return state ? ZRConvert::toStr(state->name) : Str();
+    return guarded([&] {
+        const ZRFxStateInfo* state = stateAt(index);
+        return state ? ZRConvert::toStr(state->name) : Str();
+    });
 }
 
 float StateInfoBlock::stateReferenceValue(std::size_t index) const {
@@ -141,28 +160,34 @@ int StateInfoBlock::stateIndex(int stateId) const {
 }
 
 std::size_t StateInfoBlock::groupCount() const {
-    return m_private->m_groups.size();
+    return guarded([&] { return m_private->m_groups.size(); });
 }
 
 int StateInfoBlock::groupId(std::size_t index) const {
-    if (index < groupCount()) return m_private->m_groups[index].id;
-    fail("State info index %1 does not exist.", index);
-    return -1;
+    return guarded(-1, [&]() -> int {
+        if (index < groupCount()) return m_private->m_groups[index].id;
+        fail("State info index %1 does not exist.", index);
+        return -1;
+    });
 }
 
 Str StateInfoBlock::groupName(std::size_t index) const {
-    if (index < groupCount()) return m_private->m_groups[index].name;
-    fail("State info index %1 does not exist.", index);
-    return Str();
+    return guarded([&]() -> Str {
+        if (index < groupCount()) return m_private->m_groups[index].name;
+        fail("State info index %1 does not exist.", index);
+        return Str();
+    });
 }
 
 std::vector<int> StateInfoBlock::groupStateIds(std::size_t index) const {
-    std::vector<int> ids;
-    const int group = groupId(index);
-    for (std::size_t i = 0; group >= 0 && i < stateCount(); ++i) {
-        if (stateAt(i)->parentID == group) ids.push_back(stateAt(i)->stateID);
-    }
-    return ids;
+    return guarded([&] {
+        std::vector<int> ids;
+        const int group = groupId(index);
+        for (std::size_t i = 0; group >= 0 && i < stateCount(); ++i) {
+            if (stateAt(i)->parentID == group) ids.push_back(stateAt(i)->stateID);
+        }
+        return ids;
+    });
 }
 
 const ZRFxStateInfo* StateInfoBlock::stateAt(std::size_t index) const {
