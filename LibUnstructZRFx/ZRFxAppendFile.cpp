@@ -119,10 +119,7 @@ ZRFxCommitResult ZRFxAppendFile::EndCommit() {
     m_nSize = m_nPosition;
     m_bWriting = false;
     if (!bFlushed) return ZRFxCommitResult::kUnconfirmed;
-    if (m_bRenamed && !ZRFxFile::FlushDirectoryOf(m_sPath)) {
-        FailSystem("cannot flush the directory of the file");
-        return ZRFxCommitResult::kUnconfirmed;
-    }
+    if (m_bRenamed && !FlushDirectory()) return ZRFxCommitResult::kUnconfirmed;
     m_bRenamed = false;
     m_nConfirmed = m_nSize;
     return ZRFxCommitResult::kDone;
@@ -300,6 +297,16 @@ bool ZRFxAppendFile::FlushFile() {
     }
     m_bFlushFailed = !m_file.Flush();
     return !m_bFlushFailed || FailSystem("cannot flush");
+}
+
+// The commit holds already: a lack of memory must not end it as one that failed.
+bool ZRFxAppendFile::FlushDirectory() {
+    try {
+        return ZRFxFile::FlushDirectoryOf(m_sPath) ||
+               FailSystem("cannot flush the directory of the file");
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
 }
 
 bool ZRFxAppendFile::TakeName() {

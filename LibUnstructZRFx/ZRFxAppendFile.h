@@ -70,6 +70,7 @@ private:
     void StartFlush();
     bool FlushFile();
     bool TakeName();
+    bool FlushDirectory();
     bool FailSystem(const char* sWhat);
 
     std::string m_sPath;

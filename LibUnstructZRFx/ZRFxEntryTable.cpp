@@ -10,8 +10,7 @@ uint64_t ZRFxArchiveItem::Span() const {
 }
 
 ZRFxArchiveItem* ZRFxEntryTable::Add(std::unique_ptr<Item> pItem) {
-    // What may be missing memory comes first, so that the old item stays when it does.
-    m_byName.MakeRoom();
+    MakeRoom();
     m_apItems.emplace_back();
     ++m_nGaps;
     if (Item* pOld = Find(pItem->entry.sName)) Remove(pOld);
@@ -21,6 +20,11 @@ ZRFxArchiveItem* ZRFxEntryTable::Add(std::unique_ptr<Item> pItem) {
     m_apItems.back() = std::move(pItem);
     --m_nGaps;
     return m_apItems.back().get();
+}
+
+void ZRFxEntryTable::MakeRoom() {
+    m_byName.MakeRoom();
+    if (m_apItems.size() == m_apItems.capacity()) m_apItems.reserve(2 * m_apItems.size() + 1);
 }
 
 void ZRFxEntryTable::Remove(Item* pItem) {

@@ -57,6 +57,8 @@ public:
     using Item = ZRFxArchiveItem;
 
     Item* Find(std::string_view sName) const { return m_byName.Find(sName); }
+    /// Lets the next Add do without memory.
+    void MakeRoom();
     /// Adds an item in place of the one of its name, if there is one.
     Item* Add(std::unique_ptr<Item> pItem);
     void Remove(Item* pItem);

@@ -5,7 +5,8 @@
 
 namespace unstruct {
 
-// A block that stands in another document, or under another name, is removed first.
+// A block that stands in another document, or under another name, is removed first; one that the
+// database has stays as it is when its archive fails.
 bool ZRFxListBlock::WriteBlock(ZRFxDatabase* pDatabase) {
     NVF_ASSERT(pDatabase);
     if (!pDatabase) return false;
@@ -14,12 +15,12 @@ bool ZRFxListBlock::WriteBlock(ZRFxDatabase* pDatabase) {
     const ZRString fileName = pDatabase->EntryName(GetFilebase() + ".xml");
     if (written.notNull() && written->GetFileName() != fileName)
         return ZRFxBlock::WriteBlock(pDatabase);
+    Writing writing(this, pDatabase);
     if (!CheckContents()) return false;
-    if (!pDatabase->WriteListBlock(*this, fileName, *this, &m_document)) {
-        return Log().fail("File write error");
-    }
-    if (pDatabase == GetDatabase()) SetFileName(fileName);
-    return true;
+    if (written.isNull()) writing.Start();
+    SetFileName(fileName);
+    return writing.End(pDatabase->WriteListBlock(*this, fileName, *this, &m_document)) ||
+           Log().fail("File write error");
 }
 
 bool ZRFxListBlock::DoWriteBlock(nvf::XmlElement root) {

@@ -21,6 +21,13 @@ int CountChildren(const nvf::XmlElement& element) {
     return count;
 }
 
+// The end of a root without elements is written as that of others.
+void SeparateRootEnd(const nvf::XmlElement& root, std::string* pText) {
+    if (!pText->ends_with(std::string(kEmptyEnd) + "\n")) return;
+    pText->replace(pText->size() - kEmptyEnd.size() - 1, kEmptyEnd.size(),
+                   ">" + std::string(ZRFxListDocument::kRootEnd) + std::string(root.nameUtf8()) + ">");
+}
+
 }  // namespace
 
 void ZRFxListDocument::Touch(std::int64_t index) {
@@ -31,51 +38,59 @@ void ZRFxListDocument::Touch(std::int64_t index) {
 bool ZRFxListDocument::Store(ZRFxAccess* pAccess, const ZRString& name,
                              const ZRFxListContent& content) {
     const bool isKnown = m_nRevision != 0 && pAccess->DocumentRevision(name) == m_nRevision;
-    std::int64_t iFrom = isKnown ? static_cast<std::int64_t>(m_aStarts.size()) - 1 : 0;
+    const std::size_t numKept = isKnown && HasHead(content) ? m_aStarts.size() - 1 : 0;
+    std::string text;
     std::vector<std::uint64_t> starts;
-    std::size_t head = 0;
-    std::string text = MakeText(content, iFrom, &starts, &head);
-    if (iFrom > 0 && text.compare(0, head, m_sHead) != 0) {
-        iFrom = 0;
-        text = MakeText(content, 0, &starts, &head);
+    if (!MakeText(pAccess, name, content, static_cast<std::int64_t>(numKept), &text, &starts)) {
+        return false;
     }
-    const std::uint64_t kept = iFrom > 0 ? m_aStarts.back() : 0;
+    const std::uint64_t head = starts.front();
+    const std::uint64_t kept = numKept > 0 ? m_aStarts.back() : 0;
     const std::string_view tail = std::string_view(text).substr(kept > 0 ? head : 0);
-    // Reserved before anything is stored, so that what is remembered is what the entry holds.
-    m_aStarts.reserve(static_cast<std::size_t>(iFrom) + starts.size());
+    // All memory is taken before anything is stored, so that what is remembered is what the entry
+    // holds.
     std::string newHead = text.substr(0, head);
-    if (!pAccess->GrowDocument(name, kept, tail, &m_nRevision)) return false;
+    const std::size_t numStarts = numKept + starts.size();
+    if (numStarts > m_aStarts.capacity()) {
+        m_aStarts.reserve(std::max(numStarts, 2 * m_aStarts.capacity()));
+    }
+    std::uint64_t revision = 0;
+    if (!pAccess->GrowDocument(name, kept, tail, &revision)) return false;
+    m_nRevision = revision;
     m_sHead.swap(newHead);
-    m_aStarts.resize(static_cast<std::size_t>(iFrom));
+    m_aStarts.resize(numKept);
     for (const std::uint64_t start : starts) {
         m_aStarts.push_back(kept > 0 ? kept + (start - head) : start);
     }
     return true;
 }
 
-// The text with the items from iFrom on; where they start, and what follows them; and the length of
-// what stands before them.
-std::string ZRFxListDocument::MakeText(const ZRFxListContent& content, std::int64_t iFrom,
-                                       std::vector<std::uint64_t>* pStarts,
-                                       std::size_t* pHead) const {
+// Whether what stands in front of the items is as it was stored.
+bool ZRFxListDocument::HasHead(const ZRFxListContent& content) const {
+    nvf::XmlDocument doc;
+    const nvf::XmlElement root = content.WriteHead(&doc);
+    std::string text = doc.toUtf8();
+    SeparateRootEnd(root, &text);
+    return text.compare(0, text.rfind(kRootEnd), m_sHead) == 0;
+}
+
+// The text with the items from iFrom on; where they start, and what follows them.
+bool ZRFxListDocument::MakeText(ZRFxAccess* pAccess, const ZRString& name,
+                                const ZRFxListContent& content, std::int64_t iFrom,
+                                std::string* pText, std::vector<std::uint64_t>* pStarts) {
     nvf::XmlDocument doc;
     const nvf::XmlElement root = content.WriteHead(&doc);
     int numBefore = CountChildren(root);
     for (std::int64_t i = iFrom; i < content.GetItemCount(); ++i) content.WriteItem(root, i);
-    std::string text = doc.toUtf8();
-    pStarts->clear();
-    if (text.ends_with(std::string(kEmptyEnd) + "\n")) {
-        text.replace(text.size() - kEmptyEnd.size() - 1, kEmptyEnd.size(),
-                     ">\n</" + std::string(root.nameUtf8()) + ">");
-    }
-    for (std::size_t at = text.find(kItemStart); at != std::string::npos;
-         at = text.find(kItemStart, at + 1)) {
-        if (text[at + kItemStart.size()] == '/') continue;
+    if (!pAccess->MakeDocumentText(name, doc, pText)) return false;
+    SeparateRootEnd(root, pText);
+    for (std::size_t at = pText->find(kItemStart); at != std::string::npos;
+         at = pText->find(kItemStart, at + 1)) {
+        if ((*pText)[at + kItemStart.size()] == '/') continue;
         if (numBefore-- <= 0) pStarts->push_back(at);
     }
-    pStarts->push_back(text.rfind(kRootEnd));
-    *pHead = static_cast<std::size_t>(pStarts->front());
-    return text;
+    pStarts->push_back(pText->rfind(kRootEnd));
+    return true;
 }
 
 }  // namespace unstruct

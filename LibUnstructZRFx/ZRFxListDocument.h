@@ -35,12 +35,14 @@ public:
     void Touch(std::int64_t index);
 
     /// Stores the document in place of the entry of that name. False, with a message, when that
-    /// fails; the entry stays as it was.
+    /// fails, or when memory runs out; the entry stays as it was.
     bool Store(ZRFxAccess* pAccess, const ZRString& name, const ZRFxListContent& content);
 
 private:
-    std::string MakeText(const ZRFxListContent& content, std::int64_t iFrom,
-                         std::vector<std::uint64_t>* pStarts, std::size_t* pHead) const;
+    bool HasHead(const ZRFxListContent& content) const;
+    static bool MakeText(ZRFxAccess* pAccess, const ZRString& name, const ZRFxListContent& content,
+                         std::int64_t iFrom, std::string* pText,
+                         std::vector<std::uint64_t>* pStarts);
 
     std::uint64_t m_nRevision = 0;  // Of the entry as it was stored last.
     std::string m_sHead;

@@ -33,6 +33,8 @@ bool ZRFxOpenArchive::TakeRecords(std::vector<ZRFxCommitRecord>* paRecords,
 }
 
 ZRFxArchiveItem* ZRFxOpenArchive::Add(std::unique_ptr<ZRFxArchiveItem> pItem) {
+    // The old item stays when there is no memory for the new one.
+    table.MakeRoom();
     ZRFxArchiveItem* pOld = table.Find(pItem->entry.sName);
     if (pOld) Remove(pOld);
     ZRFxArchiveItem* pAdded = table.Add(std::move(pItem));

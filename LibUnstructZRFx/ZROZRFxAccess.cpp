@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <new>
 #include <set>
 #include <string>
 
@@ -305,7 +306,9 @@ bool ZRFxAccess::WriteXmlFile(const ZRString& name, const nvf::XmlDocument& doc,
         return m_logger->fail("Xml file '%1' exists in archive, and overwrite flag is not set",
                               name);
     }
-    return StoreDocument(name, doc.toUtf8(), isThere) ||
+    std::string text;
+    if (!MakeDocumentText(name, doc, &text)) return false;
+    return StoreDocument(name, text, isThere) ||
            FailWithCause("Could not write Xml file '%1' to archive", name);
 }
 
@@ -325,16 +328,24 @@ bool ZRFxAccess::InternalReadXmlFile(const ZRString& name, LogMode logMode, nvf:
     return m_logger->fail("Error parsing Xml contents");
 }
 
+bool ZRFxAccess::MakeDocumentText(const ZRString& name, const nvf::XmlDocument& doc,
+                                  std::string* text) {
+    if (doc.isIncomplete()) return m_logger->fail("Out of memory for Xml file '%1'", name);
+    bool isReplaced = false;
+    *text = doc.toUtf8(&isReplaced);
+    if (isReplaced) m_logger->warn("Characters that Xml cannot hold become U+FFFD in '%1'", name);
+    return true;
+}
+
 bool ZRFxAccess::GrowDocument(const ZRString& name, std::uint64_t kept, std::string_view tail,
                               std::uint64_t* revision) {
     if (!CheckDocumentWritable(name)) return false;
     Forget();
     const std::string slashed = withSlashes(name.Bytes());
-    if (m_pArchive->Grow(name.Bytes(), kept, tail, m_compressionLevel, revision)) {
-        return slashed == name.Bytes() || !m_pArchive->Contains(slashed) ||
-               m_pArchive->Remove(slashed);
-    }
-    return FailWithCause("Could not write Xml file '%1' to archive", name);
+    const bool isGrown =
+        m_pArchive->Grow(name.Bytes(), kept, tail, m_compressionLevel, revision) &&
+        (slashed == name.Bytes() || !m_pArchive->Contains(slashed) || m_pArchive->Remove(slashed));
+    return isGrown || FailWithCause("Could not write Xml file '%1' to archive", name);
 }
 
 std::uint64_t ZRFxAccess::DocumentRevision(const ZRString& name) const {
@@ -562,7 +573,7 @@ bool ZRFxAccess::GetArchiveInfo(ZRFxArchiveInfo* info) {
     if (!IsOpen()) return m_logger->fail("Archive is not open.");
     *info = ZRFxArchiveInfo();
     for (std::size_t i = 0; i < m_pArchive->EntryCount(); ++i) {
-        const ZRFxZipArchive::EntryInfo entry = m_pArchive->EntryAt(i);
+        const ZRFxZipArchive::EntryInfo entry = EntryAt(i);
         const ZRString extension = ZRString(entry.sName).Extension().ToUpper();
         info->compressed = info->compressed || entry.nPackedSize < entry.nSize;
         info->encrypted = info->encrypted || entry.bEncrypted;
@@ -637,11 +648,9 @@ std::uint64_t ZRFxAccess::DenseLength(const ZRString& name) {
 // Counted once for each opening, when there is the first one.
 std::uint64_t ZRFxAccess::DenseDocuments() {
     if (m_denseDocuments) return *m_denseDocuments;
-    m_denseDocuments = 0;
-    for (std::size_t i = 0; i < m_pArchive->EntryCount(); ++i) {
-        *m_denseDocuments += denseLengthOf(m_pArchive->EntryAt(i));
-    }
-    return *m_denseDocuments;
+    std::uint64_t length = 0;
+    for (std::size_t i = 0; i < m_pArchive->EntryCount(); ++i) length += denseLengthOf(EntryAt(i));
+    return m_denseDocuments.emplace(length);
 }
 
 bool ZRFxAccess::LoadMainDocument() {
@@ -710,15 +719,25 @@ bool ZRFxAccess::ForEachName(const std::string& prefix, ZRStringArray* names, Ta
         entries.push_back(at->second);
     }
     std::sort(entries.begin(), entries.end());
-    for (const std::size_t entry : entries) takeName(m_pArchive->EntryAt(entry).sName);
+    for (const std::size_t entry : entries) takeName(EntryAt(entry).sName);
     return true;
 }
 
+// The archive describes an entry as empty when there is no memory; what is asked about entries must
+// not miss any.
+ZRFxZipArchive::EntryInfo ZRFxAccess::EntryAt(std::size_t index) {
+    ZRFxZipArchive::EntryInfo entry = m_pArchive->EntryAt(index);
+    if (entry.sName.empty() && !m_pArchive->Contains(entry.sName)) throw std::bad_alloc();
+    return entry;
+}
+
 void ZRFxAccess::SortNames() {
+    decltype(m_sortedNames) names;
     for (std::size_t i = 0; i < m_pArchive->EntryCount(); ++i) {
-        m_sortedNames.emplace_back(withSlashes(m_pArchive->EntryAt(i).sName), i);
+        names.emplace_back(withSlashes(EntryAt(i).sName), i);
     }
-    std::sort(m_sortedNames.begin(), m_sortedNames.end());
+    std::sort(names.begin(), names.end());
+    m_sortedNames.swap(names);
 }
 
 // What was found holds as long as the entries do.

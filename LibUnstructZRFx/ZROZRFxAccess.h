@@ -152,6 +152,11 @@ public:
     bool WriteXmlFile(const ZRString& name, const nvf::XmlDocument& doc, bool overwrite);
     bool InternalReadXmlFile(const ZRString& name, LogMode logMode, nvf::XmlDocument* doc);
 
+    /// The text that a document is stored as under a name. In the place of characters that XML
+    /// cannot hold stands U+FFFD, with a warning. False, with a message, when memory was missing
+    /// for the document.
+    bool MakeDocumentText(const ZRString& name, const nvf::XmlDocument& doc, std::string* text);
+
     /// Changes a document from its byte `kept` on, as a text that its writer keeps well formed, and
     /// gives the number of this revision. With 0 the document is made, or replaced as a whole.
     bool GrowDocument(const ZRString& name, std::uint64_t kept, std::string_view tail,
@@ -240,6 +245,7 @@ private:
     bool ReadItems(const ZRString& name, ZRArray<Item>* data);
     template <typename TakeName>
     bool ForEachName(const std::string& prefix, ZRStringArray* names, TakeName takeName);
+    ZRFxZipArchive::EntryInfo EntryAt(std::size_t index);
     void SortNames();
     void Forget();
     bool FindEntry(const ZRString& name, std::string* entry) const;

@@ -13,6 +13,24 @@
 
 namespace unstruct {
 
+ZRFxBlock::Writing::Writing(ZRFxBlock* pBlock, ZRFxDatabase* pDatabase)
+    : m_block(*pBlock), m_sOwnFileName(pBlock->m_sFileName), m_pDatabase(pDatabase) {
+    m_pOwnDatabase = std::exchange(m_block.m_pDatabase, pDatabase);
+}
+
+ZRFxBlock::Writing::~Writing() {
+    if (m_bStarted) m_pDatabase->SetReplacing(false);
+    if (m_bStarted && !m_bWritten) m_pDatabase->RemoveBlock(m_block);
+    m_block.m_pDatabase = m_pOwnDatabase;
+    const bool bIsItsOwn = m_bWritten && m_pDatabase == m_pOwnDatabase;
+    if (!bIsItsOwn) std::swap(m_block.m_sFileName, m_sOwnFileName);
+}
+
+void ZRFxBlock::Writing::Start() {
+    m_bStarted = true;
+    m_pDatabase->SetReplacing(true);
+}
+
 ZRFxBlock::ZRFxBlock(ZRFxDatabase* pDatabase, int id, int type)
     : m_pDatabase(pDatabase), m_iID(id), m_iType(type), m_logger(nvf::archiveLogger()) {}
 
@@ -38,12 +56,10 @@ bool ZRFxBlock::WriteBlock(ZRFxDatabase* pDatabase) {
     if (!pDatabase) return false;
     // Keeps this block alive where it is itself the entry that the database replaces.
     const nvf::ref<ZRFxBlock> replaced = pDatabase->GetBlockByID(m_iType, m_iID);
-    ZRFxDatabase* const pOwnDatabase = std::exchange(m_pDatabase, pDatabase);
-    const ZRString ownFileName = m_sFileName;
-    const bool isWritten = CheckContents() && ReplaceFiles();
-    m_pDatabase = pOwnDatabase;
-    if (pDatabase != pOwnDatabase) m_sFileName = ownFileName;
-    return isWritten;
+    Writing writing(this, pDatabase);
+    if (!CheckContents()) return false;
+    writing.Start();
+    return writing.End(pDatabase->RemoveBlockFiles(*this) && WriteFiles());
 }
 
 void ZRFxBlock::UnloadData() {
@@ -163,15 +179,6 @@ bool ZRFxBlock::WriteFiles() {
     nvf::XmlDocument doc;
     if (!DoWriteBlock(CreateRootElement(&doc))) return false;
     return WriteXml(doc) || Log().fail("File write error");
-}
-
-bool ZRFxBlock::ReplaceFiles() {
-    if (!m_pDatabase->RemoveBlockFiles(*this)) return false;
-    m_pDatabase->SetReplacing(true);
-    const bool isWritten = WriteFiles();
-    m_pDatabase->SetReplacing(false);
-    if (!isWritten) m_pDatabase->RemoveBlock(*this);
-    return isWritten;
 }
 
 bool ZRFxBlock::WriteXml(const nvf::XmlDocument& doc) {

@@ -60,6 +60,27 @@ public:
     ZRString GetFilebase() const;
 
 protected:
+    /// Attaches a block to the database that it is written into. From Start on, what came to be
+    /// written of the block is taken out again, unless it ends well.
+    class Writing {
+    public:
+        Writing(ZRFxBlock* pBlock, ZRFxDatabase* pDatabase);
+        Writing(const Writing&) = delete;
+        Writing& operator=(const Writing&) = delete;
+        ~Writing();
+
+        void Start();
+        bool End(bool isWritten) { return m_bWritten = isWritten; }
+
+    private:
+        ZRFxBlock& m_block;
+        ZRString m_sOwnFileName;
+        ZRFxDatabase* m_pDatabase;
+        ZRFxDatabase* m_pOwnDatabase;
+        bool m_bStarted = false;
+        bool m_bWritten = false;
+    };
+
     ZRFxBlock(ZRFxDatabase* pDatabase, int id, int type);
 
     /// Reads what lies below the root, data files included.
@@ -127,7 +148,6 @@ protected:
 
 private:
     bool WriteFiles();
-    bool ReplaceFiles();
 
     int m_iID;
     int m_iType;

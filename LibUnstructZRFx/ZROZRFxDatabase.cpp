@@ -2,9 +2,12 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <new>
 #include <set>
 #include <string>
+#include <utility>
 
+#include "ZRMakeRoom.h"
 #include "ZROZRFxXml.h"
 #include "nvf/Assert.h"
 
@@ -48,15 +51,18 @@ bool isBlockDocument(const ZRString& entry) {
 
 bool ZRFxDatabase::TOC::Enter(const BlockLine& line) {
     const BlockKey key(ZRFxBlockTypeFromName(line.typeName), line.id);
-    const auto [index, isNew] = m_indices.try_emplace(key, m_lines.size());
-    if (isNew) {
-        m_lines.push_back(line);
+    const auto found = m_indices.find(key);
+    if (found == m_indices.end()) {
+        BlockLine added = line;
+        MakeRoom(&m_lines);
+        m_indices.emplace(key, m_lines.size());
+        m_lines.push_back(std::move(added));
         return true;
     }
-    BlockLine& entered = m_lines[index->second];
+    BlockLine& entered = m_lines[found->second];
     if (entered.fileName == line.fileName) return false;
     entered.fileName = line.fileName;
-    m_document.Touch(static_cast<std::int64_t>(index->second));
+    m_document.Touch(static_cast<std::int64_t>(found->second));
     return true;
 }
 
@@ -112,10 +118,10 @@ bool ZRFxDatabase::Create(const ZRString& name, int id, const ZRString& sourceNa
     m_eSimulationType = simulationType;
     m_eSolutionType = solutionType;
     m_sDescription = description;
-    if (!GetAccess()->AddDatabase(*CreateDescription(), false)) {
+    StartTOC();
+    if (!GetAccess()->AddDatabase(*CreateDescription(), HasLeftDescription())) {
         return Log().fail("Error adding database.");
     }
-    StartTOC();
     m_bTOCModified = true;
     return true;
 }
@@ -167,7 +173,7 @@ bool ZRFxDatabase::WriteBlock(const ZRString& typeName, int id, const ZRString& 
     if (!isBlock || !GetAccess() || !GetAccess()->WriteXmlFile(fileName, xmlDoc, overwrite)) {
         return Log().fail("Error writing block xml file (type '%1' ID %2)", typeName, id);
     }
-    EnterInTOC(typeName, id, fileName);
+    EnterInTOC({typeName, id, fileName});
     bool isReplaced = false;
     return AddBlock(CreateEntry(ZRFxBlockTypeFromName(typeName), id, fileName).p(), &isReplaced);
 }
@@ -175,13 +181,16 @@ bool ZRFxDatabase::WriteBlock(const ZRString& typeName, int id, const ZRString& 
 bool ZRFxDatabase::WriteListBlock(const ZRFxBlock& block, const ZRString& fileName,
                                   const ZRFxListContent& content, ZRFxListDocument* document) {
     const ZRString typeName = ZRFxBlockTypeName(block.GetType());
+    // A block that the database has already takes no memory once its document is stored.
+    const BlockLine line{typeName, block.GetID(), fileName};
+    const nvf::ref<ZRFxBlock> entry = CreateEntry(block.GetType(), block.GetID(), fileName);
     if (block.GetID() < 0 || !GetAccess() || !document->Store(GetAccess(), fileName, content)) {
         return Log().fail("Error writing block xml file (type '%1' ID %2)", typeName,
                           block.GetID());
     }
-    EnterInTOC(typeName, block.GetID(), fileName);
+    EnterInTOC(line);
     bool isReplaced = false;
-    return AddBlock(CreateEntry(block.GetType(), block.GetID(), fileName).p(), &isReplaced);
+    return AddBlock(entry.p(), &isReplaced);
 }
 
 bool ZRFxDatabase::RemoveBlockFiles(const ZRFxBlock& block) {
@@ -200,9 +209,19 @@ bool ZRFxDatabase::RemoveBlockFiles(const ZRFxBlock& block) {
 
 void ZRFxDatabase::RemoveBlock(const ZRFxBlock& block) {
     if (!GetAccess() || !GetAccess()->IsOpen() || GetAccess()->IsReadOnly()) return;
-    ZRStringArray files;
-    GetAccess()->FindFilesOfBase(EntryName(block.GetFilebase()), &files);
-    for (const ZRString& file : files) GetAccess()->RemoveFile(file);
+    RemoveEntry(block);
+    // Without its line a file is part of nothing.
+    try {
+        ZRStringArray files;
+        GetAccess()->FindFilesOfBase(EntryName(block.GetFilebase()), &files);
+        for (const ZRString& file : files) GetAccess()->RemoveFile(file);
+    } catch (const std::bad_alloc&) {
+        Log().fail("Out of memory, files of block type %1 ID %2 stay in the archive.",
+                   block.GetType(), block.GetID());
+    }
+}
+
+void ZRFxDatabase::RemoveEntry(const ZRFxBlock& block) {
     if (m_pTOC && m_pTOC->Remove({block.GetType(), block.GetID()})) m_bTOCModified = true;
     if (!GetBlockByID(block.GetType(), block.GetID())) return;
     BlockArray& blocks = m_apBlocks[static_cast<std::size_t>(block.GetType())];
@@ -288,13 +307,22 @@ bool ZRFxDatabase::FailID(int id) const {
     return Log().fail("Invalid Database ID %1 specified", id);
 }
 
+// A description of the id, which is not registered, is left of an attempt that failed.
+bool ZRFxDatabase::HasLeftDescription() const {
+    ZRFxZipRawData raw;
+    nvf::XmlDocument doc;
+    return GetAccess()->InternalReadDataRaw(EntryName("Database.xml"), LogMode::SILENT, &raw) &&
+           doc.parse({reinterpret_cast<const char*>(raw.Buffer()), raw.Length()}) &&
+           doc.getRootElement("Database").getAttributeInt("ID", -1) == m_iID;
+}
+
 void ZRFxDatabase::StartTOC() {
     m_pTOC = std::make_unique<TOC>(m_iID);
 }
 
-void ZRFxDatabase::EnterInTOC(const ZRString& typeName, int id, const ZRString& fileName) {
+void ZRFxDatabase::EnterInTOC(const BlockLine& line) {
     if (!m_pTOC) StartTOC();
-    if (m_pTOC->Enter({typeName, id, fileName})) m_bTOCModified = true;
+    if (m_pTOC->Enter(line)) m_bTOCModified = true;
 }
 
 void ZRFxDatabase::Clear() {
@@ -468,7 +496,7 @@ bool ZRFxDatabase::TakeBlockLine(const BlockLine& line, std::vector<BlockLine>* 
     if (ZRFxBlockTypeFromName(line.typeName) == kInvalidBlockType) {
         return Log().fail("Invalid block type '%1' specified", line.typeName);
     }
-    EnterInTOC(line.typeName, line.id, line.fileName);
+    EnterInTOC(line);
     lines->push_back(line);
     return true;
 }

@@ -58,7 +58,8 @@ public:
     bool WriteBlock(const ZRString& typeName, int id, const ZRString& fileName,
                     const nvf::XmlDocument& xmlDoc, bool overwrite);
 
-    /// The same for a block that is a list, of which only what has changed is stored.
+    /// The same for a block that is a list, of which only what has changed is stored. What the
+    /// database has of such a block stays as it is when that fails.
     bool WriteListBlock(const ZRFxBlock& block, const ZRString& fileName,
                         const ZRFxListContent& content, ZRFxListDocument* document);
 
@@ -67,7 +68,8 @@ public:
     bool RemoveBlockFiles(const ZRFxBlock& block);
 
     /// Removes all that is left of the block of this type and id after it was written in part: its
-    /// files, its entry and its line in the table of contents.
+    /// files, its entry and its line in the table of contents. Throws nothing: files that there is
+    /// no memory to find stay, and belong to nothing.
     void RemoveBlock(const ZRFxBlock& block);
 
     /// Adds an entry, and takes out the one of the same type and id if there is one.
@@ -131,8 +133,11 @@ private:
 
     nvf::ref<nvf::XmlDocument> CreateDescription() const;
     bool FailID(int id) const;
+    bool HasLeftDescription() const;
     void StartTOC();
-    void EnterInTOC(const ZRString& typeName, int id, const ZRString& fileName);
+    /// Takes a block out of the table of contents and of the entries.
+    void RemoveEntry(const ZRFxBlock& block);
+    void EnterInTOC(const BlockLine& line);
 
     void Clear();
     bool ParseDescription(const ZRFxDatabaseInfo& info);

@@ -5,6 +5,7 @@
 #include <memory>
 #include <set>
 #include <string_view>
+#include <utility>
 
 #include "ZROZRFxXml.h"
 #include "nvf/Number.h"
@@ -51,12 +52,20 @@ void ZRFxGeometryParts::Add(int iGlobalGeometryIndex, const ZRFxGeometryPart& pa
     m_geometries[iGlobalGeometryIndex].parts.push_back(part);
 }
 
+void ZRFxGeometryParts::Set(int iGlobalGeometryIndex, std::vector<ZRFxGeometryPart> parts) {
+    Geometry geometry;
+    geometry.parts = std::move(parts);
+    m_geometries.insert_or_assign(iGlobalGeometryIndex, std::move(geometry));
+}
+
 const ZRFxGeometryPart* ZRFxGeometryParts::Find(int iGlobalGeometryIndex, int blockID, int partID) {
     const auto found = m_geometries.find(iGlobalGeometryIndex);
     if (found == m_geometries.end()) return nullptr;
     auto& [parts, indicesOfBlocks, indicesOfParts] = found->second;
-    for (auto i = static_cast<std::size_t>(indicesOfParts.GetNumItems()); i < parts.size(); ++i) {
+    for (auto i = static_cast<std::size_t>(indicesOfBlocks.GetNumItems()); i < parts.size(); ++i) {
         indicesOfBlocks.Add(parts[i].blockID);
+    }
+    for (auto i = static_cast<std::size_t>(indicesOfParts.GetNumItems()); i < parts.size(); ++i) {
         indicesOfParts.Add(parts[i].partID);
     }
     const std::int64_t ofBlock = indicesOfBlocks.IndexOf(blockID);
@@ -89,9 +98,9 @@ bool ZRFxGeometryState::AddPart(int iGlobalGeometryIndex, const ZRFxGeometryPart
     return true;
 }
 
-bool ZRFxGeometryState::RemoveParts(int iGlobalGeometryIndex) {
+bool ZRFxGeometryState::SetParts(int iGlobalGeometryIndex, std::vector<ZRFxGeometryPart> parts) {
     if (!IsGeometry(iGlobalGeometryIndex)) return false;
-    m_geometryParts.Remove(iGlobalGeometryIndex);
+    m_geometryParts.Set(iGlobalGeometryIndex, std::move(parts));
     return true;
 }
 
@@ -110,9 +119,16 @@ ZRFxGeometryBlock::ZRFxGeometryBlock(ZRFxDatabase* pDatabase, int id)
     : ZRFxBlock(pDatabase, id, BLOCK_GEOMETRY) {}
 
 ZRFxGeometryState* ZRFxGeometryBlock::AddState(int stateID) {
+    return AddState(std::make_unique<ZRFxGeometryState>(stateID, m_iGeometryCountPerState));
+}
+
+ZRFxGeometryState* ZRFxGeometryBlock::AddState(std::unique_ptr<ZRFxGeometryState> pState) {
+    NVF_ASSERT(pState);
+    if (!pState) return nullptr;
     SetRead(true);
-    m_indices.Add(stateID);
-    return m_apStates.Add(std::make_unique<ZRFxGeometryState>(stateID, m_iGeometryCountPerState));
+    m_apStates.MakeRoom();
+    m_indices.Add(pState->GetStateID());
+    return m_apStates.Add(std::move(pState));
 }
 
 bool ZRFxGeometryBlock::HasGeometryCountPerState() const {

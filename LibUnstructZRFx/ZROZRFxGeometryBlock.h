@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <map>
+#include <memory>
 #include <vector>
 
 #include "ZRIDLookup.h"
@@ -26,7 +27,7 @@ class ZRFxGeometryParts {
 public:
     const std::vector<ZRFxGeometryPart>& operator[](int iGlobalGeometryIndex) const;
     void Add(int iGlobalGeometryIndex, const ZRFxGeometryPart& part);
-    void Remove(int iGlobalGeometryIndex) { m_geometries.erase(iGlobalGeometryIndex); }
+    void Set(int iGlobalGeometryIndex, std::vector<ZRFxGeometryPart> parts);
 
     /// The first part of a geometry that has the block or the part id; null when there is none.
     const ZRFxGeometryPart* Find(int iGlobalGeometryIndex, int blockID, int partID);
@@ -58,7 +59,7 @@ public:
 
     /// False after an assertion when there is no such geometry.
     bool AddPart(int iGlobalGeometryIndex, const ZRFxGeometryPart& part);
-    bool RemoveParts(int iGlobalGeometryIndex);
+    bool SetParts(int iGlobalGeometryIndex, std::vector<ZRFxGeometryPart> parts);
 
     /// The first part of a geometry that has the block or the part id; null when there is none, and
     /// after an assertion when there is no such geometry. Holds until a part is added or removed.
@@ -93,8 +94,9 @@ public:
     int GetGeometryCountPerState() const { return m_iGeometryCountPerState; }
     void SetGeometryCountPerState(int count) { m_iGeometryCountPerState = count; }
 
-    /// Appends a state without parts.
+    /// Appends a state, without parts or one that was made for the block.
     ZRFxGeometryState* AddState(int stateID);
+    ZRFxGeometryState* AddState(std::unique_ptr<ZRFxGeometryState> pState);
     std::int64_t GetStateCount() const { return m_apStates.GetSize(); }
     ZRFxGeometryState* GetState(std::int64_t index) const { return m_apStates[index]; }
 

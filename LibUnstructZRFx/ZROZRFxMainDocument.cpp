@@ -265,7 +265,7 @@ XmlElement ZRFxMainDocument::FileInfo(const char* name) const {
 const ZRFxMainDocument::Registry& ZRFxMainDocument::RegistryOf(
     const char* name, std::optional<Registry>* found) const {
     if (*found) return **found;
-    Registry& registry = found->emplace();
+    Registry registry;
     registry.element = Root().firstChildElement(name);
     for (XmlElement line = registry.element.firstChildElement(); line.notNull();
          line = line.nextSiblingElement()) {
@@ -273,7 +273,7 @@ const ZRFxMainDocument::Registry& ZRFxMainDocument::RegistryOf(
         if (!line.hasAttribute("ID")) continue;
         registry.firstOfID.try_emplace(line.getAttributeInt("ID", -1), line);
     }
-    return registry;
+    return found->emplace(std::move(registry));
 }
 
 }  // namespace unstruct

@@ -42,13 +42,23 @@ bool ZRFxResultValuesBlock::Reserve(std::int64_t numItems) {
     return isReserved && (!m_paiIDs || m_paiIDs->Reserve(numItems));
 }
 
+// Value and id, or neither.
+template <typename Value>
+bool ZRFxResultValuesBlock::AddWithID(const Value& value, std::int32_t id, ZRArray<Value>* values) {
+    SetRead(true);
+    if (!values->Add(value)) return false;
+    if (!m_paiIDs || m_paiIDs->Add(id)) return true;
+    values->SetSize(values->GetSize() - 1);
+    return false;
+}
+
 bool ZRFxResultValuesBlock::AddScalar(float value, std::int32_t id) {
-    return AddID(id) && m_afResults.Add(value);
+    return AddWithID(value, id, &m_afResults);
 }
 
 bool ZRFxResultValuesBlock::AddVector(const nuo::Vec3f& value, std::int32_t id) {
     NVF_ASSERT(m_iNumDimensions == 3);
-    return m_iNumDimensions == 3 && AddID(id) && m_avResults.Add(value);
+    return m_iNumDimensions == 3 && AddWithID(value, id, &m_avResults);
 }
 
 void ZRFxResultValuesBlock::SetIDs(std::unique_ptr<ZRIntArray> paiIDs) {
@@ -117,11 +127,6 @@ void ZRFxResultValuesBlock::DoUnloadData() {
     m_afResults.RemoveAll();
     m_avResults.RemoveAll();
     SetIDs(nullptr);
-}
-
-bool ZRFxResultValuesBlock::AddID(std::int32_t id) {
-    SetRead(true);
-    return !m_paiIDs || m_paiIDs->Add(id);
 }
 
 bool ZRFxResultValuesBlock::WriteValues(const ZRString& name) {

@@ -55,7 +55,8 @@ protected:
     void DoUnloadData() override;
 
 private:
-    bool AddID(std::int32_t id);
+    template <typename Value>
+    bool AddWithID(const Value& value, std::int32_t id, ZRArray<Value>* values);
     bool WriteValues(const ZRString& name);
     bool ReadValues(const ZRString& name, std::int64_t numItems);
     bool FailDimensions() const;

@@ -1,6 +1,7 @@
 #include "ZROZRFxStateInfoBlock.h"
 
 #include <memory>
+#include <utility>
 
 #include "ZROZRFxXml.h"
 
@@ -9,9 +10,13 @@ namespace unstruct {
 ZRFxStateInfoBlock::ZRFxStateInfoBlock(ZRFxDatabase* pDatabase, int id)
     : ZRFxListBlock(pDatabase, id, BLOCK_STATE_INFO) {}
 
-ZRFxStateInfo* ZRFxStateInfoBlock::AddState(const ZRFxStateInfo& info) {
+ZRFxStateInfo* ZRFxStateInfoBlock::AddState(ZRFxStateInfo info) {
+    return AddState(std::make_unique<ZRFxStateInfo>(std::move(info)));
+}
+
+ZRFxStateInfo* ZRFxStateInfoBlock::AddState(std::unique_ptr<ZRFxStateInfo> pInfo) {
     SetRead(true);
-    return m_apStateInfo.Add(std::make_unique<ZRFxStateInfo>(info));
+    return m_apStateInfo.Add(std::move(pInfo));
 }
 
 void ZRFxStateInfoBlock::RemoveStates(std::int64_t iFrom, std::int64_t iTo) {

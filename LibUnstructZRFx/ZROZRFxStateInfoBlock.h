@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 
 #include "ZRArray.h"
 #include "ZRFxListBlock.h"
@@ -34,7 +35,11 @@ class ZRFxStateInfoBlock : public ZRFxListBlock {
 public:
     ZRFxStateInfoBlock(ZRFxDatabase* pDatabase, int id);
 
-    ZRFxStateInfo* AddState(const ZRFxStateInfo& info);
+    ZRFxStateInfo* AddState(ZRFxStateInfo info);
+    ZRFxStateInfo* AddState(std::unique_ptr<ZRFxStateInfo> pInfo);
+
+    /// Lets the next AddState that is given an object do without memory.
+    void MakeRoom() { m_apStateInfo.MakeRoom(); }
     std::int64_t GetStateCount() const { return m_apStateInfo.GetSize(); }
     const ZRFxStateInfo* GetState(std::int64_t index) const { return m_apStateInfo[index]; }
 

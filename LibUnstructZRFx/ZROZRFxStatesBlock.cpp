@@ -1,6 +1,7 @@
 #include "ZROZRFxStatesBlock.h"
 
 #include <memory>
+#include <utility>
 
 namespace unstruct {
 
@@ -12,12 +13,19 @@ bool ZRFxStatesBlock::ReadMetaData() {
 }
 
 ZRFxStateValues* ZRFxStatesBlock::AddState(int stateID) {
-    SetRead(true);
     const std::int64_t index = GetStateIndex(stateID);
-    Touch(index >= 0 ? index : GetStateCount());
-    if (index >= 0) return m_apStates[index];
-    m_indices.Add(stateID);
-    return m_apStates.Add(std::make_unique<ZRFxStateValues>(stateID));
+    if (index < 0) return AddState(std::make_unique<ZRFxStateValues>(stateID));
+    Touch(index);
+    return m_apStates[index];
+}
+
+ZRFxStateValues* ZRFxStatesBlock::AddState(std::unique_ptr<ZRFxStateValues> pState) {
+    NVF_ASSERT(pState);
+    if (!pState) return nullptr;
+    SetRead(true);
+    m_apStates.MakeRoom();
+    m_indices.Add(pState->m_iStateID);
+    return m_apStates.Add(std::move(pState));
 }
 
 void ZRFxStatesBlock::RemoveStates(std::int64_t iFrom, std::int64_t iTo) {
@@ -46,8 +54,9 @@ void ZRFxStatesBlock::WriteItem(nvf::XmlElement root, std::int64_t index) const 
 }
 
 void ZRFxStatesBlock::UpdateIndices() {
-    m_indices = ZRIDLookup();
-    for (const auto& pState : m_apStates) m_indices.Add(pState->m_iStateID);
+    ZRIDLookup indices;
+    for (const auto& pState : m_apStates) indices.Add(pState->m_iStateID);
+    m_indices = std::move(indices);
 }
 
 }  // namespace unstruct

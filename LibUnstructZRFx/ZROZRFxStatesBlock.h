@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 
 #include "ZRFxListBlock.h"
 #include "ZRIDLookup.h"
@@ -16,6 +17,9 @@ public:
 
     /// The record of a state, added when there is none; to be changed before the block is written.
     ZRFxStateValues* AddState(int stateID);
+
+    /// Appends the record of a state that has none.
+    ZRFxStateValues* AddState(std::unique_ptr<ZRFxStateValues> pState);
     std::int64_t GetStateCount() const { return m_apStates.GetSize(); }
     const ZRFxStateValues* GetState(std::int64_t index) const { return m_apStates[index]; }
 

@@ -16,140 +16,166 @@ constexpr const char* kTexturePrefix = "PartTexture_";
 
 }  // namespace
 
-Case::Case(File* file, const Str& name, int id, int databaseId)
-    : m_private(std::make_unique<CasePrivate>()) {
-    if (isCreated(file, name, id, databaseId)) return;
-    m_private->detach();
-    m_private->m_id = -1;
+Case::Case(File* file, const Str& name, int id, int databaseId) {
+    const bool isMade = guarded([&] {
+        m_private.take(std::make_unique<CasePrivate>());
+        return isCreated(file, name, id, databaseId);
+    });
+    if (!isMade) refuse();
 }
 
 Case::Case(File* file, int index) : m_private(std::make_unique<CasePrivate>()) {
     m_private->m_isReadFromFile = true;
-    if (isRead(file, index)) return;
-    m_private->detach();
-    m_private->m_id = -1;
+    if (!isRead(file, index)) refuse();
 }
 
 Case::~Case() = default;
 
 int Case::id() const {
-    return m_private->m_id;
+    return guarded(-1, [&] { return m_private->m_id; });
 }
 
 int Case::databaseId() const {
-    return m_private->m_databaseId;
+    return guarded(-1, [&] { return m_private->m_databaseId; });
 }
 
 Str Case::name() const {
-    return m_private->m_name;
+    return guarded([&] { return m_private->m_name; });
 }
 
 void Case::setName(const Str& name) {
-    m_private->m_name = name;
-    m_private->m_isDocumentModified = true;
+    guarded([&] {
+        m_private->m_name = name;
+        m_private->m_isDocumentModified = true;
+    });
 }
 
 Str Case::description() const {
-    return m_private->m_description;
+    return guarded([&] { return m_private->m_description; });
 }
 
 void Case::setDescription(const Str& description) {
-    m_private->m_description = description;
-    m_private->m_isDocumentModified = true;
+    guarded([&] {
+        m_private->m_description = description;
+        m_private->m_isDocumentModified = true;
+    });
 }
 
 const Image* Case::snapshot() const {
-    const bool isStored = m_private->m_isReadFromFile && !m_private->m_isSnapshotModified;
-    if (!isStored || m_private->m_snapshot) return m_private->m_snapshot.get();
-    auto* const m_access = m_private->m_access;
-    NVF_ASSERT(m_access);
-    auto image = std::make_unique<Image>();
-    if (!m_access || !m_access->GetCaseSnapshot(id(), image.get())) {
-        fail("Not able to read snapshot image");
-        return nullptr;
-    }
-    m_private->m_snapshot = std::move(image);
-    return m_private->m_snapshot.get();
+    return guarded([&]() -> const Image* {
+        const bool isStored = m_private->m_isReadFromFile && !m_private->m_isSnapshotModified;
+        auto& m_snapshot = m_private->m_snapshot;
+        if (!isStored || m_snapshot) return m_snapshot ? &*m_snapshot : nullptr;
+        auto* const m_access = m_private->m_access;
+        NVF_ASSERT(m_access);
+        Image image;
+        if (!m_access || !m_access->GetCaseSnapshot(id(), &image)) {
+            fail("Not able to read snapshot image");
+            return nullptr;
+        }
+        return &m_snapshot.emplace(std::move(image));
+    });
 }
 
 void Case::setSnapshot(Image* image) {
-    m_private->m_snapshot = image ? std::make_unique<Image>(*image) : nullptr;
-    m_private->m_isSnapshotModified = true;
+    guarded([&] {
+        m_private->m_snapshot.reset();
+        // A copy that there is no memory for has no pixels, and cannot be written.
+        if (image) m_private->m_snapshot = *image;
+        m_private->m_isSnapshotModified = true;
+    });
 }
 
 std::size_t Case::imageCount() const {
-    return m_private->textureEntries().size();
+    return guarded([&] { return m_private->textureEntries().size(); });
 }
 
 Str Case::imageName(std::size_t index) const {
-    const unstruct::ZRStringArray& entries = m_private->textureEntries();
-    if (index >= entries.size()) {
-        fail("No image was found at index %1", index);
-        return Str();
-    }
-    const std::string file = entries[index].FileName().Bytes();
-    const std::string prefix = kTexturePrefix;
-    const std::string name = file.starts_with(prefix) ? file.substr(prefix.size()) : file;
-    return name.substr(0, name.size() - unstruct::ZRString(name).Extension().Bytes().size());
+    return guarded([&]() -> Str {
+        const unstruct::ZRStringArray& entries = m_private->textureEntries();
+        if (index >= entries.size()) {
+            fail("No image was found at index %1", index);
+            return Str();
+        }
+        const std::string file = entries[index].FileName().Bytes();
+        const std::string prefix = kTexturePrefix;
+        const std::string name = file.starts_with(prefix) ? file.substr(prefix.size()) : file;
+        return name.substr(0, name.size() - unstruct::ZRString(name).Extension().Bytes().size());
+    });
 }
 
 const Image* Case::image(std::size_t index) const {
-    const unstruct::ZRStringArray& entries = m_private->textureEntries();
-    if (index >= entries.size()) {
-        fail("No image was found at index %1", index);
-        return nullptr;
-    }
-    auto image = std::make_unique<Image>();
-    if (!m_private->m_access->ReadImage(entries[index], image.get())) {
-        fail("Not able to read image: %1", entries[index].FileName());
-        return nullptr;
-    }
-    m_private->m_image = std::move(image);
-    return m_private->m_image.get();
+    return guarded([&]() -> const Image* {
+        const unstruct::ZRStringArray& entries = m_private->textureEntries();
+        if (index >= entries.size()) {
+            fail("No image was found at index %1", index);
+            return nullptr;
+        }
+        Image read;
+        if (!m_private->m_access->ReadImage(entries[index], &read)) {
+            fail("Not able to read image: %1", entries[index].FileName());
+            return nullptr;
+        }
+        m_private->m_image = std::move(read);
+        return &m_private->m_image;
+    });
 }
 
 bool Case::addImage(const Str& name, Image* image) {
-    auto* const m_access = m_private->m_access;
-    NVF_ASSERT(m_access);
-    if (!image) return fail("Image object is invalid. Image pointer is NULL.");
-    if (!m_access || m_private->m_caseDocument.isNull()) {
-        return fail("Case document did not exist, call create() before if using delayed writing.");
-    }
-    const nvf::XmlElement root = m_private->m_caseDocument->getRootElement("Case");
-    if (!root.hasAttribute("Folder")) {
-        return fail("Case document is invalid. Case folder not found.");
-    }
-    const std::string file = std::string("Textures\\") + kTexturePrefix + name.toStdString();
-    return (ZRConvert::isFileName(name) &&
-            m_access->WriteImage(m_private->entryName(file + ".raw"), *image)) ||
-           fail("Error writing the image to the ZRFx file.");
+    return guarded([&] {
+        auto* const m_access = m_private->m_access;
+        NVF_ASSERT(m_access);
+        if (!image) return fail("Image object is invalid. Image pointer is NULL.");
+        if (!m_access || m_private->m_caseDocument.isNull()) {
+            return fail(
+                "Case document did not exist, call create() before if using delayed writing.");
+        }
+        const nvf::XmlElement root = m_private->m_caseDocument->getRootElement("Case");
+        if (!root.hasAttribute("Folder")) {
+            return fail("Case document is invalid. Case folder not found.");
+        }
+        const std::string file = std::string("Textures\\") + kTexturePrefix + Convert::toUtf8(name);
+        return (ZRConvert::isFileName(name) &&
+                m_access->WriteImage(m_private->entryName(file + ".raw"), *image)) ||
+               fail("Error writing the image to the ZRFx file.");
+    });
 }
 
 const PropertySetCollection* Case::properties() const {
-    return m_private->m_properties.p();
+    return guarded([&] { return m_private->m_properties.p(); });
 }
 
 bool Case::setProperties(PropertySetCollection* properties) {
-    m_private->m_properties = properties;
-    if (properties) {
-        std::vector<nvf::String> errors;
-        const auto collection = PropertyConvert::toNvfPropertySetCollection(*properties);
-        if (!unstruct::validateProperties(*collection, errors)) {
-            for (const nvf::String& error : errors) fail("%1", error);
-            return false;
+    return guarded([&] {
+        m_private->m_properties = properties;
+        if (properties) {
+            std::vector<nvf::String> errors;
+            const auto collection = PropertyConvert::toNvfPropertySetCollection(*properties);
+            if (!unstruct::validateProperties(*collection, errors)) {
+                for (const nvf::String& error : errors) fail("%1", error);
+                return false;
+            }
         }
-    }
-    m_private->m_isPropertiesModified = true;
-    return true;
+        m_private->m_isPropertiesModified = true;
+        return true;
+    });
 }
 
 bool Case::derivedResultsDisabled() const {
-    return m_private->m_derivedResultsDisabled;
+    return guarded([&] { return m_private->m_derivedResultsDisabled; });
 }
 
 void Case::setDerivedResultsDisabled(bool disabled) {
-    m_private->m_derivedResultsDisabled = disabled;
-    m_private->m_isDocumentModified = true;
+    guarded([&] {
+        m_private->m_derivedResultsDisabled = disabled;
+        m_private->m_isDocumentModified = true;
+    });
+}
+
+void Case::refuse() {
+    if (m_private.isNull()) return;
+    m_private->detach();
+    m_private->m_id = -1;
 }
 
 bool Case::isCreated(File* file, const Str& name, int id, int databaseId) {

@@ -45,11 +45,11 @@ bool CasePrivate::createDocument() {
     if (m_caseDocument) return fail("Case document already created");
     nvf::ref<nvf::XmlDocument> document = new nvf::XmlDocument;
     nvf::XmlElement root = document->createRootElement("Case", unstruct::kNamespaceUri);
-    if (root.isNull()) return fail("Failed to create case document");
     root.setAttributeInt("ID", m_id);
     SetAttribute(root, "Name", ZRConvert::toZRString(m_name));
     root.setAttributeInt("DatabaseID", m_databaseId);
     SetAttribute(root, "Folder", freeFolderFor(m_id, *m_access));
+    if (document->isIncomplete()) return fail("Failed to create case document");
     m_caseDocument = document;
     m_isDocumentModified = true;
     return true;
@@ -88,13 +88,16 @@ bool CasePrivate::read(int index) {
 bool CasePrivate::refresh(int index, const unstruct::ZRFxArchiveChanges& changes) {
     m_textureEntries.clear();
     const auto isOwn = [&](const auto& change) {
-        return ZRString(change.first).StartsWith(folder().Bytes());
+        const std::string& entry = change.first;
+        const std::size_t length = folder().Bytes().size();
+        return ZRString(entry).StartsWith(folder().Bytes()) &&
+               (entry[length] == unstruct::kFolderSeparator || entry[length] == '/');
     };
     if (!changes.bReplaced && std::none_of(changes.kept.begin(), changes.kept.end(), isOwn)) {
         return true;
     }
     m_snapshot.reset();
-    m_image.reset();
+    m_image = Image();
     return read(index);
 }
 
@@ -116,11 +119,10 @@ ZRString CasePrivate::entryName(const ZRString& name) const {
 
 const ZRStringArray& CasePrivate::textureEntries() {
     NVF_ASSERT(m_access);
-    if (!m_access) {
-        m_textureEntries.clear();
-    } else if (m_textureEntries.empty() || !m_access->IsReadOnly()) {
-        m_access->FindFiles(entryName(kTexturesFolder), false, &m_textureEntries);
-    }
+    if (m_access && m_access->IsReadOnly() && !m_textureEntries.empty()) return m_textureEntries;
+    ZRStringArray found;
+    if (m_access) m_access->FindFiles(entryName(kTexturesFolder), false, &found);
+    m_textureEntries.swap(found);
     return m_textureEntries;
 }
 
@@ -128,14 +130,14 @@ const ZRStringArray& CasePrivate::textureEntries() {
 bool CasePrivate::readProperties() {
     const ZRString entry = entryName(kPropertiesName);
     m_properties = new PropertySetCollection;
-    if (!m_access->Contains(entry)) return true;
+    if (!m_access->Contains(entry)) return m_properties->internal_isComplete();
     nvf::PropertySetCollection collection;
     if (!m_access->ReadProperties(entry, &collection)) return false;
     for (std::size_t i = 0; i < collection.count(); ++i) {
         m_properties->addPropertySet(
             PropertyConvert::toPropertySet(*collection.propertySet(i)).p());
     }
-    return true;
+    return m_properties->internal_isComplete();
 }
 
 bool CasePrivate::write() {
@@ -143,6 +145,16 @@ bool CasePrivate::write() {
     if (m_caseDocument.isNull()) {
         return fail("Case document did not exist, call create() before if using delayed writing.");
     }
+    const nvf::ref<nvf::XmlDocument> before = m_caseDocument;
+    const nvf::ref<nvf::XmlDocument> changed = new nvf::XmlDocument;
+    if (!changed->copyFrom(*before)) return fail("Out of memory for the case document.");
+    m_caseDocument = changed;
+    const bool isWritten = guarded([&] { return writeChanged(); });
+    if (!isWritten) m_caseDocument = before;
+    return isWritten;
+}
+
+bool CasePrivate::writeChanged() {
     nvf::XmlElement root = m_caseDocument->getRootElement("Case");
     if (root.isNull()) return fail("Could not find root element for case.");
     const ZRString name =
@@ -173,7 +185,7 @@ bool CasePrivate::writeDescription(nvf::XmlElement root) {
         return m_access->RemoveFile(entry);
     }
     setFileElement(root, "Description", kDescriptionName);
-    const std::string text = m_description.toStdString();
+    const std::string text = Convert::toUtf8(m_description);
     return m_access->WriteDataRaw(entry, text.data(), text.size(), true) ||
            fail("Error writing the case description image to the ZRFx file.");
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <memory>
+#include <optional>
 
 #include "NuoCore/Image.h"
 #include "NuoCore/PropertySetCollection.h"
@@ -46,8 +46,8 @@ public:
     bool m_isDocumentModified = false;
     bool m_isSnapshotModified = false;
     bool m_isPropertiesModified = false;
-    std::unique_ptr<Image> m_snapshot;
-    std::unique_ptr<Image> m_image;  // the texture given last
+    std::optional<Image> m_snapshot;
+    Image m_image;  // the texture given last
     PtrRef<PropertySetCollection> m_properties;
     nvf::ref<nvf::XmlDocument> m_caseDocument;
     unstruct::ZRStringArray m_textureEntries;  // of a file that is read, once asked for
@@ -55,6 +55,7 @@ public:
 private:
     bool readProperties();
     bool write();
+    bool writeChanged();
     bool writeDescription(nvf::XmlElement root);
     bool writeSnapshot(nvf::XmlElement root);
     bool writeProperties();

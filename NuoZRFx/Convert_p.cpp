@@ -99,15 +99,15 @@ Public toPublic(const Table& table, int value, Public fallback, nvf::LocatedText
 }  // namespace
 
 ZRString ZRConvert::toZRString(const Str& text) {
-    return text.toStdString();
+    return Convert::toUtf8(text);
 }
 
 Str ZRConvert::toStr(const ZRString& text) {
-    return Str(text.Bytes());
+    return Convert::toStr(text);
 }
 
 bool ZRConvert::isFileName(const Str& name) {
-    return name.toStdString().find_first_of("/\\") == std::string::npos;
+    return Convert::toUtf8(name).find_first_of("/\\") == std::string::npos;
 }
 
 int ZRConvert::fromBlockType(Block::BlockType type) {

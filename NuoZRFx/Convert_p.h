@@ -13,7 +13,8 @@
 namespace nuo::zrfx {
 
 /// Turns the values of the public interface into those that the format classes use, and back. A
-/// value that has no counterpart is logged and gives the fallback named with each.
+/// value that has no counterpart is logged and gives the fallback named with each. Texts throw
+/// std::bad_alloc when there is no memory, or was none when a lost text was made.
 class ZRConvert {
 public:
     static unstruct::ZRString toZRString(const Str& text);

@@ -4,6 +4,7 @@
 
 #include "Convert_p.h"
 #include "Database_p.h"
+#include "File_p.h"
 #include "Log_p.h"
 #include "NuoZRFx/File.h"
 #include "NuoZRFx/SetBlock.h"
@@ -50,105 +51,138 @@ PtrRef<Block> readBlock(ZRFxDatabase& database, const ZRFxBlock* entry, const Re
 }  // namespace
 
 Database::Database(File* file, const Str& name, int id, SimulationType simulationType,
-                   SolutionType solutionType, const Str& description)
-    : m_private(std::make_unique<DatabasePrivate>()) {
-    if (isCreated(file, name, id, simulationType, solutionType, description)) return;
-    m_private->detach();
-    m_private->m_id = -1;
+                   SolutionType solutionType, const Str& description) {
+    const bool isMade = guarded([&] {
+        m_private.take(std::make_unique<DatabasePrivate>());
+        return isCreated(file, name, id, simulationType, solutionType, description);
+    });
+    if (!isMade) refuse();
 }
 
 Database::Database(File* file, int id) : m_private(std::make_unique<DatabasePrivate>()) {
-    if (isTaken(file, id)) return;
-    m_private->detach();
-    m_private->m_id = -1;
+    if (!isTaken(file, id)) refuse();
 }
 
 Database::~Database() = default;
 
 int Database::id() const {
-    return m_private->m_id;
+    return guarded(-1, [&] { return m_private->m_id; });
 }
 
 Str Database::name() const {
-    return m_private->m_zrfxDatabase ? ZRConvert::toStr(m_private->m_zrfxDatabase->GetName())
-                                     : Str();
+    return guarded([&] {
+        return m_private->m_zrfxDatabase ? ZRConvert::toStr(m_private->m_zrfxDatabase->GetName())
+                                         : Str();
+    });
 }
 
 Str Database::description() const {
-    return m_private->m_zrfxDatabase ? ZRConvert::toStr(m_private->m_zrfxDatabase->GetDescription())
-                                     : Str();
+    return guarded([&] {
+        return m_private->m_zrfxDatabase
+                   ? ZRConvert::toStr(m_private->m_zrfxDatabase->GetDescription())
+                   : Str();
+    });
 }
 
 Database::SimulationType Database::simulationType() const {
-    if (!m_private->m_zrfxDatabase) return OTHER_SIMULATION;
-    return ZRConvert::toSimulationType(m_private->m_zrfxDatabase->GetSimulationType());
+    return guarded(OTHER_SIMULATION, [&]() -> Database::SimulationType {
+        if (!m_private->m_zrfxDatabase) return OTHER_SIMULATION;
+        return ZRConvert::toSimulationType(m_private->m_zrfxDatabase->GetSimulationType());
+    });
 }
 
 Database::SolutionType Database::solutionType() const {
-    if (!m_private->m_zrfxDatabase) return OTHER_SOLUTION;
-    return ZRConvert::toSolutionType(m_private->m_zrfxDatabase->GetSolutionType());
+    return guarded(OTHER_SOLUTION, [&]() -> Database::SolutionType {
+        if (!m_private->m_zrfxDatabase) return OTHER_SOLUTION;
+        return ZRConvert::toSolutionType(m_private->m_zrfxDatabase->GetSolutionType());
+    });
 }
 
 bool Database::writeBlock(const Block* block) {
-    if (!block) fail("Given block pointer was NULL. (Block id %1).", -1);
-    NVF_ASSERT(block);
-    const auto& m_zrfxDatabase = m_private->m_zrfxDatabase;
-    NVF_ASSERT(m_zrfxDatabase);
-    if (!block || !m_zrfxDatabase) return false;
-    ZRFxBlock* zrfxBlock = block->internal_zrfxBlock();
-    // Some blocks are valid whatever they hold, but none can be stored under a negative id.
-    if (!block->checkValidity() || !zrfxBlock || block->blockId() < 0) {
-        return fail("Cannot write block, weak validity check failed. (block id %1).",
-                    block->blockId());
-    }
-    if (!zrfxBlock->WriteBlock(m_zrfxDatabase.get())) {
-        return fail("Error writing block to database. (block id %1, database id %2).",
-                    block->blockId(), id());
-    }
-    if (zrfxBlock->GetType() == unstruct::BLOCK_GEOMETRY)
-        m_private->m_isGeometryBlockWritten = true;
-    if (zrfxBlock->GetType() == unstruct::BLOCK_STATE_INFO) {
-        m_private->m_isStateInfoBlockWritten = true;
-    }
-    return true;
+    return guarded([&] {
+        if (!block) fail("Given block pointer was NULL. (Block id %1).", -1);
+        NVF_ASSERT(block);
+        const auto& m_zrfxDatabase = m_private->m_zrfxDatabase;
+        NVF_ASSERT(m_zrfxDatabase);
+        if (!block || !m_zrfxDatabase) return false;
+        ZRFxBlock* zrfxBlock = block->internal_zrfxBlock();
+        if (block->internal_isIncomplete()) {
+            return fail("Memory was missing when the block was filled. (block id %1).",
+                        block->blockId());
+        }
+        // Some blocks are valid whatever they hold, but none can be stored under a negative id.
+        if (!block->checkValidity() || !zrfxBlock || block->blockId() < 0) {
+            return fail("Cannot write block, weak validity check failed. (block id %1).",
+                        block->blockId());
+        }
+        if (!zrfxBlock->WriteBlock(m_zrfxDatabase.get())) {
+            return fail("Error writing block to database. (block id %1, database id %2).",
+                        block->blockId(), id());
+        }
+        if (zrfxBlock->GetType() == unstruct::BLOCK_GEOMETRY)
+            m_private->m_isGeometryBlockWritten = true;
+        if (zrfxBlock->GetType() == unstruct::BLOCK_STATE_INFO) {
+            m_private->m_isStateInfoBlockWritten = true;
+        }
+        return true;
+    });
 }
 
 std::size_t Database::blockCount(Block::BlockType type) const {
-    const auto& m_zrfxDatabase = m_private->m_zrfxDatabase;
-    NVF_ASSERT(m_zrfxDatabase);
-    if (!m_zrfxDatabase) return 0;
-    return static_cast<std::size_t>(m_zrfxDatabase->GetNumBlocks(ZRConvert::fromBlockType(type)));
+    return guarded([&]() -> std::size_t {
+        const auto& m_zrfxDatabase = m_private->m_zrfxDatabase;
+        NVF_ASSERT(m_zrfxDatabase);
+        if (!m_zrfxDatabase) return 0;
+        return static_cast<std::size_t>(
+            m_zrfxDatabase->GetNumBlocks(ZRConvert::fromBlockType(type)));
+    });
 }
 
 int Database::blockId(Block::BlockType type, std::size_t index) const {
-    const ZRFxBlock* entry = entryAt(type, index);
-    return entry ? entry->GetID() : -1;
+    return guarded(-1, [&] {
+        const ZRFxBlock* entry = entryAt(type, index);
+        return entry ? entry->GetID() : -1;
+    });
 }
 
 PtrRef<Block> Database::blockByIndex(Block::BlockType type, std::size_t index) {
-    const ZRFxBlock* entry = entryAt(type, index);
-    if (!m_private->m_zrfxDatabase || (entry && type == Block::SET)) return nullptr;
-    return readBlock(*m_private->m_zrfxDatabase, entry, byIndex(type, index));
+    return guarded([&]() -> PtrRef<Block> {
+        const ZRFxBlock* entry = entryAt(type, index);
+        if (!m_private->m_zrfxDatabase || (entry && type == Block::SET)) return nullptr;
+        return readBlock(*m_private->m_zrfxDatabase, entry, byIndex(type, index));
+    });
 }
 
 PtrRef<Block> Database::blockById(Block::BlockType type, int id) {
-    const ZRFxBlock* entry = entryOf(type, id);
-    if (!m_private->m_zrfxDatabase || (entry && type == Block::SET)) return nullptr;
-    return readBlock(*m_private->m_zrfxDatabase, entry, byId(type, id));
+    return guarded([&]() -> PtrRef<Block> {
+        const ZRFxBlock* entry = entryOf(type, id);
+        if (!m_private->m_zrfxDatabase || (entry && type == Block::SET)) return nullptr;
+        return readBlock(*m_private->m_zrfxDatabase, entry, byId(type, id));
+    });
 }
 
 PtrRef<SetBlock> Database::setBlockByIndex(std::size_t index) {
-    const ZRFxBlock* entry = entryAt(Block::SET, index);
-    if (!m_private->m_zrfxDatabase) return nullptr;
-    return static_cast<SetBlock*>(
-        readBlock(*m_private->m_zrfxDatabase, entry, byIndex(Block::SET, index)).p());
+    return guarded([&]() -> PtrRef<SetBlock> {
+        const ZRFxBlock* entry = entryAt(Block::SET, index);
+        if (!m_private->m_zrfxDatabase) return nullptr;
+        return static_cast<SetBlock*>(
+            readBlock(*m_private->m_zrfxDatabase, entry, byIndex(Block::SET, index)).p());
+    });
 }
 
 PtrRef<SetBlock> Database::setBlockById(int id) {
-    const ZRFxBlock* entry = entryOf(Block::SET, id);
-    if (!m_private->m_zrfxDatabase) return nullptr;
-    return static_cast<SetBlock*>(
-        readBlock(*m_private->m_zrfxDatabase, entry, byId(Block::SET, id)).p());
+    return guarded([&]() -> PtrRef<SetBlock> {
+        const ZRFxBlock* entry = entryOf(Block::SET, id);
+        if (!m_private->m_zrfxDatabase) return nullptr;
+        return static_cast<SetBlock*>(
+            readBlock(*m_private->m_zrfxDatabase, entry, byId(Block::SET, id)).p());
+    });
+}
+
+void Database::refuse() {
+    if (m_private.isNull()) return;
+    m_private->detach();
+    m_private->m_id = -1;
 }
 
 bool Database::isCreated(File* file, const Str& name, int id, SimulationType simulationType,
@@ -166,6 +200,8 @@ bool Database::isCreated(File* file, const Str& name, int id, SimulationType sim
     if (!file->isNewDatabaseId(id)) {
         return fail("Could not register database instance. (Database id %1).", id);
     }
+    // All memory that registering takes is taken before the archive has the database.
+    FilePrivate::NewId newId(&file->m_private->m_databases, &file->m_private->m_databaseIds, id);
     m_private->m_zrfxDatabase = std::make_unique<ZRFxDatabase>(file->writableAccess());
     m_private->m_zrfxDatabase->SetTextMode(!file->settings()->binary);
     if (!m_private->m_zrfxDatabase->Create(ZRConvert::toZRString(name), id, unstruct::ZRString(),
@@ -175,7 +211,8 @@ bool Database::isCreated(File* file, const Str& name, int id, SimulationType sim
         return fail("Error creating database.");
     }
     m_private->m_id = id;
-    return file->addDatabase(this);
+    newId.giveTo(this);
+    return true;
 }
 
 bool Database::isTaken(File* file, int id) {

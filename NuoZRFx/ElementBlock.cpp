@@ -1,6 +1,7 @@
 #include "NuoZRFx/ElementBlock.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 #include <limits>
 #include <map>
@@ -22,17 +23,72 @@ using unstruct::ZRIntArray;
 // Of every operation that gives an array of a group.
 constexpr const char* kNoOutput = "Supplied output is NULL (elementNodes)";
 
+// What a group holds of its elements.
+constexpr std::array kGroupArrays{&ZRFxElementBlockGroup::m_aiConnectivity,
+                                  &ZRFxElementBlockGroup::m_aiIDs,
+                                  &ZRFxElementBlockGroup::m_aiPolyhedronElementNodeCounts,
+                                  &ZRFxElementBlockGroup::m_aiPolyhedronFaceCounts,
+                                  &ZRFxElementBlockGroup::m_aiPolyhedronFaceNodeCounts,
+                                  &ZRFxElementBlockGroup::m_aiPolyhedronFaceLocalNodes};
+
 // Grows by parts of what is there, so that adding elements one by one stays linear.
-bool append(const int* items, std::size_t count, ZRIntArray& array) {
+bool makeRoom(const ZRIntArray& items, ZRIntArray& array) {
     const std::int64_t size = array.GetSize();
-    const std::int64_t newSize = size + static_cast<std::int64_t>(count);
-    if (newSize > array.GetAllocatedSize() && !array.Reserve(std::max(newSize, size + size / 2))) {
-        return false;
-    }
-    if (count == 0) return true;
-    if (!array.SetSize(newSize)) return false;
-    std::memcpy(array.WritableData() + size, items, count * sizeof(int));
+    const std::int64_t newSize = size + items.GetSize();
+    return items.IsEmpty() || newSize <= array.GetAllocatedSize() ||
+           array.Reserve(std::max(newSize, size + size / 2));
+}
+
+bool append(const ZRIntArray& items, ZRIntArray& array) {
+    if (items.IsEmpty()) return true;
+    const std::int64_t size = array.GetSize();
+    if (!makeRoom(items, array) || !array.SetSize(size + items.GetSize())) return false;
+    std::memcpy(array.WritableData() + size, items.Data(),
+                static_cast<std::size_t>(items.GetSize()) * sizeof(int));
     return true;
+}
+
+// All of the elements, or none when there is no memory.
+bool extend(ZRFxElementBlockGroup& group, const ZRFxElementBlockGroup& added) {
+    for (const auto array : kGroupArrays) {
+        if (!makeRoom(added.*array, group.*array)) return false;
+    }
+    for (const auto array : kGroupArrays) {
+        if (!append(added.*array, group.*array)) return false;
+    }
+    group.m_iElementType = added.m_iElementType;
+    group.m_iNumElements += added.m_iNumElements;
+    return true;
+}
+
+ZRFxElementBlockGroup groupReferringTo(ElementBlock::ElementType elementType,
+                                       const int* elementNodes, std::size_t elementCount,
+                                       const int* elementIds) {
+    const auto count = static_cast<std::int64_t>(elementCount);
+    const auto nodesPerElement = ElementBlock::nodesPerElement(elementType);
+    ZRFxElementBlockGroup group;
+    group.m_iElementType = ZRConvert::fromElementType(elementType);
+    group.m_iNumElements = count;
+    group.m_aiConnectivity.Refer(elementNodes, count * static_cast<std::int64_t>(nodesPerElement));
+    if (elementIds) group.m_aiIDs.Refer(elementIds, count);
+    return group;
+}
+
+bool takePolyhedron(const std::vector<std::vector<int>>& faces, ZRFxElementBlockGroup& group) {
+    std::map<int, int> localOfNode;
+    for (const std::vector<int>& face : faces) {
+        for (const int node : face) {
+            const auto [found, isNew] =
+                localOfNode.emplace(node, static_cast<int>(localOfNode.size()));
+            if (isNew && !group.m_aiConnectivity.Add(node)) return false;
+            if (!group.m_aiPolyhedronFaceLocalNodes.Add(found->second)) return false;
+        }
+        if (!group.m_aiPolyhedronFaceNodeCounts.Add(static_cast<int>(face.size()))) return false;
+    }
+    group.m_iElementType = unstruct::ELEMENT_POLYHEDRON;
+    group.m_iNumElements = 1;
+    return group.m_aiPolyhedronElementNodeCounts.Add(static_cast<int>(localOfNode.size())) &&
+           group.m_aiPolyhedronFaceCounts.Add(static_cast<int>(faces.size()));
 }
 
 // Indices count from 0, and ids are never negative: what is written can be read.
@@ -77,15 +133,21 @@ std::vector<unsigned int> ElementBlock::elementSurface(ElementType elementType,
         fail("Invalid surface index");
         return {};
     }
-    return unstruct::ZRFEMElementSurface(ZRConvert::fromElementType(elementType),
-                                         static_cast<int>(surfaceIndex));
+    return guarded([&] {
+        return unstruct::ZRFEMElementSurface(ZRConvert::fromElementType(elementType),
+                                             static_cast<int>(surfaceIndex));
+    });
 }
 
 ElementBlock::ElementBlock(int blockId, bool withElementIds, bool referNodesByIds)
-    : Block(blockId, ELEMENTS), m_private(std::make_unique<ElementBlockPrivate>()) {
-    m_private->m_elementBlock = new ZRFxElementBlock(nullptr, blockId);
-    m_private->m_elementBlock->SetMapToNodeIDs(referNodesByIds);
-    m_private->m_elementBlock->SetWithIDs(withElementIds);
+    : Block(blockId, ELEMENTS) {
+    guarded([&] {
+        auto made = std::make_unique<ElementBlockPrivate>();
+        made->m_elementBlock = new ZRFxElementBlock(nullptr, blockId);
+        made->m_elementBlock->SetMapToNodeIDs(referNodesByIds);
+        made->m_elementBlock->SetWithIDs(withElementIds);
+        m_private.take(std::move(made));
+    });
 }
 
 ElementBlock::ElementBlock(ZRFxElementBlock* elementBlock)
@@ -104,23 +166,23 @@ bool ElementBlock::checkValidity() const {
 }
 
 unstruct::ZRFxBlock* ElementBlock::internal_zrfxBlock() const {
-    return m_private->m_elementBlock.p();
+    return guarded([&] { return m_private->m_elementBlock.p(); });
 }
 
 bool ElementBlock::hasElementIds() const {
-    return m_private->m_elementBlock->GetWithIDs();
+    return guarded([&] { return m_private->m_elementBlock->GetWithIDs(); });
 }
 
 bool ElementBlock::referNodesByIds() const {
-    return m_private->m_elementBlock->GetMapToNodeIDs();
+    return guarded([&] { return m_private->m_elementBlock->GetMapToNodeIDs(); });
 }
 
 int ElementBlock::nodeBlockId() const {
-    return m_private->m_elementBlock->GetNodeBlockID();
+    return guarded(-1, [&] { return m_private->m_elementBlock->GetNodeBlockID(); });
 }
 
 void ElementBlock::setNodeBlockId(int nodeBlockId) {
-    m_private->m_elementBlock->SetNodeBlockID(nodeBlockId);
+    guarded([&] { m_private->m_elementBlock->SetNodeBlockID(nodeBlockId); });
 }
 
 bool ElementBlock::addElement(ElementType elementType, const std::vector<int>& elementNodes,
@@ -137,36 +199,15 @@ bool ElementBlock::addElement(ElementType elementType, const int* elementNodes,
 }
 
 bool ElementBlock::addPolyhedron(const std::vector<std::vector<int>>& faces, int elementId) {
-    const bool isSolid = faces.size() >= 4 && std::all_of(faces.begin(), faces.end(), isFace);
-    NVF_ASSERT(isSolid);
-    if (!isSolid || !checkIds(elementId >= 0)) return false;
-    ZRIntArray elementNodes;
-    ZRIntArray localNodes;
-    std::map<int, int> localOfNode;
-    for (const std::vector<int>& face : faces) {
-        for (const int node : face) {
-            const auto [found, isNew] =
-                localOfNode.emplace(node, static_cast<int>(localOfNode.size()));
-            if (isNew) elementNodes.Add(node);
-            localNodes.Add(found->second);
-        }
-    }
-    auto group = std::make_unique<ZRFxElementBlockGroup>();
-    group->m_iElementType = unstruct::ELEMENT_POLYHEDRON;
-    ZRFxElementBlockGroup* target = lastGroupOf(unstruct::ELEMENT_POLYHEDRON);
-    ZRFxElementBlockGroup& extended = target ? *target : *group;
-    append(elementNodes.Data(), static_cast<std::size_t>(elementNodes.GetSize()),
-           extended.m_aiConnectivity);
-    append(localNodes.Data(), static_cast<std::size_t>(localNodes.GetSize()),
-           extended.m_aiPolyhedronFaceLocalNodes);
-    for (const std::vector<int>& face : faces) {
-        extended.m_aiPolyhedronFaceNodeCounts.Add(static_cast<int>(face.size()));
-    }
-    extended.m_aiPolyhedronElementNodeCounts.Add(static_cast<int>(elementNodes.GetSize()));
-    extended.m_aiPolyhedronFaceCounts.Add(static_cast<int>(faces.size()));
-    if (elementId >= 0) extended.m_aiIDs.Add(elementId);
-    ++extended.m_iNumElements;
-    return target || m_private->m_elementBlock->AddElementGroup(group);
+    return guarded([&] {
+        const bool isSolid = faces.size() >= 4 && std::all_of(faces.begin(), faces.end(), isFace);
+        NVF_ASSERT(isSolid);
+        if (!isSolid || !checkIds(elementId >= 0)) return false;
+        ZRFxElementBlockGroup added;
+        if (!takePolyhedron(faces, added)) return false;
+        if (elementId >= 0) added.m_aiIDs.Refer(&elementId, 1);
+        return addGroup(added);
+    });
 }
 
 bool ElementBlock::addElements(ElementType elementType, const std::vector<int>& elementNodes,
@@ -179,48 +220,44 @@ bool ElementBlock::addElements(ElementType elementType, const std::vector<int>& 
 
 bool ElementBlock::addElements(ElementType elementType, const int* elementNodes,
                                std::size_t elementCount, const int* elementIds) {
-    if (!checkElements(elementType, elementNodes, elementCount, elementIds)) return false;
-    const int zrType = ZRConvert::fromElementType(elementType);
-    auto group = std::make_unique<ZRFxElementBlockGroup>();
-    group->m_iElementType = zrType;
-    ZRFxElementBlockGroup* target = lastGroupOf(zrType);
-    ZRFxElementBlockGroup& extended = target ? *target : *group;
-    if (!append(elementNodes, elementCount * nodesPerElement(elementType),
-                extended.m_aiConnectivity) ||
-        (elementIds && !append(elementIds, elementCount, extended.m_aiIDs))) {
-        return false;
-    }
-    extended.m_iNumElements += static_cast<std::int64_t>(elementCount);
-    return target || m_private->m_elementBlock->AddElementGroup(group);
+    return guarded([&] {
+        if (!checkElements(elementType, elementNodes, elementCount, elementIds)) return false;
+        return addGroup(groupReferringTo(elementType, elementNodes, elementCount, elementIds));
+    });
 }
 
 bool ElementBlock::setElements(ElementType elementType, const std::vector<int>& elementNodes,
                                const std::vector<int>& elementIds) {
-    std::size_t elementCount = 0;
-    const int* ids = elementIds.empty() ? nullptr : elementIds.data();
-    if (!countElements(elementType, elementNodes, elementIds, &elementCount) ||
-        !checkElements(elementType, elementNodes.data(), elementCount, ids)) {
-        return false;
-    }
-    m_private->m_elementBlock->UnloadData();
-    return addElements(elementType, elementNodes.data(), elementCount, ids);
+    return guarded([&] {
+        std::size_t elementCount = 0;
+        const int* ids = elementIds.empty() ? nullptr : elementIds.data();
+        if (!countElements(elementType, elementNodes, elementIds, &elementCount) ||
+            !checkElements(elementType, elementNodes.data(), elementCount, ids)) {
+            return false;
+        }
+        auto group = std::make_unique<ZRFxElementBlockGroup>();
+        if (!extend(*group,
+                    groupReferringTo(elementType, elementNodes.data(), elementCount, ids))) {
+            return false;
+        }
+        m_private->m_elementBlock->UnloadData();
+        return m_private->m_elementBlock->AddElementGroup(group);
+    });
 }
 
 bool ElementBlock::addElementData(ElementType elementType, const int* elementNodes,
                                   std::size_t elementCount, const int* elementIds) {
-    if (!checkElements(elementType, elementNodes, elementCount, elementIds)) return false;
-    const auto count = static_cast<std::int64_t>(elementCount);
-    auto group = std::make_unique<ZRFxElementBlockGroup>();
-    group->m_iElementType = ZRConvert::fromElementType(elementType);
-    group->m_iNumElements = count;
-    group->m_aiConnectivity.Refer(elementNodes,
-                                  count * static_cast<std::int64_t>(nodesPerElement(elementType)));
-    if (elementIds) group->m_aiIDs.Refer(elementIds, count);
-    return m_private->m_elementBlock->AddElementGroup(group);
+    return guarded([&] {
+        if (!checkElements(elementType, elementNodes, elementCount, elementIds)) return false;
+        auto group = std::make_unique<ZRFxElementBlockGroup>(
+            groupReferringTo(elementType, elementNodes, elementCount, elementIds));
+        return m_private->m_elementBlock->AddElementGroup(group);
+    });
 }
 
 std::size_t ElementBlock::elementCount() const {
-    return static_cast<std::size_t>(m_private->m_elementBlock->GetNumElements());
+    return guarded(
+        [&] { return static_cast<std::size_t>(m_private->m_elementBlock->GetNumElements()); });
 }
 
 std::size_t ElementBlock::elementNodeCount() const {
@@ -230,7 +267,8 @@ std::size_t ElementBlock::elementNodeCount() const {
 }
 
 std::size_t ElementBlock::elementGroupCount() const {
-    return static_cast<std::size_t>(m_private->m_elementBlock->GetNumElementGroups());
+    return guarded(
+        [&] { return static_cast<std::size_t>(m_private->m_elementBlock->GetNumElementGroups()); });
 }
 
 ElementBlock::ElementType ElementBlock::elementGroupType(std::size_t groupIndex) const {
@@ -250,12 +288,14 @@ std::size_t ElementBlock::elementGroupElementNodeCount(std::size_t groupIndex) c
 
 bool ElementBlock::elementGroup(std::size_t groupIndex, std::vector<int>* elementNodes,
                                 std::vector<int>* elementIds) const {
-    if (!elementNodes) return fail(kNoOutput);
-    const ZRFxElementBlockGroup* group = groupAt(groupIndex);
-    if (!group) return false;
-    *elementNodes = copyOf(group->m_aiConnectivity);
-    if (elementIds) *elementIds = copyOf(group->m_aiIDs);
-    return true;
+    return guarded([&] {
+        if (!elementNodes) return fail(kNoOutput);
+        const ZRFxElementBlockGroup* group = groupAt(groupIndex);
+        if (!group) return false;
+        *elementNodes = copyOf(group->m_aiConnectivity);
+        if (elementIds) *elementIds = copyOf(group->m_aiIDs);
+        return true;
+    });
 }
 
 const int* ElementBlock::elementNodeData(std::size_t groupIndex) const {
@@ -269,28 +309,39 @@ const int* ElementBlock::elementIdData(std::size_t groupIndex) const {
 }
 
 bool ElementBlock::elementIndices(std::size_t groupIndex, std::vector<int>* indices) const {
-    return copyGroupArray(groupIndex, indices, &ZRFxElementBlockGroup::m_aiElementIndices);
+    return guarded([&] {
+        return copyGroupArray(groupIndex, indices, &ZRFxElementBlockGroup::m_aiElementIndices);
+    });
 }
 
 bool ElementBlock::polyhedronsElementNodeCounts(std::size_t groupIndex,
                                                 std::vector<int>* counts) const {
-    return copyGroupArray(groupIndex, counts,
-                          &ZRFxElementBlockGroup::m_aiPolyhedronElementNodeCounts);
+    return guarded([&] {
+        return copyGroupArray(groupIndex, counts,
+                              &ZRFxElementBlockGroup::m_aiPolyhedronElementNodeCounts);
+    });
 }
 
 bool ElementBlock::polyhedronsFaceCounts(std::size_t groupIndex, std::vector<int>* counts) const {
-    return copyGroupArray(groupIndex, counts, &ZRFxElementBlockGroup::m_aiPolyhedronFaceCounts);
+    return guarded([&] {
+        return copyGroupArray(groupIndex, counts, &ZRFxElementBlockGroup::m_aiPolyhedronFaceCounts);
+    });
 }
 
 bool ElementBlock::polyhedronsFaceNodeCounts(std::size_t groupIndex,
                                              std::vector<int>* counts) const {
-    return copyGroupArray(groupIndex, counts, &ZRFxElementBlockGroup::m_aiPolyhedronFaceNodeCounts);
+    return guarded([&] {
+        return copyGroupArray(groupIndex, counts,
+                              &ZRFxElementBlockGroup::m_aiPolyhedronFaceNodeCounts);
+    });
 }
 
 bool ElementBlock::polyhedronsLocalNodes(std::size_t groupIndex,
                                          std::vector<int>* localNodes) const {
-    return copyGroupArray(groupIndex, localNodes,
-                          &ZRFxElementBlockGroup::m_aiPolyhedronFaceLocalNodes);
+    return guarded([&] {
+        return copyGroupArray(groupIndex, localNodes,
+                              &ZRFxElementBlockGroup::m_aiPolyhedronFaceLocalNodes);
+    });
 }
 
 bool ElementBlock::checkIds(bool isGiven) const {
@@ -321,6 +372,13 @@ bool ElementBlock::checkElements(ElementType elementType, const int* elementNode
     const bool areNodes = !hasNegative(elementNodes, elementCount * nodesPerElement(elementType));
     NVF_ASSERT(areNodes);
     return areNodes;
+}
+
+bool ElementBlock::addGroup(const ZRFxElementBlockGroup& added) {
+    ZRFxElementBlockGroup* last = lastGroupOf(added.m_iElementType);
+    if (last) return extend(*last, added);
+    auto group = std::make_unique<ZRFxElementBlockGroup>();
+    return extend(*group, added) && m_private->m_elementBlock->AddElementGroup(group);
 }
 
 ZRFxElementBlockGroup* ElementBlock::lastGroupOf(int zrElementType) const {

@@ -25,7 +25,7 @@ constexpr const char* kUserExtension = ".txt";
 
 ZRString userEntry(const Str& name) {
     return std::string(unstruct::kUserDataFolder) + unstruct::kFolderSeparator +
-           name.toStdString() + kUserExtension;
+           Convert::toUtf8(name) + kUserExtension;
 }
 
 // Where the highest id that there is stands for an item, the lowest gap.
@@ -39,28 +39,37 @@ int unusedId(const std::set<int>& ids) {
 
 }  // namespace
 
-File::File() : m_private(std::make_unique<FilePrivate>()) {}
+File::File() {
+    guarded([&] { m_private.take(std::make_unique<FilePrivate>()); });
+}
 
 File::~File() = default;
 
+template <typename Open>
+bool File::opened(Open open) {
+    return guarded([&] { return m_private->openOrDrop(open); });
+}
+
 bool File::create(const Str& fileName, const FileSettings& settings) {
     close();
-    if (!ZRFxComponent::isInitialized()) {
-        return fail("ZRFx Component has not been properly initialized.");
-    }
-    if (fileName.isEmpty()) return fail("File name string is NULL.");
-    m_private->reset();
-    m_private->takeSettings(settings);
-    ZRFxAccess& access = *m_private->m_zrfxAccess;
-    if (!access.Open(ZRConvert::toZRString(fileName), ZRZipAccessMode::CREATE)) {
-        return fail("Error creating file.");
-    }
-    m_private->applyCompression();
-    if (!m_private->setPassword(settings.password) || !m_private->writeMainDocument()) {
-        access.Abandon();
-        return fail("Error creating file.");
-    }
-    return true;
+    return opened([&] {
+        if (!ZRFxComponent::isInitialized()) {
+            return fail("ZRFx Component has not been properly initialized.");
+        }
+        if (fileName.isEmpty()) return fail("File name string is NULL.");
+        m_private->reset();
+        m_private->takeSettings(settings);
+        ZRFxAccess& access = *m_private->m_zrfxAccess;
+        if (!access.Open(ZRConvert::toZRString(fileName), ZRZipAccessMode::CREATE)) {
+            return fail("Error creating file.");
+        }
+        m_private->applyCompression();
+        if (!m_private->setPassword(settings.password) || !m_private->writeMainDocument()) {
+            access.Abandon();
+            return fail("Error creating file.");
+        }
+        return true;
+    });
 }
 
 bool File::open(const Str& fileName) {
@@ -68,17 +77,19 @@ bool File::open(const Str& fileName) {
 }
 
 bool File::open(const Str& fileName, const Str& password) {
-    if (!m_private->begin(fileName)) return false;
-    if (!m_private->m_zrfxAccess->Open(ZRConvert::toZRString(fileName),
-                                       ZRZipAccessMode::READ_ONLY)) {
-        return fail("Error opening file.");
-    }
-    if (!m_private->takeFileProperties(fileName, password)) {
-        m_private->m_zrfxAccess->Abandon();
-        return fail("Error opening file.");
-    }
-    m_private->m_openedForReading = true;
-    return readRegistries();
+    return opened([&] {
+        if (!m_private->begin(fileName)) return false;
+        if (!m_private->m_zrfxAccess->Open(ZRConvert::toZRString(fileName),
+                                           ZRZipAccessMode::READ_ONLY)) {
+            return fail("Error opening file.");
+        }
+        if (!m_private->takeFileProperties(fileName, password)) {
+            m_private->m_zrfxAccess->Abandon();
+            return fail("Error opening file.");
+        }
+        m_private->m_openedForReading = true;
+        return readRegistries();
+    });
 }
 
 bool File::openForAppend(const Str& fileName) {
@@ -87,157 +98,182 @@ bool File::openForAppend(const Str& fileName) {
 
 bool File::openForAppend(const Str& fileName, const Str& password) {
     close();
-    if (!m_private->begin(fileName)) return false;
-    if (!m_private->m_zrfxAccess->Open(ZRConvert::toZRString(fileName), ZRZipAccessMode::UPDATE)) {
-        return fail("Error creating file.");
-    }
-    if (!m_private->takeFileProperties(fileName, password) || !m_private->renewVendorInfo()) {
-        m_private->m_zrfxAccess->Abandon();
-        return fail("Error creating file.");
-    }
-    return readRegistries();
+    return opened([&] {
+        if (!m_private->begin(fileName)) return false;
+        if (!m_private->m_zrfxAccess->Open(ZRConvert::toZRString(fileName),
+                                           ZRZipAccessMode::UPDATE)) {
+            return fail("Error creating file.");
+        }
+        if (!m_private->takeFileProperties(fileName, password) || !m_private->renewVendorInfo()) {
+            m_private->m_zrfxAccess->Abandon();
+            return fail("Error creating file.");
+        }
+        return readRegistries();
+    });
 }
 
 bool File::flush() {
-    if (!m_private->isOpen()) return false;
-    if (m_private->m_openedForReading) return fail("Error writing file.");
-    for (const auto& database : m_private->m_databases) {
-        if (!database->m_private->flush()) {
-            return fail("Could not write database (id %1) to file.", database->id());
+    return guarded([&] {
+        if (!m_private->isOpen()) return false;
+        if (m_private->m_openedForReading) return fail("Error writing file.");
+        for (const auto& database : m_private->m_databases) {
+            if (!database->m_private->flush()) {
+                return fail("Could not write database (id %1) to file.", database->id());
+            }
         }
-    }
-    return writeCases() && (m_private->m_zrfxAccess->Commit() || fail("Error writing file."));
+        return writeCases() && (m_private->m_zrfxAccess->Commit() || fail("Error writing file."));
+    });
 }
 
 bool File::close() {
-    if (!m_private->isOpen()) return false;
-    if (!m_private->m_openedForReading && !(writeDatabases() && writeCases())) return false;
-    if (!m_private->m_zrfxAccess->Close()) return fail("Error writing file.");
-    m_private->dropAll();
-    m_private->m_zrfxAccess.reset();
-    return true;
+    return guarded([&] {
+        if (!m_private->isOpen()) return false;
+        if (!m_private->m_openedForReading && !(writeDatabases() && writeCases())) return false;
+        if (!m_private->m_zrfxAccess->Close()) return fail("Error writing file.");
+        m_private->drop();
+        return true;
+    });
 }
 
 bool File::closeAs(const Str& fileName) {
-    if (!m_private->isOpen()) return false;
-    if (m_private->m_openedForReading) return fail("Error writing file.");
-    if (!writeDatabases() || !writeCases()) return false;
-    if (!m_private->m_zrfxAccess->CloseAs(ZRConvert::toZRString(fileName))) {
-        return fail("Error writing file.");
-    }
-    m_private->dropAll();
-    m_private->m_zrfxAccess.reset();
-    return true;
+    return guarded([&] {
+        if (!m_private->isOpen()) return false;
+        if (m_private->m_openedForReading) return fail("Error writing file.");
+        if (!writeDatabases() || !writeCases()) return false;
+        if (!m_private->m_zrfxAccess->CloseAs(ZRConvert::toZRString(fileName))) {
+            return fail("Error writing file.");
+        }
+        m_private->drop();
+        return true;
+    });
 }
 
 void File::abandon() {
-    if (!m_private->isOpen()) return;
-    m_private->m_zrfxAccess->Abandon();
-    m_private->dropAll();
-    m_private->m_zrfxAccess.reset();
+    guarded([&] {
+        if (!m_private->isOpen()) return;
+        m_private->m_zrfxAccess->Abandon();
+        m_private->drop();
+    });
 }
 
 bool File::refresh(bool* isChanged) {
-    if (isChanged) *isChanged = false;
-    if (!m_private->isOpen()) return false;
-    if (!m_private->m_openedForReading) {
-        return fail("A file that is open for writing cannot be refreshed.");
-    }
-    unstruct::ZRFxArchiveChanges changes;
-    if (!m_private->m_zrfxAccess->Refresh(&changes)) return fail("Error refreshing file.");
-    if (isChanged) *isChanged = changes.bAny;
-    if (!changes.bAny) return true;
-    const ZRFxAccess::BoundedReading bounded(m_private->m_zrfxAccess.get());
-    m_private->m_userTextEntries.clear();
-    return refreshDatabases(changes) && refreshCases(changes);
+    return guarded([&] {
+        if (isChanged) *isChanged = false;
+        if (!m_private->isOpen()) return false;
+        if (!m_private->m_openedForReading) {
+            return fail("A file that is open for writing cannot be refreshed.");
+        }
+        unstruct::ZRFxArchiveChanges changes;
+        if (!m_private->m_zrfxAccess->Refresh(&changes)) return fail("Error refreshing file.");
+        if (isChanged) *isChanged = changes.bAny;
+        if (!changes.bAny) return true;
+        const ZRFxAccess::BoundedReading bounded(m_private->m_zrfxAccess.get());
+        m_private->m_userTextEntries.clear();
+        return refreshDatabases(changes) && refreshCases(changes);
+    });
 }
 
 bool File::isZRFxFile(const Str& fileName) {
-    return ZRFxAccess::IsZRFxFile(ZRConvert::toZRString(fileName));
+    return guarded([&] { return ZRFxAccess::IsZRFxFile(ZRConvert::toZRString(fileName)); });
 }
 
 std::size_t File::databaseCount() const {
-    return m_private->m_databases.size();
+    return guarded([&] { return m_private->m_databases.size(); });
 }
 
 Database* File::database(std::size_t index) {
-    return index < databaseCount() ? m_private->m_databases[index].p() : nullptr;
+    return guarded(
+        [&] { return index < databaseCount() ? m_private->m_databases[index].p() : nullptr; });
 }
 
 std::size_t File::fileCaseCount() const {
-    return m_private->m_cases.size();
+    return guarded([&] { return m_private->m_cases.size(); });
 }
 
 Case* File::fileCase(std::size_t index) {
-    return index < fileCaseCount() ? m_private->m_cases[index].p() : nullptr;
+    return guarded(
+        [&] { return index < fileCaseCount() ? m_private->m_cases[index].p() : nullptr; });
 }
 
 const Case* File::fileCase(std::size_t index) const {
-    return index < fileCaseCount() ? m_private->m_cases[index].p() : nullptr;
+    return guarded(
+        [&] { return index < fileCaseCount() ? m_private->m_cases[index].p() : nullptr; });
 }
 
 int File::unusedDatabaseId() const {
-    if (!m_private->isOpen()) {
-        fail("Error writing file.");
-        return -1;
-    }
-    return unusedId(m_private->m_databaseIds);
+    return guarded(-1, [&]() -> int {
+        if (!m_private->isOpen()) {
+            fail("Error writing file.");
+            return -1;
+        }
+        return unusedId(m_private->m_databaseIds);
+    });
 }
 
 int File::unusedFileCaseId() const {
-    return unusedId(m_private->m_caseIds);
+    return guarded(-1, [&] { return unusedId(m_private->m_caseIds); });
 }
 
 bool File::addUserTextFile(const Str& fileName, const Str& content) {
-    NVF_ASSERT(m_private->m_zrfxAccess);
-    if (!m_private->isOpen()) return false;
-    if (fileName.isEmpty()) return fail("Given file name string was empty.");
-    if (content.isEmpty()) return fail("Given file content string was empty.");
-    const std::string text = content.toStdString();
-    return (ZRConvert::isFileName(fileName) &&
-            m_private->m_zrfxAccess->WriteDataRaw(userEntry(fileName), text.data(), text.size(),
-                                                  true)) ||
-           fail("Error writing the user file to the ZRFx file.");
+    return guarded([&] {
+        NVF_ASSERT(m_private->m_zrfxAccess);
+        if (!m_private->isOpen()) return false;
+        if (fileName.isEmpty()) return fail("Given file name string was empty.");
+        if (content.isEmpty()) return fail("Given file content string was empty.");
+        const std::string text = Convert::toUtf8(content);
+        return (ZRConvert::isFileName(fileName) &&
+                m_private->m_zrfxAccess->WriteDataRaw(userEntry(fileName), text.data(), text.size(),
+                                                      true)) ||
+               fail("Error writing the user file to the ZRFx file.");
+    });
 }
 
 std::size_t File::userTextFileCount() const {
-    return m_private->userTextEntries().size();
+    return guarded([&] { return m_private->userTextEntries().size(); });
 }
 
 Str File::userTextFileName(std::size_t index) const {
-    const ZRStringArray& entries = m_private->userTextEntries();
-    if (index >= entries.size()) {
-        fail("No user text file was found at index %1", index);
-        return Str();
-    }
-    const std::string name = entries[index].FileName().Bytes();
-    const std::string extension = kUserExtension;
-    return name.ends_with(extension) ? name.substr(0, name.size() - extension.size()) : name;
+    return guarded([&]() -> Str {
+        const ZRStringArray& entries = m_private->userTextEntries();
+        if (index >= entries.size()) {
+            fail("No user text file was found at index %1", index);
+            return Str();
+        }
+        const std::string name = entries[index].FileName().Bytes();
+        const std::string extension = kUserExtension;
+        const bool isWithout = !name.ends_with(extension);
+        return isWithout ? name : name.substr(0, name.size() - extension.size());
+    });
 }
 
 Str File::userTextFileContent(std::size_t index) const {
-    const ZRStringArray& entries = m_private->userTextEntries();
-    if (index >= entries.size()) {
-        fail("No user text file was found at index %1", index);
-        return Str();
-    }
-    ZRString content;
-    if (!m_private->m_zrfxAccess->ReadDataString(entries[index], &content)) {
-        fail("Not able to read user text file : %1", entries[index].FileName());
-    }
-    return ZRConvert::toStr(content);
+    return guarded([&]() -> Str {
+        const ZRStringArray& entries = m_private->userTextEntries();
+        if (index >= entries.size()) {
+            fail("No user text file was found at index %1", index);
+            return Str();
+        }
+        ZRString content;
+        if (!m_private->m_zrfxAccess->ReadDataString(entries[index], &content)) {
+            fail("Not able to read user text file : %1", entries[index].FileName());
+        }
+        return ZRConvert::toStr(content);
+    });
 }
 
 const FileSettings* File::settings() const {
-    return &m_private->m_settings;
+    static const FileSettings kNone;
+    return m_private.isNull() ? &kNone : &m_private->m_settings;
 }
 
 unstruct::ZRFxAccess* File::internal_access() const {
-    return m_private->isOpen() ? m_private->m_zrfxAccess.get() : nullptr;
+    const bool isOpen = !m_private.isNull() && m_private->isOpen();
+    return isOpen ? m_private->m_zrfxAccess.get() : nullptr;
 }
 
 unstruct::ZRFxAccess* File::writableAccess() const {
-    return m_private->m_openedForReading ? nullptr : internal_access();
+    unstruct::ZRFxAccess* const access = internal_access();
+    return access && !m_private->m_openedForReading ? access : nullptr;
 }
 
 bool File::isNewDatabaseId(int id) const {
@@ -246,17 +282,16 @@ bool File::isNewDatabaseId(int id) const {
 }
 
 bool File::addDatabase(Database* database) {
-    if (!isNewDatabaseId(database->id())) return false;
-    m_private->m_databaseIds.insert(database->id());
-    m_private->m_databases.emplace_back(database);
+    const int id = database->id();
+    if (!isNewDatabaseId(id)) return false;
+    FilePrivate::NewId(&m_private->m_databases, &m_private->m_databaseIds, id).giveTo(database);
     return true;
 }
 
 bool File::addCase(Case* fileCase) {
-    if (!m_private->m_caseIds.insert(fileCase->id()).second) {
-        return fail("Case with id %1 already registered.", fileCase->id());
-    }
-    m_private->m_cases.emplace_back(fileCase);
+    const int id = fileCase->id();
+    if (m_private->m_caseIds.count(id) > 0) return fail("Case with id %1 already registered.", id);
+    FilePrivate::NewId(&m_private->m_cases, &m_private->m_caseIds, id).giveTo(fileCase);
     return true;
 }
 

@@ -96,11 +96,10 @@ bool FilePrivate::renewVendorInfo() {
 
 const ZRStringArray& FilePrivate::userTextEntries() {
     NVF_ASSERT(m_zrfxAccess);
-    if (!isOpen()) {
-        m_userTextEntries.clear();
-    } else if (m_userTextEntries.empty() || !m_openedForReading) {
-        m_zrfxAccess->FindFiles(unstruct::kUserDataFolder, false, &m_userTextEntries);
-    }
+    if (isOpen() && m_openedForReading && !m_userTextEntries.empty()) return m_userTextEntries;
+    ZRStringArray found;
+    if (isOpen()) m_zrfxAccess->FindFiles(unstruct::kUserDataFolder, false, &found);
+    m_userTextEntries.swap(found);
     return m_userTextEntries;
 }
 

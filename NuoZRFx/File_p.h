@@ -8,6 +8,7 @@
 #include "NuoZRFx/Case.h"
 #include "NuoZRFx/Database.h"
 #include "NuoZRFx/FileSettings.h"
+#include "ZRMakeRoom.h"
 #include "ZROZRFxAccess.h"
 
 namespace nuo::zrfx {
@@ -15,6 +16,34 @@ namespace nuo::zrfx {
 /// What a File holds. The archive is there exactly while a file is open, or failed to open.
 class FilePrivate {
 public:
+    /// An id taken for a new item of the file, and free again unless an item is given to it. All
+    /// memory that this needs is taken first, so that giving cannot fail.
+    template <typename Item>
+    class NewId {
+    public:
+        NewId(std::vector<PtrRef<Item>>* items, std::set<int>* ids, int id)
+            : m_items(*items), m_ids(*ids), m_id(id) {
+            unstruct::MakeRoom(&m_items);
+            m_ids.insert(id);
+        }
+        NewId(const NewId&) = delete;
+        NewId& operator=(const NewId&) = delete;
+        ~NewId() {
+            if (!m_isGiven) m_ids.erase(m_id);
+        }
+
+        void giveTo(Item* item) {
+            m_items.emplace_back(item);
+            m_isGiven = true;
+        }
+
+    private:
+        std::vector<PtrRef<Item>>& m_items;
+        std::set<int>& m_ids;
+        int m_id;
+        bool m_isGiven = false;
+    };
+
     ~FilePrivate();
 
     bool isOpen() const { return m_zrfxAccess && m_zrfxAccess->IsOpen(); }
@@ -24,6 +53,18 @@ public:
 
     /// What opening a file begins with: checks, then a new archive.
     bool begin(const Str& fileName);
+
+    /// Runs what opens or creates a file. When it throws, nothing is open afterwards.
+    template <typename Open>
+    bool openOrDrop(Open open) {
+        try {
+            return open();
+        } catch (...) {
+            dropAll();
+            if (m_zrfxAccess) m_zrfxAccess->Abandon();
+            throw;
+        }
+    }
 
     /// Gives the archive the compression level of the settings, clamped to what there is.
     void applyCompression();
@@ -56,6 +97,12 @@ public:
 
     /// Drops the database that was added last and could not be read.
     void dropLastDatabase();
+
+    /// Lets go of the archive, which is closed, with all databases and cases.
+    void drop() {
+        dropAll();
+        m_zrfxAccess.reset();
+    }
 
     /// Detaches databases and cases from the archive and gives the references to them back.
     void dropAll();

@@ -1,6 +1,8 @@
 #include "NuoZRFx/GeometryBlock.h"
 
 #include <map>
+#include <memory>
+#include <utility>
 
 #include "Log_p.h"
 #include "ZROZRFxGeometryBlock.h"
@@ -36,19 +38,33 @@ int checkedGeometryCount(std::size_t geometryCountPerState) {
 class GeometryBlockPrivate {
 public:
     // Without a state, the first record is meant, whatever its state.
-    ZRFxGeometryState* firstState() const {
-        ZRFxGeometryState* first = m_geometryBlock->GetState(0);
-        return first ? first : m_geometryBlock->AddState(kAllStates);
+    int firstStateId() const {
+        const ZRFxGeometryState* first = m_geometryBlock->GetState(0);
+        return first ? first->GetStateID() : kAllStates;
     }
+
+    // Changes the record of a state. A new one belongs to the block once it is as it should be.
+    template <typename Change>
+    bool changeState(int stateId, Change change) const {
+        ZRFxGeometryState* state = m_geometryBlock->FindState(stateId);
+        if (state) return change(*state);
+        auto added = std::make_unique<ZRFxGeometryState>(stateId, geometryCount());
+        return change(*added) && m_geometryBlock->AddState(std::move(added));
+    }
+
+    int geometryCount() const { return m_geometryBlock->GetGeometryCountPerState(); }
 
     nvf::ref<ZRFxGeometryBlock> m_geometryBlock;
 };
 
-GeometryBlock::GeometryBlock(std::size_t geometryCountPerState)
-    : Block(kBlockId, GEOMETRY), m_private(std::make_unique<GeometryBlockPrivate>()) {
-    m_private->m_geometryBlock = new ZRFxGeometryBlock(nullptr, kBlockId);
-    m_private->m_geometryBlock->SetGeometryCountPerState(
-        checkedGeometryCount(geometryCountPerState));
+GeometryBlock::GeometryBlock(std::size_t geometryCountPerState) : Block(kBlockId, GEOMETRY) {
+    guarded([&] {
+        auto made = std::make_unique<GeometryBlockPrivate>();
+        made->m_geometryBlock = new ZRFxGeometryBlock(nullptr, kBlockId);
+        made->m_geometryBlock->SetGeometryCountPerState(
+            checkedGeometryCount(geometryCountPerState));
+        m_private.take(std::move(made));
+    });
 }
 
 GeometryBlock::GeometryBlock(ZRFxGeometryBlock* geometryBlock, int blockId)
@@ -59,66 +75,79 @@ GeometryBlock::GeometryBlock(ZRFxGeometryBlock* geometryBlock, int blockId)
 GeometryBlock::~GeometryBlock() = default;
 
 bool GeometryBlock::checkValidity() const {
-    if (stateCount() == 0) {
-        return fail(
-            "No states defined in geometry block, at least one state definition is required.");
-    }
-    const ZRFxGeometryState& first = *m_private->m_geometryBlock->GetState(0);
-    for (std::int64_t i = 1; i < m_private->m_geometryBlock->GetStateCount(); ++i) {
-        if (!hasSameParts(first, *m_private->m_geometryBlock->GetState(i))) return false;
-    }
-    return Block::checkValidity();
+    return guarded([&] {
+        if (stateCount() == 0) {
+            return fail(
+                "No states defined in geometry block, at least one state definition is required.");
+        }
+        const ZRFxGeometryState& first = *m_private->m_geometryBlock->GetState(0);
+        for (std::int64_t i = 1; i < m_private->m_geometryBlock->GetStateCount(); ++i) {
+            if (!hasSameParts(first, *m_private->m_geometryBlock->GetState(i))) return false;
+        }
+        return Block::checkValidity();
+    });
 }
 
 unstruct::ZRFxBlock* GeometryBlock::internal_zrfxBlock() const {
-    return m_private->m_geometryBlock.p();
+    return guarded([&] { return m_private->m_geometryBlock.p(); });
 }
 
 bool GeometryBlock::addElementBlock(std::size_t geometryIndex, int elementBlockId, int partId) {
-    return checkGeometry(geometryIndex) && checkPart(elementBlockId, partId) &&
-           addPart(*m_private->firstState(), geometryIndex, elementBlockId, partId);
+    return guarded([&] {
+        if (!checkGeometry(geometryIndex) || !checkPart(elementBlockId, partId)) return false;
+        return m_private->changeState(m_private->firstStateId(), [&](ZRFxGeometryState& state) {
+            return addPart(state, geometryIndex, elementBlockId, partId);
+        });
+    });
 }
 
 bool GeometryBlock::addElementBlockForState(std::size_t geometryIndex, int elementBlockId,
                                             int partId, int stateId) {
-    if (!checkGeometry(geometryIndex)) return false;
-    if (stateId < 0) return fail("stateId cannot be negative.");
-    if (!checkPart(elementBlockId, partId)) return false;
-    ZRFxGeometryState* state = m_private->m_geometryBlock->FindState(stateId);
-    if (!state) state = m_private->m_geometryBlock->AddState(stateId);
-    return addPart(*state, geometryIndex, elementBlockId, partId);
+    return guarded([&] {
+        if (!checkGeometry(geometryIndex)) return false;
+        if (stateId < 0) return fail("stateId cannot be negative.");
+        if (!checkPart(elementBlockId, partId)) return false;
+        return m_private->changeState(stateId, [&](ZRFxGeometryState& state) {
+            return addPart(state, geometryIndex, elementBlockId, partId);
+        });
+    });
 }
 
 bool GeometryBlock::setElementBlocks(std::size_t geometryIndex,
                                      const std::vector<int>& elementBlockIds,
                                      const std::vector<int>& partIds) {
-    const ZRFxGeometryState* first = m_private->m_geometryBlock->GetState(0);
-    return setElementBlocksForState(geometryIndex, elementBlockIds,
-                                    first ? first->GetStateID() : kAllStates, partIds);
+    return guarded([&] {
+        return setElementBlocksForState(geometryIndex, elementBlockIds, m_private->firstStateId(),
+                                        partIds);
+    });
 }
 
 bool GeometryBlock::setElementBlocksForState(std::size_t geometryIndex,
                                              const std::vector<int>& elementBlockIds, int stateId,
                                              const std::vector<int>& partIds) {
-    if (!checkGeometry(geometryIndex) || !checkParts(elementBlockIds, stateId, partIds)) {
-        return false;
-    }
-    ZRFxGeometryState* state = m_private->m_geometryBlock->FindState(stateId);
-    if (!state) state = m_private->m_geometryBlock->AddState(stateId);
-    const int geometry = static_cast<int>(geometryIndex);
-    state->RemoveParts(geometry);
-    for (std::size_t i = 0; i < partIds.size(); ++i) {
-        state->AddPart(geometry, {-1, elementBlockIds[i], unstruct::BLOCK_ELEMENTS, partIds[i]});
-    }
-    return true;
+    return guarded([&] {
+        if (!checkGeometry(geometryIndex) || !checkParts(elementBlockIds, stateId, partIds)) {
+            return false;
+        }
+        std::vector<ZRFxGeometryPart> parts;
+        for (std::size_t i = 0; i < partIds.size(); ++i) {
+            parts.push_back({-1, elementBlockIds[i], unstruct::BLOCK_ELEMENTS, partIds[i]});
+        }
+        return m_private->changeState(stateId, [&](ZRFxGeometryState& state) {
+            return state.SetParts(static_cast<int>(geometryIndex), std::move(parts));
+        });
+    });
 }
 
 std::size_t GeometryBlock::geometryCountPerState() const {
-    return static_cast<std::size_t>(m_private->m_geometryBlock->GetGeometryCountPerState());
+    return guarded([&] {
+        return static_cast<std::size_t>(m_private->m_geometryBlock->GetGeometryCountPerState());
+    });
 }
 
 std::size_t GeometryBlock::stateCount() const {
-    return static_cast<std::size_t>(m_private->m_geometryBlock->GetStateCount());
+    return guarded(
+        [&] { return static_cast<std::size_t>(m_private->m_geometryBlock->GetStateCount()); });
 }
 
 int GeometryBlock::stateId(std::size_t stateIndex) const {
@@ -135,11 +164,13 @@ std::size_t GeometryBlock::partCount(std::size_t geometryIndex, std::size_t stat
 
 std::vector<int> GeometryBlock::elementBlockIds(std::size_t geometryIndex,
                                                 std::size_t stateIndex) const {
-    return idsOfParts(geometryIndex, stateIndex, &ZRFxGeometryPart::blockID);
+    return guarded(
+        [&] { return idsOfParts(geometryIndex, stateIndex, &ZRFxGeometryPart::blockID); });
 }
 
 std::vector<int> GeometryBlock::partIds(std::size_t geometryIndex, std::size_t stateIndex) const {
-    return idsOfParts(geometryIndex, stateIndex, &ZRFxGeometryPart::partID);
+    return guarded(
+        [&] { return idsOfParts(geometryIndex, stateIndex, &ZRFxGeometryPart::partID); });
 }
 
 bool GeometryBlock::checkGeometry(std::size_t geometryIndex) const {

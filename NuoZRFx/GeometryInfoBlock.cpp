@@ -28,12 +28,17 @@ public:
 };
 
 GeometryInfoBlock::GeometryInfoBlock(std::size_t geometryCountPerState)
-    : Block(kBlockId, GEOMETRY_INFO), m_private(std::make_unique<GeometryInfoBlockPrivate>()) {
-    m_private->m_geometryInfoBlock = new ZRFxGeometryInfoBlock(nullptr, kBlockId);
-    NVF_ASSERT(geometryCountPerState <= std::size_t{unstruct::kMostGeometriesPerState});
-    const bool isValid = geometryCountPerState <= std::size_t{unstruct::kMostGeometriesPerState};
-    m_private->m_geometryInfoBlock->SetGeometryCountPerState(
-        isValid ? static_cast<int>(geometryCountPerState) : 0);
+    : Block(kBlockId, GEOMETRY_INFO) {
+    guarded([&] {
+        auto made = std::make_unique<GeometryInfoBlockPrivate>();
+        made->m_geometryInfoBlock = new ZRFxGeometryInfoBlock(nullptr, kBlockId);
+        NVF_ASSERT(geometryCountPerState <= std::size_t{unstruct::kMostGeometriesPerState});
+        const bool isValid =
+            geometryCountPerState <= std::size_t{unstruct::kMostGeometriesPerState};
+        made->m_geometryInfoBlock->SetGeometryCountPerState(
+            isValid ? static_cast<int>(geometryCountPerState) : 0);
+        m_private.take(std::move(made));
+    });
 }
 
 GeometryInfoBlock::GeometryInfoBlock(ZRFxGeometryInfoBlock* geometryInfoBlock, int blockId)
@@ -44,19 +49,23 @@ GeometryInfoBlock::GeometryInfoBlock(ZRFxGeometryInfoBlock* geometryInfoBlock, i
 GeometryInfoBlock::~GeometryInfoBlock() = default;
 
 unstruct::ZRFxBlock* GeometryInfoBlock::internal_zrfxBlock() const {
-    return m_private->m_geometryInfoBlock.p();
+    return guarded([&] { return m_private->m_geometryInfoBlock.p(); });
 }
 
 bool GeometryInfoBlock::addPartInfo(std::size_t geometryIndex, int partId, const Str& partName) {
-    ZRFxPartInfos* parts = partsOf(geometryIndex);
-    if (!parts) return false;
-    if (partId < 0) return fail("partId cannot be negative.");
-    parts->AddPartInfo({partId, -1, ZRConvert::toZRString(partName), false});
-    return true;
+    return guarded([&] {
+        ZRFxPartInfos* parts = partsOf(geometryIndex);
+        if (!parts) return false;
+        if (partId < 0) return fail("partId cannot be negative.");
+        parts->AddPartInfo({partId, -1, ZRConvert::toZRString(partName), false});
+        return true;
+    });
 }
 
 std::size_t GeometryInfoBlock::geometryCountPerState() const {
-    return static_cast<std::size_t>(m_private->m_geometryInfoBlock->GetGeometryCountPerState());
+    return guarded([&] {
+        return static_cast<std::size_t>(m_private->m_geometryInfoBlock->GetGeometryCountPerState());
+    });
 }
 
 std::size_t GeometryInfoBlock::partCount(std::size_t geometryIndex) const {
@@ -70,8 +79,10 @@ int GeometryInfoBlock::partId(std::size_t geometryIndex, std::size_t partIndex) 
 }
 
 Str GeometryInfoBlock::partName(std::size_t geometryIndex, std::size_t partIndex) const {
-    const ZRFxPartInfos* parts = partsOf(geometryIndex);
-    return parts ? ZRConvert::toStr(parts->GetPartInfo(partNumber(partIndex)).partName) : Str();
+    return guarded([&] {
+        const ZRFxPartInfos* parts = partsOf(geometryIndex);
+        return parts ? ZRConvert::toStr(parts->GetPartInfo(partNumber(partIndex)).partName) : Str();
+    });
 }
 
 ZRFxPartInfos* GeometryInfoBlock::partsOf(std::size_t geometryIndex) const {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "nuo/Convert.h"
+#include "nuo/Guard.h"
 #include "nvf/LogManager.h"
 
 namespace nuo::zrfx {

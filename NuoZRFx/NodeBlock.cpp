@@ -22,12 +22,15 @@ public:
     bool m_hasNodeIds = false;
 };
 
-NodeBlock::NodeBlock(int blockId, bool withNodeIds)
-    : Block(blockId, NODES), m_private(std::make_unique<NodeBlockPrivate>()) {
-    m_private->m_nodeBlock = new ZRFxNodeBlock(nullptr, blockId);
-    m_private->m_hasNodeIds = withNodeIds;
-    m_private->m_nodeBlock->SetNodes(ZRVec3fArray(),
-                                     withNodeIds ? std::make_unique<ZRIntArray>() : nullptr);
+NodeBlock::NodeBlock(int blockId, bool withNodeIds) : Block(blockId, NODES) {
+    guarded([&] {
+        auto made = std::make_unique<NodeBlockPrivate>();
+        made->m_nodeBlock = new ZRFxNodeBlock(nullptr, blockId);
+        made->m_hasNodeIds = withNodeIds;
+        made->m_nodeBlock->SetNodes(ZRVec3fArray(),
+                                    withNodeIds ? std::make_unique<ZRIntArray>() : nullptr);
+        m_private.take(std::move(made));
+    });
 }
 
 NodeBlock::NodeBlock(ZRFxNodeBlock* nodeBlock)
@@ -39,18 +42,22 @@ NodeBlock::NodeBlock(ZRFxNodeBlock* nodeBlock)
 NodeBlock::~NodeBlock() = default;
 
 unstruct::ZRFxBlock* NodeBlock::internal_zrfxBlock() const {
-    return m_private->m_nodeBlock.p();
+    return guarded([&] { return m_private->m_nodeBlock.p(); });
 }
 
 bool NodeBlock::allocateNodes(std::size_t count) {
-    return count <= std::numeric_limits<std::int64_t>::max() &&
-           m_private->m_nodeBlock->Reserve(static_cast<std::int64_t>(count));
+    return guarded([&] {
+        return count <= std::numeric_limits<std::int64_t>::max() &&
+               m_private->m_nodeBlock->Reserve(static_cast<std::int64_t>(count));
+    });
 }
 
 bool NodeBlock::addNode(const Vec3f& node, int nodeId) {
-    const bool withNodeIds = hasNodeIds();
-    NVF_ASSERT((nodeId >= 0 && withNodeIds) || (nodeId < 0 && !withNodeIds));
-    return (nodeId >= 0) == withNodeIds && m_private->m_nodeBlock->AddNode(node, nodeId);
+    return guarded([&] {
+        const bool withNodeIds = hasNodeIds();
+        NVF_ASSERT((nodeId >= 0 && withNodeIds) || (nodeId < 0 && !withNodeIds));
+        return (nodeId >= 0) == withNodeIds && m_private->m_nodeBlock->AddNode(node, nodeId);
+    });
 }
 
 bool NodeBlock::addNode(float x, float y, float z, int nodeId) {
@@ -58,68 +65,83 @@ bool NodeBlock::addNode(float x, float y, float z, int nodeId) {
 }
 
 bool NodeBlock::setNodes(const std::vector<Vec3f>& nodes, const std::vector<int>& nodeIds) {
-    if (!checkIds(nodes.data(), nodes.size(), nodeIds)) return false;
-    return m_private->m_nodeBlock->SetNodes(nodes.data(), static_cast<std::int64_t>(nodes.size()),
-                                            nodeIds.empty() ? nullptr : nodeIds.data());
+    return guarded([&] {
+        if (!checkIds(nodes.data(), nodes.size(), nodeIds)) return false;
+        return m_private->m_nodeBlock->SetNodes(nodes.data(),
+                                                static_cast<std::int64_t>(nodes.size()),
+                                                nodeIds.empty() ? nullptr : nodeIds.data());
+    });
 }
 
 bool NodeBlock::setNodes(const std::vector<float>& coordinates, const std::vector<int>& nodeIds) {
-    NVF_ASSERT(coordinates.size() % 3 == 0);
-    if (coordinates.size() % 3 != 0) return false;
-    const auto* nodes = reinterpret_cast<const Vec3f*>(coordinates.data());
-    if (!checkIds(nodes, coordinates.size() / 3, nodeIds)) return false;
-    return m_private->m_nodeBlock->SetNodes(nodes,
-                                            static_cast<std::int64_t>(coordinates.size() / 3),
-                                            nodeIds.empty() ? nullptr : nodeIds.data());
+    return guarded([&] {
+        NVF_ASSERT(coordinates.size() % 3 == 0);
+        if (coordinates.size() % 3 != 0) return false;
+        const auto* nodes = reinterpret_cast<const Vec3f*>(coordinates.data());
+        if (!checkIds(nodes, coordinates.size() / 3, nodeIds)) return false;
+        return m_private->m_nodeBlock->SetNodes(nodes,
+                                                static_cast<std::int64_t>(coordinates.size() / 3),
+                                                nodeIds.empty() ? nullptr : nodeIds.data());
+    });
 }
 
 bool NodeBlock::setNodeData(const float* coordinates, std::size_t nodeCount, const int* nodeIds) {
-    if (!coordinates || nodeCount == 0) {
-        return fail("Given pointer to node coordinates was NULL. (block id %1)", blockId());
-    }
-    const bool withNodeIds = hasNodeIds();
-    NVF_ASSERT((nodeIds != nullptr) == withNodeIds);
-    if ((nodeIds != nullptr) != withNodeIds) return false;
-    const auto count = static_cast<std::int64_t>(nodeCount);
-    ZRVec3fArray nodes;
-    nodes.Refer(reinterpret_cast<const Vec3f*>(coordinates), count);
-    std::unique_ptr<ZRIntArray> ids;
-    if (nodeIds) {
-        ids = std::make_unique<ZRIntArray>();
-        ids->Refer(nodeIds, count);
-    }
-    return m_private->m_nodeBlock->SetNodes(std::move(nodes), std::move(ids));
+    return guarded([&] {
+        if (!coordinates || nodeCount == 0) {
+            return fail("Given pointer to node coordinates was NULL. (block id %1)", blockId());
+        }
+        const bool withNodeIds = hasNodeIds();
+        NVF_ASSERT((nodeIds != nullptr) == withNodeIds);
+        if ((nodeIds != nullptr) != withNodeIds) return false;
+        const auto count = static_cast<std::int64_t>(nodeCount);
+        ZRVec3fArray nodes;
+        nodes.Refer(reinterpret_cast<const Vec3f*>(coordinates), count);
+        std::unique_ptr<ZRIntArray> ids;
+        if (nodeIds) {
+            ids = std::make_unique<ZRIntArray>();
+            ids->Refer(nodeIds, count);
+        }
+        return m_private->m_nodeBlock->SetNodes(std::move(nodes), std::move(ids));
+    });
 }
 
 std::size_t NodeBlock::nodeCount() const {
-    return static_cast<std::size_t>(m_private->m_nodeBlock->GetNumNodes());
+    return guarded([&] { return static_cast<std::size_t>(m_private->m_nodeBlock->GetNumNodes()); });
 }
 
 bool NodeBlock::hasNodeIds() const {
-    return m_private->m_hasNodeIds;
+    return guarded([&] { return m_private->m_hasNodeIds; });
 }
 
 std::vector<Vec3f> NodeBlock::nodes() const {
-    const ZRVec3fArray& nodes = m_private->m_nodeBlock->GetNodes();
-    return std::vector<Vec3f>(nodes.begin(), nodes.end());
+    return guarded([&] {
+        const ZRVec3fArray& nodes = m_private->m_nodeBlock->GetNodes();
+        return std::vector<Vec3f>(nodes.begin(), nodes.end());
+    });
 }
 
 std::vector<int> NodeBlock::nodeIds() const {
-    const ZRIntArray* ids = m_private->m_nodeBlock->GetNodeIDs();
-    return ids ? std::vector<int>(ids->begin(), ids->end()) : std::vector<int>();
+    return guarded([&] {
+        const ZRIntArray* ids = m_private->m_nodeBlock->GetNodeIDs();
+        return ids ? std::vector<int>(ids->begin(), ids->end()) : std::vector<int>();
+    });
 }
 
 const float* NodeBlock::nodeData() const {
-    return reinterpret_cast<const float*>(m_private->m_nodeBlock->GetNodes().Data());
+    return guarded(
+        [&] { return reinterpret_cast<const float*>(m_private->m_nodeBlock->GetNodes().Data()); });
 }
 
 const int* NodeBlock::nodeIdData() const {
-    const ZRIntArray* ids = m_private->m_nodeBlock->GetNodeIDs();
-    return ids ? ids->Data() : nullptr;
+    return guarded([&] {
+        const ZRIntArray* ids = m_private->m_nodeBlock->GetNodeIDs();
+        return ids ? ids->Data() : nullptr;
+    });
 }
 
 int NodeBlock::nodeIndex(int nodeId) const {
-    return static_cast<int>(m_private->m_nodeBlock->GetNodeIndex(nodeId));
+    return guarded(-1,
+                   [&] { return static_cast<int>(m_private->m_nodeBlock->GetNodeIndex(nodeId)); });
 }
 
 bool NodeBlock::checkIds(const Vec3f* nodes, std::size_t nodeCount,

@@ -1,9 +1,12 @@
 #include "NuoZRFx/ResultBlock.h"
 
 #include <map>
+#include <utility>
 
+#include "Change_p.h"
 #include "Convert_p.h"
 #include "StateValues_p.h"
+#include "ZRMakeRoom.h"
 #include "ZROZRFxResultBlock.h"
 
 namespace nuo::zrfx {
@@ -48,14 +51,18 @@ public:
 };
 
 ResultBlock::ResultBlock(int blockId, ResultType resultType, ResultMapping resultMapping)
-    : Block(blockId, RESULT), m_private(std::make_unique<ResultBlockPrivate>()) {
-    checkArguments(resultType, resultMapping);
-    m_private->m_resultBlock = new ZRFxResultBlock(nullptr, blockId);
-    m_private->description().resultType =
-        isValidType(resultType) ? ZRConvert::fromResultType(resultType) : unstruct::RESULT_NONE;
-    m_private->description().resultMapping = isValidMapping(resultMapping)
-                                                 ? ZRConvert::fromResultMapping(resultMapping)
-                                                 : unstruct::MAPPING_UNKNOWN;
+    : Block(blockId, RESULT) {
+    guarded([&] {
+        auto made = std::make_unique<ResultBlockPrivate>();
+        checkArguments(resultType, resultMapping);
+        made->m_resultBlock = new ZRFxResultBlock(nullptr, blockId);
+        made->description().resultType =
+            isValidType(resultType) ? ZRConvert::fromResultType(resultType) : unstruct::RESULT_NONE;
+        made->description().resultMapping = isValidMapping(resultMapping)
+                                                ? ZRConvert::fromResultMapping(resultMapping)
+                                                : unstruct::MAPPING_UNKNOWN;
+        m_private.take(std::move(made));
+    });
 }
 
 ResultBlock::ResultBlock(ZRFxResultBlock* resultBlock)
@@ -74,101 +81,121 @@ bool ResultBlock::checkValidity() const {
 }
 
 unstruct::ZRFxBlock* ResultBlock::internal_zrfxBlock() const {
-    return m_private->m_resultBlock.p();
+    return guarded([&] { return m_private->m_resultBlock.p(); });
 }
 
 ResultBlock::ResultType ResultBlock::resultType() const {
-    return ZRConvert::toResultType(m_private->description().resultType);
+    return guarded(UNDEFINED_TYPE,
+                   [&] { return ZRConvert::toResultType(m_private->description().resultType); });
 }
 
 ResultBlock::ResultMapping ResultBlock::resultMapping() const {
-    return ZRConvert::toResultMapping(m_private->description().resultMapping);
+    return guarded(UNDEFINED_MAPPING, [&] {
+        return ZRConvert::toResultMapping(m_private->description().resultMapping);
+    });
 }
 
 Str ResultBlock::name() const {
-    return ZRConvert::toStr(m_private->description().name);
+    return guarded([&] { return ZRConvert::toStr(m_private->description().name); });
 }
 
 void ResultBlock::setName(const Str& name) {
-    m_private->description().name = ZRConvert::toZRString(name);
+    change(*this, [&] { m_private->description().name = ZRConvert::toZRString(name); });
 }
 
 int ResultBlock::resultId() const {
-    return m_private->description().resultID;
+    return guarded(-1, [&] { return m_private->description().resultID; });
 }
 
 void ResultBlock::setResultId(int resultId) {
-    m_private->description().resultID = resultId;
+    change(*this, [&] { m_private->description().resultID = resultId; });
 }
 
 ResultBlock::StrainType ResultBlock::strainType() const {
-    return ZRConvert::toStrainType(m_private->description().strainType);
+    return guarded(NO_STRAIN,
+                   [&] { return ZRConvert::toStrainType(m_private->description().strainType); });
 }
 
 void ResultBlock::setStrainType(StrainType strainType) {
-    m_private->description().strainType = ZRConvert::fromStrainType(strainType);
+    change(*this,
+           [&] { m_private->description().strainType = ZRConvert::fromStrainType(strainType); });
 }
 
 float ResultBlock::defaultDisplacementScaleFactor() const {
-    return m_private->description().defaultScaleFactor;
+    return guarded([&] { return m_private->description().defaultScaleFactor; });
 }
 
 void ResultBlock::setDefaultDisplacementScaleFactor(float factor) {
-    m_private->description().defaultScaleFactor = factor;
+    change(*this, [&] { m_private->description().defaultScaleFactor = factor; });
 }
 
 bool ResultBlock::relativeDisplacementResults() const {
-    return m_private->description().relativeDisplacements;
+    return guarded([&] { return m_private->description().relativeDisplacements; });
 }
 
 void ResultBlock::setRelativeDisplacementResults(bool relative) {
-    m_private->description().relativeDisplacements = relative;
+    change(*this, [&] { m_private->description().relativeDisplacements = relative; });
 }
 
 void ResultBlock::addAttribute(const Str& name, const Str& value) {
-    auto& attributes = m_private->description().attributes;
-    const unstruct::ZRString key = ZRConvert::toZRString(name);
-    const auto [index, isNew] = m_private->m_attributeIndices.try_emplace(key, attributes.size());
-    if (isNew) attributes.emplace_back(key, unstruct::ZRString());
-    attributes[index->second].second = ZRConvert::toZRString(value);
+    change(*this, [&] {
+        auto& attributes = m_private->description().attributes;
+        auto& indices = m_private->m_attributeIndices;
+        unstruct::ZRString key = ZRConvert::toZRString(name);
+        unstruct::ZRString text = ZRConvert::toZRString(value);
+        if (const auto found = indices.find(key); found != indices.end()) {
+            attributes[found->second].second = std::move(text);
+            return;
+        }
+        unstruct::MakeRoom(&attributes);
+        indices.emplace(key, attributes.size());
+        attributes.emplace_back(std::move(key), std::move(text));
+    });
 }
 
 Str ResultBlock::attribute(const Str& name) const {
-    const auto found = m_private->m_attributeIndices.find(ZRConvert::toZRString(name));
-    if (found == m_private->m_attributeIndices.end()) return Str();
-    return ZRConvert::toStr(m_private->description().attributes[found->second].second);
+    return guarded([&]() -> Str {
+        const auto found = m_private->m_attributeIndices.find(ZRConvert::toZRString(name));
+        if (found == m_private->m_attributeIndices.end()) return Str();
+        return ZRConvert::toStr(m_private->description().attributes[found->second].second);
+    });
 }
 
 std::vector<Str> ResultBlock::attributeNames() const {
-    std::vector<Str> names;
-    for (const auto& [name, value] : m_private->description().attributes) {
-        names.push_back(ZRConvert::toStr(name));
-    }
-    return names;
+    return guarded([&] {
+        std::vector<Str> names;
+        for (const auto& [name, value] : m_private->description().attributes) {
+            names.push_back(ZRConvert::toStr(name));
+        }
+        return names;
+    });
 }
 
 bool ResultBlock::addResultValuesBlock(int resultValuesBlockId, int stateId) {
-    return addValuesBlock(*m_private->m_resultBlock, resultValuesBlockId, stateId);
+    return guarded(
+        [&] { return addValuesBlock(*m_private->m_resultBlock, resultValuesBlockId, stateId); });
 }
 
 bool ResultBlock::setResultValuesBlocks(const std::vector<int>& resultValuesBlockIds, int stateId) {
-    return setValuesBlocks(*m_private->m_resultBlock, resultValuesBlockIds, stateId);
+    return guarded(
+        [&] { return setValuesBlocks(*m_private->m_resultBlock, resultValuesBlockIds, stateId); });
 }
 
 std::size_t ResultBlock::stateCount() const {
-    return static_cast<std::size_t>(m_private->m_resultBlock->GetStateCount());
+    return guarded(
+        [&] { return static_cast<std::size_t>(m_private->m_resultBlock->GetStateCount()); });
 }
 
 int ResultBlock::stateId(std::size_t index) const {
-    return stateIdAt(*m_private->m_resultBlock, index);
+    return guarded(-1, [&] { return stateIdAt(*m_private->m_resultBlock, index); });
 }
 
 int ResultBlock::stateIndex(int stateId) const {
-    return stateIndexOf(*m_private->m_resultBlock, stateId);
+    return guarded(-1, [&] { return stateIndexOf(*m_private->m_resultBlock, stateId); });
 }
 
 std::vector<int> ResultBlock::resultValuesBlocks(std::size_t stateIndex) const {
-    return valuesBlocksAt(*m_private->m_resultBlock, stateIndex);
+    return guarded([&] { return valuesBlocksAt(*m_private->m_resultBlock, stateIndex); });
 }
 
 }  // namespace nuo::zrfx

@@ -28,12 +28,16 @@ public:
 };
 
 ResultValuesBlock::ResultValuesBlock(int blockId, ResultValueDimension dimension, bool mapToItemIds)
-    : Block(blockId, RESULT_VALUES), m_private(std::make_unique<ResultValuesBlockPrivate>()) {
-    if (!isValidDimension(dimension)) fail("Invalid dimension supplied.");
-    m_private->m_resultValuesBlock = new ZRFxResultValuesBlock(nullptr, blockId);
-    m_private->m_resultValuesBlock->SetNumDimensions(dimension);
-    if (mapToItemIds) m_private->m_resultValuesBlock->SetIDs(std::make_unique<ZRIntArray>());
-    m_private->m_hasMapToItemIds = mapToItemIds;
+    : Block(blockId, RESULT_VALUES) {
+    guarded([&] {
+        auto made = std::make_unique<ResultValuesBlockPrivate>();
+        if (!isValidDimension(dimension)) fail("Invalid dimension supplied.");
+        made->m_resultValuesBlock = new ZRFxResultValuesBlock(nullptr, blockId);
+        made->m_resultValuesBlock->SetNumDimensions(dimension);
+        if (mapToItemIds) made->m_resultValuesBlock->SetIDs(std::make_unique<ZRIntArray>());
+        made->m_hasMapToItemIds = mapToItemIds;
+        m_private.take(std::move(made));
+    });
 }
 
 ResultValuesBlock::ResultValuesBlock(ZRFxResultValuesBlock* resultValuesBlock)
@@ -53,139 +57,165 @@ bool ResultValuesBlock::checkValidity() const {
 }
 
 unstruct::ZRFxBlock* ResultValuesBlock::internal_zrfxBlock() const {
-    return m_private->m_resultValuesBlock.p();
+    return guarded([&] { return m_private->m_resultValuesBlock.p(); });
 }
 
 ResultValuesBlock::ResultValueDimension ResultValuesBlock::dimension() const {
-    return static_cast<ResultValueDimension>(m_private->m_resultValuesBlock->GetNumDimensions());
+    return guarded(SCALAR1D, [&] {
+        return static_cast<ResultValueDimension>(
+            m_private->m_resultValuesBlock->GetNumDimensions());
+    });
 }
 
 bool ResultValuesBlock::allocateResultValues(int count) {
-    NVF_ASSERT(count >= 0);
-    return count >= 0 && isValidDimension(dimension()) &&
-           m_private->m_resultValuesBlock->Reserve(count);
+    return guarded([&] {
+        NVF_ASSERT(count >= 0);
+        return count >= 0 && isValidDimension(dimension()) &&
+               m_private->m_resultValuesBlock->Reserve(count);
+    });
 }
 
 bool ResultValuesBlock::addResultValue1d(float value, int mapToItemId) {
-    NVF_ASSERT(dimension() == SCALAR1D);
-    return dimension() == SCALAR1D && checkIds(mapToItemId >= 0) &&
-           m_private->m_resultValuesBlock->AddScalar(value, mapToItemId);
+    return guarded([&] {
+        NVF_ASSERT(dimension() == SCALAR1D);
+        return dimension() == SCALAR1D && checkIds(mapToItemId >= 0) &&
+               m_private->m_resultValuesBlock->AddScalar(value, mapToItemId);
+    });
 }
 
 bool ResultValuesBlock::addResultValue3d(float x, float y, float z, int mapToItemId) {
-    NVF_ASSERT(dimension() == VECTOR3D);
-    return dimension() == VECTOR3D && checkIds(mapToItemId >= 0) &&
-           m_private->m_resultValuesBlock->AddVector(Vec3f(x, y, z), mapToItemId);
+    return guarded([&] {
+        NVF_ASSERT(dimension() == VECTOR3D);
+        return dimension() == VECTOR3D && checkIds(mapToItemId >= 0) &&
+               m_private->m_resultValuesBlock->AddVector(Vec3f(x, y, z), mapToItemId);
+    });
 }
 
 bool ResultValuesBlock::setResultValues(const std::vector<float>& resultValues,
                                         const std::vector<int>& mapToItemIds) {
-    NVF_ASSERT(!resultValues.empty());
-    const auto floatsPerItem = static_cast<std::size_t>(dimension());
-    if (resultValues.empty() || !isValidDimension(dimension()) ||
-        !checkIds(!mapToItemIds.empty())) {
-        return false;
-    }
-    const bool isWhole = resultValues.size() % floatsPerItem == 0;
-    const std::size_t itemCount = resultValues.size() / floatsPerItem;
-    NVF_ASSERT(isWhole && (mapToItemIds.empty() || mapToItemIds.size() == itemCount));
-    if (!isWhole || (!mapToItemIds.empty() && mapToItemIds.size() != itemCount)) return false;
-    std::unique_ptr<ZRIntArray> ids;
-    if (!mapToItemIds.empty()) {
-        ids = std::make_unique<ZRIntArray>();
-        if (!ids->Assign(mapToItemIds.data(), static_cast<std::int64_t>(itemCount))) return false;
-    }
-    const auto count = static_cast<std::int64_t>(resultValues.size());
-    ZRFxResultValuesBlock& block = *m_private->m_resultValuesBlock;
-    const bool isSet =
-        dimension() == VECTOR3D
-            ? block.SetVectors(reinterpret_cast<const Vec3f*>(resultValues.data()), count / 3)
-            : block.SetScalars(resultValues.data(), count);
-    if (isSet) block.SetIDs(std::move(ids));
-    return isSet;
+    return guarded([&] {
+        NVF_ASSERT(!resultValues.empty());
+        const auto floatsPerItem = static_cast<std::size_t>(dimension());
+        if (resultValues.empty() || !isValidDimension(dimension()) ||
+            !checkIds(!mapToItemIds.empty())) {
+            return false;
+        }
+        const bool isWhole = resultValues.size() % floatsPerItem == 0;
+        const std::size_t itemCount = resultValues.size() / floatsPerItem;
+        NVF_ASSERT(isWhole && (mapToItemIds.empty() || mapToItemIds.size() == itemCount));
+        if (!isWhole || (!mapToItemIds.empty() && mapToItemIds.size() != itemCount)) return false;
+        std::unique_ptr<ZRIntArray> ids;
+        if (!mapToItemIds.empty()) {
+            ids = std::make_unique<ZRIntArray>();
+            if (!ids->Assign(mapToItemIds.data(), static_cast<std::int64_t>(itemCount)))
+                return false;
+        }
+        const auto count = static_cast<std::int64_t>(resultValues.size());
+        ZRFxResultValuesBlock& block = *m_private->m_resultValuesBlock;
+        const bool isSet =
+            dimension() == VECTOR3D
+                ? block.SetVectors(reinterpret_cast<const Vec3f*>(resultValues.data()), count / 3)
+                : block.SetScalars(resultValues.data(), count);
+        if (isSet) block.SetIDs(std::move(ids));
+        return isSet;
+    });
 }
 
 bool ResultValuesBlock::setResultValueData(const float* resultValues, std::size_t itemCount,
                                            const int* mapToItemIds) {
-    NVF_ASSERT(resultValues && itemCount > 0);
-    if (!resultValues || itemCount == 0 || !isValidDimension(dimension()) ||
-        !checkIds(mapToItemIds != nullptr)) {
-        return false;
-    }
-    const auto count = static_cast<std::int64_t>(itemCount);
-    ZRFxResultValuesBlock& block = *m_private->m_resultValuesBlock;
-    if (dimension() == VECTOR3D) {
-        ZRVec3fArray vectors;
-        vectors.Refer(reinterpret_cast<const Vec3f*>(resultValues), count);
-        block.SetVectors(std::move(vectors));
-    } else {
-        ZRFloatArray scalars;
-        scalars.Refer(resultValues, count * dimension());
-        block.SetScalars(std::move(scalars));
-    }
-    std::unique_ptr<ZRIntArray> ids;
-    if (mapToItemIds) {
-        ids = std::make_unique<ZRIntArray>();
-        ids->Refer(mapToItemIds, count);
-    }
-    block.SetIDs(std::move(ids));
-    return true;
+    return guarded([&] {
+        NVF_ASSERT(resultValues && itemCount > 0);
+        if (!resultValues || itemCount == 0 || !isValidDimension(dimension()) ||
+            !checkIds(mapToItemIds != nullptr)) {
+            return false;
+        }
+        const auto count = static_cast<std::int64_t>(itemCount);
+        std::unique_ptr<ZRIntArray> ids;
+        if (mapToItemIds) {
+            ids = std::make_unique<ZRIntArray>();
+            ids->Refer(mapToItemIds, count);
+        }
+        ZRFxResultValuesBlock& block = *m_private->m_resultValuesBlock;
+        if (dimension() == VECTOR3D) {
+            ZRVec3fArray vectors;
+            vectors.Refer(reinterpret_cast<const Vec3f*>(resultValues), count);
+            block.SetVectors(std::move(vectors));
+        } else {
+            ZRFloatArray scalars;
+            scalars.Refer(resultValues, count * dimension());
+            block.SetScalars(std::move(scalars));
+        }
+        block.SetIDs(std::move(ids));
+        return true;
+    });
 }
 
 std::size_t ResultValuesBlock::itemCount() const {
-    return static_cast<std::size_t>(m_private->m_resultValuesBlock->GetNumItems());
+    return guarded(
+        [&] { return static_cast<std::size_t>(m_private->m_resultValuesBlock->GetNumItems()); });
 }
 
 std::vector<float> ResultValuesBlock::resultValues() const {
-    const float* values = resultValueData();
-    if (!values) return {};
-    return std::vector<float>(values, values + itemCount() * static_cast<std::size_t>(dimension()));
+    return guarded([&]() -> std::vector<float> {
+        const float* values = resultValueData();
+        if (!values) return {};
+        return std::vector<float>(values,
+                                  values + itemCount() * static_cast<std::size_t>(dimension()));
+    });
 }
 
 bool ResultValuesBlock::hasMapToItemIds() const {
-    return m_private->m_hasMapToItemIds;
+    return guarded([&] { return m_private->m_hasMapToItemIds; });
 }
 
 std::vector<int> ResultValuesBlock::mapToItemIds() const {
-    const ZRIntArray* ids = m_private->m_resultValuesBlock->GetIDs();
-    if (ids) return std::vector<int>(ids->begin(), ids->end());
-    fail("Requested item ids of a result value block, but no IDs were available.");
-    return {};
+    return guarded([&]() -> std::vector<int> {
+        const ZRIntArray* ids = m_private->m_resultValuesBlock->GetIDs();
+        if (ids) return std::vector<int>(ids->begin(), ids->end());
+        fail("Requested item ids of a result value block, but no IDs were available.");
+        return {};
+    });
 }
 
 const float* ResultValuesBlock::resultValueData() const {
-    const ZRFxResultValuesBlock& block = *m_private->m_resultValuesBlock;
-    if (!isValidDimension(dimension())) {
-        fail("Result values block with invalid dimension setting");
-        return nullptr;
-    }
-    if (dimension() == VECTOR3D) {
-        if (block.GetVectors().IsEmpty()) {
-            fail("Dimension mismatch, requested vectors, but could not find any");
+    return guarded([&]() -> const float* {
+        const ZRFxResultValuesBlock& block = *m_private->m_resultValuesBlock;
+        if (!isValidDimension(dimension())) {
+            fail("Result values block with invalid dimension setting");
+            return nullptr;
         }
-        return reinterpret_cast<const float*>(block.GetVectors().Data());
-    }
-    if (block.GetScalars().IsEmpty()) {
-        fail("Dimension mismatch, requested scalars, but could not find any");
-    }
-    return block.GetScalars().Data();
+        if (dimension() == VECTOR3D) {
+            if (block.GetVectors().IsEmpty()) {
+                fail("Dimension mismatch, requested vectors, but could not find any");
+            }
+            return reinterpret_cast<const float*>(block.GetVectors().Data());
+        }
+        if (block.GetScalars().IsEmpty()) {
+            fail("Dimension mismatch, requested scalars, but could not find any");
+        }
+        return block.GetScalars().Data();
+    });
 }
 
 const int* ResultValuesBlock::mapToItemIdData() const {
-    const ZRIntArray* ids = m_private->m_resultValuesBlock->GetIDs();
-    return ids ? ids->Data() : nullptr;
+    return guarded([&] {
+        const ZRIntArray* ids = m_private->m_resultValuesBlock->GetIDs();
+        return ids ? ids->Data() : nullptr;
+    });
 }
 
 bool ResultValuesBlock::setMapToBlockId(int blockId, BlockType blockType) {
-    NVF_ASSERT(blockType == ELEMENTS || blockType == NODES);
-    NVF_ASSERT(blockId >= 0);
-    if ((blockType != ELEMENTS && blockType != NODES) || blockId < 0) return false;
-    m_private->m_resultValuesBlock->SetMapToBlockID(blockId);
-    return true;
+    return guarded([&] {
+        NVF_ASSERT(blockType == ELEMENTS || blockType == NODES);
+        NVF_ASSERT(blockId >= 0);
+        if ((blockType != ELEMENTS && blockType != NODES) || blockId < 0) return false;
+        m_private->m_resultValuesBlock->SetMapToBlockID(blockId);
+        return true;
+    });
 }
 
 int ResultValuesBlock::mapToBlockId() const {
-    return m_private->m_resultValuesBlock->GetMapToBlockID();
+    return guarded(-1, [&] { return m_private->m_resultValuesBlock->GetMapToBlockID(); });
 }
 
 bool ResultValuesBlock::checkIds(bool isGiven) const {

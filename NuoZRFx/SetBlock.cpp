@@ -1,11 +1,15 @@
 #include "NuoZRFx/SetBlock.h"
 
+#include <algorithm>
+#include <memory>
 #include <utility>
 #include <vector>
 
+#include "Change_p.h"
 #include "Convert_p.h"
 #include "Log_p.h"
 #include "SetItemGroup_p.h"
+#include "ZRMakeRoom.h"
 #include "ZROZRFxSetBlock.h"
 #include "nvf/Assert.h"
 
@@ -33,10 +37,13 @@ public:
     std::vector<std::unique_ptr<SetItemGroup>> m_groups;
 };
 
-SetBlock::SetBlock(int blockId, bool itemsSpecifiedAsIds)
-    : Block(blockId, SET), m_private(std::make_unique<SetBlockPrivate>()) {
-    m_private->m_setBlock = new ZRFxSetBlock(nullptr, blockId);
-    m_private->m_setBlock->SetItemsSpecifiedAsIDs(itemsSpecifiedAsIds);
+SetBlock::SetBlock(int blockId, bool itemsSpecifiedAsIds) : Block(blockId, SET) {
+    guarded([&] {
+        auto made = std::make_unique<SetBlockPrivate>();
+        made->m_setBlock = new ZRFxSetBlock(nullptr, blockId);
+        made->m_setBlock->SetItemsSpecifiedAsIDs(itemsSpecifiedAsIds);
+        m_private.take(std::move(made));
+    });
 }
 
 SetBlock::SetBlock(ZRFxSetBlock* setBlock)
@@ -53,36 +60,57 @@ SetBlock::SetBlock(ZRFxSetBlock* setBlock)
 
 SetBlock::~SetBlock() = default;
 
+bool SetBlock::checkValidity() const {
+    return guarded(false, [&] {
+        const auto isIncomplete = [](const auto& group) {
+            return group->m_private->m_isIncomplete;
+        };
+        const auto& groups = m_private->m_groups;
+        if (std::any_of(groups.begin(), groups.end(), isIncomplete)) {
+            return fail("Memory was missing for items of set block (block id %1).", blockId());
+        }
+        return Block::checkValidity();
+    });
+}
+
+void SetBlock::takeOver(std::unique_ptr<SetItemGroup> group) {
+    unstruct::MakeRoom(&m_private->m_groups);
+    m_private->m_setBlock->AddItems(std::move(group->m_private->m_own));
+    group->m_private->m_index = &m_private->m_index;
+    m_private->m_groups.push_back(std::move(group));
+}
+
 unstruct::ZRFxBlock* SetBlock::internal_zrfxBlock() const {
-    return m_private->m_setBlock.p();
+    return guarded([&] { return m_private->m_setBlock.p(); });
 }
 
 int SetBlock::setId() const {
-    return m_private->m_setBlock->GetSetID();
+    return guarded(-1, [&] { return m_private->m_setBlock->GetSetID(); });
 }
 
 void SetBlock::setSetId(int setId) {
-    m_private->m_setBlock->SetSetID(setId);
+    change(*this, [&] { m_private->m_setBlock->SetSetID(setId); });
 }
 
 Str SetBlock::setName() const {
-    return ZRConvert::toStr(m_private->m_setBlock->GetName());
+    return guarded([&] { return ZRConvert::toStr(m_private->m_setBlock->GetName()); });
 }
 
 void SetBlock::setSetName(const Str& name) {
-    m_private->m_setBlock->SetName(ZRConvert::toZRString(name));
+    change(*this, [&] { m_private->m_setBlock->SetName(ZRConvert::toZRString(name)); });
 }
 
 SetBlock::ItemType SetBlock::itemType() const {
-    return ZRConvert::toItemType(m_private->m_setBlock->GetItemType());
+    return guarded(UNDEFINED_ITEMS,
+                   [&] { return ZRConvert::toItemType(m_private->m_setBlock->GetItemType()); });
 }
 
 void SetBlock::setItemType(ItemType itemType) {
-    m_private->m_setBlock->SetItemType(ZRConvert::fromItemType(itemType));
+    change(*this, [&] { m_private->m_setBlock->SetItemType(ZRConvert::fromItemType(itemType)); });
 }
 
 bool SetBlock::itemsSpecifiedAsIds() const {
-    return m_private->m_setBlock->GetItemsSpecifiedAsIDs();
+    return guarded([&] { return m_private->m_setBlock->GetItemsSpecifiedAsIDs(); });
 }
 
 void SetBlock::addItem(int item, int elementBlockId) {
@@ -92,25 +120,30 @@ void SetBlock::addItem(int item, int elementBlockId) {
 void SetBlock::addItems(const int* items, std::size_t count, int elementBlockId) {
     NVF_ASSERT(items || count == 0);
     if (!items) return;
-    SetItemGroup* target = m_private->groupOf(elementBlockId);
-    if (!target) {
-        target = new SetItemGroup;
-        target->setBlockId(elementBlockId);
-        addItemGroup(target);
-    }
-    for (std::size_t i = 0; i < count; ++i) target->addItem(items[i]);
+    change(*this, [&] {
+        SetItemGroup* target = m_private->groupOf(elementBlockId);
+        if (!target) {
+            auto made = std::make_unique<SetItemGroup>();
+            made->setBlockId(elementBlockId);
+            target = made.get();
+            takeOver(std::move(made));
+        }
+        for (std::size_t i = 0; i < count; ++i) target->addItem(items[i]);
+    });
 }
 
 void SetBlock::addItemGroup(SetItemGroup* group) {
     NVF_ASSERT(group);
-    if (!group || !group->m_private->m_own) return;
-    m_private->m_setBlock->AddItems(std::move(group->m_private->m_own));
-    group->m_private->m_index = &m_private->m_index;
-    m_private->m_groups.emplace_back(group);
+    if (!group) return;
+    change(*this, [&] {
+        // A group whose items a set has belongs to that set.
+        if (!group->m_private.isNull() && !group->m_private->m_own) return;
+        takeOver(std::unique_ptr<SetItemGroup>(group));
+    });
 }
 
 std::size_t SetBlock::itemGroupCount() const {
-    return m_private->m_groups.size();
+    return guarded([&] { return m_private->m_groups.size(); });
 }
 
 SetItemGroup* SetBlock::itemGroup(std::size_t index) {
@@ -124,9 +157,11 @@ const SetItemGroup* SetBlock::itemGroup(std::size_t index) const {
 }
 
 std::size_t SetBlock::totalItemCount() const {
-    std::size_t count = 0;
-    for (const auto& group : m_private->m_groups) count += group->itemCount();
-    return count;
+    return guarded([&] {
+        std::size_t count = 0;
+        for (const auto& group : m_private->m_groups) count += group->itemCount();
+        return count;
+    });
 }
 
 }  // namespace nuo::zrfx

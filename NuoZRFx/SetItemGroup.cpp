@@ -1,35 +1,49 @@
 #include "NuoZRFx/SetItemGroup.h"
 
+#include <new>
+
 #include "Convert_p.h"
+#include "Log_p.h"
 #include "SetItemGroup_p.h"
 #include "nvf/Assert.h"
 
 namespace nuo::zrfx {
 
-SetItemGroup::SetItemGroup() : m_private(std::make_unique<SetItemGroupPrivate>()) {}
+SetItemGroup::SetItemGroup() {
+    guarded([&] { m_private.take(std::make_unique<SetItemGroupPrivate>()); });
+}
 
 SetItemGroup::~SetItemGroup() = default;
 
 int SetItemGroup::blockId() const {
-    return m_private->m_items->m_iBlockID;
+    return guarded(-1, [&] { return m_private->m_items->m_iBlockID; });
 }
 
 void SetItemGroup::setBlockId(int blockId) {
-    m_private->dropIndex();
-    m_private->m_items->m_iBlockID = blockId;
+    guarded([&] {
+        m_private->dropIndex();
+        m_private->m_items->m_iBlockID = blockId;
+    });
 }
 
 Block::BlockType SetItemGroup::blockType() const {
-    return ZRConvert::toBlockType(m_private->m_items->m_iBlockType);
+    return guarded(Block::INVALID_BLOCK,
+                   [&] { return ZRConvert::toBlockType(m_private->m_items->m_iBlockType); });
 }
 
 void SetItemGroup::setBlockType(Block::BlockType blockType) {
-    m_private->dropIndex();
-    m_private->m_items->m_iBlockType = ZRConvert::fromBlockType(blockType);
+    guarded([&] {
+        m_private->dropIndex();
+        m_private->m_items->m_iBlockType = ZRConvert::fromBlockType(blockType);
+    });
 }
 
 void SetItemGroup::addItem(int item) {
-    m_private->m_items->m_aiItems.Add(item);
+    guarded([&] {
+        if (m_private->m_items->m_aiItems.Add(item)) return;
+        m_private->m_isIncomplete = true;
+        throw std::bad_alloc();
+    });
 }
 
 void SetItemGroup::addItems(const std::vector<int>& items) {
@@ -37,17 +51,24 @@ void SetItemGroup::addItems(const std::vector<int>& items) {
 }
 
 void SetItemGroup::setItems(const std::vector<int>& items) {
-    m_private->m_items->m_aiItems.Assign(items.data(), static_cast<std::int64_t>(items.size()));
+    guarded([&] {
+        m_private->m_isIncomplete = !m_private->m_items->m_aiItems.Assign(
+            items.data(), static_cast<std::int64_t>(items.size()));
+        if (m_private->m_isIncomplete) throw std::bad_alloc();
+    });
 }
 
 void SetItemGroup::setItemData(const int* items, std::size_t count) {
-    NVF_ASSERT(items || count == 0);
-    if (!items) count = 0;
-    m_private->m_items->m_aiItems.Refer(items, static_cast<std::int64_t>(count));
+    guarded([&] {
+        NVF_ASSERT(items || count == 0);
+        if (!items) count = 0;
+        m_private->m_items->m_aiItems.Refer(items, static_cast<std::int64_t>(count));
+    });
 }
 
 std::size_t SetItemGroup::itemCount() const {
-    return static_cast<std::size_t>(m_private->m_items->m_aiItems.GetSize());
+    return guarded(
+        [&] { return static_cast<std::size_t>(m_private->m_items->m_aiItems.GetSize()); });
 }
 
 int SetItemGroup::itemIdOrIndex(std::size_t index) const {
@@ -56,7 +77,7 @@ int SetItemGroup::itemIdOrIndex(std::size_t index) const {
 }
 
 const int* SetItemGroup::itemData() const {
-    return m_private->m_items->m_aiItems.Data();
+    return guarded([&] { return m_private->m_items->m_aiItems.Data(); });
 }
 
 }  // namespace nuo::zrfx

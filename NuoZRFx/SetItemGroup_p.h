@@ -28,6 +28,7 @@ public:
         std::make_unique<unstruct::ZRFxSetBlockItems>();
     unstruct::ZRFxSetBlockItems* m_items = m_own.get();
     SetItemGroupIndex* m_index = nullptr;  // Of the set that has the group.
+    bool m_isIncomplete = false;           // An item could not be added.
 };
 
 }  // namespace nuo::zrfx

@@ -1,11 +1,14 @@
 #include "NuoZRFx/StateInfoBlock.h"
 
 #include <algorithm>
+#include <memory>
 #include <unordered_map>
+#include <utility>
 
 #include "Convert_p.h"
 #include "Log_p.h"
 #include "ZRIDLookup.h"
+#include "ZRMakeRoom.h"
 #include "ZROZRFxStateInfoBlock.h"
 
 namespace nuo::zrfx {
@@ -19,7 +22,7 @@ constexpr int kBlockId = 1;
 // A group is stored by the states that belong to it; those that have none live here only.
 struct Group {
     int id;
-    Str name;
+    unstruct::ZRString name;
     std::vector<std::size_t> states;  // That it was given, in order; a later group may have some.
 };
 
@@ -48,8 +51,33 @@ public:
     Group& group(int id, const unstruct::ZRString& name) {
         const std::int64_t index = m_groupIndices.IndexOf(id);
         if (index >= 0) return m_groups[static_cast<std::size_t>(index)];
+        Group added{id, name, {}};
+        unstruct::MakeRoom(&m_groups);
         m_groupIndices.Add(id);
-        return m_groups.emplace_back(Group{id, ZRConvert::toStr(name), {}});
+        return m_groups.emplace_back(std::move(added));
+    }
+
+    // A state of a new id.
+    void add(ZRFxStateInfo info) {
+        const int id = info.stateID;
+        auto added = std::make_unique<ZRFxStateInfo>(std::move(info));
+        const auto index = static_cast<std::size_t>(m_stateInfoBlock->GetStateCount());
+        m_stateInfoBlock->MakeRoom();
+        m_statesOfId.emplace(id, std::vector<std::size_t>{index});
+        m_stateInfoBlock->AddState(std::move(added));
+    }
+
+    // A group of a new id, which takes its states from the groups that they were in.
+    void addGroup(int id, const unstruct::ZRString& name, std::vector<std::size_t> states) {
+        std::vector<unstruct::ZRString> names(states.size(), name);
+        Group& added = group(id, name);
+        added.states = std::move(states);
+        for (std::size_t i = 0; i < names.size(); ++i) {
+            ZRFxStateInfo* state =
+                m_stateInfoBlock->EditState(static_cast<std::int64_t>(added.states[i]));
+            state->parentID = id;
+            state->group = std::move(names[i]);
+        }
     }
 
     // The states that have one of the ids, in order.
@@ -72,9 +100,12 @@ public:
     unstruct::ZRIDLookup m_groupIndices;
 };
 
-StateInfoBlock::StateInfoBlock()
-    : Block(kBlockId, STATE_INFO), m_private(std::make_unique<StateInfoBlockPrivate>()) {
-    m_private->m_stateInfoBlock = new ZRFxStateInfoBlock(nullptr, kBlockId);
+StateInfoBlock::StateInfoBlock() : Block(kBlockId, STATE_INFO) {
+    guarded([&] {
+        auto made = std::make_unique<StateInfoBlockPrivate>();
+        made->m_stateInfoBlock = new ZRFxStateInfoBlock(nullptr, kBlockId);
+        m_private.take(std::move(made));
+    });
 }
 
 StateInfoBlock::StateInfoBlock(ZRFxStateInfoBlock* stateInfoBlock, int blockId)
@@ -91,54 +122,52 @@ bool StateInfoBlock::checkValidity() const {
 }
 
 unstruct::ZRFxBlock* StateInfoBlock::internal_zrfxBlock() const {
-    return m_private->m_stateInfoBlock.p();
+    return guarded([&] { return m_private->m_stateInfoBlock.p(); });
 }
 
 bool StateInfoBlock::addStateInfo(int stateId, const Str& stateName, float referenceValue,
                                   ReferenceValueType referenceValueType) {
-    if (!isValidType(referenceValueType)) {
-        return fail("Invalid reference value type %1 supplied.",
-                    static_cast<int>(referenceValueType));
-    }
-    if (isIdUsed(stateId)) {
-        return fail("State/group %1 already exist. Note that state and group ids cannot overlap.",
-                    stateId);
-    }
-    ZRFxStateInfo info;
-    info.stateID = stateId;
-    info.name = stateName.isEmpty() ? unstruct::ZRString("State " + std::to_string(stateId))
-                                    : ZRConvert::toZRString(stateName);
-    info.referenceValue = referenceValue;
-    info.referenceType = ZRConvert::fromReferenceType(referenceValueType);
-    m_private->m_statesOfId[stateId].push_back(stateCount());
-    m_private->m_stateInfoBlock->AddState(info);
-    return true;
+    return guarded([&] {
+        if (!isValidType(referenceValueType)) {
+            return fail("Invalid reference value type %1 supplied.",
+                        static_cast<int>(referenceValueType));
+        }
+        if (isIdUsed(stateId)) {
+            return fail(
+                "State/group %1 already exist. Note that state and group ids cannot overlap.",
+                stateId);
+        }
+        ZRFxStateInfo info;
+        info.stateID = stateId;
+        info.name = stateName.isEmpty() ? unstruct::ZRString("State " + std::to_string(stateId))
+                                        : ZRConvert::toZRString(stateName);
+        info.referenceValue = referenceValue;
+        info.referenceType = ZRConvert::fromReferenceType(referenceValueType);
+        m_private->add(std::move(info));
+        return true;
+    });
 }
 
 bool StateInfoBlock::addGroupInfo(int groupId, const Str& groupName,
                                   const std::vector<int>& stateIds) {
-    if (groupId < 0) return fail("groupId must be >= 0");
-    if (isIdUsed(groupId)) {
-        return fail(
-            "Group/state id %1 already exist. Note that state and group ids cannot overlap.",
-            groupId);
-    }
-    const unstruct::ZRString name = groupName.isEmpty()
-                                        ? unstruct::ZRString("Group " + std::to_string(groupId))
-                                        : ZRConvert::toZRString(groupName);
-    Group& group = m_private->group(groupId, name);
-    group.states = m_private->statesOf(stateIds);
-    for (const std::size_t index : group.states) {
-        ZRFxStateInfo* state =
-            m_private->m_stateInfoBlock->EditState(static_cast<std::int64_t>(index));
-        state->parentID = groupId;
-        state->group = name;
-    }
-    return true;
+    return guarded([&] {
+        if (groupId < 0) return fail("groupId must be >= 0");
+        if (isIdUsed(groupId)) {
+            return fail(
+                "Group/state id %1 already exist. Note that state and group ids cannot overlap.",
+                groupId);
+        }
+        const unstruct::ZRString name = groupName.isEmpty()
+                                            ? unstruct::ZRString("Group " + std::to_string(groupId))
+                                            : ZRConvert::toZRString(groupName);
+        m_private->addGroup(groupId, name, m_private->statesOf(stateIds));
+        return true;
+    });
 }
 
 std::size_t StateInfoBlock::stateCount() const {
-    return static_cast<std::size_t>(m_private->m_stateInfoBlock->GetStateCount());
+    return guarded(
+        [&] { return static_cast<std::size_t>(m_private->m_stateInfoBlock->GetStateCount()); });
 }
 
 int StateInfoBlock::stateId(std::size_t index) const {
@@ -147,8 +176,10 @@ int StateInfoBlock::stateId(std::size_t index) const {
 }
 
 Str StateInfoBlock::stateName(std::size_t index) const {
-    const ZRFxStateInfo* state = stateAt(index);
-    return state ? ZRConvert::toStr(state->name) : Str();
+    return guarded([&] {
+        const ZRFxStateInfo* state = stateAt(index);
+        return state ? ZRConvert::toStr(state->name) : Str();
+    });
 }
 
 float StateInfoBlock::stateReferenceValue(std::size_t index) const {
@@ -163,34 +194,43 @@ StateInfoBlock::ReferenceValueType StateInfoBlock::stateReferenceValueType(
 }
 
 int StateInfoBlock::stateIndex(int stateId) const {
-    const auto found = m_private->m_statesOfId.find(stateId);
-    return found == m_private->m_statesOfId.end() ? -1 : static_cast<int>(found->second.front());
+    return guarded(-1, [&] {
+        const auto found = m_private->m_statesOfId.find(stateId);
+        return found == m_private->m_statesOfId.end() ? -1
+                                                      : static_cast<int>(found->second.front());
+    });
 }
 
 std::size_t StateInfoBlock::groupCount() const {
-    return m_private->m_groups.size();
+    return guarded([&] { return m_private->m_groups.size(); });
 }
 
 int StateInfoBlock::groupId(std::size_t index) const {
-    if (index < groupCount()) return m_private->m_groups[index].id;
-    fail("State info index %1 does not exist.", index);
-    return -1;
+    return guarded(-1, [&]() -> int {
+        if (index < groupCount()) return m_private->m_groups[index].id;
+        fail("State info index %1 does not exist.", index);
+        return -1;
+    });
 }
 
 Str StateInfoBlock::groupName(std::size_t index) const {
-    if (index < groupCount()) return m_private->m_groups[index].name;
-    fail("State info index %1 does not exist.", index);
-    return Str();
+    return guarded([&]() -> Str {
+        if (index < groupCount()) return ZRConvert::toStr(m_private->m_groups[index].name);
+        fail("State info index %1 does not exist.", index);
+        return Str();
+    });
 }
 
 std::vector<int> StateInfoBlock::groupStateIds(std::size_t index) const {
-    std::vector<int> ids;
-    const int group = groupId(index);
-    if (group < 0) return ids;
-    for (const std::size_t state : m_private->m_groups[index].states) {
-        if (stateAt(state)->parentID == group) ids.push_back(stateAt(state)->stateID);
-    }
-    return ids;
+    return guarded([&] {
+        std::vector<int> ids;
+        const int group = groupId(index);
+        if (group < 0) return ids;
+        for (const std::size_t state : m_private->m_groups[index].states) {
+            if (stateAt(state)->parentID == group) ids.push_back(stateAt(state)->stateID);
+        }
+        return ids;
+    });
 }
 
 const ZRFxStateInfo* StateInfoBlock::stateAt(std::size_t index) const {

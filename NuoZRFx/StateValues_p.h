@@ -1,6 +1,8 @@
 #pragma once
 
 #include <algorithm>
+#include <memory>
+#include <utility>
 #include <vector>
 
 #include "Log_p.h"
@@ -12,10 +14,24 @@ namespace nuo::zrfx {
 // What a result and a transformation result have in common: values blocks listed for each state.
 // `ZRBlock` is the format class that holds the list.
 
+// Changes the values blocks of a state. A new record belongs to the block once it is as it should
+// be.
+template <typename ZRBlock, typename Change>
+bool changeState(ZRBlock& block, int stateId, Change change) {
+    if (block.GetStateIndex(stateId) >= 0) {
+        return change(block.AddState(stateId)->m_aiValuesBlockIDs);
+    }
+    auto added = std::make_unique<unstruct::ZRFxStateValues>(stateId);
+    return change(added->m_aiValuesBlockIDs) && block.AddState(std::move(added));
+}
+
 template <typename ZRBlock>
 bool addValuesBlock(ZRBlock& block, int valuesBlockId, int stateId) {
     NVF_ASSERT(valuesBlockId >= 0);
-    return valuesBlockId >= 0 && block.AddState(stateId)->m_aiValuesBlockIDs.Add(valuesBlockId);
+    return valuesBlockId >= 0 &&
+           changeState(block, stateId, [&](unstruct::ZRIntArray& valuesBlockIds) {
+               return valuesBlockIds.Add(valuesBlockId);
+           });
 }
 
 template <typename ZRBlock>
@@ -25,8 +41,9 @@ bool setValuesBlocks(ZRBlock& block, const std::vector<int>& valuesBlockIds, int
                                     [](int valuesBlockId) { return valuesBlockId >= 0; });
     NVF_ASSERT(areIds);
     if (valuesBlockIds.empty() || !areIds) return false;
-    return block.AddState(stateId)->m_aiValuesBlockIDs.Assign(
-        valuesBlockIds.data(), static_cast<std::int64_t>(valuesBlockIds.size()));
+    return changeState(block, stateId, [&](unstruct::ZRIntArray& ids) {
+        return ids.Assign(valuesBlockIds.data(), static_cast<std::int64_t>(valuesBlockIds.size()));
+    });
 }
 
 template <typename ZRBlock>

@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "Change_p.h"
 #include "Convert_p.h"
 #include "StateValues_p.h"
 #include "ZROZRFxTransformationResultsBlock.h"
@@ -19,10 +20,13 @@ public:
 };
 
 TransformationResultBlock::TransformationResultBlock(int blockId)
-    : Block(blockId, TRANSFORMATION_RESULT),
-      m_private(std::make_unique<TransformationResultBlockPrivate>()) {
-    m_private->m_block = new ZRFxTransformationResultsBlock(nullptr, blockId);
-    m_private->m_block->SetName("Transformation result " + std::to_string(blockId));
+    : Block(blockId, TRANSFORMATION_RESULT) {
+    guarded([&] {
+        auto made = std::make_unique<TransformationResultBlockPrivate>();
+        made->m_block = new ZRFxTransformationResultsBlock(nullptr, blockId);
+        made->m_block->SetName("Transformation result " + std::to_string(blockId));
+        m_private.take(std::move(made));
+    });
 }
 
 TransformationResultBlock::TransformationResultBlock(ZRFxTransformationResultsBlock* block)
@@ -45,44 +49,44 @@ bool TransformationResultBlock::checkValidity() const {
 }
 
 unstruct::ZRFxBlock* TransformationResultBlock::internal_zrfxBlock() const {
-    return m_private->m_block.p();
+    return guarded([&] { return m_private->m_block.p(); });
 }
 
 Str TransformationResultBlock::name() const {
-    return ZRConvert::toStr(m_private->m_block->GetName());
+    return guarded([&] { return ZRConvert::toStr(m_private->m_block->GetName()); });
 }
 
 void TransformationResultBlock::setName(const Str& name) {
-    m_private->m_block->SetName(ZRConvert::toZRString(name));
+    change(*this, [&] { m_private->m_block->SetName(ZRConvert::toZRString(name)); });
 }
 
 int TransformationResultBlock::resultId() const {
-    return m_private->m_block->GetResultID();
+    return guarded(-1, [&] { return m_private->m_block->GetResultID(); });
 }
 
 void TransformationResultBlock::setResultId(int resultId) {
-    m_private->m_block->SetResultID(resultId);
+    change(*this, [&] { m_private->m_block->SetResultID(resultId); });
 }
 
 bool TransformationResultBlock::addTransformationResultValuesBlock(int blockId, int stateId) {
-    return addValuesBlock(*m_private->m_block, blockId, stateId);
+    return guarded([&] { return addValuesBlock(*m_private->m_block, blockId, stateId); });
 }
 
 bool TransformationResultBlock::setTransformationResultValuesBlocks(
     const std::vector<int>& blockIds, int stateId) {
-    return setValuesBlocks(*m_private->m_block, blockIds, stateId);
+    return guarded([&] { return setValuesBlocks(*m_private->m_block, blockIds, stateId); });
 }
 
 std::size_t TransformationResultBlock::stateCount() const {
-    return static_cast<std::size_t>(m_private->m_block->GetStateCount());
+    return guarded([&] { return static_cast<std::size_t>(m_private->m_block->GetStateCount()); });
 }
 
 int TransformationResultBlock::stateId(std::size_t index) const {
-    return stateIdAt(*m_private->m_block, index);
+    return guarded(-1, [&] { return stateIdAt(*m_private->m_block, index); });
 }
 
 int TransformationResultBlock::stateIndex(int stateId) const {
-    return stateIndexOf(*m_private->m_block, stateId);
+    return guarded(-1, [&] { return stateIndexOf(*m_private->m_block, stateId); });
 }
 
 std::size_t TransformationResultBlock::transformationResultValuesBlockCount(
@@ -92,7 +96,7 @@ std::size_t TransformationResultBlock::transformationResultValuesBlockCount(
 
 std::vector<int> TransformationResultBlock::transformationResultValuesBlocks(
     std::size_t stateIndex) const {
-    return valuesBlocksAt(*m_private->m_block, stateIndex);
+    return guarded([&] { return valuesBlocksAt(*m_private->m_block, stateIndex); });
 }
 
 }  // namespace nuo::zrfx

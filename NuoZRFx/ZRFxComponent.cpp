@@ -4,6 +4,7 @@
 #include "NuoCore/Instance.h"
 #include "NuoCore/LogManager.h"
 #include "nuo/Convert.h"
+#include "nuo/Guard.h"
 #include "nuo/Version.h"
 #include "nvf/Assert.h"
 #include "nvf/LogManager.h"
@@ -49,12 +50,15 @@ bool ZRFxComponent::initialize(Instance* instance) {
     if (!instance) return false;
     NVF_ASSERT_MESSAGE(instance->version() == version(), "Component version mismatch");
     if (s_isInitialized) return true;
-    applyFailedAssertAction(instance->initializationOptions().failedAssertAction());
-    connectLogging();
-    takeLicense(*instance);
-    s_isInitialized = true;
-    nvf::interfaceLogger()->inform("ZRFx component %1 initialized", versionText());
-    return true;
+    return guarded([&] {
+        const nvf::String versionName = versionText();
+        applyFailedAssertAction(instance->initializationOptions().failedAssertAction());
+        connectLogging();
+        takeLicense(*instance);
+        s_isInitialized = true;
+        nvf::interfaceLogger()->inform("ZRFx component %1 initialized", versionName);
+        return true;
+    });
 }
 
 bool ZRFxComponent::isInitialized() {
@@ -66,7 +70,7 @@ unsigned int ZRFxComponent::version() {
 }
 
 Str ZRFxComponent::versionString() {
-    return Convert::toStr(versionText());
+    return guarded([&] { return Convert::toStr(versionText()); });
 }
 
 int ZRFxComponent::licenseNumber() {

@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <limits>
+#include <new>
 #include <type_traits>
 #include <utility>
 
@@ -15,15 +16,17 @@ namespace unstruct {
 /// A growing array of plain values, the form in which bulk data moves between blocks and archive.
 /// It owns a heap buffer, which it can also adopt without copying, or refers to values that another
 /// owner keeps alive. New items are not set to zero. An operation that runs out of memory, or
-/// beyond what can be addressed, gives false and leaves the array as it was. Used by one thread at
-/// a time.
+/// beyond what can be addressed, gives false and leaves the array as it was; making a copy throws
+/// std::bad_alloc. Used by one thread at a time.
 template <typename T>
 class ZRArray {
     static_assert(std::is_trivially_copyable_v<T>);
 
 public:
     ZRArray() = default;
-    ZRArray(const ZRArray& other) { Assign(other.Data(), other.GetSize()); }
+    ZRArray(const ZRArray& other) {
+        if (!Assign(other.Data(), other.GetSize())) throw std::bad_alloc();
+    }
     ZRArray(ZRArray&& other) noexcept { Swap(other); }
     ~ZRArray() { Free(); }
 

@@ -12,7 +12,10 @@ namespace unstruct {
 class ZRIDLookup {
 public:
     /// Enters the item that follows those entered so far.
-    void Add(std::int32_t id) { m_indexOfID.emplace(id, m_nNumItems++); }
+    void Add(std::int32_t id) {
+        m_indexOfID.emplace(id, m_nNumItems);
+        ++m_nNumItems;
+    }
 
     /// Enters those of the items that are not entered yet.
     void Update(const ZRIntArray& ids);

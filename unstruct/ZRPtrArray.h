@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "ZRMakeRoom.h"
 #include "nvf/Assert.h"
 
 namespace unstruct {
@@ -21,6 +22,9 @@ public:
         m_objects.push_back(std::move(object));
         return m_objects.back().get();
     }
+
+    /// Lets the next Add do without memory.
+    void MakeRoom() { unstruct::MakeRoom(&m_objects); }
 
     std::int64_t GetSize() const { return static_cast<std::int64_t>(m_objects.size()); }
     bool IsEmpty() const { return m_objects.empty(); }

@@ -2,6 +2,7 @@
 
 #include "NuoCore/CoreComponent.h"
 #include "nuo/Convert.h"
+#include "nuo/Guard.h"
 #include "nvf/LogManager.h"
 
 namespace nuo {
@@ -26,18 +27,25 @@ private:
 }  // namespace
 
 void LogManager::setDestination(LogDestination* destination) {
-    nvf::LogManager::instance()->setDestination(
-        destination ? nvf::ref<nvf::LogDestination>(new HostLogDestination(destination)) : nullptr);
+    const PtrRef<nuo::LogDestination> kept = destination;
+    guarded([&] {
+        nvf::LogManager::instance()->setDestination(
+            kept ? nvf::ref<nvf::LogDestination>(new HostLogDestination(kept.p())) : nullptr);
+    });
 }
 
 void LogManager::setLevel(const Str& loggerName, LogLevel level) {
-    nvf::LogManager::instance()->setLevelBelow(Convert::toNvfString(loggerName), level);
+    guarded([&] {
+        nvf::LogManager::instance()->setLevelBelow(Convert::toNvfString(loggerName), level);
+    });
 }
 
 LogLevel LogManager::level(const Str& loggerName) const {
     const auto manager = nvf::LogManager::instance();
-    if (loggerName.isEmpty()) return manager->rootLogger()->level();
-    return manager->logger(Convert::toNvfString(loggerName))->level();
+    const LogLevel rootLevel = manager->rootLogger()->level();
+    if (loggerName.isEmpty()) return rootLevel;
+    return guarded(rootLevel,
+                   [&] { return manager->logger(Convert::toNvfString(loggerName))->level(); });
 }
 
 nvf::LogManager* LogManager::internal_nvfLogManager() const {

@@ -1,23 +1,21 @@
 #include "nuo/PropertyConvert.h"
 
-#include "nuo/Convert.h"
+#include <new>
 
 namespace nuo {
 
 PtrRef<PropertySet> PropertyConvert::toPropertySet(const nvf::PropertySet& source) {
-    PtrRef<PropertySet> set = new PropertySet(Convert::toStr(source.classType()));
-    for (const auto& [key, value] : source.valuesByKey()) {
-        set->setValue(Convert::toStr(key), Variant(value));
-    }
-    return set;
+    return new PropertySet(source);
 }
 
 nvf::ref<nvf::PropertySetCollection> PropertyConvert::toNvfPropertySetCollection(
     const PropertySetCollection& source) {
+    if (!source.internal_isComplete()) throw std::bad_alloc();
     nvf::ref<nvf::PropertySetCollection> collection = new nvf::PropertySetCollection;
     for (std::size_t i = 0; i < source.count(); ++i) {
-        collection->addPropertySet(
-            new nvf::PropertySet(source.propertySet(i)->internal_nvfPropertySet()));
+        const nvf::ref<nvf::PropertySet> copy =
+            new nvf::PropertySet(source.propertySet(i)->internal_nvfPropertySet());
+        collection->addPropertySet(copy.p());
     }
     return collection;
 }

@@ -7,7 +7,8 @@
 
 namespace nuo {
 
-/// Copies property sets between the public interface and the framework, value by value.
+/// Copies property sets between the public interface and the framework, value by value. Throws
+/// std::bad_alloc when there is no memory, or was none when a set was filled.
 class PropertyConvert {
 public:
     static PtrRef<PropertySet> toPropertySet(const nvf::PropertySet& source);

@@ -1,8 +1,9 @@
 #include "nvf/Assert.h"
 
+#include <atomic>
 #include <csignal>
 #include <cstdlib>
-#include <memory>
+#include <new>
 
 #include "nvf/AssertHandler.h"
 #include "nvf/LogManager.h"
@@ -10,30 +11,19 @@
 namespace nvf {
 namespace {
 
-struct AssertState {
-    AssertReportMode mode = AssertReportMode::DIALOG;
-    std::unique_ptr<AssertHandler> handler = std::make_unique<AssertHandlerWinDialog>();
-};
-
-// Kept to the end of the process: static objects of the host may still assert when they go.
-AssertState& state() {
-    static auto* theState = new AssertState;
-    return *theState;
-}
-
-std::unique_ptr<AssertHandler> handlerFor(AssertReportMode mode) {
-    if (mode == AssertReportMode::CONSOLE) return std::make_unique<AssertHandlerConsole>();
-    if (mode == AssertReportMode::DIALOG) return std::make_unique<AssertHandlerWinDialog>();
-    return nullptr;
-}
+std::atomic<AssertReportMode> s_mode{AssertReportMode::CONTINUE};
 
 void logFailedAssert(const char* fileName, int lineNumber, const char* expression,
                      const char* message) {
-    String text = "ASSERT: ";
-    if (expression) text += String(" (") + expression + ")";
-    if (message) text += String(" '") + message + "'";
-    LogManager::instance()->logger("nuo.nvf")->error(text,
-                                                     CodeLocation(fileName, "", "", lineNumber));
+    try {
+        String text = "ASSERT: ";
+        if (expression) text += String(" (") + expression + ")";
+        if (message) text += String(" '") + message + "'";
+        LogManager::instance()->logger("nuo.nvf")->error(
+            text, CodeLocation(fileName, "", "", lineNumber));
+    } catch (const std::bad_alloc&) {
+        Logger::writeLine(expression ? expression : message ? message : "ASSERT: ");
+    }
 }
 
 [[noreturn]] void throwFailedAssert(const char* fileName, int lineNumber, const char* expression,
@@ -49,25 +39,23 @@ void logFailedAssert(const char* fileName, int lineNumber, const char* expressio
 }  // namespace
 
 void setReportMode(AssertReportMode mode) {
-    if (mode == state().mode) return;
-    state().handler = handlerFor(mode);
-    state().mode = mode;
+    s_mode = mode;
 }
 
 bool reportFailedAssert(const char* fileName, int lineNumber, const char* expression,
                         const char* message) {
     logFailedAssert(fileName, lineNumber, expression, message);
-    switch (state().mode) {
+    switch (s_mode) {
         case AssertReportMode::CONTINUE:
             return false;
         case AssertReportMode::EXCEPTION:
             throwFailedAssert(fileName, lineNumber, expression, message);
         case AssertReportMode::CONSOLE:
+            return AssertHandlerConsole().handle(fileName, lineNumber, expression, message);
         case AssertReportMode::DIALOG:
-            break;
+            return AssertHandlerWinDialog().handle(fileName, lineNumber, expression, message);
     }
-    if (!state().handler) std::abort();
-    return state().handler->handle(fileName, lineNumber, expression, message);
+    std::abort();
 }
 
 void assertionFailed(const char* expression, const char* message, SourceLocation where) {

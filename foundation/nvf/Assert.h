@@ -16,8 +16,8 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-/// Selects the behaviour of failed assertions, for the whole process; dialog at first. Meant to be
-/// called before other threads use the library.
+/// Selects the behaviour of failed assertions, for the whole process; at first they let the code go
+/// on, so that nothing ends a host that has not chosen.
 void setReportMode(AssertReportMode mode);
 
 /// Logs a failed assertion and acts by the report mode. `expression` and `message` may be null.

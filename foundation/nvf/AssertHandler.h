@@ -4,8 +4,7 @@
 
 namespace nvf {
 
-/// Acts on a failed assertion in the modes that stop the program: one object a mode, owned by the
-/// assertion machinery.
+/// Acts on a failed assertion in the modes that stop the program: one class a mode.
 class AssertHandler {
 public:
     virtual ~AssertHandler() = default;

@@ -5,10 +5,12 @@
 namespace nvf {
 namespace {
 
-// "bool nuo::zrfx::File::open(const nuo::Str&)" gives "nuo::zrfx::File::open". The compiler's notes
-// in brackets behind a template's signature, and all template arguments, are left out.
+// "bool nuo::zrfx::File::open(const nuo::Str&)" gives "nuo::zrfx::File::open", as does a lambda in
+// it. The compiler's notes in brackets behind a template's signature, and all template arguments,
+// are left out.
 std::string qualifiedName(std::string_view signature) {
     signature = signature.substr(0, signature.find(" [with "));
+    signature = signature.substr(0, signature.find("::<lambda"));
     std::string name;
     int depth = 0;
     for (const char c : signature.substr(0, signature.rfind('('))) {

@@ -1,5 +1,6 @@
 #include "nvf/LogManager.h"
 
+#include <new>
 #include <vector>
 
 #include "nvf/Assert.h"
@@ -17,6 +18,30 @@ std::mutex& instanceMutex() {
 ref<LogManager>& instanceSlot() {
     static auto* slot = new ref<LogManager>(new LogManager);
     return *slot;
+}
+
+// Made when the library is loaded, so that there is one when memory is missing later.
+[[maybe_unused]] const ref<LogManager>& s_firstInstance = instanceSlot();
+
+// Every block asks for its logger, so the names are made once.
+const String& interfaceName() {
+    static const String name("nuo.comp.zrfx");
+    return name;
+}
+
+const String& archiveName() {
+    static const String name("nuo.nvf.unstruct.zrfx");
+    return name;
+}
+
+// Where there is no memory to make a logger, the root logs in its place.
+ref<Logger> loggerOrRoot(const String& (*name)()) {
+    const ref<LogManager> manager = LogManager::instance();
+    try {
+        return manager->logger(name());
+    } catch (const std::bad_alloc&) {
+        return manager->rootLogger();
+    }
 }
 
 bool isBelow(const String& name, const String& ancestor) {
@@ -58,6 +83,7 @@ void LogManager::setDestination(ref<LogDestination> destination) {
     // Let go after the lock: the destructor of a destination may itself log.
     std::vector<ref<LogDestination>> replaced;
     const std::lock_guard lock(m_mutex);
+    replaced.reserve(m_loggers.size() + 1);
     replaced.push_back(m_rootLogger->setDestination(destination));
     for (auto& [name, existing] : m_loggers) {
         replaced.push_back(existing->setDestination(destination));
@@ -71,18 +97,16 @@ ref<Logger> LogManager::findOrCreate(const String& name) {
                                          ? m_rootLogger
                                          : findOrCreate(String(name.text().substr(0, lastDot)));
     NVF_ASSERT(parentLogger.notNull());
-    return m_loggers[name] = new Logger(name, parentLogger->level(), parentLogger->destination());
+    const ref<Logger> made = new Logger(name, parentLogger->level(), parentLogger->destination());
+    return m_loggers.emplace(name, made).first->second;
 }
 
-// Every block asks for its logger, so the names are made once.
 ref<Logger> interfaceLogger() {
-    static const String name("nuo.comp.zrfx");
-    return LogManager::instance()->logger(name);
+    return loggerOrRoot(interfaceName);
 }
 
 ref<Logger> archiveLogger() {
-    static const String name("nuo.nvf.unstruct.zrfx");
-    return LogManager::instance()->logger(name);
+    return loggerOrRoot(archiveName);
 }
 
 }  // namespace nvf

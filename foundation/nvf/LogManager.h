@@ -35,7 +35,7 @@ private:
     const ref<Logger> m_rootLogger;
 };
 
-/// The logger of the public interface.
+/// The logger of the public interface. Neither this nor the next throws.
 ref<Logger> interfaceLogger();
 
 /// The logger of archive, block database and blocks.

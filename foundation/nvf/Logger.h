@@ -22,7 +22,9 @@ struct LocatedText {
 };
 
 /// Emits messages under one name when their level is not above its own. Owned by the LogManager and
-/// shared; every operation may be called from any thread.
+/// shared; every operation may be called from any thread, and none throws: a message that there is
+/// no memory to compose, or that its destination throws at, goes to the standard error stream as
+/// far as it is known.
 class Logger : public Object {
 public:
     Logger(const String& name, LogLevel level, ref<LogDestination> destination);
@@ -50,28 +52,35 @@ public:
     /// returns false, the result of the operation that failed. Costs nothing when errors are off.
     template <typename... Values>
     bool fail(LocatedText message, const Values&... values) {
-        if (isErrorEnabled()) error(compose(message.text, values...), CodeLocation(message.where));
+        emitLocated(nuo::LL_ERROR, message, values...);
         return false;
     }
 
-    /// Logs a warning at the caller's place.
+    /// Logs a warning, or information, at the caller's place.
     template <typename... Values>
     void warn(LocatedText message, const Values&... values) {
-        if (isWarningEnabled()) {
-            warning(compose(message.text, values...), CodeLocation(message.where));
-        }
+        emitLocated(nuo::LL_WARNING, message, values...);
     }
-
-    /// Logs information at the caller's place.
     template <typename... Values>
     void inform(LocatedText message, const Values&... values) {
-        if (isInfoEnabled()) info(compose(message.text, values...), CodeLocation(message.where));
+        emitLocated(nuo::LL_INFO, message, values...);
     }
+
+    /// Whether the calling thread is within a destination, which cannot take another message.
+    static bool isEmitting();
+
+    /// Writes a line to the standard error stream, without any memory.
+    static void writeLine(const char* text);
 
 private:
     template <typename... Values>
-    static String compose(const char* text, const Values&... values) {
-        return String(text).args({textOf(values)...});
+    void emitLocated(LogLevel level, const LocatedText& message, const Values&... values) {
+        if (level > this->level()) return;
+        try {
+            emit(level, String(message.text).args({textOf(values)...}), message.where);
+        } catch (...) {
+            writeLine(message.text);
+        }
     }
     template <typename Value>
     static String textOf(const Value& value) {

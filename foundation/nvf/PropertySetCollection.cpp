@@ -7,7 +7,8 @@ namespace nvf {
 PropertySetCollection::PropertySetCollection(const PropertySetCollection& other) : Object() {
     for (const ref<PropertySet>& sourceSet : other.m_propertySets) {
         NVF_ASSERT(sourceSet.notNull());
-        if (sourceSet) addPropertySet(new PropertySet(*sourceSet));
+        const ref<PropertySet> copy = sourceSet ? new PropertySet(*sourceSet) : nullptr;
+        if (copy) addPropertySet(copy.p());
     }
 }
 

@@ -48,7 +48,20 @@ int sequenceLength(unsigned char lead) {
     return lead < 0xF5 ? 4 : 0;
 }
 
-// Takes one character off the front of `bytes`; of a malformed sequence, only its first byte.
+char32_t takeCharacter(std::wstring_view& text) {
+    const auto first = static_cast<char32_t>(text.front());
+    text.remove_prefix(1);
+    if (!isSurrogate(first)) return first > 0x10FFFF ? kReplacement : first;
+    const bool isPair = kWideIsUtf16 && first < 0xDC00 && !text.empty() &&
+                        (static_cast<char32_t>(text.front()) & 0xFC00) == 0xDC00;
+    if (!isPair) return kReplacement;
+    const auto second = static_cast<char32_t>(text.front());
+    text.remove_prefix(1);
+    return 0x10000 + ((first - 0xD800) << 10) + (second - 0xDC00);
+}
+
+}  // namespace
+
 char32_t takeCharacter(std::string_view& bytes) {
     static constexpr char32_t kLeastOfLength[] = {0, 0, 0x80, 0x800, 0x10000};
     const auto lead = static_cast<unsigned char>(bytes.front());
@@ -66,20 +79,6 @@ char32_t takeCharacter(std::string_view& bytes) {
     bytes.remove_prefix(length - 1);
     return c;
 }
-
-char32_t takeCharacter(std::wstring_view& text) {
-    const auto first = static_cast<char32_t>(text.front());
-    text.remove_prefix(1);
-    if (!isSurrogate(first)) return first > 0x10FFFF ? kReplacement : first;
-    const bool isPair = kWideIsUtf16 && first < 0xDC00 && !text.empty() &&
-                        (static_cast<char32_t>(text.front()) & 0xFC00) == 0xDC00;
-    if (!isPair) return kReplacement;
-    const auto second = static_cast<char32_t>(text.front());
-    text.remove_prefix(1);
-    return 0x10000 + ((first - 0xD800) << 10) + (second - 0xDC00);
-}
-
-}  // namespace
 
 // Most texts are ASCII from end to end; their characters are copied at once.
 std::wstring wideFromUtf8(std::string_view utf8) {

@@ -5,6 +5,7 @@
 #include <pugixml.hpp>
 
 #include "nvf/Number.h"
+#include "nvf/XmlCharacters.h"
 
 // The only source that calls the XML library; XmlElement and XmlDocument are two faces of it.
 namespace nvf {
@@ -17,9 +18,19 @@ pugi::xml_node nodeOf(pugi::xml_node_struct* node) {
     return pugi::xml_node(node);
 }
 
+// Where there is no memory for its name, an attribute is appended without one.
 pugi::xml_attribute attributeToSet(pugi::xml_node node, const char* name) {
     const pugi::xml_attribute existing = node.attribute(name);
-    return existing ? existing : node.append_attribute(name);
+    if (existing) return existing;
+    pugi::xml_attribute added = node.append_attribute(name);
+    return added.set_name(name) ? added : pugi::xml_attribute();
+}
+
+pugi::xml_node appendedChild(pugi::xml_node node, const char* name) {
+    pugi::xml_node added = node.append_child(pugi::node_element);
+    if (added.set_name(name)) return added;
+    node.remove_child(added);
+    return pugi::xml_node();
 }
 
 bool isText(const pugi::xml_node& node) {
@@ -68,7 +79,8 @@ XmlElement XmlElement::addChildElement(const char* name, const String& text) {
 }
 
 XmlElement XmlElement::addChildElementUtf8(const char* name, std::string_view text) {
-    XmlElement child(nodeOf(m_node).append_child(name).internal_object());
+    XmlElement child(appendedChild(nodeOf(m_node), name).internal_object(), m_isIncomplete);
+    expectDone(child.notNull());
     if (!text.empty()) child.setTextUtf8(text);
     return child;
 }
@@ -78,7 +90,7 @@ void XmlElement::removeChildElement(const XmlElement& child) {
 }
 
 void XmlElement::setTextUtf8(std::string_view text) {
-    nodeOf(m_node).text().set(text.data(), text.size());
+    expectDone(nodeOf(m_node).text().set(text.data(), text.size()));
 }
 
 void XmlElement::setAttributeString(const char* name, const String& value) {
@@ -86,11 +98,11 @@ void XmlElement::setAttributeString(const char* name, const String& value) {
 }
 
 void XmlElement::setAttributeUtf8(const char* name, std::string_view value) {
-    attributeToSet(nodeOf(m_node), name).set_value(value.data(), value.size());
+    expectDone(attributeToSet(nodeOf(m_node), name).set_value(value.data(), value.size()));
 }
 
 void XmlElement::setAttributeInt(const char* name, int value) {
-    attributeToSet(nodeOf(m_node), name).set_value(value);
+    expectDone(attributeToSet(nodeOf(m_node), name).set_value(value));
 }
 
 void XmlElement::setAttributeBool(const char* name, bool value) {
@@ -164,23 +176,29 @@ float XmlElement::getAttributeFloat(const char* name, float defaultValue) const 
 }
 
 XmlElement XmlElement::firstChildElement(const char* name) const {
-    return XmlElement(elementFrom(nodeOf(m_node).child(name)).internal_object());
+    return XmlElement(elementFrom(nodeOf(m_node).child(name)).internal_object(), m_isIncomplete);
 }
 
 XmlElement XmlElement::firstChildElement() const {
-    return XmlElement(elementFrom(nodeOf(m_node).first_child()).internal_object());
+    return XmlElement(elementFrom(nodeOf(m_node).first_child()).internal_object(), m_isIncomplete);
 }
 
 XmlElement XmlElement::nextSiblingElement(const char* name) const {
-    return XmlElement(elementFrom(nodeOf(m_node).next_sibling(name)).internal_object());
+    return XmlElement(elementFrom(nodeOf(m_node).next_sibling(name)).internal_object(),
+                      m_isIncomplete);
 }
 
 XmlElement XmlElement::nextSiblingElement() const {
-    return XmlElement(elementFrom(nodeOf(m_node).next_sibling()).internal_object());
+    return XmlElement(elementFrom(nodeOf(m_node).next_sibling()).internal_object(), m_isIncomplete);
+}
+
+void XmlElement::expectDone(bool isDone) {
+    if (m_node && !isDone) *m_isIncomplete = true;
 }
 
 struct XmlDocument::Impl {
     pugi::xml_document document;
+    bool isIncomplete = false;
 };
 
 XmlDocument::XmlDocument() : m_impl(std::make_unique<Impl>()) {}
@@ -189,13 +207,15 @@ XmlDocument::~XmlDocument() = default;
 
 XmlElement XmlDocument::createRootElement(const char* name, const char* namespaceUri) {
     m_impl->document.reset();
-    pugi::xml_node root = m_impl->document.append_child(name);
-    root.append_attribute("xmlns").set_value(namespaceUri);
-    return XmlElement(root.internal_object());
+    XmlElement root(appendedChild(m_impl->document, name).internal_object(), &m_impl->isIncomplete);
+    m_impl->isIncomplete = root.isNull();
+    root.setAttributeUtf8("xmlns", namespaceUri);
+    return root;
 }
 
 bool XmlDocument::parse(std::string_view text, String* error) {
     String reason;
+    m_impl->isIncomplete = false;
     const pugi::xml_parse_result result =
         m_impl->document.load_buffer(text.data(), text.size(), kParseOptions);
     if (!result) {
@@ -211,11 +231,23 @@ bool XmlDocument::parse(std::string_view text, String* error) {
     return false;
 }
 
-std::string XmlDocument::toUtf8() const {
+bool XmlDocument::isIncomplete() const {
+    return m_impl->isIncomplete;
+}
+
+bool XmlDocument::copyFrom(const XmlDocument& other) {
+    return parse(other.toUtf8());
+}
+
+std::string XmlDocument::toUtf8(bool* isReplaced) const {
+    if (isReplaced) *isReplaced = false;
+    if (isIncomplete()) return std::string();
     constexpr unsigned int kFormat = pugi::format_indent | pugi::format_no_declaration;
     TextCollector collector;
     collector.text = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
     m_impl->document.save(collector, " ", kFormat, pugi::encoding_utf8);
+    const bool isForbidden = replaceForbiddenCharacters(&collector.text);
+    if (isReplaced) *isReplaced = isForbidden;
     return std::move(collector.text);
 }
 
@@ -225,7 +257,7 @@ XmlElement XmlDocument::getRootElement(const char* name) const {
 }
 
 XmlElement XmlDocument::getRootElement() const {
-    return XmlElement(m_impl->document.document_element().internal_object());
+    return XmlElement(m_impl->document.document_element().internal_object(), &m_impl->isIncomplete);
 }
 
 }  // namespace nvf

@@ -11,10 +11,9 @@
 namespace nvf {
 
 /// An XML document in memory, of elements, attributes and texts; shared by reference, used by one
-/// thread at a time. All text that goes in comes out equal after writing and parsing: blanks, line
-/// breaks, markup, control characters and all of Unicode; text ends at a null character. Entities
-/// of a document type are not expanded, so that no document grows while it is parsed, and parsing
-/// does not recurse.
+/// thread at a time. All text that XML can hold comes out equal after writing and parsing: blanks,
+/// line breaks, markup and Unicode; text ends at a null character. Entities of a document type are
+/// not expanded, so that no document grows while it is parsed, and parsing does not recurse.
 class XmlDocument : public Object {
 public:
     /// Documents that nest elements deeper are refused: to write or remove such a tree again would
@@ -32,8 +31,18 @@ public:
     /// and gives false.
     bool parse(std::string_view text, String* error = nullptr);
 
-    /// The document as indented UTF-8 text with a declaration.
-    std::string toUtf8() const;
+    /// Whether memory ran out while the document was built or changed. Something is missing from
+    /// it then, and it must not be written.
+    bool isIncomplete() const;
+
+    /// Replaces the document by a copy of another; false, with the document empty, when there is no
+    /// memory or the other is incomplete.
+    bool copyFrom(const XmlDocument& other);
+
+    /// The document as indented UTF-8 text with a declaration; empty when it is incomplete. In the
+    /// place of characters that XML cannot hold, control characters among them, stands U+FFFD,
+    /// which `isReplaced`, when given, tells.
+    std::string toUtf8(bool* isReplaced = nullptr) const;
 
     /// The root element of that name, or of any; null when it has another name.
     XmlElement getRootElement(const char* name) const;

@@ -15,7 +15,7 @@ namespace nvf {
 /// A handle to one element of an XmlDocument, or to none; valid while the document lives. Text is
 /// UTF-8 in the document: the `Utf8` forms hand it through, the others convert. Used by one thread
 /// at a time, as its document. On a null element, adding gives a null element, setting does nothing
-/// and asking gives the default.
+/// and asking gives the default. What there is no memory for leaves the document incomplete.
 class XmlElement {
 public:
     XmlElement() = default;
@@ -69,9 +69,12 @@ public:
 
 private:
     friend class XmlDocument;
-    explicit XmlElement(pugi::xml_node_struct* node) : m_node(node) {}
+    XmlElement(pugi::xml_node_struct* node, bool* isIncomplete)
+        : m_node(node), m_isIncomplete(isIncomplete) {}
+    void expectDone(bool isDone);
 
     pugi::xml_node_struct* m_node = nullptr;
+    bool* m_isIncomplete = nullptr;  // the document's
 };
 
 }  // namespace nvf

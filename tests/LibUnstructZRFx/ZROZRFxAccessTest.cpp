@@ -48,6 +48,17 @@ protected:
     test::TemporaryFolder m_folder;
 };
 
+TEST_F(ZRFxAccessTest, CharactersThatXmlForbidsAreWarnedAboutOnceADocument) {
+    nvf::XmlDocument document;
+    nvf::XmlElement root = document.createRootElement("r", "");
+    for (const char* text : {"\x01", "\x02\x03", "good"}) root.addChildElementUtf8("c", text);
+    ASSERT_TRUE(m_access.WriteXmlFile("a.xml", document, false));
+    const std::vector<test::Logged> messages = TakeMessages();
+    ASSERT_EQ(messages.size(), 1u);
+    EXPECT_EQ(messages[0].level, nuo::LL_WARNING);
+    EXPECT_EQ(messages[0].text, "Characters that Xml cannot hold become U+FFFD in 'a.xml'");
+}
+
 TEST_F(ZRFxAccessTest, OpeningTellsWhatIsWrong) {
     const std::string path = m_folder.File("none.zrfx");
     ZRFxAccess access;
@@ -260,9 +271,8 @@ TEST_F(ZRFxAccessTest, SnapshotAndDescriptionAreWhatTheCaseNames) {
     ExpectRefused(m_access.GetCaseSnapshot(1, &image),
                   {unreadable + "C\\s.raw', file not found.",
                    "Error reading JPEG image from archive", "Error reading snapshot (case ID 1)"});
-    ExpectRefused(
-        m_access.GetCaseDescription(1, &text),
-        {unreadable + "C\\d.txt', file not found.", "Error reading description(case ID 1)"});
+    ExpectRefused(m_access.GetCaseDescription(1, &text), {unreadable + "C\\d.txt', file not found.",
+                                                          "Error reading description(case ID 1)"});
     Put("C\\s.raw", std::string_view("\1\0\0\0\1\0\0\0abc", 11));
     Put("d.txt", "about");
     EXPECT_TRUE(m_access.GetCaseSnapshot(1, &image));

@@ -5,6 +5,7 @@
 
 #include "support/InterfaceTest.h"
 #include "support/Model.h"
+#include "support/OutputOf.h"
 
 namespace {
 
@@ -72,6 +73,42 @@ TEST_P(ModelTest, BlocksThatWereReadAreWrittenToAnotherFile) {
     for (const PtrRef<Block>& block : blocks) EXPECT_TRUE(database->writeBlock(block.p()));
     EXPECT_EQ(DescribeModel("x").front(), Describe(*database));
     EXPECT_TRUE(copy.close());
+}
+
+using NamesTest = InterfaceTest;
+
+TEST_F(NamesTest, CharactersThatXmlForbidsAreReplacedSoThatEveryReaderTakesTheFile) {
+    const std::string name = m_folder.File("names.zrfx");
+    const std::string forbidden = "\x1B\uFFFF";
+    const std::string written = "\uFFFD\uFFFD";
+    PtrRef<nuo::PropertySet> set = new nuo::PropertySet(Str(forbidden));
+    set->setValue(Str(forbidden), Str(forbidden));
+    PtrRef<nuo::PropertySetCollection> properties = new nuo::PropertySetCollection;
+    properties->addPropertySet(set.p());
+    File file;
+    ASSERT_TRUE(file.create(Str(name), FileSettings()));
+    ASSERT_TRUE(WriteModel(file, forbidden));
+    const PtrRef<Case> view = new Case(&file, Str(forbidden), 9, 0);
+    view->setProperties(properties.p());  // not of the catalogue
+    TakeTexts();
+    ASSERT_TRUE(file.close());
+
+    ASSERT_TRUE(file.open(Str(name)));
+    EXPECT_EQ(Describe(*file.database(0)), DescribeModel(written).front());
+    const Case& read = *file.fileCase(2);
+    EXPECT_EQ(read.name(), Str(written));
+    ASSERT_EQ(read.properties()->count(), 1u);
+    EXPECT_EQ(read.properties()->propertySet(0)->classType(), Str(written));
+    EXPECT_EQ(read.properties()->propertySet(0)->value(Str(written)).toStr(), Str(written));
+    EXPECT_TRUE(file.close());
+    if (OutputOf("python3 -c 'print(1)' 2>&1") != "1\n") GTEST_SKIP() << "needs python3";
+    EXPECT_EQ(OutputOf("python3 -c \"import sys, zipfile, xml.etree.ElementTree as tree\n"
+                       "z = zipfile.ZipFile(sys.argv[1])\n"
+                       "names = [n for n in z.namelist() if n.endswith('.xml')]\n"
+                       "for n in names: tree.fromstring(z.read(n))\n"
+                       "print(len(names) > 40)\" '" +
+                       name + "' 2>&1"),
+              "True\n");
 }
 
 std::string nameOf(const testing::TestParamInfo<Form>& info) {

@@ -37,6 +37,16 @@ TEST(ZRFxComponentTest, FirstInitializationCountsAndLaterOnesChangeNothing) {
     EXPECT_EQ(0, nuo::Mat4d().rowCol(4, 0));  // still in continue mode, else this would abort
 }
 
+TEST(ZRFxComponentTest, MisuseBeforeInitializationIsReportedAndTheProcessGoesOn) {
+    nuo::PtrRef<Recorder> recorder = new Recorder;
+    nuo::CoreComponent::logManager()->setDestination(recorder.p());
+    EXPECT_FALSE(ZRFxComponent::initialize(nullptr));
+    EXPECT_EQ(nullptr, nuo::PropertySetCollection().propertySet(0));
+    ASSERT_EQ(2u, recorder->messages.size());
+    EXPECT_EQ(nuo::Str("ASSERT:  (instance)"), recorder->messages[0].text);
+    EXPECT_EQ(nuo::Str("ASSERT:  (index < count())"), recorder->messages[1].text);
+}
+
 TEST(ZRFxComponentTest, WithoutLicenceNumberItIsAnEvaluationVersion) {
     nuo::Instance instance = instanceWith(nuo::FailedAssertAction::CONTINUE, 0);
     ASSERT_TRUE(ZRFxComponent::initialize(&instance));

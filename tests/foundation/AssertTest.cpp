@@ -41,6 +41,11 @@ constexpr Report kReports[] = {
      "Only\n\nFile: dir/f.cpp"},
 };
 
+// In a process of its own, which has chosen nothing.
+TEST(AssertModeTest, FailedAssertionLetsTheProcessGoOnBeforeAnythingIsInitialized) {
+    EXPECT_FALSE(reportFailedAssert("dir/f.cpp", 7, "a < b", nullptr));
+}
+
 TEST_F(AssertTest, EveryModeLogsAnErrorFirst) {
     for (const auto mode : {AssertReportMode::CONTINUE, AssertReportMode::EXCEPTION}) {
         setReportMode(mode);

@@ -127,7 +127,6 @@ TEST_F(PropertyXmlSerializerTest, EveryTypeAndHardTextSurvivesAsValueKeyAndClass
         }
     };
     addTexts(test::kHardXmlTexts);
-    addTexts(test::kHardForeignTexts);
     values.push_back(Variant(values));
     values.push_back(Variant(std::vector<Variant>{Variant(values), Text(" "), Variant(1u)}));
     ref<PropertySet> numbered = new PropertySet("numbered");

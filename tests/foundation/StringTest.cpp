@@ -48,8 +48,7 @@ TEST(String, SplitKeepsEmptyParts) {
 
 TEST(String, NoTextIsLostBetweenPublicAndInternalStrings) {
     std::vector<std::string> texts(std::begin(test::kHardXmlTexts), std::end(test::kHardXmlTexts));
-    texts.insert(texts.end(), std::begin(test::kHardForeignTexts),
-                 std::end(test::kHardForeignTexts));
+    texts.insert(texts.end(), {"\x01\x1F\x1B[31m", "\uFFFE\uFFFF"});
     for (const std::string& text : texts) {
         const String internal = nuo::Convert::toNvfString(nuo::Str(text));
         EXPECT_EQ(internal.toUtf8(), text);

@@ -28,12 +28,23 @@ inline constexpr const char* kHardXmlTexts[] = {"",
                                                 "\u2028\u2029\u0085",
                                                 "\uFEFFbom",
                                                 "e\u0301 \u00E9",
-                                                "\U0001F600\U00010000\U0010FFFD",
+                                                "\U0001F600\U00010000\U0010FFFD\U0010FFFF",
                                                 "\x7F"};
 
-/// UTF-8 texts that XML 1.0 cannot hold but this library brings back all the same.
-inline constexpr const char* kHardForeignTexts[] = {
-    "\x01\x02\x08\x0B\x0C\x1F", "\x1B[31m", "\uFFFE", "\uFFFF", "\U0010FFFF", "\x01", " \x1F ",
+/// Texts that XML 1.0 cannot hold, and what is written in their place.
+struct ForbiddenText {
+    const char* text;
+    const char* written;
+};
+
+inline constexpr ForbiddenText kForbiddenTexts[] = {
+    {"\x01", "\uFFFD"},
+    {" \x1F ", " \uFFFD "},
+    {"a\x02\x08\x0B\t\x0C\n", "a\uFFFD\uFFFD\uFFFD\t\uFFFD\n"},
+    {"\x1B[31m&#27;", "\uFFFD[31m&#27;"},
+    {"\uFFFE\uFFFD\uFFFF", "\uFFFD\uFFFD\uFFFD"},
+    {"\xED\xA0\x80", "\uFFFD\uFFFD\uFFFD"},  // a lone surrogate
+    {"<\xC3(\xFF\xC3", "<\uFFFD(\uFFFD\uFFFD"},
 };
 
 }  // namespace test

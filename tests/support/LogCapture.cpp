@@ -37,7 +37,7 @@ LogCapture::LogCapture() : m_managerBefore(nvf::LogManager::instance()), m_recor
 }
 
 LogCapture::~LogCapture() {
-    nvf::setReportMode(nvf::AssertReportMode::DIALOG);
+    nvf::setReportMode(nvf::AssertReportMode::CONTINUE);
     nvf::LogManager::setInstance(m_managerBefore);
 }
 

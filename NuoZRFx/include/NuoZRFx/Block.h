@@ -11,7 +11,10 @@ namespace nuo::zrfx {
 
 /// Base of all blocks: a numbered unit of model or result data. Fill one and hand it to
 /// Database::writeBlock, or get one from Database::blockByIndex. Ids are the caller's, unique for
-/// each type within a database. Used by one thread at a time.
+/// each type within a database. Used by one thread at a time. Where there is no memory, an
+/// operation gives its failure, with a message, and leaves the block as it was; a block that could
+/// not be constructed fails in all of them. One that an operation without a result could not change
+/// cannot be written any more, so that nothing is stored without what was lost.
 class NUO_API Block : public RefCountedObject {
 public:
     enum BlockType : int {
@@ -34,6 +37,10 @@ public:
     /// The block behind this face, for the component's own use.
     virtual unstruct::ZRFxBlock* internal_zrfxBlock() const;
 
+    /// Whether the block lacks what there was no memory for, for the component's own use.
+    bool internal_isIncomplete() const { return m_isIncomplete; }
+    void internal_setIncomplete() { m_isIncomplete = true; }
+
     int blockId() const { return m_blockId; }
     BlockType blockType() const { return m_blockType; }
 
@@ -44,6 +51,7 @@ protected:
 private:
     int m_blockId;
     BlockType m_blockType;
+    bool m_isIncomplete = false;
 };
 
 }  // namespace nuo::zrfx

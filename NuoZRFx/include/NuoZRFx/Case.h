@@ -1,10 +1,10 @@
 #pragma once
 
 #include <cstddef>
-#include <memory>
 
 #include "NuoCore/Export.h"
 #include "NuoCore/Image.h"
+#include "NuoCore/PrivatePtr.h"
 #include "NuoCore/PropertySetCollection.h"
 #include "NuoCore/RefCountedObject.h"
 #include "NuoCore/Str.h"
@@ -16,6 +16,8 @@ class File;
 /// One view set-up of a database: name, description, snapshot, textures and viewer settings. It
 /// registers itself with its file, which holds a reference to it until it is closed and writes it
 /// with flush() and close(). Create it with `new`. Used by one thread at a time, with its file.
+/// What is set while memory is missing is logged and lost: the file is not written until it is set
+/// again.
 ///
 ///     nuo::PtrRef<nuo::zrfx::Case> view = new nuo::zrfx::Case(&file, "Front view",
 ///         file.unusedFileCaseId(), database->id());
@@ -77,8 +79,9 @@ private:
     Case(File* file, int index);
     bool isCreated(File* file, const Str& name, int id, int databaseId);
     bool isRead(File* file, int index);
+    void refuse();
 
-    std::unique_ptr<class CasePrivate> m_private;
+    PrivatePtr<class CasePrivate> m_private;
 };
 
 }  // namespace nuo::zrfx

@@ -1,9 +1,9 @@
 #pragma once
 
 #include <cstddef>
-#include <memory>
 
 #include "NuoCore/Export.h"
+#include "NuoCore/PrivatePtr.h"
 #include "NuoCore/PtrRef.h"
 #include "NuoCore/RefCountedObject.h"
 #include "NuoCore/Str.h"
@@ -95,10 +95,11 @@ private:
     bool isCreated(File* file, const Str& name, int id, SimulationType simulationType,
                    SolutionType solutionType, const Str& description);
     bool isTaken(File* file, int id);
+    void refuse();
     const unstruct::ZRFxBlock* entryAt(Block::BlockType type, std::size_t index) const;
     const unstruct::ZRFxBlock* entryOf(Block::BlockType type, int id) const;
 
-    std::unique_ptr<class DatabasePrivate> m_private;
+    PrivatePtr<class DatabasePrivate> m_private;
 };
 
 }  // namespace nuo::zrfx

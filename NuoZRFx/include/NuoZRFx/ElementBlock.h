@@ -1,10 +1,10 @@
 #pragma once
 
 #include <cstddef>
-#include <memory>
 #include <vector>
 
 #include "NuoCore/Export.h"
+#include "NuoCore/PrivatePtr.h"
 #include "NuoZRFx/Block.h"
 
 namespace unstruct {
@@ -136,12 +136,13 @@ private:
                               const std::vector<int>& elementIds, std::size_t* elementCount);
     bool checkElements(ElementType elementType, const int* elementNodes, std::size_t elementCount,
                        const int* elementIds) const;
+    bool addGroup(const unstruct::ZRFxElementBlockGroup& added);
     unstruct::ZRFxElementBlockGroup* lastGroupOf(int zrElementType) const;
     const unstruct::ZRFxElementBlockGroup* groupAt(std::size_t groupIndex) const;
     bool copyGroupArray(std::size_t groupIndex, std::vector<int>* items,
                         unstruct::ZRArray<int> unstruct::ZRFxElementBlockGroup::*array) const;
 
-    std::unique_ptr<class ElementBlockPrivate> m_private;
+    PrivatePtr<class ElementBlockPrivate> m_private;
 };
 
 }  // namespace nuo::zrfx

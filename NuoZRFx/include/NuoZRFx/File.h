@@ -1,9 +1,9 @@
 #pragma once
 
 #include <cstddef>
-#include <memory>
 
 #include "NuoCore/Export.h"
+#include "NuoCore/PrivatePtr.h"
 #include "NuoCore/RefCountedObject.h"
 #include "NuoCore/Str.h"
 #include "NuoZRFx/FileSettings.h"
@@ -20,7 +20,8 @@ class Database;
 
 /// One ZRFx file: created, opened for reading, or opened for appending databases and cases. It
 /// holds a reference to each of its databases and cases until it is closed. Used by one thread at a
-/// time, with everything reached from it. Every operation that fails logs why on "nuo.comp.zrfx".
+/// time, with everything reached from it. Every operation that fails logs why on "nuo.comp.zrfx",
+/// a lack of memory included; what there was no memory to open is not open.
 ///
 ///     nuo::zrfx::File file;
 ///     if (!file.create("model.zrfx", nuo::zrfx::FileSettings())) return false;
@@ -128,6 +129,8 @@ private:
     bool isNewDatabaseId(int id) const;
     bool addDatabase(Database* database);
     bool addCase(Case* fileCase);
+    template <typename Open>
+    bool opened(Open open);
     bool readRegistries();
     bool readDatabases();
     bool readCases();
@@ -136,7 +139,7 @@ private:
     bool refreshDatabases(const unstruct::ZRFxArchiveChanges& changes);
     bool refreshCases(const unstruct::ZRFxArchiveChanges& changes);
 
-    std::unique_ptr<class FilePrivate> m_private;
+    PrivatePtr<class FilePrivate> m_private;
 };
 
 }  // namespace nuo::zrfx

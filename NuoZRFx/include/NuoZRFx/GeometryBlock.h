@@ -1,10 +1,10 @@
 #pragma once
 
 #include <cstddef>
-#include <memory>
 #include <vector>
 
 #include "NuoCore/Export.h"
+#include "NuoCore/PrivatePtr.h"
 #include "NuoZRFx/Block.h"
 
 namespace unstruct {
@@ -69,7 +69,7 @@ private:
     std::vector<int> idsOfParts(std::size_t geometryIndex, std::size_t stateIndex,
                                 int unstruct::ZRFxGeometryPart::*id) const;
 
-    std::unique_ptr<class GeometryBlockPrivate> m_private;
+    PrivatePtr<class GeometryBlockPrivate> m_private;
 };
 
 }  // namespace nuo::zrfx

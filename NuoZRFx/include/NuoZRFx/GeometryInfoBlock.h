@@ -1,9 +1,9 @@
 #pragma once
 
 #include <cstddef>
-#include <memory>
 
 #include "NuoCore/Export.h"
+#include "NuoCore/PrivatePtr.h"
 #include "NuoCore/Str.h"
 #include "NuoZRFx/Block.h"
 
@@ -38,7 +38,7 @@ private:
     GeometryInfoBlock(unstruct::ZRFxGeometryInfoBlock* geometryInfoBlock, int blockId);
     unstruct::ZRFxPartInfos* partsOf(std::size_t geometryIndex) const;
 
-    std::unique_ptr<class GeometryInfoBlockPrivate> m_private;
+    PrivatePtr<class GeometryInfoBlockPrivate> m_private;
 };
 
 }  // namespace nuo::zrfx

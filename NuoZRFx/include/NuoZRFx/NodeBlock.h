@@ -1,10 +1,10 @@
 #pragma once
 
 #include <cstddef>
-#include <memory>
 #include <vector>
 
 #include "NuoCore/Export.h"
+#include "NuoCore/PrivatePtr.h"
 #include "NuoCore/Vec3f.h"
 #include "NuoZRFx/Block.h"
 
@@ -58,7 +58,7 @@ private:
     explicit NodeBlock(unstruct::ZRFxNodeBlock* nodeBlock);
     bool checkIds(const Vec3f* nodes, std::size_t nodeCount, const std::vector<int>& nodeIds) const;
 
-    std::unique_ptr<class NodeBlockPrivate> m_private;
+    PrivatePtr<class NodeBlockPrivate> m_private;
 };
 
 }  // namespace nuo::zrfx

@@ -1,10 +1,10 @@
 #pragma once
 
 #include <cstddef>
-#include <memory>
 #include <vector>
 
 #include "NuoCore/Export.h"
+#include "NuoCore/PrivatePtr.h"
 #include "NuoCore/Str.h"
 #include "NuoZRFx/Block.h"
 
@@ -88,7 +88,7 @@ private:
     friend class DatabasePrivate;
     explicit ResultBlock(unstruct::ZRFxResultBlock* resultBlock);
 
-    std::unique_ptr<class ResultBlockPrivate> m_private;
+    PrivatePtr<class ResultBlockPrivate> m_private;
 };
 
 }  // namespace nuo::zrfx

@@ -1,10 +1,10 @@
 #pragma once
 
 #include <cstddef>
-#include <memory>
 #include <vector>
 
 #include "NuoCore/Export.h"
+#include "NuoCore/PrivatePtr.h"
 #include "NuoZRFx/Block.h"
 
 namespace unstruct {
@@ -71,7 +71,7 @@ private:
     explicit ResultValuesBlock(unstruct::ZRFxResultValuesBlock* resultValuesBlock);
     bool checkIds(bool isGiven) const;
 
-    std::unique_ptr<class ResultValuesBlockPrivate> m_private;
+    PrivatePtr<class ResultValuesBlockPrivate> m_private;
 };
 
 }  // namespace nuo::zrfx

@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "NuoCore/Export.h"
+#include "NuoCore/PrivatePtr.h"
 #include "NuoCore/Str.h"
 #include "NuoZRFx/Block.h"
 #include "NuoZRFx/SetItemGroup.h"
@@ -25,6 +26,7 @@ public:
     SetBlock(int blockId, bool itemsSpecifiedAsIds);
     ~SetBlock() override;
 
+    bool checkValidity() const override;
     unstruct::ZRFxBlock* internal_zrfxBlock() const override;
 
     int setId() const;
@@ -55,8 +57,9 @@ public:
 private:
     friend class DatabasePrivate;
     explicit SetBlock(unstruct::ZRFxSetBlock* setBlock);
+    void takeOver(std::unique_ptr<SetItemGroup> group);
 
-    std::unique_ptr<class SetBlockPrivate> m_private;
+    PrivatePtr<class SetBlockPrivate> m_private;
 };
 
 }  // namespace nuo::zrfx

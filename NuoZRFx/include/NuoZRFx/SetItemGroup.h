@@ -1,16 +1,17 @@
 #pragma once
 
 #include <cstddef>
-#include <memory>
 #include <vector>
 
 #include "NuoCore/Export.h"
+#include "NuoCore/PrivatePtr.h"
 #include "NuoZRFx/Block.h"
 
 namespace nuo::zrfx {
 
 /// The items of a set that lie in one block. A plain object: make it, fill it and give it to
-/// SetBlock::addItemGroup, which takes it over.
+/// SetBlock::addItemGroup, which takes it over. Where there is no memory to add or set items, that
+/// is logged, and a set with the group cannot be written.
 class NUO_API SetItemGroup {
 public:
     SetItemGroup();
@@ -41,7 +42,7 @@ public:
 
 private:
     friend class SetBlock;
-    std::unique_ptr<class SetItemGroupPrivate> m_private;
+    PrivatePtr<class SetItemGroupPrivate> m_private;
 };
 
 }  // namespace nuo::zrfx

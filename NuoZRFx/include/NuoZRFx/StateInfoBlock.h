@@ -1,10 +1,10 @@
 #pragma once
 
 #include <cstddef>
-#include <memory>
 #include <vector>
 
 #include "NuoCore/Export.h"
+#include "NuoCore/PrivatePtr.h"
 #include "NuoCore/Str.h"
 #include "NuoZRFx/Block.h"
 
@@ -61,7 +61,7 @@ private:
     const unstruct::ZRFxStateInfo* stateAt(std::size_t index) const;
     bool isIdUsed(int id) const;
 
-    std::unique_ptr<class StateInfoBlockPrivate> m_private;
+    PrivatePtr<class StateInfoBlockPrivate> m_private;
 };
 
 }  // namespace nuo::zrfx

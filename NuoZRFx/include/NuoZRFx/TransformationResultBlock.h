@@ -1,10 +1,10 @@
 #pragma once
 
 #include <cstddef>
-#include <memory>
 #include <vector>
 
 #include "NuoCore/Export.h"
+#include "NuoCore/PrivatePtr.h"
 #include "NuoCore/Str.h"
 #include "NuoZRFx/Block.h"
 
@@ -48,7 +48,7 @@ private:
     friend class DatabasePrivate;
     explicit TransformationResultBlock(unstruct::ZRFxTransformationResultsBlock* block);
 
-    std::unique_ptr<class TransformationResultBlockPrivate> m_private;
+    PrivatePtr<class TransformationResultBlockPrivate> m_private;
 };
 
 }  // namespace nuo::zrfx

@@ -1,9 +1,8 @@
 #pragma once
 
-#include <memory>
-
 #include "NuoCore/Export.h"
 #include "NuoCore/Mat4d.h"
+#include "NuoCore/PrivatePtr.h"
 #include "NuoZRFx/Block.h"
 
 namespace unstruct {
@@ -34,7 +33,7 @@ private:
     friend class DatabasePrivate;
     explicit TransformationResultValuesBlock(unstruct::ZRFxTransformationResultValuesBlock* block);
 
-    std::unique_ptr<class TransformationResultValuesBlockPrivate> m_private;
+    PrivatePtr<class TransformationResultValuesBlockPrivate> m_private;
 };
 
 }  // namespace nuo::zrfx

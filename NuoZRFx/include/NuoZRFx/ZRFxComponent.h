@@ -18,7 +18,8 @@ class NUO_API ZRFxComponent {
 public:
     /// Takes over what the instance says about failed assertions and licence, and connects the
     /// component's logging to the core's. The instance is not kept. Later calls change nothing and
-    /// give true. False, after an assertion, when `instance` is null.
+    /// give true. False, after an assertion, when `instance` is null, and with a message when there
+    /// is no memory; it can then be tried again.
     static bool initialize(Instance* instance);
 
     /// Until this is true, no File can be created or opened.

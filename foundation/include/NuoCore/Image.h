@@ -8,8 +8,16 @@
 namespace nuo {
 
 /// An RGB image, 3 bytes a pixel, rows from the top without padding: a value that owns its pixels.
+/// A copy for which there is no memory has no pixels, which is logged.
 class NUO_API Image {
 public:
+    Image() = default;
+    Image(const Image& other);
+    Image(Image&& other) noexcept;
+    Image& operator=(const Image& other);
+    Image& operator=(Image&& other) noexcept;
+    ~Image() = default;
+
     unsigned int width() const { return m_width; }
     unsigned int height() const { return m_height; }
 
@@ -18,11 +26,12 @@ public:
     bool getAsRgb(unsigned char* buffer, std::size_t bufferSize) const;
 
     /// Replaces the image by a copy of width * height * 3 bytes. The image stays as it is, and the
-    /// result is false, when `rgb` is null while the size is not zero or the size is beyond all
-    /// memory.
+    /// result is false, when `rgb` is null while the size is not zero or there is no memory.
     bool setFromRgb(const unsigned char* rgb, unsigned int width, unsigned int height);
 
 private:
+    void swap(Image& other) noexcept;
+
     unsigned int m_width = 0;
     unsigned int m_height = 0;
     std::vector<unsigned char> m_rgb;

@@ -3,7 +3,8 @@
 namespace nuo {
 
 /// What to do when the library finds a programming error, such as a null argument or an index out
-/// of range. In each case it is logged as an error first.
+/// of range. In each case it is logged as an error first. Until the component is initialized, the
+/// library goes on.
 enum class FailedAssertAction : int {
     CONTINUE = 0,   ///< Go on; the operation gives its failure value.
     EXCEPTION = 1,  ///< Throw an exception derived from std::runtime_error that tells the place.

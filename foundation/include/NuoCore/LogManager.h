@@ -20,14 +20,16 @@ namespace nuo {
 class NUO_API LogManager {
 public:
     /// Sends the messages of all loggers, present and future, to `destination`, of which a
-    /// reference is kept. Null brings the standard error stream back.
+    /// reference is kept. Null brings the standard error stream back. Where there is no memory for
+    /// it, the one before stays. A message that cannot be handed on for lack of memory goes to the
+    /// standard error stream, as far as it is known.
     void setDestination(LogDestination* destination);
 
     /// Sets the level of the named logger and of all below it, present and future. The empty name
     /// means all loggers.
     void setLevel(const Str& loggerName, LogLevel level);
 
-    /// The level of the named logger.
+    /// The level of the named logger; that of all loggers when there is no memory to look it up.
     LogLevel level(const Str& loggerName) const;
 
     /// The manager behind this face, for the library's own use.

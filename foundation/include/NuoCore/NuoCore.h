@@ -10,6 +10,7 @@
 #include "NuoCore/LogManager.h"
 #include "NuoCore/LogMessage.h"
 #include "NuoCore/Mat4d.h"
+#include "NuoCore/PrivatePtr.h"
 #include "NuoCore/PropertySet.h"
 #include "NuoCore/PropertySetCollection.h"
 #include "NuoCore/PtrRef.h"

@@ -1,9 +1,9 @@
 #pragma once
 
 #include <cstddef>
-#include <memory>
 
 #include "NuoCore/Export.h"
+#include "NuoCore/PrivatePtr.h"
 #include "NuoCore/PropertySet.h"
 #include "NuoCore/PtrRef.h"
 #include "NuoCore/RefCountedObject.h"
@@ -16,7 +16,8 @@ public:
     PropertySetCollection();
     ~PropertySetCollection() override;
 
-    /// Appends a set and keeps a reference to it. A null set is an assertion and is left out.
+    /// Appends a set and keeps a reference to it. A null set is an assertion and is left out. When
+    /// there is no memory the list stays as it is, which is logged, and cannot be stored.
     void addPropertySet(PropertySet* propertySet);
 
     std::size_t count() const;
@@ -24,8 +25,11 @@ public:
     /// The set at an index below count(); null after an assertion otherwise.
     PropertySet* propertySet(std::size_t index) const;
 
+    /// Whether every set could be appended, for the library's own use.
+    bool internal_isComplete() const;
+
 private:
-    std::unique_ptr<class PropertySetCollectionPrivate> m_private;
+    PrivatePtr<class PropertySetCollectionPrivate> m_private;
 };
 
 }  // namespace nuo

@@ -16,7 +16,9 @@ namespace nuo {
 
 /// One value of a PropertySet, tagged with its type: a value type. It converts from what it holds,
 /// so that a plain value can be passed where a Variant is asked for; take care to write 1.0 where a
-/// property is a double and 1.0f where it is a float.
+/// property is a double and 1.0f where it is a float. Where there is no memory to make or copy one,
+/// that is logged and the value is lost: it is invalid, and a property set that is given it cannot
+/// be stored.
 class NUO_API Variant {
 public:
     /// The types, with the codes that the file format uses.
@@ -33,7 +35,7 @@ public:
         ARRAY = 9
     };
 
-    Variant();
+    Variant() noexcept;
     Variant(int value);
     Variant(unsigned int value);
     Variant(double value);
@@ -48,7 +50,7 @@ public:
     Variant(T*) = delete;  // would become a boolean
     Variant(const std::vector<Variant>& values);
     Variant(const Variant& other);
-    Variant(Variant&& other);
+    Variant(Variant&& other) noexcept;
     Variant& operator=(const Variant& other);
     Variant& operator=(Variant&& other) noexcept;
     ~Variant();
@@ -57,7 +59,7 @@ public:
     bool isValid() const { return type() != INVALID; }
 
     /// The value, for the type that it has. Asking for another type is an assertion and gives zero,
-    /// false or an empty value.
+    /// false or an empty value; so does one that there is no memory to copy, with a message.
     int toInt() const;
     unsigned int toUInt() const;
     double toDouble() const;
@@ -68,12 +70,17 @@ public:
     Str toStr() const;
     std::vector<Variant> toArray() const;
 
-    /// For the library's own use.
+    /// For the library's own use. Both throw std::bad_alloc, the second for a lost value.
     explicit Variant(const nvf::Variant& value);
     const nvf::Variant& internal_nvfVariant() const;
 
 private:
-    std::unique_ptr<nvf::Variant> m_value;
+    template <typename Make>
+    void take(Make make);
+    const nvf::Variant& held() const;
+
+    std::unique_ptr<nvf::Variant> m_value;  // null when invalid
+    bool m_isLost = false;
 };
 
 }  // namespace nuo

@@ -1,0 +1,68 @@
+#include "nvf/XmlCharacters.h"
+
+#include <cstddef>
+#include <string_view>
+
+#include "nvf/Utf8.h"
+
+namespace nvf {
+namespace {
+
+constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
+
+bool isForbiddenControl(int c) {
+    return c < 0x20 && c != '\t' && c != '\n' && c != '\r';
+}
+
+// A character, or a reference to a control character.
+struct Piece {
+    std::size_t length;
+    bool isForbidden;
+};
+
+// Control characters are written as references of two digits.
+Piece referencePiece(std::string_view xml) {
+    const auto isDigit = [&](std::size_t i) { return xml[i] >= '0' && xml[i] <= '9'; };
+    const bool isReference =
+        xml.size() >= 5 && xml[1] == '#' && isDigit(2) && isDigit(3) && xml[4] == ';';
+    if (!isReference || !isForbiddenControl((xml[2] - '0') * 10 + xml[3] - '0')) return {1, false};
+    return {5, true};
+}
+
+Piece firstPiece(std::string_view xml) {
+    const auto first = static_cast<unsigned char>(xml.front());
+    if (first == '&') return referencePiece(xml);
+    if (first < 0x80) return {1, isForbiddenControl(first)};
+    std::string_view rest = xml;
+    const char32_t c = takeCharacter(rest);
+    const std::size_t length = xml.size() - rest.size();
+    return {length, length == 1 || c == 0xFFFE || c == 0xFFFF};
+}
+
+// From there on, or the end where there is none.
+std::size_t findForbidden(std::string_view xml, std::size_t from) {
+    while (from < xml.size()) {
+        const Piece piece = firstPiece(xml.substr(from));
+        if (piece.isForbidden) break;
+        from += piece.length;
+    }
+    return from;
+}
+
+}  // namespace
+
+bool replaceForbiddenCharacters(std::string* xml) {
+    std::size_t found = findForbidden(*xml, 0);
+    if (found == xml->size()) return false;
+    std::string clean;
+    std::size_t done = 0;
+    for (; found < xml->size(); found = findForbidden(*xml, done)) {
+        clean.append(*xml, done, found - done).append(kReplacement);
+        done = found + firstPiece(std::string_view(*xml).substr(found)).length;
+    }
+    clean.append(*xml, done);
+    xml->swap(clean);
+    return true;
+}
+
+}  // namespace nvf

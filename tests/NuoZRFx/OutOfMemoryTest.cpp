@@ -1,0 +1,493 @@
+#include <gmock/gmock.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <exception>
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "support/FailingMemory.h"
+#include "support/InterfaceTest.h"
+#include "support/Model.h"
+
+namespace {
+
+using namespace nuo::zrfx;
+using namespace test;
+using Failing = FailingMemory::Failing;
+using testing::ElementsAreArray;
+
+constexpr const char* kLongName = "A name that is long enough to need some memory of its own";
+
+PtrRef<Block> madeIf(bool isWhole, const PtrRef<Block>& block) {
+    return isWhole ? block : nullptr;
+}
+
+// One block of each type and kind, or null when an operation on it failed.
+using MakeBlock = std::function<PtrRef<Block>()>;
+
+const std::vector<MakeBlock> kMakeBlocks = {
+    [] {
+        const PtrRef<NodeBlock> nodes = new NodeBlock(1, true);
+        bool isWhole = nodes->addNode(0, 0, 0, 10) && nodes->addNode(1, 0, 0, 20);
+        isWhole = isWhole && nodes->addNode(1, 1, 0, 30) && nodes->addNode(0, 1, 1, 40);
+        return madeIf(isWhole && nodes->nodeIndex(30) == 2, nodes);
+    },
+    [] {
+        const PtrRef<NodeBlock> nodes = new NodeBlock(2, false);
+        return madeIf(nodes->setNodes(std::vector<float>{0, 0, 0, 1, 2, 3}, {}), nodes);
+    },
+    [] {
+        const PtrRef<ElementBlock> elements = new ElementBlock(1, true, false);
+        elements->setNodeBlockId(1);
+        bool isWhole = elements->addElements(ElementBlock::QUADS, {0, 1, 2, 3, 3, 2, 1, 0}, {7, 8});
+        isWhole = isWhole && elements->addElement(ElementBlock::QUADS, {1, 2, 3, 0}, 9);
+        isWhole = isWhole &&
+                  elements->addPolyhedron({{0, 1, 2}, {0, 3, 1}, {1, 3, 2}, {0, 2, 3}}, 10) &&
+                  elements->addPolyhedron({{3, 1, 2}, {3, 0, 1}, {1, 0, 2}, {3, 2, 0}}, 11);
+        return madeIf(isWhole, elements);
+    },
+    [] {
+        const PtrRef<GeometryBlock> geometry = new GeometryBlock(1);
+        return madeIf(geometry->setElementBlocksForState(0, {1, 2}, 1, {5, 6}) &&
+                          geometry->addElementBlockForState(0, 2, 5, 2) &&
+                          geometry->addElementBlockForState(0, 1, 6, 2),
+                      geometry);
+    },
+    [] {
+        const PtrRef<GeometryInfoBlock> parts = new GeometryInfoBlock(1);
+        return madeIf(parts->addPartInfo(0, 5, kLongName) && parts->addPartInfo(0, 6, ""), parts);
+    },
+    [] {
+        const PtrRef<StateInfoBlock> states = new StateInfoBlock;
+        bool isWhole = states->addStateInfo(1, kLongName, 0.5f, StateInfoBlock::TIME) &&
+                       states->addStateInfo(2, "", 1, StateInfoBlock::LOAD_CASE);
+        return madeIf(isWhole && states->addGroupInfo(9, kLongName, {1, 2}), states);
+    },
+    [] {
+        const PtrRef<ResultValuesBlock> values =
+            new ResultValuesBlock(1, ResultValuesBlock::SCALAR1D, true);
+        return madeIf(values->setMapToBlockId(1, Block::ELEMENTS) &&
+                          values->addResultValue1d(1.5f, 7) && values->addResultValue1d(-2, 8),
+                      values);
+    },
+    [] {
+        const PtrRef<ResultValuesBlock> values =
+            new ResultValuesBlock(2, ResultValuesBlock::VECTOR3D, false);
+        return madeIf(values->setMapToBlockId(1, Block::NODES) &&
+                          values->setResultValues({1, 2, 3, 4, 5, 6}, {}) &&
+                          values->addResultValue3d(7, 8, 9),
+                      values);
+    },
+    [] {
+        const PtrRef<ResultBlock> result =
+            new ResultBlock(1, ResultBlock::SCALAR, ResultBlock::ELEMENT_MAPPING);
+        result->setName(kLongName);
+        result->setResultId(3);
+        result->addAttribute(kLongName, "N/mm\u00B2");
+        result->addAttribute("unit", kLongName);
+        return madeIf(
+            result->addResultValuesBlock(1, 1) && result->setResultValuesBlocks({1, 2}, 2), result);
+    },
+    [] {
+        const PtrRef<TransformationResultBlock> moves = new TransformationResultBlock(1);
+        moves->setName(kLongName);
+        moves->setResultId(4);
+        return madeIf(moves->addTransformationResultValuesBlock(1, 1), moves);
+    },
+    [] {
+        const PtrRef<TransformationResultValuesBlock> move = new TransformationResultValuesBlock(1);
+        nuo::Mat4d matrix;
+        matrix.setRowCol(0, 3, 2.5);
+        move->setMatrix(matrix);
+        return madeIf(move->setMapToBlockId(1, Block::ELEMENTS), move);
+    },
+    [] {
+        const PtrRef<SetBlock> set = new SetBlock(1, true);
+        set->setSetName(kLongName);
+        set->setSetId(5);
+        set->addItem(7, 1);
+        const int items[] = {8, 9};
+        set->addItems(items, 2, 1);
+        SetItemGroup* group = new SetItemGroup;
+        group->setBlockId(2);
+        group->setBlockType(Block::ELEMENTS);
+        group->setItems({3, 2, 1});
+        group->addItem(4);
+        set->addItemGroup(group);
+        return madeIf(true, set);
+    }};
+
+// What the library logs, which is not its allocation.
+class Silent : public nuo::LogDestination {
+    void log(const nuo::LogMessage&) override {}
+};
+
+// A user who does one thing after another. One that fails is done again, if he is patient, once
+// there is memory again, and must then be done; else he stops there.
+class User {
+public:
+    User(bool isPatient, const std::string& path) : m_isPatient(isPatient), m_path(path.c_str()) {}
+
+    bool Do(const char* what, const std::function<bool()>& step) {
+        if (m_hasStopped) return false;
+        if (IsDone(what, step)) return true;
+        EXPECT_TRUE(FailingMemory::HasFailed()) << what;
+        FailingMemory::Stop();
+        m_hasStopped = !m_isPatient || !IsDone(what, step);
+        EXPECT_TRUE(!m_isPatient || !m_hasStopped) << what << " fails with memory";
+        return !m_hasStopped;
+    }
+
+    bool HasStopped() const { return m_hasStopped; }
+    const char* Path() const { return m_path; }
+
+private:
+    static bool IsDone(const char* what, const std::function<bool()>& step) {
+        try {
+            return step();
+        } catch (const std::exception& exception) {
+            const FailingMemory::Pause pause;
+            ADD_FAILURE() << what << " throws " << exception.what();
+        }
+        return false;
+    }
+
+    bool m_isPatient;
+    const char* m_path;
+    bool m_hasStopped = false;
+};
+
+void fill(Case& view) {
+    nuo::Image image = [] {
+        const FailingMemory::Pause pause;
+        return MakeImage(8, 8);
+    }();
+    view.setName(kLongName);
+    view.setDescription(kLongName);
+    view.setSnapshot(&image);
+    const PtrRef<nuo::PropertySet> camera = new nuo::PropertySet("camera");
+    camera->setValue("eye", nuo::Vec3d(10, 0.5, 1));
+    camera->setValue("vrp", nuo::Vec3d(0, 0, 0));
+    camera->setValue("vup", nuo::Vec3d(0, 0, 1));
+    camera->setValue("projection_type", "ortho");
+    camera->setValue("ortho_height", 2.5);
+    const PtrRef<nuo::PropertySetCollection> properties = new nuo::PropertySetCollection;
+    properties->addPropertySet(camera.p());
+    view.setProperties(properties.p());
+}
+
+// Adds a database of all blocks and a case, with a flush between. Says how many blocks are flushed.
+std::size_t addModel(User& user, File& file, int id) {
+    PtrRef<Database> database;
+    PtrRef<Case> view;
+    std::size_t flushed = 0;
+    user.Do("database", [&] {
+        database =
+            new Database(&file, kLongName, id, Database::THERMAL, Database::MODAL, kLongName);
+        return database->id() == id;
+    });
+    for (std::size_t i = 0; i < kMakeBlocks.size(); ++i) {
+        user.Do("block", [&] {
+            const PtrRef<Block> block = kMakeBlocks[i]();
+            return block && database->writeBlock(block.p());
+        });
+        if (i % 5 == 4 && user.Do("flush", [&] { return file.flush(); })) flushed = i + 1;
+    }
+    user.Do("case", [&] {
+        view = new Case(&file, kLongName, id, id);
+        return view->id() == id;
+    });
+    if (!user.HasStopped()) fill(*view);
+    user.Do("texture", [&] {
+        const FailingMemory::Pause pause;
+        nuo::Image image = MakeImage(4, 4);
+        return view->addImage(kLongName, &image);
+    });
+    user.Do("text", [&] { return file.addUserTextFile("a", kLongName); });
+    // What is set without a result is set again when it turns out to be lost.
+    int attempts = 0;
+    const auto flush = [&] {
+        if (attempts++ > 0) fill(*view);
+        return file.flush();
+    };
+    return user.Do("flush", flush) ? kMakeBlocks.size() : flushed;
+}
+
+// Whether the operations that give copies give whole ones.
+bool HasCopies(const Block& block) {
+    if (const auto* nodes = dynamic_cast<const NodeBlock*>(&block)) {
+        return nodes->nodes().size() == nodes->nodeCount() &&
+               nodes->nodeIds().size() == (nodes->hasNodeIds() ? nodes->nodeCount() : 0);
+    }
+    if (const auto* elements = dynamic_cast<const ElementBlock*>(&block)) {
+        std::vector<int> nodeList;
+        std::vector<int> ids;
+        return elements->elementGroup(0, &nodeList, &ids) && nodeList.size() == 12 &&
+               ids.size() == 3;
+    }
+    if (const auto* result = dynamic_cast<const ResultBlock*>(&block)) {
+        return result->attributeNames().size() == 2 && result->attribute("unit") == kLongName &&
+               result->resultValuesBlocks(1).size() == 2;
+    }
+    if (const auto* states = dynamic_cast<const StateInfoBlock*>(&block)) {
+        return states->stateName(0) == kLongName && states->groupStateIds(0).size() == 2;
+    }
+    return true;
+}
+
+class OutOfMemoryTest : public InterfaceTest {
+protected:
+    OutOfMemoryTest() {
+        nuo::CoreComponent::logManager()->setDestination(new Silent);
+        nuo::CoreComponent::logManager()->setLevel("", nuo::LL_DEBUG);
+        testing::internal::CaptureStderr();
+        File file;
+        const std::string path = m_folder.File("one.zrfx");
+        User user(true, path);
+        EXPECT_TRUE(file.create(user.Path(), FileSettings()));
+        addModel(user, file, 1);
+        EXPECT_TRUE(file.close() && file.open(user.Path()));
+        m_one = Describe(file);
+        EXPECT_THAT(m_one, testing::SizeIs(2));
+        for (const MakeBlock& make : kMakeBlocks) {
+            EXPECT_THAT(m_one[0], testing::HasSubstr(Describe(*make())));
+        }
+        EXPECT_TRUE(file.close() && file.openForAppend(user.Path()));
+        std::filesystem::copy(path, m_folder.File("before.zrfx"));
+        addModel(user, file, 2);
+        EXPECT_TRUE(file.close());
+        m_two = Contents(path);
+        std::filesystem::copy(m_folder.File("before.zrfx"), path,
+                              std::filesystem::copy_options::overwrite_existing);
+    }
+    ~OutOfMemoryTest() override {
+        const std::string messages = testing::internal::GetCapturedStderr();
+        if (HasFailure()) std::printf("%s", messages.c_str());
+    }
+
+    // The same with each allocation failing in turn, every one in the long form.
+    void ForEachAllocation(const std::function<void()>& use) {
+        const bool isLong = std::getenv("NUO_LONG_TESTS") != nullptr;
+        for (const Failing failing : {Failing::kOnce, Failing::kFromThenOn}) {
+            FailingMemory::Start(0, Failing::kOnce);
+            use();
+            const long count = FailingMemory::Stop();
+            const long step = isLong ? 1 : count / 60 + 1;
+            long failed = 0;
+            for (long i = 1; i <= count && !HasFailure(); i += step) {
+                SCOPED_TRACE("allocation " + std::to_string(i));
+                FailingMemory::Start(i, failing);
+                use();
+                FailingMemory::Stop();
+                failed += FailingMemory::HasFailed();
+            }
+            RecordProperty(failing == Failing::kOnce ? "failed_once" : "failed_on", failed);
+            std::printf("%ld of %ld allocations failed\n", failed, count);
+        }
+    }
+
+    static std::vector<std::string> Contents(const std::string& path) {
+        File file;
+        EXPECT_TRUE(file.open(Str(path)));
+        return Describe(file);
+    }
+
+    void CopyBefore() {
+        const FailingMemory::Pause pause;
+        std::filesystem::copy(m_folder.File("before.zrfx"), m_folder.File("after.zrfx"),
+                              std::filesystem::copy_options::overwrite_existing);
+    }
+
+    std::vector<std::string> m_one;
+    std::vector<std::string> m_two;
+};
+
+TEST_F(OutOfMemoryTest, WhatIsDoneAgainWithMemoryIsAllThereAndRight) {
+    const std::string path = m_folder.File("new.zrfx");
+    ForEachAllocation([&] {
+        User user(true, path);
+        PtrRef<File> file;
+        user.Do("create", [&] {
+            file = new File;
+            return file->create(user.Path(), FileSettings());
+        });
+        addModel(user, *file, 1);
+        user.Do("close", [&] { return file->close(); });
+        FailingMemory::Pause pause;
+        EXPECT_EQ(Contents(path), m_one);
+    });
+}
+
+TEST_F(OutOfMemoryTest, WhatIsAppendedAgainWithMemoryIsAllThereAndRight) {
+    const std::string path = m_folder.File("after.zrfx");
+    ForEachAllocation([&] {
+        CopyBefore();
+        User user(true, path);
+        PtrRef<File> file;
+        user.Do("open", [&] {
+            file = new File;
+            return file->openForAppend(user.Path());
+        });
+        addModel(user, *file, 2);
+        user.Do("close", [&] { return file->close(); });
+        FailingMemory::Pause pause;
+        EXPECT_EQ(Contents(path), m_two);
+    });
+}
+
+// Whether a file that is left unfinished is committed is not the matter here: what was there before
+// and what was flushed must be.
+TEST_F(OutOfMemoryTest, FileThatIsGivenUpHoldsWhatWasBeforeAndWhatWasFlushed) {
+    const std::string path = m_folder.File("after.zrfx");
+    ForEachAllocation([&] {
+        CopyBefore();
+        User user(false, path);
+        PtrRef<File> file;
+        std::size_t flushed = 0;
+        user.Do("open", [&] {
+            file = new File;
+            return file->openForAppend(user.Path());
+        });
+        if (!user.HasStopped()) flushed = addModel(user, *file, 2);
+        const bool isClosed = user.Do("close", [&] { return file->close(); });
+        file = nullptr;
+        FailingMemory::Stop();
+        const std::vector<std::string> found = Contents(path);
+        EXPECT_EQ(found[0], m_one[0]);
+        EXPECT_TRUE(std::count(found.begin(), found.end(), m_one[1]) == 1);
+        ASSERT_GE(found.size(), flushed > 0 ? 3u : 2u);
+        for (std::size_t i = 0; i < flushed; ++i) {
+            EXPECT_THAT(found[1], testing::HasSubstr(Describe(*kMakeBlocks[i]())));
+        }
+        EXPECT_TRUE(!isClosed || found == m_two);
+    });
+}
+
+// Without its first allocation.
+template <typename Make>
+auto lost(Make make) {
+    FailingMemory::Start(1, Failing::kOnce);
+    auto made = make();
+    FailingMemory::Stop();
+    return made;
+}
+
+TEST_F(OutOfMemoryTest, WhatWasLostIsRefusedByWhateverItIsGivenTo) {
+    const Str text = lost([] { return Str(kLongName); });
+    EXPECT_TRUE(text.isLost() && !text.isEmpty());
+    EXPECT_TRUE(Str(text).isLost());
+    FileSettings settings;
+    settings.password = text;
+    const std::string path = m_folder.File("lost.zrfx");
+    File file;
+    EXPECT_FALSE(file.create(Str(path), settings)) << "in the clear";
+    ASSERT_TRUE(file.create(Str(path), FileSettings()));
+    EXPECT_FALSE(file.addUserTextFile("a", text));
+    const PtrRef<Case> view = new Case(&file, "a", 1, 1);
+    const PtrRef<nuo::PropertySet> set = new nuo::PropertySet("camera");
+    const PtrRef<nuo::PropertySetCollection> properties = new nuo::PropertySetCollection;
+    properties->addPropertySet(set.p());
+    set->setValue("projection_type", lost([] { return nuo::Variant(kLongName); }));
+    EXPECT_FALSE(view->setProperties(properties.p()));
+    EXPECT_FALSE(file.flush());
+    view->setProperties(nullptr);
+    EXPECT_TRUE(file.flush());
+    const nuo::Image image = MakeImage(4, 4);
+    nuo::Image copy = lost([&] { return nuo::Image(image); });
+    EXPECT_EQ(copy.width(), 0u);
+    view->setSnapshot(&copy);
+    EXPECT_FALSE(file.flush());
+
+    const PtrRef<Database> database = WriteDatabase(file, "a", 1);
+    const PtrRef<SetBlock> set1 = new SetBlock(1, true);
+    const PtrRef<Block> failed = lost([] { return PtrRef<Block>(new NodeBlock(1, true)); });
+    const PtrRef<ResultBlock> result =
+        new ResultBlock(1, ResultBlock::SCALAR, ResultBlock::NODE_MAPPING);
+    result->setResultId(1);
+    result->addResultValuesBlock(1, 1);
+    EXPECT_TRUE(database->writeBlock(result.p()) && database->writeBlock(set1.p()));
+    result->setName(text);
+    lost([&] { return set1->addItem(7, 1), true; });
+    for (const Block* block :
+         {failed.p(), static_cast<Block*>(result.p()), static_cast<Block*>(set1.p())}) {
+        EXPECT_FALSE(database->writeBlock(block)) << block->blockType();
+    }
+}
+
+// Reads everything, also in copies. What an operation cannot give it gives again with memory.
+TEST_F(OutOfMemoryTest, ReadingFailsOrGivesTheRightValues) {
+    const std::string path = m_folder.File("one.zrfx");
+    ForEachAllocation([&] {
+        User user(true, path);
+        PtrRef<File> file;
+        user.Do("open", [&] {
+            file = new File;
+            // A case that cannot be read is left out.
+            return file->open(user.Path()) && file->fileCaseCount() == 1;
+        });
+        for (int type = Block::NODES; type <= Block::SET; ++type) {
+            const auto blockType = static_cast<Block::BlockType>(type);
+            Database& database = *file->database(0);
+            for (std::size_t i = 0; i < database.blockCount(blockType); ++i) {
+                PtrRef<Block> block;
+                user.Do("block", [&] {
+                    if (blockType != Block::SET) block = database.blockByIndex(blockType, i);
+                    if (blockType == Block::SET) block = database.setBlockByIndex(i);
+                    return block.notNull();
+                });
+                user.Do("copies", [&] { return HasCopies(*block); });
+                const FailingMemory::Pause pause;
+                EXPECT_THAT(m_one[0], testing::HasSubstr(Describe(*block)));
+            }
+        }
+        const Case& view = *file->fileCase(0);
+        user.Do("snapshot", [&] { return view.snapshot() != nullptr; });
+        user.Do("texture", [&] { return view.imageCount() == 1 && view.image(0); });
+        user.Do("texts", [&] {
+            const Str isThere = kLongName;
+            return view.name() == isThere && view.description() == isThere &&
+                   view.imageName(0) == isThere && file->userTextFileContent(0) == isThere;
+        });
+        user.Do("values", [&] {
+            const nuo::PropertySet& camera = *view.properties()->propertySet(0);
+            const nuo::Variant value = camera.value("projection_type");
+            return camera.allKeys().size() == 5 && camera.allValues().size() == 5 &&
+                   value.type() == nuo::Variant::STRING && value.toStr() == Str("ortho");
+        });
+        user.Do("close", [&] { return file->close(); });
+    });
+}
+
+// In processes of their own, as the component is initialized once.
+TEST(OutOfMemoryStartTest, InitializationFailsOrSucceedsAndCanBeTriedAgain) {
+    const auto initialize = [](long nCall, Failing failing) {
+        FailingMemory::Start(nCall, failing);
+        nuo::Instance instance;
+        nuo::CoreComponent::logManager()->setLevel("nuo.comp", nuo::LL_DEBUG);
+        ZRFxComponent::initialize(&instance);
+        nuo::CoreComponent::logManager()->setDestination(new Silent);
+        const long calls = FailingMemory::Stop();
+        const bool isInitialized = ZRFxComponent::initialize(&instance);
+        return isInitialized && nCall <= calls;
+    };
+    testing::internal::CaptureStderr();
+    for (const Failing failing : {Failing::kOnce, Failing::kFromThenOn}) {
+        int status = 0;
+        for (long i = 1; status == 0; ++i) {
+            const pid_t child = fork();
+            if (child == 0) _exit(initialize(i, failing) ? 0 : 7);
+            ASSERT_EQ(waitpid(child, &status, 0), child);
+            EXPECT_TRUE(WIFEXITED(status)) << "allocation " << i;
+            EXPECT_TRUE(status == 0 || i > 5) << "few allocations fail";
+        }
+        EXPECT_EQ(WEXITSTATUS(status), 7);
+    }
+    testing::internal::GetCapturedStderr();
+}
+
+}  // namespace
