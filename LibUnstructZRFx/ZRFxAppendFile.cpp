@@ -9,6 +9,8 @@
 #include <new>
 #include <system_error>
 
+#include "ZRFxOldJournal.h"
+
 namespace unstruct {
 namespace {
 
@@ -123,6 +125,7 @@ ZRFxCommitResult ZRFxAppendFile::EndCommit() {
         FailSystem("cannot flush the directory of the file");
         return ZRFxCommitResult::kUnconfirmed;
     }
+    if (m_bRenamed) ZRFxOldJournal::RemoveBeside(m_sPath, m_file);
     m_bRenamed = false;
     m_nConfirmed = m_nSize;
     return ZRFxCommitResult::kDone;
