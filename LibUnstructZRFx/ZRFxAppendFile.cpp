@@ -9,6 +9,8 @@
 #include <new>
 #include <system_error>
 
+#include "ZRFxOldJournal.h"
+
 namespace unstruct {
 namespace {
 
@@ -120,6 +122,7 @@ ZRFxCommitResult ZRFxAppendFile::EndCommit() {
     m_bWriting = false;
     if (!bFlushed) return ZRFxCommitResult::kUnconfirmed;
     if (m_bRenamed && !FlushDirectory()) return ZRFxCommitResult::kUnconfirmed;
+    if (m_bRenamed) ZRFxOldJournal::RemoveBeside(m_sPath, m_file);
     m_bRenamed = false;
     m_nConfirmed = m_nSize;
     return ZRFxCommitResult::kDone;
