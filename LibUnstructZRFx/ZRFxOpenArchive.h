@@ -40,8 +40,8 @@ struct ZRFxOpenArchive {
     /// Takes what records add, in their order.
     bool TakeRecords(std::vector<ZRFxCommitRecord>* paRecords, ZRFxArchiveChanges* pChanges);
 
-    /// Adds an item in place of the one of its name.
-    ZRFxArchiveItem* Add(std::unique_ptr<ZRFxArchiveItem> pItem);
+    /// Adds an item in place of the one of its name; tells, when asked, whether there was one.
+    ZRFxArchiveItem* Add(std::unique_ptr<ZRFxArchiveItem> pItem, bool* pReplaced = nullptr);
     void Remove(ZRFxArchiveItem* pItem);
     /// Counts what the item takes in the file and in the directory, or no longer takes.
     void Count(const ZRFxArchiveItem& item);

@@ -17,7 +17,7 @@ namespace tools {
 namespace {
 
 // What an interrupted process has to remove: the file, and what writing an archive puts beside it.
-constexpr std::array kSuffixes{"", ".journal", ".rewrite"};
+constexpr std::array kSuffixes{"", ".rewrite"};
 constexpr std::array kSignals{SIGINT, SIGTERM, SIGHUP};
 std::array<char[PATH_MAX + 16], kSuffixes.size()> s_leftOver;
 volatile sig_atomic_t s_hasLeftOver = 0;
@@ -56,7 +56,7 @@ bool fail(std::string* error, const std::string& what) {
 
 // A writer of the archive holds an advisory lock on it.
 bool isBeingWritten(const std::string& path) {
-    const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    const int file = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
     if (file < 0) return false;
     const bool isLocked = flock(file, LOCK_SH | LOCK_NB) != 0 && errno == EWOULDBLOCK;
     close(file);
