@@ -185,6 +185,30 @@ TEST_F(ZRFxOldJournalTest, RestoringThatFailsCanBeRepeated) {
     }
 }
 
+TEST_F(ZRFxOldJournalTest, JournalThatCannotBeUsedIsNamed) {
+    struct RefusesJournals : FaultySystem {
+        int Open(const char* sPath, int nFlags, mode_t nMode) override {
+            const bool bRefused = bJournals && std::string(sPath).ends_with(".journal");
+            return bRefused ? (errno = EACCES, -1) : FaultySystem::Open(sPath, nFlags, nMode);
+        }
+        int Truncate(int, off_t) override { return errno = EIO, -1; }
+        bool bJournals = true;
+    };
+    const Commit commit = CommitTo(GrownModel());
+    RefusesJournals system;
+    const std::string sRefused = Message("cannot open '" + m_sJournal + "': Permission denied");
+    Put(commit.Torn(1000), commit.sJournal);
+    EXPECT_EQ(OpenedBy(ZRFxOpenMode::kReadOnly), sRefused);
+    EXPECT_EQ(OpenedBy(ZRFxOpenMode::kUpdate), sRefused);
+    system.bJournals = false;
+    EXPECT_EQ(OpenedBy(ZRFxOpenMode::kUpdate), Message("cannot restore the last commit from '" +
+                                                       m_sJournal + "': Input/output error"));
+    Put(commit.sNew, commit.sJournal);
+    system.bJournals = true;
+    EXPECT_EQ(ReadModel(m_sPath), GrownModel());
+    EXPECT_EQ(OpenedBy(ZRFxOpenMode::kUpdate), sRefused);
+}
+
 // A file that cannot be read for once does not turn back.
 TEST_F(ZRFxOldJournalTest, ReadErrorOfAGoodFileDoesNotRestoreAnOlderState) {
     const Commit commit = CommitTo(GrownModel());
