@@ -9,7 +9,6 @@
 
 #include "ZRByteOrder.h"
 #include "ZRFxEntryReader.h"
-#include "ZRFxLastCommit.h"
 
 namespace unstruct {
 namespace {
@@ -233,27 +232,20 @@ ZRFxOldJournal::Verdict ZRFxOldJournal::Judge(ZRFxZipStorage* pFile, Content eCo
     if (eContent != Content::kWhole || last.Place().nRecord != 0) return Verdict::kNotNeeded;
     if (!Fits(&file)) return m_bWhole ? Verdict::kNotNeeded : Verdict::kDoubtful;
     if (!m_bOpens) return Verdict::kNeeded;
-    return m_bWhole ? JudgeWhole(&file, last.directory) : JudgeCut(&file, last.Place().nEnd);
+    return JudgeOpening(&file, last);
 }
 
-// Such a file ends with the saved directory when the killed writer had not come that far, with the
-// new one when it had, or with that of a file that was put under the name.
-ZRFxOldJournal::Verdict ZRFxOldJournal::JudgeWhole(ZRFxZipStorage* pFile,
-                                                   const ZRFxZipDirectory& directory) {
-    if (HoldsSaved(pFile, m_nUnchanged)) return Verdict::kNotNeeded;
-    if (pFile->Size() == m_nOldSize && HoldsSaved(pFile, directory.nOffset)) {
-        return Verdict::kNeeded;
-    }
-    return AreIntact(pFile, directory) ? Verdict::kNotNeeded : Verdict::kDoubtful;
-}
-
-// Such a file has a commit, and something behind it: what the killed writer had not cut off yet, or
-// what others have appended since.
-ZRFxOldJournal::Verdict ZRFxOldJournal::JudgeCut(ZRFxZipStorage* pFile, uint64_t nFoundEnd) {
-    if (nFoundEnd <= m_nUnchanged) return Verdict::kNeeded;
-    if (pFile->Size() == m_nOldSize && HoldsSaved(pFile, nFoundEnd)) return Verdict::kNeeded;
-    const bool bAppended = nFoundEnd >= m_nOldSize && HoldsSaved(pFile, m_nUnchanged);
-    return bAppended ? Verdict::kNotNeeded : Verdict::kDoubtful;
+// The file shows a commit. That the killed writer had not come to write over the last bytes of the
+// old state, or to cut them off, shows by them. Otherwise it had come to its end, or the file was
+// put under the name.
+ZRFxOldJournal::Verdict ZRFxOldJournal::JudgeOpening(ZRFxZipStorage* pFile,
+                                                     const ZRFxLastCommit& last) {
+    const uint64_t nEnd = last.Place().nEnd;
+    if (HoldsSaved(pFile, m_nUnchanged) && nEnd >= m_nOldSize) return Verdict::kNotNeeded;
+    const uint64_t nNotWritten = m_bWhole ? last.directory.nOffset : nEnd;
+    if (nEnd <= m_nUnchanged && !m_bWhole) return Verdict::kNeeded;
+    if (pFile->Size() == m_nOldSize && HoldsSaved(pFile, nNotWritten)) return Verdict::kNeeded;
+    return AreIntact(pFile, last.directory) ? Verdict::kNotNeeded : Verdict::kDoubtful;
 }
 
 // A journal that saved the whole file fits every one.

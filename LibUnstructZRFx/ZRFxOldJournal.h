@@ -5,6 +5,7 @@
 #include <string>
 
 #include "ZRFxAppendFile.h"
+#include "ZRFxLastCommit.h"
 #include "ZROZRFxCodec.h"
 #include "ZROZRFxSystem.h"
 #include "ZROZRFxZipDirectory.h"
@@ -51,8 +52,7 @@ private:
     Content CheckSavedEnd();
 
     Verdict Judge(ZRFxZipStorage* pFile, Content eContent);
-    Verdict JudgeWhole(ZRFxZipStorage* pFile, const ZRFxZipDirectory& directory);
-    Verdict JudgeCut(ZRFxZipStorage* pFile, uint64_t nFoundEnd);
+    Verdict JudgeOpening(ZRFxZipStorage* pFile, const ZRFxLastCommit& last);
     bool Fits(ZRFxZipStorage* pFile);
     bool HoldsSaved(ZRFxZipStorage* pFile, uint64_t nFrom);
     bool AreIntact(ZRFxZipStorage* pFile, const ZRFxZipDirectory& directory);

@@ -185,6 +185,30 @@ TEST_F(ZRFxOldJournalTest, RestoringThatFailsCanBeRepeated) {
     }
 }
 
+TEST_F(ZRFxOldJournalTest, JournalThatCannotBeUsedIsNamed) {
+    struct RefusesJournals : FaultySystem {
+        int Open(const char* sPath, int nFlags, mode_t nMode) override {
+            const bool bRefused = bJournals && std::string(sPath).ends_with(".journal");
+            return bRefused ? (errno = EACCES, -1) : FaultySystem::Open(sPath, nFlags, nMode);
+        }
+        int Truncate(int, off_t) override { return errno = EIO, -1; }
+        bool bJournals = true;
+    };
+    const Commit commit = CommitTo(GrownModel());
+    RefusesJournals system;
+    const std::string sRefused = Message("cannot open '" + m_sJournal + "': Permission denied");
+    Put(commit.Torn(1000), commit.sJournal);
+    EXPECT_EQ(OpenedBy(ZRFxOpenMode::kReadOnly), sRefused);
+    EXPECT_EQ(OpenedBy(ZRFxOpenMode::kUpdate), sRefused);
+    system.bJournals = false;
+    EXPECT_EQ(OpenedBy(ZRFxOpenMode::kUpdate), Message("cannot restore the last commit from '" +
+                                                       m_sJournal + "': Input/output error"));
+    Put(commit.sNew, commit.sJournal);
+    system.bJournals = true;
+    EXPECT_EQ(ReadModel(m_sPath), GrownModel());
+    EXPECT_EQ(OpenedBy(ZRFxOpenMode::kUpdate), sRefused);
+}
+
 // A file that cannot be read for once does not turn back.
 TEST_F(ZRFxOldJournalTest, ReadErrorOfAGoodFileDoesNotRestoreAnOlderState) {
     const Commit commit = CommitTo(GrownModel());
@@ -219,29 +243,33 @@ TEST_F(ZRFxOldJournalTest, JournalThatWasNotFinishedIsIgnoredAndRemoved) {
 
 TEST_F(ZRFxOldJournalTest, GoodFileUnderTheNameIsReadAndAppendedToAsItStands) {
     const Commit commit = CommitTo(GrownModel());
-    // A run of today's that went on from the old state, with what a killed one leaves.
-    const std::string sElsewhere = m_folder.File("elsewhere");
-    WriteWhole(sElsewhere, commit.sOld);
-    ZRFxZipArchive run;
-    ASSERT_TRUE(run.Open(sElsewhere, ZRFxOpenMode::kUpdate));
-    Model continued = OldModel();
+    const std::string sTorn = "PK\x03\x04 torn";
     std::vector<std::pair<std::string, Model>> aGood = {
-        {commit.sOld, continued},
-        {commit.sNew, GrownModel()},
-        {CommitTo(ShrunkModel()).sNew, ShrunkModel()}};
-    for (const char* sName : {"S1.dat", "S2.dat", "S3.dat"}) {
-        continued[sName] = RandomBytes(200000, 8);
-        ASSERT_TRUE(AddText(&run, sName, continued[sName]) && run.Commit()) << run.LastError();
-        const std::string sFile = ReadWhole(sElsewhere);
-        for (const char* sTorn : {"", "PK\x03\x04 torn"})
-            aGood.push_back({sFile + sTorn, continued});
+        {CommitTo(ShrunkModel()).sNew, ShrunkModel()}, {commit.sOld + sTorn, OldModel()}};
+    std::string sContinued;
+    // A run that went on from either state, with what it leaves when it is killed.
+    for (auto [sFile, model] :
+         {std::pair(commit.sOld, OldModel()), std::pair(commit.sNew, GrownModel())}) {
+        aGood.push_back({sFile, model});
+        const TemporaryFolder elsewhere;
+        WriteWhole(elsewhere.File("run"), sFile);
+        ZRFxZipArchive run;
+        ASSERT_TRUE(run.Open(elsewhere.File("run"), ZRFxOpenMode::kUpdate));
+        for (int i = 1; i <= 40; ++i) {
+            const std::string sName = "S" + std::to_string(i) + ".dat";
+            model[sName] = RandomBytes(3000, 8);
+            ASSERT_TRUE(AddText(&run, sName, model[sName]) && run.Commit()) << run.LastError();
+            if (i % 20 != 1 && i < 39) continue;
+            for (const std::string& sEnd : {std::string(), sTorn}) {
+                aGood.push_back({ReadWhole(elsewhere.File("run")) + sEnd, model});
+            }
+        }
+        ASSERT_TRUE(run.Close());
+        aGood.push_back({ReadWhole(elsewhere.File("run")), model});
+        if (sContinued.empty()) sContinued = aGood.back().first;
     }
-    ASSERT_TRUE(run.Close());
-    aGood.push_back({ReadWhole(sElsewhere), continued});
-    aGood.push_back({commit.sOld + "PK\x03\x04 torn", OldModel()});
-    std::filesystem::remove(sElsewhere);
     for (const auto& [sFile, model] : aGood) {
-        SCOPED_TRACE(&sFile - &aGood.front().first);
+        SCOPED_TRACE(sFile.size());
         Put(commit.Torn(1000), commit.sJournal);
         WriteWhole(m_sPath, sFile);  // As cp does.
         ExpectGood(model);
@@ -250,6 +278,9 @@ TEST_F(ZRFxOldJournalTest, GoodFileUnderTheNameIsReadAndAppendedToAsItStands) {
         std::filesystem::rename(m_sPath + ".tmp", m_sPath);
         ExpectGood(model);
     }
+    // One that went on from the old state has no need of the journal, damaged or not.
+    Put(WithFlippedByte(sContinued, commit.sOld.size() + 300), commit.sJournal);
+    EXPECT_EQ(OpenedBy(ZRFxOpenMode::kUpdate), "");
     for (const size_t nUnchanged : {size_t{0}, commit.nUnchanged}) {
         WriteModel(m_sPath, SmallModel());
         WriteWhole(m_sJournal, Journal(commit.sOld, nUnchanged));
@@ -273,9 +304,9 @@ TEST_F(ZRFxOldJournalTest, InDoubtAWriterIsRefusedAndNothingChanges) {
         {sTorn.substr(0, nUnchanged - 1), commit.sJournal},
         // The new state, of which something is missing; others may have gone on from there.
         {WithFlippedByte(commit.sNew, nUnchanged + 300), commit.sJournal},
-        {commit.sNew + "torn", commit.sJournal}};
+        {WithFlippedByte(commit.sNew, nUnchanged + 300) + "torn", commit.sJournal}};
     for (const auto& [sFile, sJournal] : aDoubtful) {
-        SCOPED_TRACE(&sFile - &aDoubtful[0].first);
+        SCOPED_TRACE(sJournal.size() + sFile.size());
         WriteWhole(m_sPath, sFile);
         std::filesystem::remove(m_sJournal);
         const Model asItIs = ReadModel(m_sPath);
