@@ -292,7 +292,7 @@ void ZRFxArchiveCommit::ApplyArchive() {
     for (const Placed& placed : m_aPlaced) placed.pItem->nIndex = nIndex++;
     ApplyPlaced();
     const uint64_t nEnd = m_archive.pStorage->Size();
-    m_archive.place = {nEnd, 0, nEnd};
+    m_archive.place = {nEnd, 0, nEnd, {}};
     m_archive.bOwnChain = false;
 }
 
