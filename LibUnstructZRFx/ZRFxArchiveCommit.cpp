@@ -39,6 +39,7 @@ bool ZRFxArchiveCommit::Run(bool bClosing) {
         const bool bWritten = WriteAnew(m_archive.pStorage->Successor());
         if (bWritten || m_bApplied) return bWritten;
     }
+    if (bClosing && m_archive.IsOrdinary()) return true;
     if (bClosing || IsArchiveDue()) return AppendArchive();
     if (IsFollowed()) return AppendRecord();
     const bool bWritten = WriteAnew(m_archive.pStorage->Successor());
@@ -297,7 +298,8 @@ void ZRFxArchiveCommit::ApplyArchive() {
 }
 
 void ZRFxArchiveCommit::ApplyCommon(bool bConfirmed) {
-    m_bApplied = true;
+    m_bApplied = m_archive.bCommitted = true;
+    m_archive.bTorn = false;
     std::erase_if(m_archive.apTexts, [](const auto& pText) { return pText->bDropped; });
     for (const auto& pText : m_archive.apTexts) {
         pText->nUnchanged = pText->nLength;
