@@ -46,6 +46,10 @@ struct ZRFxOpenArchive {
     /// Counts what the item takes in the file and in the directory, or no longer takes.
     void Count(const ZRFxArchiveItem& item);
     void Uncount(const ZRFxArchiveItem& item);
+    /// Whether the file ends as an ordinary archive of all that there is.
+    bool IsOrdinary() const {
+        return !bChanged && !bTorn && place.nBase != 0 && place.nRecord == 0;
+    }
     /// Whether the last committed state knows the item.
     bool IsListed(const ZRFxArchiveItem& item) const { return item.nSlot < nFirstNew; }
     /// The text of an item, which has an entry from before or none.
@@ -71,6 +75,7 @@ struct ZRFxOpenArchive {
     bool bReadOnly = false;
     bool bTorn = false;                  ///< Something follows the last commit that is none.
     bool bChanged = false;               ///< There is something to commit.
+    bool bCommitted = false;             ///< By this writer.
     bool bOwnChain = false;              ///< The last record is of this run.
     bool bFollowed = false;              ///< The walk is known to reach the end of the last commit.
     size_t nFirstNew = 0;                ///< Slots from here on are not committed.

@@ -82,9 +82,8 @@ bool ZRFxZipArchive::Close() {
         if (!IsOpen()) return Fail({}, "the archive is not open");
         if (m_pOpen->pStream && !CloseEntry()) return false;
         // A state that ends with a record, or with what a killed writer left, is put in order.
-        const ZRFxCommitPlace& place = m_pOpen->place;
-        const bool bOrdinary = place.nRecord == 0 && place.nBase != 0 && !m_pOpen->bTorn;
-        if (!IsReadOnly() && (m_pOpen->bChanged || !bOrdinary) && !CommitNow(true)) return false;
+        const bool bCommits = m_pOpen->bCommitted || !m_pOpen->IsOrdinary();
+        if (!IsReadOnly() && bCommits && !CommitNow(true)) return false;
         Reset();
         return true;
     });
