@@ -74,7 +74,10 @@ bool ZRFxAppendFile::Read(uint64_t nOffset, void* pData, size_t nSize) {
         std::memcpy(pNext + nHead, m_pBuffer.get() + (nFrom - nInFile), nSize - nHead);
         nSize = nHead;
     }
-    return m_file.ReadAt(nOffset, pNext, nSize) || FailSystem("cannot read");
+    if (m_file.ReadAt(nOffset, pNext, nSize)) return true;
+    // A file that ends too early was cut by its writer.
+    m_bReadFailed = m_bReadFailed || errno != ENODATA;
+    return FailSystem("cannot read");
 }
 
 bool ZRFxAppendFile::Write(const void* pData, size_t nSize) {

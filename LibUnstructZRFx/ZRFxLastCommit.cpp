@@ -7,7 +7,14 @@
 
 namespace unstruct {
 
+// What cannot be read must not pass for what is not there: a writer would cut it off.
 bool ZRFxLastCommit::LoadSince(ZRFxZipStorage* pStorage, const ZRFxCommitPlace* pKnown) {
+    pStorage->TakeReadFailure();
+    const bool bFound = FindSince(pStorage, pKnown);
+    return pStorage->TakeReadFailure() ? Fail(pStorage->Error()) : bFound;
+}
+
+bool ZRFxLastCommit::FindSince(ZRFxZipStorage* pStorage, const ZRFxCommitPlace* pKnown) {
     if (pStorage->Size() == 0) return true;
     if (!FindEnd(pStorage, pKnown) || !FollowChain(pStorage, pKnown)) return false;
     if (!IsRooted(pStorage)) {

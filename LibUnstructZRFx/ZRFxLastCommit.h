@@ -43,6 +43,7 @@ private:
         m_sError = sCause;
         return false;
     }
+    bool FindSince(ZRFxZipStorage* pStorage, const ZRFxCommitPlace* pKnown);
     bool FindEnd(ZRFxZipStorage* pStorage, const ZRFxCommitPlace* pKnown);
     bool FindBeforeEnd(ZRFxZipStorage* pStorage, const ZRFxCommitPlace* pKnown);
     bool WalkToEnd(ZRFxZipStorage* pStorage, uint64_t nFrom);

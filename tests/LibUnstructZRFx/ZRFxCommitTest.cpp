@@ -563,6 +563,46 @@ TEST_F(ZRFxCommitTest, CopyThatFailsAtAnyCallLeavesAnArchiveToUse) {
     }
 }
 
+// A writer would cut off what it took for torn.
+TEST_F(ZRFxCommitTest, SectorThatCannotBeReadIsNotTakenForATornEnd) {
+    struct BadSector : FaultySystem {
+        ssize_t ReadAt(int nFile, void* pData, size_t nSize, off_t nOffset) override {
+            const uint64_t nFrom = static_cast<uint64_t>(nOffset);
+            if (nFrom + nSize <= nAt || nFrom >= nAt + 512) {
+                return FaultySystem::ReadAt(nFile, pData, nSize, nOffset);
+            }
+            errno = EIO;
+            return -1;
+        }
+        uint64_t nAt = 0;
+    };
+    {
+        Writer writer(m_sPath);
+        writer.Open(ZRFxOpenMode::kCreate);
+        writer.Grow("Long.xml", 0, LongText());
+        for (int i = 0; i < 4; ++i) {
+            writer.Put("state" + std::to_string(i), RandomBytes(30000));
+            writer.Commit();
+        }
+    }
+    const std::string sFile = ReadWhole(m_sPath);
+    for (const uint64_t nFromEnd : {1u, 500u, 30200u}) {
+        BadSector system;
+        system.nAt = (sFile.size() - nFromEnd) / 512 * 512;
+        for (const ZRFxOpenMode eMode : {ZRFxOpenMode::kReadOnly, ZRFxOpenMode::kUpdate}) {
+            ZRFxZipArchive archive;
+            // One within the data of an entry does not matter to opening.
+            if (archive.Open(m_sPath, eMode)) {
+                EXPECT_EQ(archive.EntryCount(), 5u) << nFromEnd;
+            } else {
+                EXPECT_NE(archive.LastError().find("Input/output error"), std::string::npos)
+                    << archive.LastError();
+            }
+        }
+        EXPECT_EQ(ReadWhole(m_sPath) == sFile, true);
+    }
+}
+
 // Bytes left behind
 // --------------------------------------------------------------------------------
 
