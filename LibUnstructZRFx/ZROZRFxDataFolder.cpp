@@ -216,14 +216,12 @@ ZRString ZRFxDataFolder::EntryToWrite(const ZRString& name) const {
 // The first of the possible names that the archive holds; where it holds none, the first of all,
 // under which its absence is then reported.
 ZRString ZRFxDataFolder::EntryToRead(const ZRString& name) const {
+    const bool isWhole = hasDataExtension(name);
     const ZRString inFolder = EntryName(name);
-    const ZRStringArray candidates = hasDataExtension(name)
-                                         ? ZRStringArray{inFolder, name}
-                                         : ZRStringArray{inFolder + ".dat", inFolder + ".txt"};
-    for (const ZRString& candidate : candidates) {
-        if (m_pAccess->Contains(candidate)) return candidate;
-    }
-    return candidates.front();
+    const ZRString first = isWhole ? inFolder : inFolder + ".dat";
+    if (m_pAccess->Contains(first)) return first;
+    const ZRString second = isWhole ? name : inFolder + ".txt";
+    return m_pAccess->Contains(second) ? second : first;
 }
 
 // `appendLine` appends the line that begins with an item and tells how many items it took.

@@ -91,6 +91,11 @@ void* operator new(std::size_t size) {
     return test::allocated(size > 0 ? size : 1);
 }
 
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    if (test::fails(__builtin_return_address(0))) return nullptr;
+    return std::malloc(size > 0 ? size : 1);
+}
+
 void operator delete(void* memory) noexcept {
     std::free(memory);
 }
