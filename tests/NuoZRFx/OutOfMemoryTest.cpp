@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <exception>
 #include <filesystem>
+#include <fstream>
 #include <functional>
 #include <string>
 #include <vector>
@@ -218,6 +219,65 @@ std::size_t addModel(User& user, File& file, int id) {
     return user.Do("flush", flush) ? kMakeBlocks.size() : flushed;
 }
 
+// What a solver writes again with each step: lists of states, long enough for a flush to append no
+// more than what is new.
+struct Simulation {
+    PtrRef<File> file = new File;
+    PtrRef<Database> database;
+    PtrRef<StateInfoBlock> states = new StateInfoBlock;
+    PtrRef<ResultBlock> result = new ResultBlock(1, ResultBlock::SCALAR, ResultBlock::NODE_MAPPING);
+};
+
+// Says whether the step is flushed.
+bool addStep(User& user, Simulation& run, int state) {
+    user.Do("state",
+            [&] { return run.states->addStateInfo(state, kLongName, 1, StateInfoBlock::TIME); });
+    user.Do("values", [&] { return run.result->addResultValuesBlock(state, state); });
+    user.Do("states", [&] { return run.database->writeBlock(run.states.p()); });
+    user.Do("result", [&] { return run.database->writeBlock(run.result.p()); });
+    return user.Do("flush", [&] { return run.file->flush(); });
+}
+
+// A run on a new file that has come to such flushes, with memory.
+Simulation startedRun(User& user) {
+    const FailingMemory::Pause pause;
+    Simulation run;
+    EXPECT_TRUE(run.file->create(user.Path(), FileSettings()));
+    run.database = WriteDatabase(*run.file, "a", 1);
+    run.result->setResultId(1);
+    for (int state = 2; state < 20; ++state) {
+        run.states->addStateInfo(state, Str(std::string(5000, 'a')), 1, StateInfoBlock::TIME);
+        run.result->addResultValuesBlock(state, state);
+    }
+    for (int state = 20; state < 26; ++state) {
+        // This one changes the list from its second state on.
+        if (state == 24) run.states->addGroupInfo(1000, Str(std::string(30000, 'b')), {3});
+        EXPECT_TRUE(addStep(user, run, state));
+    }
+    return run;
+}
+
+std::vector<std::string> described(const Simulation& run) {
+    const FailingMemory::Pause pause;
+    return {Describe(*run.states), Describe(*run.result)};
+}
+
+// The run that a file has; without blocks where an operation failed.
+Simulation readRun(PtrRef<File> file) {
+    Simulation run;
+    run.file = file;
+    run.database = file->database(0);
+    run.states = static_cast<StateInfoBlock*>(run.database->blockById(Block::STATE_INFO, 1).p());
+    run.result = static_cast<ResultBlock*>(run.database->blockById(Block::RESULT, 1).p());
+    return run;
+}
+
+std::vector<std::string> describedRun(const char* path) {
+    const PtrRef<File> file = new File;
+    EXPECT_TRUE(file->open(path));
+    return described(readRun(file));
+}
+
 // Whether the operations that give copies give whole ones.
 bool HasCopies(const Block& block) {
     if (const auto* nodes = dynamic_cast<const NodeBlock*>(&block)) {
@@ -297,9 +357,9 @@ protected:
         return Describe(file);
     }
 
-    void CopyBefore() {
+    void Copy(const char* from, const char* to) {
         const FailingMemory::Pause pause;
-        std::filesystem::copy(m_folder.File("before.zrfx"), m_folder.File("after.zrfx"),
+        std::filesystem::copy(m_folder.File(from), m_folder.File(to),
                               std::filesystem::copy_options::overwrite_existing);
     }
 
@@ -326,7 +386,7 @@ TEST_F(OutOfMemoryTest, WhatIsDoneAgainWithMemoryIsAllThereAndRight) {
 TEST_F(OutOfMemoryTest, WhatIsAppendedAgainWithMemoryIsAllThereAndRight) {
     const std::string path = m_folder.File("after.zrfx");
     ForEachAllocation([&] {
-        CopyBefore();
+        Copy("before.zrfx", "after.zrfx");
         User user(true, path);
         PtrRef<File> file;
         user.Do("open", [&] {
@@ -345,7 +405,7 @@ TEST_F(OutOfMemoryTest, WhatIsAppendedAgainWithMemoryIsAllThereAndRight) {
 TEST_F(OutOfMemoryTest, FileThatIsGivenUpHoldsWhatWasBeforeAndWhatWasFlushed) {
     const std::string path = m_folder.File("after.zrfx");
     ForEachAllocation([&] {
-        CopyBefore();
+        Copy("before.zrfx", "after.zrfx");
         User user(false, path);
         PtrRef<File> file;
         std::size_t flushed = 0;
@@ -365,6 +425,55 @@ TEST_F(OutOfMemoryTest, FileThatIsGivenUpHoldsWhatWasBeforeAndWhatWasFlushed) {
             EXPECT_THAT(found[1], testing::HasSubstr(Describe(*kMakeBlocks[i]())));
         }
         EXPECT_TRUE(!isClosed || found == m_two);
+    });
+}
+
+TEST_F(OutOfMemoryTest, ListsThatGrowWithEachFlushAreThereAsFarAsTheyWereFlushed) {
+    const std::string path = m_folder.File("run.zrfx");
+    for (const bool isPatient : {true, false}) {
+        ForEachAllocation([&] {
+            User user(isPatient, path);
+            Simulation run = startedRun(user);
+            std::vector<std::string> flushed = described(run);
+            for (int state = 100; state < 103; ++state) {
+                if (addStep(user, run, state)) flushed = described(run);
+            }
+            user.Do("close", [&] { return run.file->close(); });
+            run = {nullptr, nullptr, nullptr, nullptr};
+            FailingMemory::Stop();
+            const std::vector<std::string> found = describedRun(user.Path());
+            EXPECT_EQ(isPatient ? found[0] : found[0].substr(0, flushed[0].size()), flushed[0]);
+            EXPECT_EQ(isPatient ? found[1] : found[1].substr(0, flushed[1].size()), flushed[1]);
+        });
+    }
+}
+
+// A writer that was killed has left records at the end of the file, and something torn after them.
+TEST_F(OutOfMemoryTest, RunThatGoesOnAfterAKilledOneHasAllThatWasFlushed) {
+    const std::string path = m_folder.File("run.zrfx");
+    const std::string next = m_folder.File("next.zrfx");
+    User writer(true, path);
+    Simulation whole = startedRun(writer);
+    Copy("run.zrfx", "killed.zrfx");
+    std::ofstream(m_folder.File("killed.zrfx"), std::ios::app) << "torn";
+    EXPECT_TRUE(addStep(writer, whole, 100));
+    ForEachAllocation([&] {
+        Copy("killed.zrfx", "next.zrfx");
+        User user(true, next);
+        PtrRef<File> file;
+        user.Do("open", [&] {
+            file = new File;
+            return file->openForAppend(user.Path());
+        });
+        Simulation run;
+        user.Do("read", [&] {
+            run = readRun(file);
+            return run.states && run.result;
+        });
+        addStep(user, run, 100);
+        user.Do("close", [&] { return file->close(); });
+        const FailingMemory::Pause reading;
+        EXPECT_EQ(describedRun(user.Path()), described(whole));
     });
 }
 
