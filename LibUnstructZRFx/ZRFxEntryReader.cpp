@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <new>
 
 #include "ZRFxEntryPacker.h"
 #include "ZROZRFxZipMemFile.h"
@@ -89,7 +90,7 @@ bool ZRFxEntryReader::FetchPacked(const ZRFxZipEntry& entry, const uint8_t** ppP
         return FetchSmall(entry, ppPacked);
     }
     if (m_packed.Length() < entry.nPackedSize && !m_packed.Allocate(entry.nPackedSize)) {
-        return Fail("out of memory");
+        throw std::bad_alloc();
     }
     uint64_t nData = 0;
     *ppPacked = m_packed.Buffer();
@@ -120,7 +121,7 @@ bool ZRFxEntryReader::FetchSmall(const ZRFxZipEntry& entry, const uint8_t** ppPa
 bool ZRFxEntryReader::FetchStored(const ZRFxZipEntry& entry, ZRFxZipRawData* pRaw) {
     uint64_t nData = 0;
     if (!LocateData(entry, &nData)) return false;
-    if (!pRaw->Allocate(entry.nSize)) return Fail("out of memory");
+    if (!pRaw->Allocate(entry.nSize)) throw std::bad_alloc();
     uint32_t nCrc = 0;
     for (uint32_t nDone = 0; nDone < pRaw->Length();) {
         const uint32_t nPart = std::min(pRaw->Length() - nDone, kCachedPart);
@@ -143,13 +144,13 @@ bool ZRFxEntryReader::LocateData(const ZRFxZipEntry& entry, uint64_t* pOffset) {
 
 bool ZRFxEntryReader::Unpack(const ZRFxZipEntry& entry, const uint8_t* pPacked,
                              ZRFxZipRawData* pRaw) {
-    if (!pRaw->Allocate(entry.nSize)) return Fail("out of memory");
+    if (!pRaw->Allocate(entry.nSize)) throw std::bad_alloc();
     size_t nPacked = static_cast<size_t>(entry.nPackedSize);
     if (entry.eEncryption == ZRFxZipEntry::Encryption::kAes) {
         nPacked -= ZRFxCipher::Overhead(entry.eStrength);
         ZRFxZipRawData& target = entry.nMethod == kZipStored ? *pRaw : m_plain;
         if (target.Length() < nPacked && !target.Allocate(nPacked)) {
-            return Fail("out of memory");
+            throw std::bad_alloc();
         }
         if (!Decrypt(entry, pPacked, target.Buffer())) return false;
         pPacked = target.Buffer();
@@ -200,7 +201,7 @@ bool ZRFxEntryReader::ReadForeignAes(const ZRFxZipEntry& entry, ZRFxZipRawData* 
     single.nMethod = entry.nMethod;
     single.nSize = entry.nSize;
     single.nPackedSize = entry.nPackedSize - ZRFxCipher::Overhead(entry.eStrength);
-    if (!plain.Allocate(single.nPackedSize)) return Fail("out of memory");
+    if (!plain.Allocate(single.nPackedSize)) throw std::bad_alloc();
     if (!Decrypt(entry, pPacked, plain.Buffer())) return false;
 
     const std::string sHeader = ZRFxZipDirectory::LocalHeader(single, 0);
@@ -210,7 +211,7 @@ bool ZRFxEntryReader::ReadForeignAes(const ZRFxZipEntry& entry, ZRFxZipRawData* 
     ZRFxZipMemFile file;
     if (!file.Append(sHeader.data(), sHeader.size()) ||
         !file.Append(plain.Buffer(), plain.Length()) || !file.Append(sEnd.data(), sEnd.size())) {
-        return Fail("out of memory");
+        throw std::bad_alloc();
     }
     ZRFxMemStorage storage(&file, false);
     ZRFxZipLibrary library;

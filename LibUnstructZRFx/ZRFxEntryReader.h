@@ -14,7 +14,8 @@ namespace unstruct {
 
 /// Reads entries of an archive whole, whoever wrote them. What an entry declares is checked against
 /// its length in the archive before memory is taken, and its data against CRC or authentication
-/// code before it is given. Failures leave the cause in Error. One thread at a time.
+/// code before it is given. Failures leave the cause in Error, but a lack of memory throws
+/// std::bad_alloc. One thread at a time.
 class ZRFxEntryReader {
 public:
     /// REQUIRES: codec and cipher outlive the reader.

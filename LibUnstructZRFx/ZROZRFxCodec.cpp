@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <new>
 
 namespace unstruct {
 
@@ -24,7 +25,7 @@ bool ZRFxCodec::Deflate(int nLevel, const void* pData, size_t nSize, void* pPack
 
 bool ZRFxCodec::Inflate(const void* pPacked, size_t nPackedSize, void* pData, size_t nSize) {
     if (!m_pDecompressor) m_pDecompressor.reset(libdeflate_alloc_decompressor());
-    if (!m_pDecompressor) return false;
+    if (!m_pDecompressor) throw std::bad_alloc();
     size_t nConsumed = 0;
     const libdeflate_result nResult = libdeflate_deflate_decompress_ex(
         m_pDecompressor.get(), pPacked, nPackedSize, pData, nSize, &nConsumed, nullptr);

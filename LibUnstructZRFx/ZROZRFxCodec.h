@@ -27,7 +27,8 @@ public:
                  size_t* pPackedSize);
 
     /// Inflates into exactly nSize bytes; false on damaged data, on any other size, and when packed
-    /// bytes are left over.
+    /// bytes are left over. Throws std::bad_alloc when there is no memory to do it, so that it is
+    /// not taken for a damage.
     bool Inflate(const void* pPacked, size_t nPackedSize, void* pData, size_t nSize);
 
     /// Whether deflate can expand nPackedSize bytes to nSize; what it cannot is not worth a buffer.

@@ -1,6 +1,7 @@
 #include "ZROZRFxReadAhead.h"
 
 #include <algorithm>
+#include <new>
 
 namespace unstruct {
 namespace {
@@ -31,7 +32,9 @@ const uint8_t* ZRFxReadAhead::Get(ZRFxZipStorage* pStorage, uint64_t nOffset, si
     const uint64_t nLength =
         std::max<uint64_t>(nSize, std::min<uint64_t>(nLeft, std::min(nWanted, kMaxPiece)));
     window.nLength = 0;
-    if (window.data.Length() < nLength && !window.data.Allocate(nLength)) return nullptr;
+    if (window.data.Length() < nLength && !window.data.Allocate(nLength)) {
+        throw std::bad_alloc();
+    }
     const size_t nRead = static_cast<size_t>(nLength);
     if (!pStorage->Read(nOffset, window.data.Buffer(), nRead)) return nullptr;
     window.nOffset = nOffset;

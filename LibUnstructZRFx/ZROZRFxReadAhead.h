@@ -15,7 +15,8 @@ namespace unstruct {
 class ZRFxReadAhead {
 public:
     /// nSize bytes from nOffset on, valid until the next call; null when the storage cannot read
-    /// them, which its error tells. REQUIRES: 0 < nSize <= kMaxPiece.
+    /// them, which its error tells. Throws std::bad_alloc when there is no memory, so that no
+    /// storage seems to end there. REQUIRES: 0 < nSize <= kMaxPiece.
     const uint8_t* Get(ZRFxZipStorage* pStorage, uint64_t nOffset, size_t nSize);
     /// Forgets what was read. Needed when the storage has another state.
     void Clear();

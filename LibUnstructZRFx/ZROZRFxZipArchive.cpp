@@ -444,51 +444,63 @@ bool ZRFxZipArchive::LoadForGrowth(Item* pItem) {
 
 // With room for its first text, so that it is not left without one.
 ZRFxArchiveItem* ZRFxZipArchive::AddDocument(std::string_view sName, size_t nLength) {
+    auto pText = std::make_shared<ZRFxGrowingText>();
+    pText->sName = sName;
+    pText->sText.reserve(nLength);
     auto pNew = std::make_unique<Item>();
     pNew->entry.sName = sName;
     pNew->ePlace = Place::kInRecords;
-    m_pOpen->TextOf(pNew.get())->sText.reserve(nLength);
+    pNew->pText = pText;
+    m_pOpen->table.MakeRoom();
+    m_pOpen->apTexts.push_back(std::move(pText));
     return m_pOpen->Add(std::move(pNew));
 }
 
-// Puts what records have appended to the texts, all of them at once.
+// Puts what records have appended to the texts, all of them at once. A record whose tails are put
+// names no texts any more.
 bool ZRFxZipArchive::LoadTexts() {
-    size_t nDone = 0;
-    bool bLoaded = true;
-    for (auto& [record, apTexts] : m_pOpen->aUnread) {
-        std::string sTails;
-        bLoaded = record.GetTails(&m_codec, &m_cipher, &sTails) || Fail({}, record.Error());
-        if (!bLoaded) break;
-        uint64_t nAt = 0;
-        for (size_t i = 0; i < apTexts.size(); ++i) {
-            const ZRFxCommitRecord::Edit& edit = record.aEdits[i];
-            Apply(edit, std::string_view(sTails).substr(static_cast<size_t>(nAt)),
-                  apTexts[i].get());
-            nAt += edit.nTail;
-        }
-        ++nDone;
+    for (ZRFxOpenArchive::UnreadRecord& unread : m_pOpen->aUnread) {
+        if (!unread.apTexts.empty() && !LoadTails(&unread)) return false;
     }
-    m_pOpen->aUnread.erase(m_pOpen->aUnread.begin(),
-                           m_pOpen->aUnread.begin() + static_cast<std::ptrdiff_t>(nDone));
-    return bLoaded;
+    m_pOpen->aUnread.clear();
+    return true;
 }
 
-// sTails begins with what the edit adds. A text that cannot be had stays so until an edit begins it
-// anew; what its entry declares is not believed.
-void ZRFxZipArchive::Apply(const ZRFxCommitRecord::Edit& edit, std::string_view sTails,
-                           ZRFxGrowingText* pText) {
-    if (pText->bDropped) return;
-    if (edit.nKept == 0) {
-        pText->sError.clear();
-    } else if (!pText->bLoaded && !LoadText(pText)) {
-        pText->sError = m_reader.Error();
+// Puts the tails of a record to all of its texts or, where memory runs out, to none.
+bool ZRFxZipArchive::LoadTails(ZRFxOpenArchive::UnreadRecord* pUnread) {
+    auto& [record, apTexts] = *pUnread;
+    std::string sTails;
+    if (!record.GetTails(&m_codec, &m_cipher, &sTails)) return Fail({}, record.Error());
+    for (size_t i = 0; i < apTexts.size(); ++i) Prepare(record.aEdits[i], apTexts[i].get());
+    uint64_t nAt = 0;
+    for (size_t i = 0; i < apTexts.size(); ++i) {
+        const ZRFxCommitRecord::Edit& edit = record.aEdits[i];
+        Apply(edit, std::string_view(sTails).substr(static_cast<size_t>(nAt)), apTexts[i].get());
+        nAt += edit.nTail;
     }
+    apTexts.clear();
+    return true;
+}
+
+// Takes all the memory that the edit needs. A text that cannot be had stays so until an edit begins
+// it anew; what its entry declares is not believed.
+void ZRFxZipArchive::Prepare(const ZRFxCommitRecord::Edit& edit, ZRFxGrowingText* pText) {
+    if (pText->bDropped) return;
+    if (edit.nKept > 0 && !pText->bLoaded && !LoadText(pText)) pText->sError = m_reader.Error();
     pText->bLoaded = true;
-    if (!pText->sError.empty()) return;
+    if (edit.nKept > 0 && !pText->sError.empty()) return;
     if (edit.nKept > pText->sText.size()) {
         pText->sError = "damaged commit record";
         return;
     }
+    pText->sText.reserve(static_cast<size_t>(edit.nKept + edit.nTail));
+}
+
+// sTails begins with what the edit adds. Allocates nothing.
+void ZRFxZipArchive::Apply(const ZRFxCommitRecord::Edit& edit, std::string_view sTails,
+                           ZRFxGrowingText* pText) {
+    if (edit.nKept == 0) pText->sError.clear();
+    if (pText->bDropped || !pText->sError.empty()) return;
     pText->sText.resize(static_cast<size_t>(edit.nKept));
     pText->sText.append(sTails.substr(0, static_cast<size_t>(edit.nTail)));
 }

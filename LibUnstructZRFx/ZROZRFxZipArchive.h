@@ -156,6 +156,8 @@ private:
     bool LoadForGrowth(Item* pItem);
     Item* AddDocument(std::string_view sName, size_t nLength);
     bool LoadTexts();
+    bool LoadTails(ZRFxOpenArchive::UnreadRecord* pUnread);
+    void Prepare(const ZRFxCommitRecord::Edit& edit, ZRFxGrowingText* pText);
     void Apply(const ZRFxCommitRecord::Edit& edit, std::string_view sTails, ZRFxGrowingText* pText);
     bool LoadText(ZRFxGrowingText* pText);
     bool ReadItem(const Item& item, ZRFxZipRawData* pRaw);

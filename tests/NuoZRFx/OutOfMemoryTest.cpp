@@ -222,33 +222,38 @@ std::size_t addModel(User& user, File& file, int id) {
 // What a solver writes again with each step: lists of states, long enough for a flush to append no
 // more than what is new.
 struct Simulation {
+    PtrRef<File> file = new File;
     PtrRef<Database> database;
     PtrRef<StateInfoBlock> states = new StateInfoBlock;
     PtrRef<ResultBlock> result = new ResultBlock(1, ResultBlock::SCALAR, ResultBlock::NODE_MAPPING);
 };
 
 // Says whether the step is flushed.
-bool addStep(User& user, File& file, Simulation& run, int state) {
+bool addStep(User& user, Simulation& run, int state) {
     user.Do("state",
             [&] { return run.states->addStateInfo(state, kLongName, 1, StateInfoBlock::TIME); });
     user.Do("values", [&] { return run.result->addResultValuesBlock(state, state); });
     user.Do("states", [&] { return run.database->writeBlock(run.states.p()); });
     user.Do("result", [&] { return run.database->writeBlock(run.result.p()); });
-    return user.Do("flush", [&] { return file.flush(); });
+    return user.Do("flush", [&] { return run.file->flush(); });
 }
 
 // A run on a new file that has come to such flushes, with memory.
-Simulation startedRun(User& user, File& file) {
+Simulation startedRun(User& user) {
     const FailingMemory::Pause pause;
     Simulation run;
-    EXPECT_TRUE(file.create(user.Path(), FileSettings()));
-    run.database = WriteDatabase(file, "a", 1);
+    EXPECT_TRUE(run.file->create(user.Path(), FileSettings()));
+    run.database = WriteDatabase(*run.file, "a", 1);
     run.result->setResultId(1);
-    for (int state = 2; state < 40; ++state) {
-        run.states->addStateInfo(state, Str(std::string(1000, 'a')), 1, StateInfoBlock::TIME);
+    for (int state = 2; state < 20; ++state) {
+        run.states->addStateInfo(state, Str(std::string(5000, 'a')), 1, StateInfoBlock::TIME);
         run.result->addResultValuesBlock(state, state);
     }
-    for (int state = 40; state < 50; ++state) EXPECT_TRUE(addStep(user, file, run, state));
+    for (int state = 20; state < 26; ++state) {
+        // This one changes the list from its second state on.
+        if (state == 24) run.states->addGroupInfo(1000, Str(std::string(30000, 'b')), {3});
+        EXPECT_TRUE(addStep(user, run, state));
+    }
     return run;
 }
 
@@ -258,17 +263,18 @@ std::vector<std::string> described(const Simulation& run) {
 }
 
 // The run that a file has; without blocks where an operation failed.
-Simulation readRun(File& file) {
+Simulation readRun(PtrRef<File> file) {
     Simulation run;
-    run.database = file.database(0);
+    run.file = file;
+    run.database = file->database(0);
     run.states = static_cast<StateInfoBlock*>(run.database->blockById(Block::STATE_INFO, 1).p());
     run.result = static_cast<ResultBlock*>(run.database->blockById(Block::RESULT, 1).p());
     return run;
 }
 
-std::vector<std::string> describedRun(const std::string& path) {
-    File file;
-    EXPECT_TRUE(file.open(Str(path)));
+std::vector<std::string> describedRun(const char* path) {
+    const PtrRef<File> file = new File;
+    EXPECT_TRUE(file->open(path));
     return described(readRun(file));
 }
 
@@ -427,16 +433,15 @@ TEST_F(OutOfMemoryTest, ListsThatGrowWithEachFlushAreThereAsFarAsTheyWereFlushed
     for (const bool isPatient : {true, false}) {
         ForEachAllocation([&] {
             User user(isPatient, path);
-            PtrRef<File> file = new File;
-            Simulation run = startedRun(user, *file);
+            Simulation run = startedRun(user);
             std::vector<std::string> flushed = described(run);
             for (int state = 100; state < 103; ++state) {
-                if (addStep(user, *file, run, state)) flushed = described(run);
+                if (addStep(user, run, state)) flushed = described(run);
             }
-            user.Do("close", [&] { return file->close(); });
-            file = nullptr;
+            user.Do("close", [&] { return run.file->close(); });
+            run = {nullptr, nullptr, nullptr, nullptr};
             FailingMemory::Stop();
-            const std::vector<std::string> found = describedRun(path);
+            const std::vector<std::string> found = describedRun(user.Path());
             EXPECT_EQ(isPatient ? found[0] : found[0].substr(0, flushed[0].size()), flushed[0]);
             EXPECT_EQ(isPatient ? found[1] : found[1].substr(0, flushed[1].size()), flushed[1]);
         });
@@ -448,11 +453,10 @@ TEST_F(OutOfMemoryTest, RunThatGoesOnAfterAKilledOneHasAllThatWasFlushed) {
     const std::string path = m_folder.File("run.zrfx");
     const std::string next = m_folder.File("next.zrfx");
     User writer(true, path);
-    File writing;
-    Simulation whole = startedRun(writer, writing);
+    Simulation whole = startedRun(writer);
     Copy("run.zrfx", "killed.zrfx");
     std::ofstream(m_folder.File("killed.zrfx"), std::ios::app) << "torn";
-    EXPECT_TRUE(addStep(writer, writing, whole, 100));
+    EXPECT_TRUE(addStep(writer, whole, 100));
     ForEachAllocation([&] {
         Copy("killed.zrfx", "next.zrfx");
         User user(true, next);
@@ -463,13 +467,13 @@ TEST_F(OutOfMemoryTest, RunThatGoesOnAfterAKilledOneHasAllThatWasFlushed) {
         });
         Simulation run;
         user.Do("read", [&] {
-            run = readRun(*file);
+            run = readRun(file);
             return run.states && run.result;
         });
-        addStep(user, *file, run, 100);
+        addStep(user, run, 100);
         user.Do("close", [&] { return file->close(); });
         const FailingMemory::Pause reading;
-        EXPECT_EQ(describedRun(next), described(whole));
+        EXPECT_EQ(describedRun(user.Path()), described(whole));
     });
 }
 
