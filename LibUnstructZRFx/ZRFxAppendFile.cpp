@@ -85,9 +85,11 @@ bool ZRFxAppendFile::Write(const void* pData, size_t nSize) {
     if (!StartWriting()) return false;
     const uint8_t* pNext = static_cast<const uint8_t*>(pData);
     while (nSize > 0) {
-        // The buffer goes to the file only when more follows: see kHeldBack.
-        if (m_nBuffered == kBufferSize && !FlushBuffer()) return false;
-        const bool bPast = m_nBuffered == 0 && nSize > kBufferSize;
+        // The buffer goes to the file only when more follows. Long data follows its own header.
+        const bool bPast = nSize > kBufferSize;
+        if (bPast ? !FlushBuffer() : m_nBuffered == kBufferSize && !FlushBuffer(kHeldBack)) {
+            return false;
+        }
         const size_t nPart = bPast ? nSize - kHeldBack : std::min(nSize, kBufferSize - m_nBuffered);
         if (bPast && !m_file.WriteAt(m_nPosition, pNext, nPart)) return FailSystem("cannot write");
         if (!bPast) std::memcpy(m_pBuffer.get() + m_nBuffered, pNext, nPart);
@@ -271,12 +273,15 @@ bool ZRFxAppendFile::CreateTemporary() {
     return false;
 }
 
-bool ZRFxAppendFile::FlushBuffer() {
-    if (m_nBuffered == 0) return true;
-    if (!m_file.WriteAt(m_nPosition - m_nBuffered, m_pBuffer.get(), m_nBuffered)) {
+// Leaves the last nKept bytes in the buffer.
+bool ZRFxAppendFile::FlushBuffer(size_t nKept) {
+    const size_t nWritten = m_nBuffered - std::min(m_nBuffered, nKept);
+    if (nWritten == 0) return true;
+    if (!m_file.WriteAt(m_nPosition - m_nBuffered, m_pBuffer.get(), nWritten)) {
         return FailSystem("cannot write");
     }
-    m_nBuffered = 0;
+    m_nBuffered -= nWritten;
+    std::memmove(m_pBuffer.get(), m_pBuffer.get() + nWritten, m_nBuffered);
     return true;
 }
 

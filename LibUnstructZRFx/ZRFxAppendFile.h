@@ -68,7 +68,7 @@ private:
     bool StartWriting();
     bool MakeTemporary();
     bool CreateTemporary();
-    bool FlushBuffer();
+    bool FlushBuffer(size_t nKept = 0);
     void StartFlush();
     bool FlushFile();
     bool TakeName();

@@ -75,7 +75,7 @@ public:
     void Abandon();
 
     /// Shows a reader what was committed since it opened the archive or refreshed it last. Takes
-    /// time with what is new. On failure everything stays as it was.
+    /// time with what is new. A failure leaves the state that was shown, or a later one.
     bool Refresh(ZRFxArchiveChanges* pChanges);
 
     /// Encrypts entries added from now on, and decrypts; an empty password ends encryption.
