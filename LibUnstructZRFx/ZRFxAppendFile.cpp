@@ -9,6 +9,8 @@
 #include <new>
 #include <system_error>
 
+#include "ZRFxOldJournal.h"
+
 namespace unstruct {
 namespace {
 
@@ -72,7 +74,10 @@ bool ZRFxAppendFile::Read(uint64_t nOffset, void* pData, size_t nSize) {
         std::memcpy(pNext + nHead, m_pBuffer.get() + (nFrom - nInFile), nSize - nHead);
         nSize = nHead;
     }
-    return m_file.ReadAt(nOffset, pNext, nSize) || FailSystem("cannot read");
+    if (m_file.ReadAt(nOffset, pNext, nSize)) return true;
+    // A file that ends too early was cut by its writer.
+    m_bReadFailed = m_bReadFailed || errno != ENODATA;
+    return FailSystem("cannot read");
 }
 
 bool ZRFxAppendFile::Write(const void* pData, size_t nSize) {
@@ -120,6 +125,7 @@ ZRFxCommitResult ZRFxAppendFile::EndCommit() {
     m_bWriting = false;
     if (!bFlushed) return ZRFxCommitResult::kUnconfirmed;
     if (m_bRenamed && !FlushDirectory()) return ZRFxCommitResult::kUnconfirmed;
+    if (m_bRenamed) ZRFxOldJournal::RemoveBeside(m_sPath, m_file);
     m_bRenamed = false;
     m_nConfirmed = m_nSize;
     return ZRFxCommitResult::kDone;

@@ -45,6 +45,8 @@ public:
     std::unique_ptr<ZRFxZipStorage> Successor() override;
 
     const std::string& Path() const { return m_sPath; }
+    /// The open file, for what has to change bytes that it has. Followed by CutTo.
+    ZRFxFile& File() { return m_file; }
     /// Whether there was no file of that name when this one was created.
     bool IsNew() const { return m_bMadeName; }
 

@@ -39,6 +39,7 @@ bool ZRFxArchiveCommit::Run(bool bClosing) {
         const bool bWritten = WriteAnew(m_archive.pStorage->Successor());
         if (bWritten || m_bApplied) return bWritten;
     }
+    if (bClosing && m_archive.IsOrdinary()) return true;
     if (bClosing || IsArchiveDue()) return AppendArchive();
     if (IsFollowed()) return AppendRecord();
     const bool bWritten = WriteAnew(m_archive.pStorage->Successor());
@@ -292,12 +293,13 @@ void ZRFxArchiveCommit::ApplyArchive() {
     for (const Placed& placed : m_aPlaced) placed.pItem->nIndex = nIndex++;
     ApplyPlaced();
     const uint64_t nEnd = m_archive.pStorage->Size();
-    m_archive.place = {nEnd, 0, nEnd};
+    m_archive.place = {nEnd, 0, nEnd, {}};
     m_archive.bOwnChain = false;
 }
 
 void ZRFxArchiveCommit::ApplyCommon(bool bConfirmed) {
-    m_bApplied = true;
+    m_bApplied = m_archive.bCommitted = true;
+    m_archive.bTorn = false;
     std::erase_if(m_archive.apTexts, [](const auto& pText) { return pText->bDropped; });
     for (const auto& pText : m_archive.apTexts) {
         pText->nUnchanged = pText->nLength;

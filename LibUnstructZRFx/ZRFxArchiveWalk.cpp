@@ -19,9 +19,10 @@ uint32_t Signature(const uint8_t* pBytes) {
 
 }  // namespace
 
-ZRFxArchiveWalk::ZRFxArchiveWalk(ZRFxZipStorage* pStorage, ZRFxCodec* pCodec, uint64_t nFrom)
+ZRFxArchiveWalk::ZRFxArchiveWalk(ZRFxZipStorage* pStorage, ZRFxCodec* pCodec, uint64_t nFrom,
+                                 uint64_t nTo)
     : m_pStorage(pStorage), m_pCodec(pCodec), m_nAt(nFrom) {
-    while (Step()) {
+    while (m_nAt < nTo && Step()) {
     }
 }
 

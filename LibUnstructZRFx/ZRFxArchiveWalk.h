@@ -17,8 +17,10 @@ class ZRFxArchiveWalk {
 public:
     enum class Commit { kNone, kRecord, kArchive };
 
-    /// Goes as far as whole structures follow. REQUIRES: the objects outlive the walk.
-    ZRFxArchiveWalk(ZRFxZipStorage* pStorage, ZRFxCodec* pCodec, uint64_t nFrom = 0);
+    /// Goes as far as whole structures follow, and no further than to the one that reaches nTo.
+    /// REQUIRES: the objects outlive the walk.
+    ZRFxArchiveWalk(ZRFxZipStorage* pStorage, ZRFxCodec* pCodec, uint64_t nFrom = 0,
+                    uint64_t nTo = UINT64_MAX);
 
     /// The last commit that was passed, and where it begins (a record) or ends (an archive).
     Commit LastCommit() const { return m_eLast; }

@@ -13,7 +13,6 @@ ZRFxArchiveItem* ZRFxEntryTable::Add(std::unique_ptr<Item> pItem) {
     MakeRoom();
     m_apItems.emplace_back();
     ++m_nGaps;
-    if (Item* pOld = Find(pItem->entry.sName)) Remove(pOld);
     m_byName.Insert(pItem.get());
     m_bHasSlashes = m_bHasSlashes || pItem->entry.sName.find('/') != std::string::npos;
     pItem->nSlot = m_apItems.size() - 1;
@@ -30,14 +29,6 @@ void ZRFxEntryTable::MakeRoom() {
 void ZRFxEntryTable::Remove(Item* pItem) {
     m_byName.Erase(pItem);
     m_apItems[pItem->nSlot].reset();
-    ++m_nGaps;
-}
-
-void ZRFxEntryTable::MoveToEnd(Item* pItem) {
-    if (pItem->nSlot + 1 == m_apItems.size()) return;
-    m_apItems.emplace_back();
-    m_apItems.back() = std::move(m_apItems[pItem->nSlot]);
-    pItem->nSlot = m_apItems.size() - 1;
     ++m_nGaps;
 }
 

@@ -59,11 +59,9 @@ public:
     Item* Find(std::string_view sName) const { return m_byName.Find(sName); }
     /// Lets the next Add do without memory.
     void MakeRoom();
-    /// Adds an item in place of the one of its name, if there is one.
+    /// REQUIRES: there is no item of its name.
     Item* Add(std::unique_ptr<Item> pItem);
     void Remove(Item* pItem);
-    /// Puts the item behind all others.
-    void MoveToEnd(Item* pItem);
     void Reserve(size_t nCount);
 
     /// Items at slots below this number; some may be null, until `Compact`.

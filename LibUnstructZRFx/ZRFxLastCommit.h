@@ -15,6 +15,7 @@ struct ZRFxCommitPlace {
     uint64_t nBase = 0;    ///< Where the ordinary archive ends; 0 when there is none.
     uint64_t nRecord = 0;  ///< Offset of the last record that follows it; 0 when there is none.
     uint64_t nEnd = 0;     ///< Where the state ends. What follows is torn, or being written.
+    ZRFxCommitRecord::Run run{};  ///< Of the records.
 };
 
 /// Finds and reads the last committed state of an archive: an ordinary archive and the commit
@@ -42,10 +43,13 @@ private:
         m_sError = sCause;
         return false;
     }
+    bool FindSince(ZRFxZipStorage* pStorage, const ZRFxCommitPlace* pKnown);
     bool FindEnd(ZRFxZipStorage* pStorage, const ZRFxCommitPlace* pKnown);
+    bool FindBeforeEnd(ZRFxZipStorage* pStorage, const ZRFxCommitPlace* pKnown);
     bool WalkToEnd(ZRFxZipStorage* pStorage, uint64_t nFrom);
     bool SearchEnd(ZRFxZipStorage* pStorage);
     bool TakeRecord(ZRFxZipStorage* pStorage, uint64_t nOffset);
+    bool IsRooted(ZRFxZipStorage* pStorage);
     bool FollowChain(ZRFxZipStorage* pStorage, const ZRFxCommitPlace* pKnown);
 
     ZRFxCodec* m_pCodec;

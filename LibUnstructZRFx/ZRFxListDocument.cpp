@@ -24,8 +24,9 @@ int CountChildren(const nvf::XmlElement& element) {
 // The end of a root without elements is written as that of others.
 void SeparateRootEnd(const nvf::XmlElement& root, std::string* pText) {
     if (!pText->ends_with(std::string(kEmptyEnd) + "\n")) return;
-    pText->replace(pText->size() - kEmptyEnd.size() - 1, kEmptyEnd.size(),
-                   ">" + std::string(ZRFxListDocument::kRootEnd) + std::string(root.nameUtf8()) + ">");
+    pText->replace(
+        pText->size() - kEmptyEnd.size() - 1, kEmptyEnd.size(),
+        ">" + std::string(ZRFxListDocument::kRootEnd) + std::string(root.nameUtf8()) + ">");
 }
 
 }  // namespace

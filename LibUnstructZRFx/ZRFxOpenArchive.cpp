@@ -32,11 +32,12 @@ bool ZRFxOpenArchive::TakeRecords(std::vector<ZRFxCommitRecord>* paRecords,
     return bTaken;
 }
 
-ZRFxArchiveItem* ZRFxOpenArchive::Add(std::unique_ptr<ZRFxArchiveItem> pItem) {
+ZRFxArchiveItem* ZRFxOpenArchive::Add(std::unique_ptr<ZRFxArchiveItem> pItem, bool* pReplaced) {
     // The old item stays when there is no memory for the new one.
     table.MakeRoom();
     ZRFxArchiveItem* pOld = table.Find(pItem->entry.sName);
     if (pOld) Remove(pOld);
+    if (pReplaced) *pReplaced = pOld != nullptr;
     ZRFxArchiveItem* pAdded = table.Add(std::move(pItem));
     Count(*pAdded);
     return pAdded;
@@ -152,8 +153,9 @@ void ZRFxOpenArchive::TakeEntries(std::vector<ZRFxZipEntry>* paEntries,
         auto pItem = std::make_unique<ZRFxArchiveItem>();
         pItem->entry = std::move((*paEntries)[i]);
         pItem->nIndex = i;
-        if (table.Find(pItem->entry.sName)) Note(pChanges, pItem->entry.sName, 0);
-        Add(std::move(pItem));
+        bool bReplaced = false;
+        const ZRFxArchiveItem* pAdded = Add(std::move(pItem), &bReplaced);
+        if (bReplaced) Note(pChanges, pAdded->entry.sName, 0);
     }
 }
 

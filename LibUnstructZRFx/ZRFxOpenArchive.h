@@ -40,12 +40,16 @@ struct ZRFxOpenArchive {
     /// Takes what records add, in their order.
     bool TakeRecords(std::vector<ZRFxCommitRecord>* paRecords, ZRFxArchiveChanges* pChanges);
 
-    /// Adds an item in place of the one of its name.
-    ZRFxArchiveItem* Add(std::unique_ptr<ZRFxArchiveItem> pItem);
+    /// Adds an item in place of the one of its name; tells, when asked, whether there was one.
+    ZRFxArchiveItem* Add(std::unique_ptr<ZRFxArchiveItem> pItem, bool* pReplaced = nullptr);
     void Remove(ZRFxArchiveItem* pItem);
     /// Counts what the item takes in the file and in the directory, or no longer takes.
     void Count(const ZRFxArchiveItem& item);
     void Uncount(const ZRFxArchiveItem& item);
+    /// Whether the file ends as an ordinary archive of all that there is.
+    bool IsOrdinary() const {
+        return !bChanged && !bTorn && place.nBase != 0 && place.nRecord == 0;
+    }
     /// Whether the last committed state knows the item.
     bool IsListed(const ZRFxArchiveItem& item) const { return item.nSlot < nFirstNew; }
     /// The text of an item, which has an entry from before or none.
@@ -71,6 +75,7 @@ struct ZRFxOpenArchive {
     bool bReadOnly = false;
     bool bTorn = false;                  ///< Something follows the last commit that is none.
     bool bChanged = false;               ///< There is something to commit.
+    bool bCommitted = false;             ///< By this writer.
     bool bOwnChain = false;              ///< The last record is of this run.
     bool bFollowed = false;              ///< The walk is known to reach the end of the last commit.
     size_t nFirstNew = 0;                ///< Slots from here on are not committed.

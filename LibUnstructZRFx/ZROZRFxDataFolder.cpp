@@ -238,10 +238,7 @@ bool ZRFxDataFolder::WriteItems(const ZRString& name, const ZRArray<Item>& data,
     for (std::int64_t i = 0; i < data.GetSize();) {
         i += appendLine(i, text);
         if (text.size() < kTextPiece && i < data.GetSize()) continue;
-        if (!m_pAccess->WriteNewFile(text)) {
-            m_pAccess->CloseNewFile();
-            return Log().fail(messages.line);
-        }
+        if (!m_pAccess->WriteNewFile(text)) return Log().fail(messages.line);
         text.clear();
     }
     return m_pAccess->CloseNewFile() || Log().fail(messages.line);

@@ -9,6 +9,7 @@
 
 #include "ZRFxAppendFile.h"
 #include "ZRFxArchiveCommit.h"
+#include "ZRFxOldJournal.h"
 
 namespace unstruct {
 namespace {
@@ -44,11 +45,8 @@ bool ZRFxZipArchive::Open(const std::string& sPath, ZRFxOpenMode eMode) {
     return Guarded({}, [&] {
         if (IsOpen()) return Fail({}, "another archive is open");
         m_sArchive = sPath;
-        auto pFile = std::make_unique<ZRFxAppendFile>();
         std::unique_ptr<ZRFxOpenArchive> pOpen;
-        if (!pFile->Open(sPath, eMode)) return Fail({}, pFile->Error());
-        m_sPath = pFile->Path();
-        return OpenStorage(std::move(pFile), eMode, &pOpen) && Take(std::move(pOpen));
+        return OpenFile(sPath, eMode, &pOpen) && Take(std::move(pOpen));
     });
 }
 
@@ -84,9 +82,8 @@ bool ZRFxZipArchive::Close() {
         if (!IsOpen()) return Fail({}, "the archive is not open");
         if (m_pOpen->pStream && !CloseEntry()) return false;
         // A state that ends with a record, or with what a killed writer left, is put in order.
-        const ZRFxCommitPlace& place = m_pOpen->place;
-        const bool bOrdinary = place.nRecord == 0 && place.nBase != 0 && !m_pOpen->bTorn;
-        if (!IsReadOnly() && (m_pOpen->bChanged || !bOrdinary) && !CommitNow(true)) return false;
+        const bool bCommits = m_pOpen->bCommitted || !m_pOpen->IsOrdinary();
+        if (!IsReadOnly() && bCommits && !CommitNow(true)) return false;
         Reset();
         return true;
     });
@@ -315,6 +312,17 @@ bool ZRFxZipArchive::Fail(std::string_view sName, std::string_view sCause) {
     sError.append(": ").append(sCause).append(".");
     m_sError.swap(sError);
     return false;
+}
+
+bool ZRFxZipArchive::OpenFile(const std::string& sPath, ZRFxOpenMode eMode,
+                              std::unique_ptr<ZRFxOpenArchive>* ppOpen) {
+    auto pFile = std::make_unique<ZRFxAppendFile>();
+    if (!pFile->Open(sPath, eMode)) return Fail({}, pFile->Error());
+    m_sPath = pFile->Path();
+    std::unique_ptr<ZRFxZipStorage> pStorage;
+    ZRFxOldJournal journal(&m_codec);
+    if (!journal.Settle(std::move(pFile), eMode, &pStorage)) return Fail({}, journal.Error());
+    return OpenStorage(std::move(pStorage), eMode, ppOpen);
 }
 
 bool ZRFxZipArchive::OpenStorage(std::unique_ptr<ZRFxZipStorage> pStorage, ZRFxOpenMode eMode,
@@ -560,10 +568,8 @@ bool ZRFxZipArchive::RefreshFrom(ZRFxLastCommit* pCommit, ZRFxArchiveChanges* pC
 
 bool ZRFxZipArchive::Reopen(ZRFxArchiveChanges* pChanges) {
     if (m_sPath.empty()) return Fail({}, m_pOpen->pStorage->Error());
-    auto pFile = std::make_unique<ZRFxAppendFile>();
     std::unique_ptr<ZRFxOpenArchive> pOpen;
-    if (!pFile->Open(m_sPath, ZRFxOpenMode::kReadOnly)) return Fail({}, pFile->Error());
-    if (!OpenStorage(std::move(pFile), ZRFxOpenMode::kReadOnly, &pOpen)) return false;
+    if (!OpenFile(m_sPath, ZRFxOpenMode::kReadOnly, &pOpen)) return false;
     // A new file that has no content yet: what was there is shown until there is.
     if (pOpen->table.SlotCount() == 0) return true;
     pChanges->bAny = pChanges->bReplaced = true;

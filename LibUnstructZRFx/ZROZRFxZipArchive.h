@@ -135,6 +135,8 @@ private:
     bool Guarded(std::string_view sName, Operation operation) noexcept;
     bool Fail(std::string_view sName, std::string_view sCause);
 
+    bool OpenFile(const std::string& sPath, ZRFxOpenMode eMode,
+                  std::unique_ptr<ZRFxOpenArchive>* ppOpen);
     bool OpenStorage(std::unique_ptr<ZRFxZipStorage> pStorage, ZRFxOpenMode eMode,
                      std::unique_ptr<ZRFxOpenArchive>* ppOpen);
     bool Take(std::unique_ptr<ZRFxOpenArchive> pOpen);

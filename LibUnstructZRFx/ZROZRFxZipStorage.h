@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <utility>
 
 namespace unstruct {
 
@@ -52,6 +53,9 @@ public:
     /// Until then this one stays as it is, and open.
     virtual std::unique_ptr<ZRFxZipStorage> Successor() = 0;
 
+    /// Whether bytes that are there could not be read, since the storage was opened or asked last.
+    bool TakeReadFailure() { return std::exchange(m_bReadFailed, false); }
+
     const std::string& Error() const { return m_sError; }
 
 protected:
@@ -61,6 +65,7 @@ protected:
     }
 
     std::string m_sError;
+    bool m_bReadFailed = false;
 };
 
 /// Takes back what was written from its making on, unless it is told to keep it.

@@ -4,7 +4,9 @@
 #include <fstream>
 
 #include "ReadEverything.h"
+#include "ZRFxCommitRecord.h"
 #include "ZROZRFxImageJpeg.h"
+#include "ZROZRFxZipDirectory.h"
 #include "support/Model.h"
 
 namespace {
@@ -31,10 +33,53 @@ std::string container(bool isEncrypted, int level, const test::Entries& entries)
     return std::string(file.Data(), file.Data() + file.Length());
 }
 
+// A commit after the archive: an entry that is new, one that is gone, and documents that have
+// grown.
+void appendRecord(std::string* bytes, unstruct::ZRFxCommitRecord* record, const std::string& added,
+                  const std::string& tails, const std::string& password) {
+    unstruct::ZRFxCodec codec;
+    unstruct::ZRFxCipher cipher;
+    cipher.SetPassword(password);
+    unstruct::ZRFxZipEntry entry;
+    entry.sName = added;
+    entry.nSize = entry.nPackedSize = tails.size();
+    entry.nCrc = unstruct::ZRFxCodec::Crc32(0, tails.data(), tails.size());
+    entry.nOffset = bytes->size();
+    *bytes += unstruct::ZRFxZipDirectory::LocalHeader(entry, 0) + tails;
+    record->sLines = unstruct::ZRFxZipDirectory::CentralRecord(entry, 0);
+    record->SetTails(tails, &codec, &cipher);
+    record->nOffset = bytes->size();
+    *bytes += record->Bytes(bytes->size(), &codec);
+}
+
+std::string withRecords(std::string bytes, const test::Entries& entries,
+                        const std::string& password) {
+    unstruct::ZRFxCommitRecord first;
+    first.nBase = bytes.size();
+    first.run = unstruct::ZRFxCommitRecord::NewRun();
+    first.asRemoved = {entries.rbegin()->first};
+    const std::uint64_t length = entries.at("ZRF.xml").size();
+    first.aEdits = {{"ZRF.xml", length, 8}, {"New.xml", 0, 4}};
+    appendRecord(&bytes, &first, "New.dat", "<!-- -->text", password);
+    unstruct::ZRFxCommitRecord second;
+    second.nBase = first.nBase;
+    second.nPrevious = first.nOffset;
+    second.run = first.run;
+    second.aEdits = {{"ZRF.xml", length, 4}};
+    appendRecord(&bytes, &second, "Newer.dat", "<!--", password);
+    return bytes;
+}
+
 void storeContainers(const fs::path& folder, const test::Entries& entries) {
     store(folder, "stored.zrfx", container(false, 0, entries));
     store(folder, "deflated.zrfx", container(false, 9, entries));
     store(folder, "encrypted.zrfx", container(true, 5, {*entries.find("ZRF.xml")}));
+    const std::string records = withRecords(container(false, 5, entries), entries, {});
+    store(folder, "records.zrfx", records);
+    store(folder, "torn.zrfx", records.substr(0, records.size() - 30));
+    store(folder, "encrypted-records.zrfx",
+          withRecords(container(true, 5, {*entries.find("ZRF.xml")}), {*entries.find("ZRF.xml")},
+                      "geheim"));
     store(folder, "empty.zrfx", container(false, 5, {}));
 }
 

@@ -17,7 +17,7 @@ namespace tools {
 namespace {
 
 // What an interrupted process has to remove: the file, and what writing an archive puts beside it.
-constexpr std::array kSuffixes{"", ".journal", ".rewrite"};
+constexpr std::array kSuffixes{"", ".rewrite"};
 constexpr std::array kSignals{SIGINT, SIGTERM, SIGHUP};
 std::array<char[PATH_MAX + 16], kSuffixes.size()> s_leftOver;
 volatile sig_atomic_t s_hasLeftOver = 0;
@@ -56,11 +56,28 @@ bool fail(std::string* error, const std::string& what) {
 
 // A writer of the archive holds an advisory lock on it.
 bool isBeingWritten(const std::string& path) {
-    const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    const int file = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
     if (file < 0) return false;
     const bool isLocked = flock(file, LOCK_SH | LOCK_NB) != 0 && errno == EWOULDBLOCK;
     close(file);
     return isLocked;
+}
+
+// What a writer from before commits appended left beside the replaced file belongs to nothing, but
+// programs of that time would still act on it. Whatever else bears the name stays.
+void removeJournal(const std::string& path) {
+    const std::string journal = path + ".journal";
+    struct stat written {};
+    struct stat found {};
+    char magic[8] = {};
+    const int file = open(journal.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
+    if (file < 0) return;
+    const bool isJournal = fstat(file, &found) == 0 && S_ISREG(found.st_mode) &&
+                           stat(path.c_str(), &written) == 0 && found.st_uid == written.st_uid &&
+                           read(file, magic, sizeof(magic)) == sizeof(magic) &&
+                           std::memcmp(magic, "ZRFXJRNL", sizeof(magic)) == 0;
+    close(file);
+    if (isJournal) unlink(journal.c_str());
 }
 
 }  // namespace
@@ -99,12 +116,11 @@ bool OutputFile::prepare(std::string* error) {
     return true;
 }
 
-// A journal of the replaced file would belong to nothing.
 bool OutputFile::finish(std::string* error) {
     if (std::rename(m_temporaryPath.c_str(), m_path.c_str()) != 0) {
         return fail(error, "cannot be replaced");
     }
-    unlink((m_path + ".journal").c_str());
+    removeJournal(m_path);
     forgetLeftOver();
     m_temporaryPath.clear();
     return true;

@@ -21,9 +21,10 @@ ToolContext::ToolContext() : m_log(new LogCollector) {
 }
 
 void ToolContext::addGlobalOptions(CLI::App& application) {
-    application.add_option("--password-file", m_passwordFile,
-                           "File whose first line is the password; else it is taken from "
-                           "ZRFX_PASSWORD, or asked for on a terminal")
+    application
+        .add_option("--password-file", m_passwordFile,
+                    "File whose first line is the password; else it is taken from "
+                    "ZRFX_PASSWORD, or asked for on a terminal")
         ->type_name("FILE");
     application.add_flag_callback(
         "-v,--verbose",

@@ -61,7 +61,7 @@ bool takeNearest(std::string_view text, T& value) {
     const Decimal number = decimalOf(text);
     const bool isSmall = number.exponent < 0;
     const bool isLargest = std::is_same_v<T, double> && number.exponent == kLargestExponent &&
-                           number.digits <= kLargestRounded;
+                           number.digits.compare(kLargestRounded) <= 0;
     if (!isSmall && !isLargest) return false;
     const T magnitude = isSmall ? T(0) : std::numeric_limits<T>::max();
     value = text.front() == '-' ? -magnitude : magnitude;

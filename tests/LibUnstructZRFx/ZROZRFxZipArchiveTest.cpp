@@ -83,6 +83,21 @@ TEST_F(ZRFxZipArchiveTest, StreamedEntryIsTheSumOfItsPieces) {
     EXPECT_EQ(ReadModel(m_sPath), (Model{{"ids.txt", sAll}, {"none.txt", ""}}));
 }
 
+TEST_F(ZRFxZipArchiveTest, StreamedEntryThatCannotTakeAPieceIsGivenUp) {
+    ASSERT_TRUE(m_archive.Open(m_sPath, ZRFxOpenMode::kCreate));
+    ASSERT_TRUE(m_archive.OpenEntry("ids.txt"));
+    ASSERT_TRUE(m_archive.WriteEntry("1 \n", 3));
+    {
+        FaultySystem system;
+        system.FailCall(1, ENOMEM, FaultySystem::Failing::kOnce);
+        EXPECT_FALSE(m_archive.WriteEntry(std::string(5000, 'x').data(), 5000));
+    }
+    EXPECT_NE(m_archive.LastError().find("ids.txt"), std::string::npos) << m_archive.LastError();
+    EXPECT_TRUE(m_archive.OpenEntry("other.txt")) << m_archive.LastError();
+    ASSERT_TRUE(m_archive.Close());
+    EXPECT_EQ(ReadModel(m_sPath), (Model{{"other.txt", ""}}));
+}
+
 TEST_F(ZRFxZipArchiveTest, ArchiveDestroyedWithoutCloseLeavesWhatWasCommitted) {
     WriteModel(m_sPath, SmallModel());
     for (const ZRFxOpenMode eMode : {ZRFxOpenMode::kCreate, ZRFxOpenMode::kUpdate}) {

@@ -422,6 +422,52 @@ TEST_F(FileTest, UnfinishedDatabaseKeepsTheFileOpenUntilItIsFinished) {
     EXPECT_TRUE(m_file.close());
 }
 
+TEST_F(FileTest, FileCreatedOverAnotherAndLetGoReplacesNothingAndWarnsOnce) {
+    WriteFile();
+    const auto size = std::filesystem::file_size(m_name.toStdString());
+    {
+        File file;
+        ASSERT_TRUE(file.create(m_name, FileSettings()));
+        const PtrRef<Database> database = WriteDatabase(file, "Unfinished", 0);
+        ASSERT_TRUE(database->writeBlock(NodesOf(1, 50000).p()));
+    }
+    EXPECT_THAT(TakeWarnings(),
+                ElementsAre("'" + m_name.toStdString() +
+                            "' was not closed, what was written since the last flush is dropped."));
+    EXPECT_EQ(size, std::filesystem::file_size(m_name.toStdString()));
+    ASSERT_TRUE(m_file.open(m_name));
+    EXPECT_EQ(3u, NodeCountOf(m_file, 1));
+}
+
+TEST_F(FileTest, FileReplacedBeneathItsWriterIsFinishedUnderAnotherName) {
+    const nuo::Str other(m_folder.File("other.zrfx"));
+    for (const bool isCreated : {true, false}) {
+        std::filesystem::remove(other.toStdString());
+        WriteFile();
+        if (isCreated) {
+            Create();
+            ASSERT_TRUE(m_file.flush());
+        } else {
+            ASSERT_TRUE(m_file.openForAppend(m_name));
+            m_database = m_file.database(0);
+        }
+        ASSERT_TRUE(m_database->writeBlock(NodesOf(2, 7).p()));
+        std::filesystem::remove(m_name.toStdString());
+        std::ofstream(m_name.toStdString()) << "someone else's";
+        ExpectRefused(m_file.flush(), {"Error writing file."});
+        ExpectRefused(m_file.closeAs(m_name), {"Error writing file."});
+        ASSERT_TRUE(m_file.closeAs(other));
+        EXPECT_EQ(14u, std::filesystem::file_size(m_name.toStdString()));
+        ASSERT_TRUE(m_file.open(other));
+        EXPECT_EQ(7u, NodeCountOf(m_file, 2));
+        ASSERT_TRUE(m_file.close());
+    }
+    Create();
+    m_file.abandon();
+    EXPECT_EQ(14u, std::filesystem::file_size(m_name.toStdString()));
+    EXPECT_THAT(TakeWarnings(), IsEmpty());
+}
+
 TEST_F(FileTest, FileThatIsLetGoKeepsWhatWasFlushed) {
     {
         File file;

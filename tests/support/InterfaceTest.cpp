@@ -14,8 +14,9 @@ std::string Assertion(const std::string& expression) {
 class InterfaceTest::Recorder : public nuo::LogDestination {
 public:
     void log(const nuo::LogMessage& message) override {
-        if (message.level != nuo::LL_ERROR) return;
         const std::lock_guard lock(m_mutex);
+        if (message.level == nuo::LL_WARNING) warnings.push_back(message.text.toStdString());
+        if (message.level != nuo::LL_ERROR) return;
         const bool isCause = message.logger.toStdString().rfind("nuo.nvf.unstruct", 0) == 0;
         EXPECT_GT(message.lineNumber, 0) << message.text.toStdString();
         (isCause ? causes : texts).push_back(message.text.toStdString());
@@ -23,6 +24,7 @@ public:
 
     std::vector<std::string> texts;
     std::vector<std::string> causes;
+    std::vector<std::string> warnings;
 
 private:
     std::mutex m_mutex;
@@ -45,6 +47,10 @@ std::vector<std::string> InterfaceTest::TakeTexts() {
 
 std::vector<std::string> InterfaceTest::TakeCauses() {
     return std::exchange(m_recorder->causes, {});
+}
+
+std::vector<std::string> InterfaceTest::TakeWarnings() {
+    return std::exchange(m_recorder->warnings, {});
 }
 
 void InterfaceTest::ExpectRefused(bool isDone, const std::vector<std::string>& messages,

@@ -28,6 +28,9 @@ protected:
     /// Texts of the archive and its blocks since the last call of TakeTexts.
     std::vector<std::string> TakeCauses();
 
+    /// Texts of all warnings since the last call. Those that a test does not take do not fail it.
+    std::vector<std::string> TakeWarnings();
+
     /// Expects that the call before gave false, or nothing, and exactly these messages.
     void ExpectRefused(bool isDone, const std::vector<std::string>& messages,
                        std::source_location where = std::source_location::current());

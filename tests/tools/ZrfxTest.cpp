@@ -318,6 +318,17 @@ TEST_F(ZrfxTest, CopyOntoItselfReclaimsSpace) {
     EXPECT_LT(std::filesystem::file_size(Path("a.zrfx")), size + 100);
 }
 
+TEST_F(ZrfxTest, CopyRemovesTheJournalOfTheFileThatItReplaces) {
+    WriteSound("a.zrfx");
+    const std::pair<const char*, bool> journals[] = {
+        {"ZRFXJRNL, of a writer of the version before", false}, {"Notes of 3 May", true}};
+    for (const auto& [text, isKept] : journals) {
+        std::ofstream(Path("b.zrfx.journal")) << text;
+        Output("copy a.zrfx b.zrfx");
+        EXPECT_EQ(std::filesystem::exists(Path("b.zrfx.journal")), isKept);
+    }
+}
+
 TEST_F(ZrfxTest, CatPrintsTheValuesOfABlock) {
     WriteSound("a.zrfx");
     const struct {
