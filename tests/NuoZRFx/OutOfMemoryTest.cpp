@@ -331,13 +331,13 @@ protected:
     }
 
     // The same with each allocation failing in turn, every one in the long form.
-    void ForEachAllocation(const std::function<void()>& use) {
+    void ForEachAllocation(const std::function<void()>& use, long tries = 60) {
         const bool isLong = std::getenv("NUO_LONG_TESTS") != nullptr;
         for (const Failing failing : {Failing::kOnce, Failing::kFromThenOn}) {
             FailingMemory::Start(0, Failing::kOnce);
             use();
             const long count = FailingMemory::Stop();
-            const long step = isLong ? 1 : count / 60 + 1;
+            const long step = isLong ? 1 : count / tries + 1;
             long failed = 0;
             for (long i = 1; i <= count && !HasFailure(); i += step) {
                 SCOPED_TRACE("allocation " + std::to_string(i));
@@ -431,20 +431,22 @@ TEST_F(OutOfMemoryTest, FileThatIsGivenUpHoldsWhatWasBeforeAndWhatWasFlushed) {
 TEST_F(OutOfMemoryTest, ListsThatGrowWithEachFlushAreThereAsFarAsTheyWereFlushed) {
     const std::string path = m_folder.File("run.zrfx");
     for (const bool isPatient : {true, false}) {
-        ForEachAllocation([&] {
-            User user(isPatient, path);
-            Simulation run = startedRun(user);
-            std::vector<std::string> flushed = described(run);
-            for (int state = 100; state < 103; ++state) {
-                if (addStep(user, run, state)) flushed = described(run);
-            }
-            user.Do("close", [&] { return run.file->close(); });
-            run = {nullptr, nullptr, nullptr, nullptr};
-            FailingMemory::Stop();
-            const std::vector<std::string> found = describedRun(user.Path());
-            EXPECT_EQ(isPatient ? found[0] : found[0].substr(0, flushed[0].size()), flushed[0]);
-            EXPECT_EQ(isPatient ? found[1] : found[1].substr(0, flushed[1].size()), flushed[1]);
-        });
+        ForEachAllocation(
+            [&] {
+                User user(isPatient, path);
+                Simulation run = startedRun(user);
+                std::vector<std::string> flushed = described(run);
+                for (int state = 100; state < 103; ++state) {
+                    if (addStep(user, run, state)) flushed = described(run);
+                }
+                user.Do("close", [&] { return run.file->close(); });
+                run = {nullptr, nullptr, nullptr, nullptr};
+                FailingMemory::Stop();
+                const std::vector<std::string> found = describedRun(user.Path());
+                EXPECT_EQ(isPatient ? found[0] : found[0].substr(0, flushed[0].size()), flushed[0]);
+                EXPECT_EQ(isPatient ? found[1] : found[1].substr(0, flushed[1].size()), flushed[1]);
+            },
+            15);
     }
 }
 
