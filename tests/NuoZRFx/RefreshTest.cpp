@@ -5,7 +5,6 @@
 
 #include <filesystem>
 #include <random>
-#include <regex>
 #include <set>
 
 #include "support/InterfaceTest.h"
@@ -119,9 +118,9 @@ protected:
         }
     }
     static void AddSteps(const std::string& text, std::set<int>* steps) {
-        static const std::regex pattern("<step ([0-9]+)>");
-        for (std::sregex_iterator at(text.begin(), text.end(), pattern), end; at != end; ++at) {
-            steps->insert(std::stoi((*at)[1]));
+        const std::string mark = "<step ";
+        for (auto at = text.find(mark); at != std::string::npos; at = text.find(mark, at + 1)) {
+            steps->insert(std::stoi(text.substr(at + mark.size())));
         }
     }
 

@@ -7,7 +7,6 @@
 
 #include <cstdlib>
 #include <fstream>
-#include <regex>
 #include <sstream>
 #include <vector>
 
@@ -20,6 +19,19 @@ using nuo::PtrRef;
 using unstruct::ZRFxZipArchive;
 
 namespace {
+
+// Without the lines that were taken off the terminal again: from their start to the sequence that
+// erases them.
+std::string WithoutErased(std::string shown) {
+    const std::string erase = "\x1b[K";
+    for (std::size_t at = shown.find(erase); at != std::string::npos; at = shown.find(erase)) {
+        const std::size_t start = shown.find_last_of("\r\n", at);
+        const bool isLine = start != std::string::npos && shown[start] == '\r';
+        const std::size_t from = isLine ? start : at;
+        shown.erase(from, at + erase.size() - from);
+    }
+    return shown;
+}
 
 std::string contentOf(const std::string& path) {
     std::ifstream file(path, std::ios::binary);
@@ -160,7 +172,7 @@ std::string ToolTest::OnTerminal(const std::string& arguments, const std::string
     }
     close(terminal);
     waitpid(process, nullptr, 0);
-    return std::regex_replace(shown, std::regex("\r[^\r\n]*\x1b\\[K"), "");
+    return WithoutErased(shown);
 }
 
 std::string ToolTest::Output(const std::string& arguments) {
