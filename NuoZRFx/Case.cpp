@@ -6,7 +6,7 @@
 #include "Convert_p.h"
 #include "Log_p.h"
 #include "NuoZRFx/File.h"
-#include "ZROZRFxPropDef.h"
+#include "catalogue/ZROZRFxPropDef.h"
 #include "nuo/PropertyConvert.h"
 
 namespace nuo::zrfx {

@@ -4,7 +4,7 @@
 
 #include "Convert_p.h"
 #include "Log_p.h"
-#include "ZROZRFxXml.h"
+#include "documents/ZRFxXml.h"
 #include "nuo/PropertyConvert.h"
 
 namespace nuo::zrfx {

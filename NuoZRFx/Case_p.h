@@ -6,7 +6,7 @@
 #include "NuoCore/PropertySetCollection.h"
 #include "NuoCore/PtrRef.h"
 #include "NuoZRFx/Case.h"
-#include "ZROZRFxAccess.h"
+#include "access/ZROZRFxAccess.h"
 #include "nvf/XmlDocument.h"
 
 namespace nuo::zrfx {

@@ -4,10 +4,10 @@
 #include <array>
 
 #include "Log_p.h"
-#include "ZROZRFxBlockType.h"
-#include "ZROZRFxElementType.h"
-#include "ZROZRFxResultTypes.h"
-#include "ZROZRFxSetBlock.h"
+#include "blocks/sets/ZRFxSetBlock.h"
+#include "types/ZRFxBlockType.h"
+#include "types/ZRFxElementType.h"
+#include "types/ZRFxResultTypes.h"
 
 namespace nuo::zrfx {
 namespace {

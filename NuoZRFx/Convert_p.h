@@ -7,8 +7,8 @@
 #include "NuoZRFx/ResultBlock.h"
 #include "NuoZRFx/SetBlock.h"
 #include "NuoZRFx/StateInfoBlock.h"
-#include "ZROZRFxModelTypes.h"
 #include "ZRString.h"
+#include "types/ZRFxModelTypes.h"
 
 namespace nuo::zrfx {
 

@@ -4,7 +4,7 @@
 
 #include "NuoZRFx/Block.h"
 #include "NuoZRFx/Database.h"
-#include "ZROZRFxDatabase.h"
+#include "database/ZROZRFxDatabase.h"
 
 namespace nuo::zrfx {
 

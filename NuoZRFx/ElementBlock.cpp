@@ -9,9 +9,9 @@
 
 #include "Convert_p.h"
 #include "Log_p.h"
-#include "ZROZRFxElementBlock.h"
-#include "ZROZRFxElementType.h"
+#include "blocks/mesh/ZRFxElementBlock.h"
 #include "nvf/Assert.h"
+#include "types/ZRFxElementType.h"
 
 namespace nuo::zrfx {
 namespace {

@@ -10,7 +10,7 @@
 #include "File_p.h"
 #include "Log_p.h"
 #include "NuoZRFx/ZRFxComponent.h"
-#include "ZROZRFxXml.h"
+#include "documents/ZRFxXml.h"
 #include "nvf/Assert.h"
 
 namespace nuo::zrfx {

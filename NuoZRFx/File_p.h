@@ -9,7 +9,7 @@
 #include "NuoZRFx/Database.h"
 #include "NuoZRFx/FileSettings.h"
 #include "ZRMakeRoom.h"
-#include "ZROZRFxAccess.h"
+#include "access/ZROZRFxAccess.h"
 
 namespace nuo::zrfx {
 

@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "Log_p.h"
-#include "ZROZRFxGeometryBlock.h"
+#include "blocks/mesh/ZRFxGeometryBlock.h"
 #include "nvf/Assert.h"
 
 namespace nuo::zrfx {

@@ -4,7 +4,7 @@
 
 #include "Convert_p.h"
 #include "Log_p.h"
-#include "ZROZRFxGeometryInfoBlock.h"
+#include "blocks/mesh/ZRFxGeometryInfoBlock.h"
 #include "nvf/Assert.h"
 
 namespace nuo::zrfx {

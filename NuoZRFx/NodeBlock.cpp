@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "Log_p.h"
-#include "ZROZRFxNodeBlock.h"
+#include "blocks/mesh/ZRFxNodeBlock.h"
 #include "nvf/Assert.h"
 
 namespace nuo::zrfx {

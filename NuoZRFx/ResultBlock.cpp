@@ -7,7 +7,7 @@
 #include "Convert_p.h"
 #include "StateValues_p.h"
 #include "ZRMakeRoom.h"
-#include "ZROZRFxResultBlock.h"
+#include "blocks/results/ZRFxResultBlock.h"
 
 namespace nuo::zrfx {
 namespace {

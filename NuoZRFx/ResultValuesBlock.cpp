@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "Log_p.h"
-#include "ZROZRFxResultValuesBlock.h"
+#include "blocks/results/ZRFxResultValuesBlock.h"
 #include "nvf/Assert.h"
 
 namespace nuo::zrfx {

@@ -10,7 +10,7 @@
 #include "Log_p.h"
 #include "SetItemGroup_p.h"
 #include "ZRMakeRoom.h"
-#include "ZROZRFxSetBlock.h"
+#include "blocks/sets/ZRFxSetBlock.h"
 #include "nvf/Assert.h"
 
 namespace nuo::zrfx {

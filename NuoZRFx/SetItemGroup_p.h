@@ -4,7 +4,7 @@
 #include <memory>
 #include <unordered_map>
 
-#include "ZROZRFxSetBlock.h"
+#include "blocks/sets/ZRFxSetBlock.h"
 
 namespace nuo::zrfx {
 

@@ -9,7 +9,7 @@
 #include "Log_p.h"
 #include "ZRIDLookup.h"
 #include "ZRMakeRoom.h"
-#include "ZROZRFxStateInfoBlock.h"
+#include "blocks/results/ZRFxStateInfoBlock.h"
 
 namespace nuo::zrfx {
 namespace {

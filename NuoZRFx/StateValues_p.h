@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "Log_p.h"
-#include "ZROZRFxStateValues.h"
+#include "blocks/ZRFxStateValues.h"
 #include "nvf/Assert.h"
 
 namespace nuo::zrfx {

@@ -5,7 +5,7 @@
 #include "Change_p.h"
 #include "Convert_p.h"
 #include "StateValues_p.h"
-#include "ZROZRFxTransformationResultsBlock.h"
+#include "blocks/results/ZRFxTransformationResultsBlock.h"
 
 namespace nuo::zrfx {
 namespace {

@@ -2,7 +2,7 @@
 
 #include "Convert_p.h"
 #include "Log_p.h"
-#include "ZROZRFxTransformationResultValuesBlock.h"
+#include "blocks/results/ZRFxTransformationResultValuesBlock.h"
 #include "nvf/Assert.h"
 
 namespace nuo::zrfx {

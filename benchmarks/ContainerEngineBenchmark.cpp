@@ -22,7 +22,7 @@
 #include <vector>
 
 #include "Steps.h"
-#include "ZROZRFxZipArchive.h"
+#include "container/ZRFxZipArchive.h"
 
 namespace {
 

@@ -4,9 +4,9 @@
 #include <cmath>
 #include <string>
 
-#include "ZROZRFxAccess.h"
-#include "ZROZRFxDatabase.h"
-#include "ZROZRFxResultValuesBlock.h"
+#include "access/ZROZRFxAccess.h"
+#include "blocks/results/ZRFxResultValuesBlock.h"
+#include "database/ZROZRFxDatabase.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 #include <cstdlib>
 #include <new>
 
-#include "ZROZRFxPropDef.h"
+#include "catalogue/ZROZRFxPropDef.h"
 #include "nvf/LogManager.h"
 #include "nvf/PropertyXmlSerializer.h"
 #include "nvf/XmlDocument.h"

@@ -13,11 +13,11 @@
 #include <string>
 #include <vector>
 
-#include "ZROZRFxAccess.h"
-#include "ZROZRFxDatabase.h"
-#include "ZROZRFxNodeBlock.h"
-#include "ZROZRFxResultValuesBlock.h"
-#include "ZROZRFxXml.h"
+#include "access/ZROZRFxAccess.h"
+#include "blocks/mesh/ZRFxNodeBlock.h"
+#include "blocks/results/ZRFxResultValuesBlock.h"
+#include "database/ZROZRFxDatabase.h"
+#include "documents/ZRFxXml.h"
 
 namespace {
 

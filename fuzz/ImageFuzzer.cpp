@@ -3,8 +3,8 @@
 #include <cstdlib>
 
 #include "Quiet.h"
-#include "ZROZRFxAccess.h"
-#include "ZROZRFxImageJpeg.h"
+#include "access/ZROZRFxAccess.h"
+#include "data/ZROZRFxImageJpeg.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     fuzz::beQuiet();

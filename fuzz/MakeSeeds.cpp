@@ -4,9 +4,9 @@
 #include <fstream>
 
 #include "ReadEverything.h"
-#include "ZRFxCommitRecord.h"
-#include "ZROZRFxImageJpeg.h"
-#include "ZROZRFxZipDirectory.h"
+#include "container/ZRFxCommitRecord.h"
+#include "container/ZRFxZipDirectory.h"
+#include "data/ZROZRFxImageJpeg.h"
 #include "support/Model.h"
 
 namespace {

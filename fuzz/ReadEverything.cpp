@@ -8,10 +8,10 @@
 #include <iterator>
 
 #include "Quiet.h"
-#include "ZROZRFxDatabase.h"
-#include "ZROZRFxGeometryBlock.h"
-#include "ZROZRFxNodeBlock.h"
-#include "ZROZRFxResultValuesBlock.h"
+#include "blocks/mesh/ZRFxGeometryBlock.h"
+#include "blocks/mesh/ZRFxNodeBlock.h"
+#include "blocks/results/ZRFxResultValuesBlock.h"
+#include "database/ZROZRFxDatabase.h"
 #include "nvf/PropertySetCollection.h"
 #include "support/Model.h"
 #include "support/SampleBlocks.h"

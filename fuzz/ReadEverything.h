@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "ZROZRFxAccess.h"
+#include "access/ZROZRFxAccess.h"
 #include "support/ArchiveTest.h"
 
 namespace fuzz {

@@ -7,7 +7,7 @@
 #include <string_view>
 
 #include "Quiet.h"
-#include "ZROZRFxTextData.h"
+#include "data/ZRFxTextData.h"
 
 namespace {
 

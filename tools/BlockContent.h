@@ -6,8 +6,8 @@
 #include <variant>
 #include <vector>
 
-#include "ZROZRFxBlock.h"
-#include "ZROZRFxResultValuesBlock.h"
+#include "blocks/ZRFxBlock.h"
+#include "blocks/results/ZRFxResultValuesBlock.h"
 
 namespace tools {
 

@@ -9,11 +9,11 @@
 #include "FileReader.h"
 #include "Progress.h"
 #include "Text.h"
-#include "ZROZRFxXml.h"
-#include "ZROZRFxZipArchive.h"
 #include "check/CaseChecks.h"
 #include "check/CheckedDatabase.h"
 #include "check/Findings.h"
+#include "container/ZRFxZipArchive.h"
+#include "documents/ZRFxXml.h"
 
 namespace tools {
 namespace {

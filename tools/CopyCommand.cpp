@@ -9,9 +9,9 @@
 #include "OutputFile.h"
 #include "Progress.h"
 #include "Text.h"
-#include "ZROZRFxGeometryBlock.h"
-#include "ZROZRFxGeometryInfoBlock.h"
-#include "ZROZRFxXml.h"
+#include "blocks/mesh/ZRFxGeometryBlock.h"
+#include "blocks/mesh/ZRFxGeometryInfoBlock.h"
+#include "documents/ZRFxXml.h"
 
 namespace tools {
 namespace {

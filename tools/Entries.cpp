@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "ZROZRFxXml.h"
+#include "documents/ZRFxXml.h"
 
 namespace tools {
 

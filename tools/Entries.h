@@ -5,8 +5,8 @@
 #include <unordered_map>
 #include <vector>
 
-#include "ZROZRFxDatabase.h"
-#include "ZROZRFxZipArchive.h"
+#include "container/ZRFxZipArchive.h"
+#include "database/ZROZRFxDatabase.h"
 
 namespace tools {
 

@@ -13,8 +13,8 @@
 #include "Entries.h"
 #include "Progress.h"
 #include "Text.h"
-#include "ZROZRFxAccess.h"
-#include "ZROZRFxZipArchive.h"
+#include "access/ZROZRFxAccess.h"
+#include "container/ZRFxZipArchive.h"
 
 namespace tools {
 namespace {

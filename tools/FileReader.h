@@ -7,7 +7,7 @@
 #include "NuoZRFx/Case.h"
 #include "NuoZRFx/File.h"
 #include "ToolContext.h"
-#include "ZROZRFxDatabase.h"
+#include "database/ZROZRFxDatabase.h"
 
 namespace tools {
 

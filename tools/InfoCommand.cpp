@@ -7,7 +7,7 @@
 #include "PropertyJson.h"
 #include "Summary.h"
 #include "Text.h"
-#include "ZROZRFxXml.h"
+#include "documents/ZRFxXml.h"
 
 namespace tools {
 namespace {

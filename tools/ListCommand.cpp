@@ -4,7 +4,7 @@
 #include <cstdio>
 
 #include "Text.h"
-#include "ZROZRFxZipArchive.h"
+#include "container/ZRFxZipArchive.h"
 
 namespace tools {
 namespace {

@@ -6,17 +6,17 @@
 
 #include "BlockContent.h"
 #include "Text.h"
-#include "ZROZRFxElementType.h"
-#include "ZROZRFxGeometryBlock.h"
-#include "ZROZRFxGeometryInfoBlock.h"
-#include "ZROZRFxNodeBlock.h"
-#include "ZROZRFxResultBlock.h"
-#include "ZROZRFxResultValuesBlock.h"
-#include "ZROZRFxSetBlock.h"
-#include "ZROZRFxStateInfoBlock.h"
-#include "ZROZRFxTransformationResultsBlock.h"
-#include "ZROZRFxXml.h"
 #include "ZRUndefined.h"
+#include "blocks/mesh/ZRFxGeometryBlock.h"
+#include "blocks/mesh/ZRFxGeometryInfoBlock.h"
+#include "blocks/mesh/ZRFxNodeBlock.h"
+#include "blocks/results/ZRFxResultBlock.h"
+#include "blocks/results/ZRFxResultValuesBlock.h"
+#include "blocks/results/ZRFxStateInfoBlock.h"
+#include "blocks/results/ZRFxTransformationResultsBlock.h"
+#include "blocks/sets/ZRFxSetBlock.h"
+#include "documents/ZRFxXml.h"
+#include "types/ZRFxElementType.h"
 
 namespace tools {
 namespace {

@@ -9,7 +9,7 @@
 #include "NuoZRFx/ZRFxComponent.h"
 #include "Password.h"
 #include "Text.h"
-#include "ZROZRFxAccess.h"
+#include "access/ZROZRFxAccess.h"
 
 namespace tools {
 ToolContext::ToolContext() : m_log(new LogCollector) {

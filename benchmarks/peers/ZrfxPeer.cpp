@@ -3,7 +3,7 @@
 #include <NuoZRFx/NuoZRFx.h>
 
 #include "Peer.h"
-#include "ZROZRFxZipArchive.h"
+#include "container/ZRFxZipArchive.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 // Power failures: what a writer has changed in a folder is recorded, and what a disk may hold of it
 // when the power fails at any moment is opened again.
-#include "ZROZRFxZipArchive.h"
+#include "container/ZRFxZipArchive.h"
 #include "support/RecordingSystem.h"
 #include "support/ZipArchives.h"
 

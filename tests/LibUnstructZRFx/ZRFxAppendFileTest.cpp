@@ -1,4 +1,4 @@
-#include "ZRFxAppendFile.h"
+#include "container/ZRFxAppendFile.h"
 
 #include <sys/stat.h>
 #include <sys/wait.h>

@@ -2,8 +2,8 @@
 #include <numeric>
 #include <set>
 
-#include "ZRFxLastCommit.h"
-#include "ZROZRFxZipArchive.h"
+#include "container/ZRFxLastCommit.h"
+#include "container/ZRFxZipArchive.h"
 #include "support/CommitRecords.h"
 #include "support/FaultySystem.h"
 #include "support/ZipArchives.h"

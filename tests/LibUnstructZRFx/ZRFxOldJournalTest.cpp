@@ -1,5 +1,5 @@
 // Files that a writer of the version before left with a journal.
-#include "ZRFxOldJournal.h"
+#include "container/ZRFxOldJournal.h"
 
 #include <sys/stat.h>
 #include <unistd.h>

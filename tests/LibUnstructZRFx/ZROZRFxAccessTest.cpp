@@ -1,4 +1,4 @@
-#include "ZROZRFxAccess.h"
+#include "access/ZROZRFxAccess.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "ZROZRFxDatabase.h"
+#include "database/ZROZRFxDatabase.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -10,7 +10,7 @@
 #include <utility>
 #include <vector>
 
-#include "ZROZRFxNodeBlock.h"
+#include "blocks/mesh/ZRFxNodeBlock.h"
 #include "support/ArchiveTest.h"
 #include "support/FaultySystem.h"
 #include "support/SampleBlocks.h"

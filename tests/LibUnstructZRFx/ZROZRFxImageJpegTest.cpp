@@ -1,4 +1,4 @@
-#include "ZROZRFxImageJpeg.h"
+#include "data/ZROZRFxImageJpeg.h"
 
 #include <gtest/gtest.h>
 

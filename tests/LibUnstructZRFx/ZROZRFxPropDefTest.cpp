@@ -1,4 +1,4 @@
-#include "ZROZRFxPropDef.h"
+#include "catalogue/ZROZRFxPropDef.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -6,9 +6,9 @@
 #include <string_view>
 #include <vector>
 
-#include "ZROZRFxAccess.h"
-#include "ZROZRFxDatabase.h"
-#include "ZROZRFxZipMemFile.h"
+#include "access/ZROZRFxAccess.h"
+#include "container/ZRFxZipMemFile.h"
+#include "database/ZROZRFxDatabase.h"
 #include "support/LogCapture.h"
 
 namespace test {

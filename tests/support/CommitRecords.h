@@ -4,8 +4,8 @@
 #include <string>
 
 #include "ZRByteOrder.h"
-#include "ZRFxCommitRecord.h"
-#include "ZROZRFxCodec.h"
+#include "container/ZRFxCodec.h"
+#include "container/ZRFxCommitRecord.h"
 
 namespace ziptest {
 

@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <string>
 
-#include "ZROZRFxSystem.h"
+#include "container/ZRFxSystem.h"
 
 namespace ziptest {
 

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "ZROZRFxSystem.h"
+#include "container/ZRFxSystem.h"
 #include "support/FileHistory.h"
 #include "support/ZipTestFiles.h"
 

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "ZRArray.h"
-#include "ZROZRFxBlock.h"
+#include "blocks/ZRFxBlock.h"
 
 namespace test {
 

@@ -10,7 +10,7 @@
 #include <sstream>
 #include <vector>
 
-#include "ZROZRFxZipArchive.h"
+#include "container/ZRFxZipArchive.h"
 
 namespace test {
 

@@ -4,7 +4,7 @@
 #include <ostream>
 #include <string>
 
-#include "ZROZRFxZipArchive.h"
+#include "container/ZRFxZipArchive.h"
 #include "support/ZipTestFiles.h"
 
 namespace ziptest {

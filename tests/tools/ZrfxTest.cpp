@@ -5,12 +5,12 @@
 #include <fstream>
 #include <nlohmann/json.hpp>
 
-#include "ZROZRFxElementType.h"
-#include "ZROZRFxZipArchive.h"
 #include "check/ElementVolume.h"
+#include "container/ZRFxZipArchive.h"
 #include "support/ArchiveTest.h"
 #include "support/SampleBlocks.h"
 #include "support/ToolTest.h"
+#include "types/ZRFxElementType.h"
 
 namespace tools {
 namespace {

@@ -1,7 +1,7 @@
 #include "check/CaseChecks.h"
 
-#include "ZROZRFxPropDef.h"
-#include "ZROZRFxXml.h"
+#include "catalogue/ZROZRFxPropDef.h"
+#include "documents/ZRFxXml.h"
 
 namespace tools {
 

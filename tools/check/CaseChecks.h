@@ -5,7 +5,7 @@
 #include <string>
 
 #include "ToolContext.h"
-#include "ZROZRFxAccess.h"
+#include "access/ZROZRFxAccess.h"
 #include "check/Findings.h"
 
 namespace tools {

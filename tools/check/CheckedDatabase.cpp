@@ -4,8 +4,8 @@
 
 #include "BlockContent.h"
 #include "FileReader.h"
-#include "ZROZRFxResultBlock.h"
-#include "ZROZRFxTransformationResultsBlock.h"
+#include "blocks/results/ZRFxResultBlock.h"
+#include "blocks/results/ZRFxTransformationResultsBlock.h"
 
 namespace tools {
 namespace {

@@ -10,11 +10,11 @@
 #include <vector>
 
 #include "ToolContext.h"
-#include "ZROZRFxDatabase.h"
-#include "ZROZRFxElementBlock.h"
-#include "ZROZRFxNodeBlock.h"
+#include "blocks/mesh/ZRFxElementBlock.h"
+#include "blocks/mesh/ZRFxNodeBlock.h"
 #include "check/Findings.h"
 #include "check/IdIndex.h"
+#include "database/ZROZRFxDatabase.h"
 
 namespace tools {
 

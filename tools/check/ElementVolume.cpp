@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "ZROZRFxElementType.h"
+#include "types/ZRFxElementType.h"
 
 namespace tools {
 namespace {

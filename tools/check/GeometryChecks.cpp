@@ -4,14 +4,14 @@
 
 #include "BlockContent.h"
 #include "Text.h"
-#include "ZROZRFxElementType.h"
-#include "ZROZRFxGeometryBlock.h"
-#include "ZROZRFxGeometryInfoBlock.h"
-#include "ZROZRFxIndexedFaceSetBlock.h"
-#include "ZROZRFxSetBlock.h"
 #include "ZRUndefined.h"
+#include "blocks/mesh/ZRFxGeometryBlock.h"
+#include "blocks/mesh/ZRFxGeometryInfoBlock.h"
+#include "blocks/mesh/ZRFxIndexedFaceSetBlock.h"
+#include "blocks/sets/ZRFxSetBlock.h"
 #include "check/CheckedDatabase.h"
 #include "check/ElementVolume.h"
+#include "types/ZRFxElementType.h"
 
 namespace tools {
 namespace {

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "ZROZRFxBlock.h"
+#include "blocks/ZRFxBlock.h"
 
 namespace tools {
 

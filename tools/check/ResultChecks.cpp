@@ -5,16 +5,16 @@
 
 #include "BlockContent.h"
 #include "Text.h"
-#include "ZROZRFxPositionResultValuesBlock.h"
-#include "ZROZRFxPrecomputedBlock.h"
-#include "ZROZRFxResultBlock.h"
-#include "ZROZRFxResultTypes.h"
-#include "ZROZRFxResultValuesBlock.h"
-#include "ZROZRFxStateInfoBlock.h"
-#include "ZROZRFxTransformationResultsBlock.h"
 #include "ZRUndefined.h"
+#include "blocks/precomputed/ZRFxPrecomputedBlock.h"
+#include "blocks/results/ZRFxPositionResultValuesBlock.h"
+#include "blocks/results/ZRFxResultBlock.h"
+#include "blocks/results/ZRFxResultValuesBlock.h"
+#include "blocks/results/ZRFxStateInfoBlock.h"
+#include "blocks/results/ZRFxTransformationResultsBlock.h"
 #include "check/CheckedDatabase.h"
 #include "check/References.h"
+#include "types/ZRFxResultTypes.h"
 
 namespace tools {
 namespace {

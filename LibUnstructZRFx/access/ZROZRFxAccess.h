@@ -1,0 +1,271 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+
+#include "NuoCore/Image.h"
+#include "ZRArray.h"
+#include "ZRString.h"
+#include "container/ZRFxZipArchive.h"
+#include "container/ZRFxZipMemFile.h"
+#include "container/ZRFxZipRawData.h"
+#include "data/ZRFxReadBounds.h"
+#include "documents/ZRFxMainDocument.h"
+#include "nvf/Logger.h"
+#include "nvf/PropertySetCollection.h"
+#include "nvf/XmlDocument.h"
+
+namespace unstruct {
+
+enum class ZRZipAccessMode : int { UPDATE = 0, READ_ONLY = 1, CREATE = 2 };
+
+/// Whether a missing entry is an error or an answer.
+enum class LogMode { LOG, SILENT };
+
+/// How an archive was made, as far as its entries show it.
+struct ZRFxArchiveInfo {
+    bool compressed = false;
+    bool encrypted = false;
+    bool binary = false;  ///< Some data file is binary.
+    bool text = false;    ///< Some data file is text.
+};
+
+/// The folder of the user's text files, which are no data files.
+inline constexpr const char* kUserDataFolder = "UserData";
+
+/// The one class that touches the container: opens it, keeps its main document, and writes and
+/// reads its entries by name. Entry names are UTF-8 with a backslash between folders; an entry of a
+/// container packed by another program is also found under slashes. Every operation that fails logs
+/// why, with file and entry, and gives false (or -1); nothing is thrown. What is written is
+/// readable at once, and on disk after the next commit. Destroyed without Close, it drops what was
+/// not committed, with a warning. Used by one thread at a time.
+class ZRFxAccess {
+public:
+    /// While it lives, what the access reads counts as one operation, which is bounded as
+    /// ZRFxReadBounds tells. Null is allowed, and bounds nothing.
+    class BoundedReading {
+    public:
+        explicit BoundedReading(ZRFxAccess* access);
+        ~BoundedReading();
+        BoundedReading(const BoundedReading&) = delete;
+        BoundedReading& operator=(const BoundedReading&) = delete;
+
+    private:
+        ZRFxAccess* const m_access;
+    };
+
+    static constexpr int kDefaultLevel = -1;
+    static constexpr int kDefaultSmartness = 7;
+    static constexpr std::uint32_t kDefaultBufferSize = 65536;
+
+    ZRFxAccess();
+    ~ZRFxAccess();
+    ZRFxAccess(const ZRFxAccess&) = delete;
+    ZRFxAccess& operator=(const ZRFxAccess&) = delete;
+
+    /// Opens or creates an archive file. Another archive must not be open.
+    bool Open(const ZRString& name, ZRZipAccessMode mode);
+
+    /// The same on an archive in memory, which must outlive the opening.
+    bool Open(ZRFxZipMemFile* memFile, ZRZipAccessMode mode);
+
+    /// Brings all that was written so far into the file at once, durable and visible to new
+    /// readers.
+    bool Commit();
+
+    /// Commits and closes. When the commit fails the archive stays open with all that it was given,
+    /// so that closing can be tried again; its file holds the last commit. False when it is not
+    /// open.
+    bool Close();
+
+    /// Commits everything to a new file instead, and closes; the old one stays as it was committed
+    /// last. Fails when there is a file of that name.
+    bool CloseAs(const ZRString& name);
+
+    /// Closes without committing what was written since the last commit.
+    void Abandon();
+
+    /// Of an archive opened for reading, takes over what was committed since. Takes time with what
+    /// is new.
+    bool Refresh(ZRFxArchiveChanges* changes);
+
+    bool IsOpen() const;
+    bool IsReadOnly() const { return m_readOnly; }
+
+    /// Whether a path holds a ZRFx file: by extension, as an archive, and by its main document.
+    /// Never alters anything and logs nothing.
+    static bool IsZRFxFile(const ZRString& name);
+
+    /// Used by every later write: the level is 0 (stored) to 9, or -1 for the default. The
+    /// smartness flags ask for what is always done, an entry that does not shrink is stored; the
+    /// buffer sizes are kept for callers that set them, entries are compressed whole.
+    void SetCompression(int level, int smartness, std::uint32_t bufferSize,
+                        std::uint32_t fileBufferSize);
+
+    /// With it, writing a data file replaces the one of that name.
+    void SetAlwaysOverwrite(bool alwaysOverwrite) { m_alwaysOverwrite = alwaysOverwrite; }
+
+    /// Encrypts what is written from now on, and decrypts what is read, with WinZip AES-256.
+    bool SetPassword(const ZRString& password);
+
+    // Main document.
+
+    static nvf::ref<nvf::XmlDocument> CreateMainDocument(const ZRString& exportApplication,
+                                                         const ZRString& vendorName, int vendorId,
+                                                         const ZRFxDateTime* dateTime = nullptr);
+    /// REQUIRES: the document is held by a reference, as one made on the stack is not.
+    bool ReadAndValidateMainDocumentFile(nvf::XmlDocument* doc);
+    bool SetVendorInfo(const ZRString& exportApplication, const ZRString& vendorName, int vendorId);
+    bool GetVendorInfo(int* vendorId, ZRString* vendorName, ZRString* exportApplication);
+    bool GetExportDateTime(ZRFxDateTime* dateTime);
+    bool GetDisplayModelOnly(bool* displayModelOnly);
+
+    // Registries of databases and cases.
+
+    /// Stores the document in the folder that its root names and enters it in the main document.
+    /// With `overwrite`, document and registry line of the same id are replaced.
+    bool AddDatabase(const nvf::XmlDocument& databaseDoc, bool overwrite);
+    bool AddCase(const nvf::XmlDocument& caseDoc, bool overwrite);
+
+    bool GetNumDatabases(int* count);
+    bool GetNumCases(int* count);
+
+    /// By position, or by id. False, without a message, when there is none.
+    bool GetDatabaseInfo(int index, ZRFxDatabaseInfo* info);
+    bool GetDatabaseByID(int id, ZRFxDatabaseInfo* info);
+    bool GetCaseInfo(int index, ZRFxCaseInfo* info);
+    bool GetCaseByID(int id, ZRFxCaseInfo* info);
+
+    /// The entry that a case's document names as one of its files: the one of that name in the
+    /// case's folder or, where there is none, the one of that whole name.
+    ZRString CaseEntry(const ZRString& folder, const ZRString& file) const;
+
+    /// Snapshot and description of a case, from the files that its "Case.xml" names.
+    bool GetCaseSnapshot(int caseId, nuo::Image* image);
+    bool GetCaseDescription(int caseId, ZRString* text);
+
+    // Documents.
+
+    /// Whatever it holds, the document can be read again within ZRFxReadBounds.
+    bool WriteXmlFile(const ZRString& name, const nvf::XmlDocument& doc, bool overwrite);
+    bool InternalReadXmlFile(const ZRString& name, LogMode logMode, nvf::XmlDocument* doc);
+
+    /// The text that a document is stored as under a name. In the place of characters that XML
+    /// cannot hold stands U+FFFD, with a warning. False, with a message, when memory was missing
+    /// for the document.
+    bool MakeDocumentText(const ZRString& name, const nvf::XmlDocument& doc, std::string* text);
+
+    /// Changes a document from its byte `kept` on, as a text that its writer keeps well formed, and
+    /// gives the number of this revision. With 0 the document is made, or replaced as a whole.
+    bool GrowDocument(const ZRString& name, std::uint64_t kept, std::string_view tail,
+                      std::uint64_t* revision);
+
+    /// The revision of a document that nothing but GrowDocument has changed since; 0 otherwise.
+    std::uint64_t DocumentRevision(const ZRString& name) const;
+
+    /// The text of a document from a byte on; empty where it is shorter.
+    bool ReadDocumentTail(const ZRString& name, std::uint64_t from, std::string* tail);
+    bool WriteProperties(const ZRString& fileName, const nvf::PropertySetCollection& collection);
+    bool ReadProperties(const ZRString& fileName, nvf::PropertySetCollection* collection);
+
+    // Data files: packed little-endian values and nothing else. Writes replace an existing file
+    // only with `overwrite`, or when always-overwrite is set; typed reads leave the array empty on
+    // failure and take as many whole items as the entry holds.
+
+    bool WriteDataRaw(const ZRString& name, const void* data, std::size_t numBytes, bool overwrite);
+    bool WriteDataInt(const ZRString& name, const ZRIntArray& data);
+    bool WriteDataFloat(const ZRString& name, const ZRFloatArray& data);
+    bool WriteDataVectorAsFloat(const ZRString& name, const ZRVec3fArray& data);
+    bool WriteDataString(const ZRString& name, const ZRString& text);
+    bool WriteData(const ZRString& name, const ZRUbyteArray& data);
+
+    bool ReadDataInt(const ZRString& name, ZRIntArray* data);
+    bool ReadDataFloat(const ZRString& name, ZRFloatArray* data);
+    bool ReadDataVector(const ZRString& name, ZRVec3fArray* data);
+    bool ReadDataString(const ZRString& name, ZRString* text);
+    bool ReadData(const ZRString& name, ZRUbyteArray* data);
+    bool InternalReadDataRaw(const ZRString& name, LogMode logMode, ZRFxZipRawData* raw);
+
+    /// One text entry, written piece by piece between opening and closing it.
+    bool OpenNewFile(const ZRString& name);
+    bool WriteNewFile(std::string_view text);
+    bool CloseNewFile();
+
+    // Images: raw for names that end in ".raw", JPEG for all others. The extension is compared as
+    // it stands.
+
+    /// Stores an image in place of the one of that name.
+    bool WriteImage(const ZRString& name, const nuo::Image& image);
+    bool ReadImage(const ZRString& name, nuo::Image* image);
+
+    // Entries.
+
+    /// Index of an entry; -1 when absent, which is logged on demand.
+    std::int32_t InternalFindFile(const ZRString& name, LogMode logMode);
+    /// Whether there is such an entry; says nothing.
+    bool Contains(const ZRString& name) const;
+
+    /// Removes an entry; one that is not there is no failure.
+    bool RemoveFile(const ZRString& name);
+
+    /// Whole names of the entries in a folder, in archive order; with `descend`, also those of the
+    /// folders below it.
+    bool FindFiles(const ZRString& folder, bool descend, ZRStringArray* names);
+
+    /// Whole names of the entries that begin with a base name, which an extension or a dash
+    /// follows.
+    bool FindFilesOfBase(const ZRString& base, ZRStringArray* names);
+
+    /// A name lies in no more folders than these; what else it tells of folders does not count.
+    static constexpr std::size_t kMostFolders = 1000;
+
+    /// Whole names of the folders in a folder; with `descend`, also those below them, kMostFolders
+    /// deep at most.
+    bool FindSubFolders(const ZRString& folder, bool descend, ZRStringArray* names);
+
+    /// What the entries tell of how the archive was made.
+    bool GetArchiveInfo(ZRFxArchiveInfo* info);
+
+private:
+    bool TakeOpened(bool isOpened, ZRZipAccessMode mode);
+    bool CheckWritable(const ZRString& name);
+    bool CheckDocumentWritable(const ZRString& name);
+    bool CheckReadable(const ZRString& name, LogMode logMode) const;
+    bool Store(const ZRString& name, const void* data, std::size_t numBytes, bool overwrite);
+    bool StoreDocument(const ZRString& name, const std::string& text, bool overwrite);
+    std::uint64_t DenseLength(const ZRString& name);
+    std::uint64_t DenseDocuments();
+    bool LoadMainDocument();
+    bool GetCaseFile(int caseId, const char* element, ZRString* fileName, bool* isGiven);
+    template <typename Item>
+    bool WriteItems(const ZRString& name, const ZRArray<Item>& data);
+    template <typename Item>
+    bool ReadItems(const ZRString& name, ZRArray<Item>* data);
+    template <typename TakeName>
+    bool ForEachName(const std::string& prefix, ZRStringArray* names, TakeName takeName);
+    ZRFxZipArchive::EntryInfo EntryAt(std::size_t index);
+    void SortNames();
+    void Forget();
+    bool FindEntry(const ZRString& name, std::string* entry) const;
+    bool FailWithCause(nvf::LocatedText message, const ZRString& name);
+
+    ZRString m_sFileName;
+    ZRFxZipMemFile* m_pMemFile = nullptr;
+    const std::unique_ptr<ZRFxZipArchive> m_pArchive;
+    bool m_readOnly = false;
+    bool m_alwaysOverwrite = false;
+    int m_compressionLevel = kDefaultLevel;
+    int m_compressionSmartness = kDefaultSmartness;
+    std::uint32_t m_compressionBufferSize = kDefaultBufferSize;
+    std::uint32_t m_fileBufferSize = kDefaultBufferSize;
+    // Found once, as a file may list very many, and forgotten with the next write or commit.
+    std::optional<ZRFxMainDocument> m_mainDocument;
+    std::vector<std::pair<std::string, std::size_t>> m_sortedNames;  // With slashes; entry.
+    ZRFxReadBounds m_bounds;
+    std::optional<std::uint64_t> m_denseDocuments;  // Their length; counted when it matters.
+    nvf::ref<nvf::Logger> m_logger;
+};
+
+}  // namespace unstruct

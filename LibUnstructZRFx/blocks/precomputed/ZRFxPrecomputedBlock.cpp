@@ -1,0 +1,140 @@
+#include "blocks/precomputed/ZRFxPrecomputedBlock.h"
+
+#include <algorithm>
+#include <memory>
+
+#include "documents/ZRFxXml.h"
+
+namespace unstruct {
+
+void ZRFxPrecomputedState::RemoveParts(std::int64_t iFrom, std::int64_t iTo) {
+    NVF_ASSERT(iTo >= 0 && iTo < apParts.GetSize());
+    apParts.RemoveRange(iFrom, iTo);
+}
+
+ZRFxPrecomputedState* ZRFxPrecomputedBlock::AddState(int stateID) {
+    SetRead(true);
+    ZRFxPrecomputedState* pState = m_apStates.Add(std::make_unique<ZRFxPrecomputedState>());
+    pState->m_iStateID = stateID;
+    return pState;
+}
+
+bool ZRFxPrecomputedBlock::DoReadBlock(const nvf::XmlElement& root) {
+    DoUnloadData();
+    ReadAttributes(root);
+    for (nvf::XmlElement element = root.firstChildElement("State"); element.notNull();
+         element = element.nextSiblingElement("State")) {
+        ZRFxPrecomputedState* pState = AddState(element.getAttributeInt("ID", -1));
+        ReadTraces(element, pState);
+        ReadParts(element, pState);
+        if (!ReadGrids(element, pState)) return false;
+    }
+    return true;
+}
+
+bool ZRFxPrecomputedBlock::CheckContents() const {
+    for (const auto& pState : m_apStates) {
+        for (const auto& pGrid : pState->apGrids) {
+            if (!CheckGrid(*pGrid)) return false;
+        }
+    }
+    return true;
+}
+
+bool ZRFxPrecomputedBlock::DoWriteBlock(nvf::XmlElement root) {
+    WriteAttributes(root);
+    for (const auto& pState : m_apStates) {
+        NVF_ASSERT(pState);
+        nvf::XmlElement state = root.addChildElement("State");
+        state.setAttributeInt("ID", pState->m_iStateID);
+        for (const auto& pTrace : pState->apTraces) {
+            NVF_ASSERT(pTrace);
+            WriteTrace(state, *pTrace);
+        }
+        for (const auto& pPart : pState->apParts) {
+            NVF_ASSERT(pPart);
+            WritePart(state, *pPart);
+        }
+        for (const auto& pGrid : pState->apGrids) WriteGrid(state, *pGrid);
+    }
+    return true;
+}
+
+void ZRFxPrecomputedBlock::WriteTrace(nvf::XmlElement state, const ZRFxPrecomputedTrace& trace) {
+    nvf::XmlElement element = state.addChildElement("ParticleTrace");
+    element.setAttributeInt("PositionNodeBlockID", trace.positionNodeBlockID);
+    element.setAttributeInt("TimeResultBlockID", trace.timeResultBlockID);
+    element.setAttributeInt("ScalarResultBlockID", trace.scalarResultBlockID);
+    element.setAttributeInt("VectorResultBlockID", trace.vectorResultBlockID);
+}
+
+void ZRFxPrecomputedBlock::WritePart(nvf::XmlElement state, const ZRFxPrecomputedPart& part) {
+    nvf::XmlElement element = state.addChildElement("Part");
+    element.setAttributeInt("IFSBlockID", part.ifsBlockID);
+    element.setAttributeInt("NodeBlockID", part.nodeBlockID);
+    element.setAttributeInt("FringesResultBlockID", part.fringesResultBlockID);
+    SetAttribute(element, "FringesResultMapping", ResultMappingName(part.fringesResultMapping));
+    element.setAttributeInt("VectorResultBlockID", part.vectorResultBlockID);
+    if (HasPartColors()) SetAttribute(element, "SurfaceColor", part.surfaceColor);
+}
+
+void ZRFxPrecomputedBlock::WriteGrid(nvf::XmlElement state, const ZRFxPrecomputedGrid& grid) {
+    nvf::XmlElement element = state.addChildElement("Grid");
+    element.setAttributeInt("NodeBlockID", grid.nodeBlockID);
+    element.setAttributeInt("NumI", grid.numI);
+    element.setAttributeInt("NumJ", grid.numJ);
+    element.setAttributeInt("ComputedResultBlockID", grid.computedResultBlockID);
+    element.setAttributeInt("ScalarResultBlockID", grid.scalarResultBlockID);
+    element.setAttributeInt("VectorResultBlockID", grid.vectorResultBlockID);
+}
+
+void ZRFxPrecomputedBlock::ReadTraces(const nvf::XmlElement& element,
+                                      ZRFxPrecomputedState* pState) {
+    for (nvf::XmlElement trace = element.firstChildElement("ParticleTrace"); trace.notNull();
+         trace = trace.nextSiblingElement("ParticleTrace")) {
+        ZRFxPrecomputedTrace* pTrace =
+            pState->apTraces.Add(std::make_unique<ZRFxPrecomputedTrace>());
+        pTrace->positionNodeBlockID = trace.getAttributeInt("PositionNodeBlockID", -1);
+        pTrace->timeResultBlockID = trace.getAttributeInt("TimeResultBlockID", -1);
+        pTrace->scalarResultBlockID = trace.getAttributeInt("ScalarResultBlockID", -1);
+        pTrace->vectorResultBlockID = trace.getAttributeInt("VectorResultBlockID", -1);
+    }
+}
+
+void ZRFxPrecomputedBlock::ReadParts(const nvf::XmlElement& element, ZRFxPrecomputedState* pState) {
+    for (nvf::XmlElement part = element.firstChildElement("Part"); part.notNull();
+         part = part.nextSiblingElement("Part")) {
+        ZRFxPrecomputedPart* pPart = pState->apParts.Add(std::make_unique<ZRFxPrecomputedPart>());
+        pPart->ifsBlockID = part.getAttributeInt("IFSBlockID", -1);
+        pPart->nodeBlockID = part.getAttributeInt("NodeBlockID", -1);
+        pPart->fringesResultBlockID = part.getAttributeInt("FringesResultBlockID", -1);
+        if (part.hasAttribute("FringesResultMapping")) {
+            pPart->fringesResultMapping =
+                ResultMappingFromName(GetAttribute(part, "FringesResultMapping"));
+        }
+        pPart->vectorResultBlockID = part.getAttributeInt("VectorResultBlockID", -1);
+        pPart->surfaceColor = GetColor(part, "SurfaceColor");
+    }
+}
+
+bool ZRFxPrecomputedBlock::ReadGrids(const nvf::XmlElement& element, ZRFxPrecomputedState* pState) {
+    for (nvf::XmlElement grid = element.firstChildElement("Grid"); grid.notNull();
+         grid = grid.nextSiblingElement("Grid")) {
+        ZRFxPrecomputedGrid* pGrid = pState->apGrids.Add(std::make_unique<ZRFxPrecomputedGrid>());
+        pGrid->nodeBlockID = grid.getAttributeInt("NodeBlockID", -1);
+        pGrid->numI = grid.getAttributeInt("NumI", 0);
+        pGrid->numJ = grid.getAttributeInt("NumJ", 0);
+        pGrid->computedResultBlockID = grid.getAttributeInt("ComputedResultBlockID", -1);
+        pGrid->scalarResultBlockID = grid.getAttributeInt("ScalarResultBlockID", -1);
+        pGrid->vectorResultBlockID = grid.getAttributeInt("VectorResultBlockID", -1);
+        if (!CheckGrid(*pGrid)) return false;
+    }
+    return true;
+}
+
+bool ZRFxPrecomputedBlock::CheckGrid(const ZRFxPrecomputedGrid& grid) const {
+    const int lowest = std::min(grid.numI, grid.numJ);
+    return lowest >= 0 || FailUnfit(GetDocumentName(), "grid lines", lowest, 0);
+}
+
+}  // namespace unstruct

@@ -1,0 +1,50 @@
+#include "blocks/precomputed/ZRFxPrecomputedParticleTraceGroupBlock.h"
+
+#include <memory>
+
+namespace unstruct {
+
+ZRFxPrecomputedParticleTraceGroupBlock::ZRFxPrecomputedParticleTraceGroupBlock(
+    ZRFxDatabase* pDatabase, int id)
+    : ZRFxBlock(pDatabase, id, BLOCK_PRECOMPUTED_PARTICLE_TRACE_GROUP) {}
+
+void ZRFxPrecomputedParticleTraceGroupBlock::AddTrace(const ZRFxParticleTrace& trace) {
+    m_apTraces.Add(std::make_unique<ZRFxParticleTrace>(trace));
+    SetRead(true);
+}
+
+bool ZRFxPrecomputedParticleTraceGroupBlock::DoReadBlock(const nvf::XmlElement& root) {
+    DoUnloadData();
+    m_iCaseID = root.getAttributeInt("CaseID", -1);
+    m_iGroupID = root.getAttributeInt("GroupID", -1);
+    m_iVectorResultId = root.getAttributeInt("VectorResultId", -1);
+    m_iMapScalarResultId = root.getAttributeInt("MapScalarResultId", -1);
+    for (nvf::XmlElement trace = root.firstChildElement("Trace"); trace.notNull();
+         trace = trace.nextSiblingElement("Trace")) {
+        AddTrace({trace.getAttributeInt("PositionsBlockID", -1),
+                  trace.getAttributeInt("TimeStampsBlockID", -1),
+                  trace.getAttributeInt("MapScalarsBlockID", -1)});
+    }
+    return true;
+}
+
+bool ZRFxPrecomputedParticleTraceGroupBlock::DoWriteBlock(nvf::XmlElement root) {
+    root.setAttributeInt("CaseID", m_iCaseID);
+    root.setAttributeInt("GroupID", m_iGroupID);
+    root.setAttributeInt("VectorResultId", m_iVectorResultId);
+    root.setAttributeInt("MapScalarResultId", m_iMapScalarResultId);
+    for (const auto& pTrace : m_apTraces) {
+        NVF_ASSERT(pTrace);
+        nvf::XmlElement trace = root.addChildElement("Trace");
+        trace.setAttributeInt("PositionsBlockID", pTrace->positionsBlockID);
+        trace.setAttributeInt("TimeStampsBlockID", pTrace->timeStampsBlockID);
+        trace.setAttributeInt("MapScalarsBlockID", pTrace->mapScalarsBlockID);
+    }
+    return true;
+}
+
+void ZRFxPrecomputedParticleTraceGroupBlock::DoUnloadData() {
+    m_apTraces.RemoveAll();
+}
+
+}  // namespace unstruct

@@ -1,0 +1,53 @@
+#include "blocks/results/ZRFx2DPlotDataBlock.h"
+
+#include <utility>
+
+#include "documents/ZRFxXml.h"
+
+namespace unstruct {
+
+ZRFx2DPlotDataBlock::ZRFx2DPlotDataBlock(ZRFxDatabase* pDatabase, int id)
+    : ZRFxBlock(pDatabase, id, BLOCK_PLOT_2D) {}
+
+void ZRFx2DPlotDataBlock::AddVariable(std::unique_ptr<ZRFxPlotVariable> pVariable) {
+    NVF_ASSERT(pVariable);
+    if (!pVariable) return;
+    m_apVariables.Add(std::move(pVariable));
+    SetRead(true);
+}
+
+bool ZRFx2DPlotDataBlock::DoReadBlock(const nvf::XmlElement& root) {
+    DoUnloadData();
+    m_sName = GetAttribute(root, "Name");
+    for (nvf::XmlElement element = root.firstChildElement("Variable"); element.notNull();
+         element = element.nextSiblingElement("Variable")) {
+        auto pVariable = std::make_unique<ZRFxPlotVariable>();
+        pVariable->name = GetAttribute(element, "Name");
+        if (element.firstChildElement("File").isNull()) {
+            return Log().fail("No data file specified for plot");
+        }
+        if (!ReadFile(element, "File", &pVariable->values)) {
+            return Log().fail("Error reading plot data");
+        }
+        AddVariable(std::move(pVariable));
+    }
+    return true;
+}
+
+bool ZRFx2DPlotDataBlock::DoWriteBlock(nvf::XmlElement root) {
+    SetAttribute(root, "Name", m_sName);
+    for (std::int64_t i = 0; i < m_apVariables.GetSize(); ++i) {
+        const ZRFxPlotVariable* pVariable = m_apVariables[i];
+        NVF_ASSERT(pVariable);
+        nvf::XmlElement element = root.addChildElement("Variable");
+        SetAttribute(element, "Name", pVariable->name);
+        if (!WriteFile(element, "File", GetFilebase(i + 1), pVariable->values)) return false;
+    }
+    return true;
+}
+
+void ZRFx2DPlotDataBlock::DoUnloadData() {
+    m_apVariables.RemoveAll();
+}
+
+}  // namespace unstruct

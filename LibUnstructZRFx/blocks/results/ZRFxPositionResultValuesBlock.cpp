@@ -1,0 +1,143 @@
+#include "blocks/results/ZRFxPositionResultValuesBlock.h"
+
+#include <algorithm>
+#include <string>
+#include <string_view>
+
+#include "database/ZROZRFxDatabase.h"
+#include "documents/ZRFxFileRecord.h"
+#include "documents/ZRFxXml.h"
+#include "types/ZRFxResultTypes.h"
+
+namespace unstruct {
+namespace {
+
+// One name a line, in the order of the vectors.
+ZRString namesOf(const ZRIntArray& vectorTypes) {
+    std::string names;
+    for (const std::int32_t type : vectorTypes) names += VectorTypeName(type).Bytes() + "\n";
+    return names;
+}
+
+bool typesOf(std::string_view names, ZRIntArray* vectorTypes) {
+    vectorTypes->RemoveAll();
+    while (!names.empty()) {
+        const std::string_view name = names.substr(0, names.find_first_of("\r\n"));
+        names.remove_prefix(std::min(name.size() + 1, names.size()));
+        if (!name.empty() && !vectorTypes->Add(VectorTypeFromName(ZRString(name)))) return false;
+    }
+    return true;
+}
+
+}  // namespace
+
+ZRFxPositionResultValuesBlock::ZRFxPositionResultValuesBlock(ZRFxDatabase* pDatabase, int id)
+    : ZRFxBlock(pDatabase, id, BLOCK_POSITION_RESULT_VALUES) {}
+
+void ZRFxPositionResultValuesBlock::SetDimension(int iDimension) {
+    NVF_ASSERT(iDimension == 1 || iDimension == 3);
+    m_iDimension = iDimension;
+}
+
+bool ZRFxPositionResultValuesBlock::DoReadBlock(const nvf::XmlElement& root) {
+    DoUnloadData();
+    m_iDimension = root.getAttributeInt("Dimension", 0);
+    m_iMapToBlockID = root.getAttributeInt("MapToBlockID", -1);
+    m_bGlobalPositions = root.getAttributeBool("GlobalPositions", false);
+    m_bGlobalResults = root.getAttributeBool("GlobalResults", false);
+    m_vectorColor = GetColor(root, "VectorColor");
+    m_fScalingFactor = root.getAttributeFloat("ScalingFactor", 1);
+    if (m_iDimension != 1 && m_iDimension != 3) return Log().fail("Result has illegal dimension.");
+    if (root.firstChildElement("ElementIndices").isNull()) {
+        return Log().fail("No element indices specified for position result values");
+    }
+    if (root.firstChildElement("Positions").isNull()) {
+        return Log().fail("No positions specified for position result values");
+    }
+    if (!ReadFile(root, "Positions", &m_positions) ||
+        !ReadFile(root, "ElementIndices", &m_aiElementIndices)) {
+        return Log().fail("Error reading position data");
+    }
+    if (m_aiElementIndices.GetSize() != m_positions.GetSize()) {
+        return FailUnfit(GetDocumentName(), "element indices", m_aiElementIndices.GetSize(),
+                         m_positions.GetSize());
+    }
+    return ReadResults(root) && CheckResults();
+}
+
+bool ZRFxPositionResultValuesBlock::CheckContents() const {
+    if (m_iDimension != 1 && m_iDimension != 3) return Log().fail("Result has illegal dimension.");
+    if (m_iMapToBlockID < 0) return Log().fail("No map to block ID (element) specified.");
+    if (m_aiElementIndices.GetSize() != m_positions.GetSize()) {
+        return Log().fail("Num IDs differs from num. results");
+    }
+    return CheckResults();
+}
+
+bool ZRFxPositionResultValuesBlock::DoWriteBlock(nvf::XmlElement root) {
+    root.setAttributeInt("Dimension", m_iDimension);
+    root.setAttributeInt("MapToBlockID", m_iMapToBlockID);
+    root.setAttributeBool("GlobalPositions", m_bGlobalPositions);
+    root.setAttributeBool("GlobalResults", m_bGlobalResults);
+    SetAttribute(root, "VectorColor", m_vectorColor);
+    root.setAttributeFloat("ScalingFactor", m_fScalingFactor);
+    const ZRString base = GetFilebase();
+    return WriteFile(root, "Positions", base + "-Positions", m_positions) &&
+           WriteFile(root, "ElementIndices", base + "-PositionIDs", m_aiElementIndices) &&
+           WriteResults(root);
+}
+
+void ZRFxPositionResultValuesBlock::DoUnloadData() {
+    m_positions.RemoveAll();
+    m_aiElementIndices.RemoveAll();
+    m_afScalars.RemoveAll();
+    m_vectors.RemoveAll();
+    m_aiVectorTypes.RemoveAll();
+}
+
+bool ZRFxPositionResultValuesBlock::WriteResults(nvf::XmlElement root) {
+    const ZRString base = GetFilebase();
+    if (m_iDimension == 1)
+        return WriteFile(root, "ScalarResult", base + "-ScalarResult", m_afScalars);
+    const ZRString types = base + "-VectorTypes";
+    return WriteFile(root, "VectorResult", base + "-VectorResult", m_vectors) &&
+           m_pDatabase->WriteDataString(types, namesOf(m_aiVectorTypes)) &&
+           AddFileRecord(root, "VectorTypes", {types, m_aiVectorTypes.GetSize(), ZRString()});
+}
+
+bool ZRFxPositionResultValuesBlock::ReadResults(const nvf::XmlElement& root) {
+    if (m_iDimension == 1) {
+        if (root.firstChildElement("ScalarResult").isNull()) {
+            return Log().fail("No scalar values specified for position result values");
+        }
+        return ReadFile(root, "ScalarResult", &m_afScalars) ||
+               Log().fail("Error reading position data");
+    }
+    ZRFxFileRecord types;
+    ZRString names;
+    if (root.firstChildElement("VectorResult").isNull()) {
+        return Log().fail("No vector values specified for position result values");
+    }
+    if (!GetFileRecord(root, "VectorTypes", &types)) {
+        return Log().fail("No vector types specified for position result values");
+    }
+    if (!ReadFile(root, "VectorResult", &m_vectors) ||
+        !m_pDatabase->ReadDataString(types.filename, &names) ||
+        !typesOf(names.Bytes(), &m_aiVectorTypes)) {
+        return Log().fail("Error reading position data");
+    }
+    return CheckNumber("recorded vector types", types.numItems);
+}
+
+bool ZRFxPositionResultValuesBlock::CheckResults() const {
+    if (!CheckIndices(GetDocumentName(), "element index", m_aiElementIndices)) return false;
+    if (m_iDimension == 1) return CheckNumber("scalar values", m_afScalars.GetSize());
+    return CheckNumber("vector values", m_vectors.GetSize()) &&
+           CheckNumber("vector types", m_aiVectorTypes.GetSize());
+}
+
+bool ZRFxPositionResultValuesBlock::CheckNumber(const char* what, std::int64_t count) const {
+    return CheckCount(GetDocumentName(), what, count, m_positions.GetSize());
+}
+
+}  // namespace unstruct

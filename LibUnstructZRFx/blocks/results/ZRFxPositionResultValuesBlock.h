@@ -1,0 +1,46 @@
+#pragma once
+
+#include "NuoCore/Color3f.h"
+#include "ZRArray.h"
+#include "blocks/ZRFxBlock.h"
+
+namespace unstruct {
+
+/// Scalars or vectors at free positions inside the elements of one block, such as arrows drawn at
+/// given points.
+class ZRFxPositionResultValuesBlock : public ZRFxBlock {
+public:
+    ZRFxPositionResultValuesBlock(ZRFxDatabase* pDatabase, int id);
+
+    /// 1 for scalars or 3 for vectors; anything else is an assertion and is kept for WriteBlock to
+    /// refuse.
+    void SetDimension(int iDimension);
+    int GetDimension() const { return m_iDimension; }
+
+    int m_iMapToBlockID = -1;  ///< An element block.
+    bool m_bGlobalPositions = false;
+    bool m_bGlobalResults = false;
+    nuo::Color3f m_vectorColor;
+    float m_fScalingFactor = 1;
+    ZRVec3fArray m_positions;
+    ZRIntArray m_aiElementIndices;  ///< For each position the element that it lies in.
+    ZRFloatArray m_afScalars;       ///< For one dimension.
+    ZRVec3fArray m_vectors;         ///< For three dimensions.
+    ZRIntArray m_aiVectorTypes;     ///< For three dimensions, of ZRVectorType.
+
+protected:
+    bool DoReadBlock(const nvf::XmlElement& root) override;
+    bool CheckContents() const override;
+    bool DoWriteBlock(nvf::XmlElement root) override;
+    void DoUnloadData() override;
+
+private:
+    bool WriteResults(nvf::XmlElement root);
+    bool ReadResults(const nvf::XmlElement& root);
+    bool CheckResults() const;
+    bool CheckNumber(const char* what, std::int64_t count) const;
+
+    int m_iDimension = 3;
+};
+
+}  // namespace unstruct

@@ -1,0 +1,56 @@
+#include "blocks/results/ZRFxResultBlock.h"
+
+#include "documents/ZRFxXml.h"
+
+namespace unstruct {
+
+ZRFxResultBlock::ZRFxResultBlock(ZRFxDatabase* pDatabase, int id)
+    : ZRFxStatesBlock(pDatabase, id, BLOCK_RESULTS) {}
+
+void ZRFxResultBlock::DoWriteHead(nvf::XmlElement root) const {
+    const ZRFxResultDescription& d = m_description;
+    SetAttribute(root, "Name", d.name);
+    SetAttribute(root, "ResultType", ResultTypeName(d.resultType));
+    if (d.strainType != STRAIN_NONE) SetAttribute(root, "StrainType", StrainTypeName(d.strainType));
+    SetAttribute(root, "ResultMapping", ResultMappingName(d.resultMapping));
+    root.setAttributeInt("ResultID", d.resultID);
+    root.setAttributeInt("SectionID", d.sectionID);
+    root.setAttributeFloat("DefaultScaleFactor", d.defaultScaleFactor);
+    root.setAttributeBool("RelativeDisplacements", d.relativeDisplacements);
+    root.setAttributeInt("BaseResultID", d.baseResultID);
+    SetAttribute(root, "BaseResultType", ResultTypeName(d.baseResultType));
+    SetAttribute(root, "DeriveOperation", ComponentName(d.deriveOperation));
+    for (const auto& [name, value] : d.attributes) {
+        nvf::XmlElement attribute = root.addChildElement("Attribute");
+        SetAttribute(attribute, "Name", name);
+        SetAttribute(attribute, "Value", value);
+    }
+}
+
+bool ZRFxResultBlock::DoReadMetaData(const nvf::XmlElement& root) {
+    ZRFxResultDescription& d = m_description;
+    d = ZRFxResultDescription();
+    d.name = GetAttribute(root, "Name");
+    d.resultType = ResultTypeFromName(GetAttribute(root, "ResultType"));
+    d.strainType = StrainTypeFromName(GetAttribute(root, "StrainType"));
+    d.resultMapping = ResultMappingFromName(GetAttribute(root, "ResultMapping"));
+    d.resultID = root.getAttributeInt("ResultID", -1);
+    d.sectionID = root.getAttributeInt("SectionID", -1);
+    d.defaultScaleFactor = root.getAttributeFloat("DefaultScaleFactor", 1);
+    d.relativeDisplacements = root.getAttributeBool("RelativeDisplacements", false);
+    d.baseResultID = root.getAttributeInt("BaseResultID", -1);
+    const ZRString baseType = GetAttribute(root, "BaseResultType");
+    const bool isUnknown = baseType.IsBlank() || baseType == ResultTypeName(RESULT_UNKNOWN);
+    d.baseResultType = isUnknown ? static_cast<int>(RESULT_UNKNOWN) : ResultTypeFromName(baseType);
+    d.deriveOperation = root.hasAttribute("DeriveOperation")
+                            ? ComponentFromName(GetAttribute(root, "DeriveOperation"))
+                            : kComponentNone;
+    for (nvf::XmlElement attribute = root.firstChildElement("Attribute"); attribute.notNull();
+         attribute = attribute.nextSiblingElement("Attribute")) {
+        d.attributes.emplace_back(GetAttribute(attribute, "Name"),
+                                  GetAttribute(attribute, "Value"));
+    }
+    return true;
+}
+
+}  // namespace unstruct

@@ -1,0 +1,72 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <utility>
+
+#include "ZRArray.h"
+#include "ZRIDLookup.h"
+#include "blocks/ZRFxBlock.h"
+
+namespace unstruct {
+
+/// The values of one result in one state, on the items of one block. An item has 1 value (scalar),
+/// 3 (vector) or 6 (tensor).
+class ZRFxResultValuesBlock : public ZRFxBlock {
+public:
+    ZRFxResultValuesBlock(ZRFxDatabase* pDatabase, int id);
+
+    /// Replaces the values by a copy: scalars, or six floats a tensor.
+    bool SetScalars(const float* pfResult, std::int64_t count);
+    void SetScalars(ZRFloatArray scalars);
+
+    /// Replaces the values by a copy. REQUIRES: three dimensions.
+    bool SetVectors(const nuo::Vec3f* pVectorArray, std::int64_t count);
+    void SetVectors(ZRVec3fArray vectors);
+
+    /// Makes room for a number of items in all.
+    bool Reserve(std::int64_t numItems);
+
+    /// Appends an item, and its id when the values have ids.
+    bool AddScalar(float value, std::int32_t id);
+    bool AddVector(const nuo::Vec3f& value, std::int32_t id);
+
+    /// Replaces the ids of the items that the values belong to; null means the items in their
+    /// order.
+    void SetIDs(std::unique_ptr<ZRIntArray> paiIDs);
+
+    const ZRFloatArray& GetScalars() const { return m_afResults; }
+    const ZRVec3fArray& GetVectors() const { return m_avResults; }
+    const ZRIntArray* GetIDs() const { return m_paiIDs.get(); }
+    std::int64_t GetNumItems() const;
+
+    /// The position of the values of an item; -1 when it has none.
+    std::int64_t GetIndexOfID(std::int32_t iID) const;
+
+    int GetMapToBlockID() const { return m_iMapToBlockID; }
+    void SetMapToBlockID(int id) { m_iMapToBlockID = id; }
+    int GetNumDimensions() const { return m_iNumDimensions; }
+    void SetNumDimensions(int count) { m_iNumDimensions = count; }
+
+protected:
+    bool DoReadBlock(const nvf::XmlElement& root) override;
+    bool CheckContents() const override;
+    bool DoWriteBlock(nvf::XmlElement root) override;
+    void DoUnloadData() override;
+
+private:
+    template <typename Value>
+    bool AddWithID(const Value& value, std::int32_t id, ZRArray<Value>* values);
+    bool WriteValues(const ZRString& name);
+    bool ReadValues(const ZRString& name, std::int64_t numItems);
+    bool FailDimensions() const;
+
+    int m_iMapToBlockID = -1;
+    int m_iNumDimensions = 1;
+    ZRFloatArray m_afResults;
+    ZRVec3fArray m_avResults;
+    std::unique_ptr<ZRIntArray> m_paiIDs;
+    mutable ZRIDLookup m_indices;  // Of the items that were there when one was last asked for.
+};
+
+}  // namespace unstruct

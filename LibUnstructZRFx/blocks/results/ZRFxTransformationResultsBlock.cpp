@@ -1,0 +1,21 @@
+#include "blocks/results/ZRFxTransformationResultsBlock.h"
+
+#include "documents/ZRFxXml.h"
+
+namespace unstruct {
+
+ZRFxTransformationResultsBlock::ZRFxTransformationResultsBlock(ZRFxDatabase* pDatabase, int id)
+    : ZRFxStatesBlock(pDatabase, id, BLOCK_TRANSFORMATION_RESULTS) {}
+
+void ZRFxTransformationResultsBlock::DoWriteHead(nvf::XmlElement root) const {
+    SetAttribute(root, "Name", m_sName);
+    root.setAttributeInt("ResultID", m_iResultID);
+}
+
+bool ZRFxTransformationResultsBlock::DoReadMetaData(const nvf::XmlElement& root) {
+    m_sName = GetAttribute(root, "Name");
+    m_iResultID = root.getAttributeInt("ResultID", -1);
+    return true;
+}
+
+}  // namespace unstruct

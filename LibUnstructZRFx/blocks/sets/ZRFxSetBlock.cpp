@@ -1,0 +1,110 @@
+#include "blocks/sets/ZRFxSetBlock.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "documents/ZRFxXml.h"
+
+namespace unstruct {
+
+ZRFxSetBlock::ZRFxSetBlock(ZRFxDatabase* pDatabase, int id) : ZRFxBlock(pDatabase, id, BLOCK_SET) {}
+
+bool ZRFxSetBlock::ReadMetaData() {
+    nvf::XmlDocument doc;
+    const nvf::XmlElement root = GetRootElement(&doc);
+    if (root.isNull()) return Log().fail("Invalid XML");
+    return DoReadMetaData(root) && ZRFxBlock::ReadMetaData();
+}
+
+std::int64_t ZRFxSetBlock::GetTotalNumItems() const {
+    return IsRead() ? CountItems() : m_iStoredNumItems;
+}
+
+ZRFxSetBlockItems* ZRFxSetBlock::AddItems(std::unique_ptr<ZRFxSetBlockItems> pSetItems) {
+    NVF_ASSERT(pSetItems);
+    if (!pSetItems) return nullptr;
+    SetRead(true);
+    return m_apSetBlockItems.Add(std::move(pSetItems));
+}
+
+void ZRFxSetBlock::RemoveItems(std::int64_t iFrom, std::int64_t iTo) {
+    NVF_ASSERT(iTo >= 0 && iTo < m_apSetBlockItems.GetSize());
+    m_apSetBlockItems.RemoveRange(iFrom, iTo);
+}
+
+bool ZRFxSetBlock::DoReadBlock(const nvf::XmlElement& root) {
+    DoUnloadData();
+    if (!DoReadMetaData(root)) return false;
+    for (nvf::XmlElement element = root.firstChildElement("Items"); element.notNull();
+         element = element.nextSiblingElement("Items")) {
+        if (!ReadItems(element)) return false;
+    }
+    return CheckCount(GetFileName(), "items", CountItems(), m_iStoredNumItems);
+}
+
+bool ZRFxSetBlock::CheckContents() const {
+    if (m_iItemType != kItemTypeElement) return FailType();
+    return std::all_of(m_apSetBlockItems.begin(), m_apSetBlockItems.end(),
+                       [this](const auto& pSetItems) { return CheckItems(*pSetItems); });
+}
+
+bool ZRFxSetBlock::DoWriteBlock(nvf::XmlElement root) {
+    root.setAttributeInt("SetID", m_iSetID);
+    SetAttribute(root, "Name", m_sName);
+    root.setAttributeBool("ItemsSpecifiedAsIDs", m_bItemsSpecifiedAsIDs);
+    root.setAttributeInt("TotalNumItems", static_cast<int>(CountItems()));
+    SetAttribute(root, "ItemType", ZRString("Element"));
+    for (std::int64_t i = 0; i < m_apSetBlockItems.GetSize(); ++i) {
+        const ZRFxSetBlockItems* pSetItems = m_apSetBlockItems[i];
+        NVF_ASSERT(pSetItems);
+        nvf::XmlElement element = root.addChildElement("Items");
+        element.setAttributeInt("BlockID", pSetItems->m_iBlockID);
+        element.setAttributeInt("BlockType", pSetItems->m_iBlockType);
+        if (!WriteFile(element, "File", GetFilebase(i + 1), pSetItems->m_aiItems)) return false;
+    }
+    return true;
+}
+
+void ZRFxSetBlock::DoUnloadData() {
+    m_apSetBlockItems.RemoveAll();
+}
+
+bool ZRFxSetBlock::DoReadMetaData(const nvf::XmlElement& root) {
+    m_iSetID = root.getAttributeInt("SetID", -1);
+    m_sName = GetAttribute(root, "Name");
+    m_bItemsSpecifiedAsIDs = root.getAttributeBool("ItemsSpecifiedAsIDs", false);
+    m_iStoredNumItems = root.getAttributeInt("TotalNumItems", 0);
+    m_iItemType = kItemTypeElement;
+    return GetAttribute(root, "ItemType").ToLower() == "element" || FailType();
+}
+
+std::int64_t ZRFxSetBlock::CountItems() const {
+    std::int64_t count = 0;
+    for (const auto& pSetItems : m_apSetBlockItems) count += pSetItems->m_aiItems.GetSize();
+    return count;
+}
+
+bool ZRFxSetBlock::ReadItems(const nvf::XmlElement& element) {
+    auto pSetItems = std::make_unique<ZRFxSetBlockItems>();
+    pSetItems->m_iBlockID = element.getAttributeInt("BlockID", -1);
+    pSetItems->m_iBlockType = element.getAttributeInt("BlockType", kInvalidBlockType);
+    if (pSetItems->m_iBlockType != BLOCK_ELEMENTS) return FailType();
+    if (!ReadFile(element, "File", &pSetItems->m_aiItems)) {
+        return Log().fail("Error reading set data");
+    }
+    if (!CheckItems(*pSetItems)) return false;
+    m_apSetBlockItems.Add(std::move(pSetItems));
+    return true;
+}
+
+bool ZRFxSetBlock::CheckItems(const ZRFxSetBlockItems& items) const {
+    if (items.m_iBlockType != BLOCK_ELEMENTS) return FailType();
+    return m_bItemsSpecifiedAsIDs ||
+           CheckIndices(GetDocumentName(), "element index", items.m_aiItems);
+}
+
+bool ZRFxSetBlock::FailType() const {
+    return Log().fail("Only element sets are supported");
+}
+
+}  // namespace unstruct

@@ -1,0 +1,61 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "container/ZRFxCommitRecord.h"
+#include "container/ZRFxZipDirectory.h"
+#include "container/ZRFxZipStorage.h"
+
+namespace unstruct {
+
+/// Which committed state of an archive it is.
+struct ZRFxCommitPlace {
+    uint64_t nBase = 0;    ///< Where the ordinary archive ends; 0 when there is none.
+    uint64_t nRecord = 0;  ///< Offset of the last record that follows it; 0 when there is none.
+    uint64_t nEnd = 0;     ///< Where the state ends. What follows is torn, or being written.
+    ZRFxCommitRecord::Run run{};  ///< Of the records.
+};
+
+/// Finds and reads the last committed state of an archive: an ordinary archive and the commit
+/// records that build on it. Changes nothing. Time and memory are bounded by the storage's length.
+class ZRFxLastCommit {
+public:
+    explicit ZRFxLastCommit(ZRFxCodec* pCodec) : m_pCodec(pCodec) {}
+
+    bool Load(ZRFxZipStorage* pStorage) { return LoadSince(pStorage, nullptr); }
+    /// Reads only what was committed since a known state, where the last one builds on it; *pSince
+    /// says whether it does. False, with the cause in Error, when there is no archive.
+    bool LoadSince(ZRFxZipStorage* pStorage, const ZRFxCommitPlace* pKnown);
+    bool IsSince() const { return m_bSince; }
+
+    const ZRFxCommitPlace& Place() const { return m_place; }
+    /// Of the ordinary archive, and behind them those of the records; unless IsSince.
+    ZRFxZipDirectory directory;
+    /// In the order of their commits.
+    std::vector<ZRFxCommitRecord> aRecords;
+
+    const std::string& Error() const { return m_sError; }
+
+private:
+    bool Fail(const std::string& sCause) {
+        m_sError = sCause;
+        return false;
+    }
+    bool FindSince(ZRFxZipStorage* pStorage, const ZRFxCommitPlace* pKnown);
+    bool FindEnd(ZRFxZipStorage* pStorage, const ZRFxCommitPlace* pKnown);
+    bool FindBeforeEnd(ZRFxZipStorage* pStorage, const ZRFxCommitPlace* pKnown);
+    bool WalkToEnd(ZRFxZipStorage* pStorage, uint64_t nFrom);
+    bool SearchEnd(ZRFxZipStorage* pStorage);
+    bool TakeRecord(ZRFxZipStorage* pStorage, uint64_t nOffset);
+    bool IsRooted(ZRFxZipStorage* pStorage);
+    bool FollowChain(ZRFxZipStorage* pStorage, const ZRFxCommitPlace* pKnown);
+
+    ZRFxCodec* m_pCodec;
+    ZRFxCommitPlace m_place;
+    bool m_bSince = false;
+    std::string m_sError;
+};
+
+}  // namespace unstruct

@@ -1,0 +1,94 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "container/ZRFxEntryTable.h"
+#include "container/ZRFxLastCommit.h"
+#include "container/ZRFxZipMemFile.h"
+#include "container/ZRFxZipStorage.h"
+
+namespace unstruct {
+
+/// What refreshing an archive found: names of entries that were there and changed or went, with the
+/// number of bytes that they kept from before.
+struct ZRFxArchiveChanges {
+    bool bAny = false;
+    bool bReplaced = false;  ///< Another file bears the name, and everything may have changed.
+    std::map<std::string, uint64_t, std::less<>> kept;
+};
+
+/// The state of an archive while it is open; replaced as a whole when another one is opened.
+struct ZRFxOpenArchive {
+    /// A commit record whose tails are still to be put to the texts, one for each of its edits.
+    struct UnreadRecord {
+        ZRFxCommitRecord record;
+        std::vector<std::shared_ptr<ZRFxGrowingText>> apTexts;
+    };
+    struct Stream {
+        std::string sName;
+        int nLevel;
+        ZRFxZipMemFile data;
+    };
+
+    /// Takes the entries of a state that was found in the storage. False when a record does not fit
+    /// what it builds on.
+    bool Take(ZRFxLastCommit* pCommit);
+    /// Takes what records add, in their order.
+    bool TakeRecords(std::vector<ZRFxCommitRecord>* paRecords, ZRFxArchiveChanges* pChanges);
+
+    /// Adds an item in place of the one of its name; tells, when asked, whether there was one.
+    ZRFxArchiveItem* Add(std::unique_ptr<ZRFxArchiveItem> pItem, bool* pReplaced = nullptr);
+    void Remove(ZRFxArchiveItem* pItem);
+    /// Counts what the item takes in the file and in the directory, or no longer takes.
+    void Count(const ZRFxArchiveItem& item);
+    void Uncount(const ZRFxArchiveItem& item);
+    /// Whether the file ends as an ordinary archive of all that there is.
+    bool IsOrdinary() const {
+        return !bChanged && !bTorn && place.nBase != 0 && place.nRecord == 0;
+    }
+    /// Whether the last committed state knows the item.
+    bool IsListed(const ZRFxArchiveItem& item) const { return item.nSlot < nFirstNew; }
+    /// The text of an item, which has an entry from before or none.
+    ZRFxGrowingText* TextOf(ZRFxArchiveItem* pItem);
+    /// Notes that the item's text was changed from byte nKept on.
+    void BecomeText(ZRFxArchiveItem* pItem, uint64_t nKept);
+    /// Notes which entries of an earlier state are others now, or are gone.
+    void NoteChangesSince(const ZRFxOpenArchive& earlier, ZRFxArchiveChanges* pChanges) const;
+    /// Closes the gaps of the table.
+    void Compact();
+    /// Closes the archive. Allocates nothing.
+    void Clear();
+
+    std::unique_ptr<ZRFxZipStorage> pStorage;
+    ZRFxEntryTable table;
+    ZRFxCommitPlace place;
+    ZRFxCommitRecord::Run run{};  ///< Of the records that this writer appends.
+    std::string sComment;
+    std::vector<UnreadRecord> aUnread;
+    std::vector<std::shared_ptr<ZRFxGrowingText>> apTexts;
+    std::unique_ptr<Stream> pStream;
+
+    bool bReadOnly = false;
+    bool bTorn = false;                  ///< Something follows the last commit that is none.
+    bool bChanged = false;               ///< There is something to commit.
+    bool bCommitted = false;             ///< By this writer.
+    bool bOwnChain = false;              ///< The last record is of this run.
+    bool bFollowed = false;              ///< The walk is known to reach the end of the last commit.
+    size_t nFirstNew = 0;                ///< Slots from here on are not committed.
+    std::vector<std::string> asRemoved;  ///< Names that the last commit has; some may be back.
+    uint64_t nPendingBytes = 0;
+    uint64_t nLiveBytes = 0;       ///< Entries in the file.
+    uint64_t nDirectoryBytes = 0;  ///< Their directory records.
+    uint64_t nLeftBytes = 0;       ///< Directories and documents left behind by this writer.
+
+private:
+    bool TakeRecord(ZRFxCommitRecord* pRecord, ZRFxArchiveChanges* pChanges);
+    bool TakeEdits(ZRFxCommitRecord* pRecord, ZRFxArchiveChanges* pChanges);
+    void TakeEntries(std::vector<ZRFxZipEntry>* paEntries, ZRFxArchiveChanges* pChanges);
+};
+
+}  // namespace unstruct

@@ -1,0 +1,579 @@
+#include "container/ZRFxZipArchive.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cstring>
+#include <exception>
+#include <new>
+#include <utility>
+
+#include "container/ZRFxAppendFile.h"
+#include "container/ZRFxArchiveCommit.h"
+#include "container/ZRFxOldJournal.h"
+
+namespace unstruct {
+namespace {
+
+using Place = ZRFxArchiveItem::Place;
+
+// Documents are replaced more often than data, these with nearly every commit.
+enum DocumentKind { kNoDocument, kDocument, kOfEveryCommit };
+
+DocumentKind KindOf(const std::string& sName) {
+    if (sName == "ZRF.xml" || sName.ends_with("-TOC.xml")) return kOfEveryCommit;
+    return sName.ends_with(".xml") ? kDocument : kNoDocument;
+}
+
+uint64_t NewRevision() {
+    static std::atomic<uint64_t> nLast{0};
+    return ++nLast;
+}
+
+// How many bytes two texts begin with alike.
+uint64_t CommonLength(std::string_view s, std::string_view t) {
+    const auto differing = std::mismatch(s.begin(), s.end(), t.begin(), t.end());
+    return static_cast<uint64_t>(differing.first - s.begin());
+}
+
+}  // namespace
+
+ZRFxZipArchive::ZRFxZipArchive() : m_pOpen(std::make_unique<ZRFxOpenArchive>()) {}
+
+ZRFxZipArchive::~ZRFxZipArchive() = default;
+
+bool ZRFxZipArchive::Open(const std::string& sPath, ZRFxOpenMode eMode) {
+    return Guarded({}, [&] {
+        if (IsOpen()) return Fail({}, "another archive is open");
+        m_sArchive = sPath;
+        std::unique_ptr<ZRFxOpenArchive> pOpen;
+        return OpenFile(sPath, eMode, &pOpen) && Take(std::move(pOpen));
+    });
+}
+
+bool ZRFxZipArchive::Open(ZRFxZipMemFile* pFile, ZRFxOpenMode eMode) {
+    return Guarded({}, [&] {
+        if (IsOpen()) return Fail({}, "another archive is open");
+        m_sArchive = "archive in memory";
+        m_sPath.clear();
+        std::unique_ptr<ZRFxOpenArchive> pOpen;
+        return OpenStorage(std::make_unique<ZRFxMemStorage>(pFile, eMode == ZRFxOpenMode::kCreate),
+                           eMode, &pOpen) &&
+               Take(std::move(pOpen));
+    });
+}
+
+bool ZRFxZipArchive::HasUncommitted() const {
+    return IsOpen() && !IsReadOnly() && (m_pOpen->bChanged || m_pOpen->pStream);
+}
+
+uint64_t ZRFxZipArchive::Length() const {
+    return IsOpen() ? m_pOpen->pStorage->Position() + m_pOpen->nPendingBytes : 0;
+}
+
+bool ZRFxZipArchive::Commit() {
+    return Guarded({}, [&] {
+        if (!CheckWritable({})) return false;
+        return !m_pOpen->bChanged || CommitNow(false);
+    });
+}
+
+bool ZRFxZipArchive::Close() {
+    return Guarded({}, [&] {
+        if (!IsOpen()) return Fail({}, "the archive is not open");
+        if (m_pOpen->pStream && !CloseEntry()) return false;
+        // A state that ends with a record, or with what a killed writer left, is put in order.
+        const bool bCommits = m_pOpen->bCommitted || !m_pOpen->IsOrdinary();
+        if (!IsReadOnly() && bCommits && !CommitNow(true)) return false;
+        Reset();
+        return true;
+    });
+}
+
+bool ZRFxZipArchive::CloseAs(const std::string& sPath) {
+    return Guarded({}, [&] {
+        if (!CheckWritable({})) return false;
+        if (m_pOpen->pStream && !CloseEntry()) return false;
+        auto pFile = std::make_unique<ZRFxAppendFile>();
+        if (!pFile->Open(sPath, ZRFxOpenMode::kCreate)) {
+            return Fail({}, "'" + sPath + "': " + pFile->Error());
+        }
+        if (!pFile->IsNew()) return Fail({}, "'" + sPath + "' exists");
+        ZRFxArchiveCommit commit(m_pOpen.get(), &m_packer, &m_reader, &m_codec, &m_cipher);
+        if (!LoadTexts()) return false;
+        const bool bWritten = Guarded({}, [&] { return commit.WriteAnew(std::move(pFile)); });
+        // It may be the new file from here on, only not yet confirmed.
+        m_reader.Open(m_pOpen->pStorage.get(), m_pOpen->place.nBase);
+        if (!bWritten) return Fail({}, "'" + sPath + "': " + commit.Error());
+        Reset();
+        return true;
+    });
+}
+
+void ZRFxZipArchive::Abandon() {
+    Reset();
+}
+
+bool ZRFxZipArchive::Refresh(ZRFxArchiveChanges* pChanges) {
+    return Guarded({}, [&] {
+        *pChanges = ZRFxArchiveChanges();
+        if (!IsOpen()) return Fail({}, "the archive is not open");
+        if (!IsReadOnly()) return Fail({}, "the archive is open for writing");
+        ZRFxZipStorage& storage = *m_pOpen->pStorage;
+        if (!storage.Extend()) return Reopen(pChanges);
+        const bool bRefreshed = Guarded({}, [&] {
+            ZRFxLastCommit last(&m_codec);
+            return (last.LoadSince(&storage, &m_pOpen->place) || Fail({}, last.Error())) &&
+                   RefreshFrom(&last, pChanges);
+        });
+        m_pOpen->pStorage->CutTo(m_pOpen->place.nEnd);
+        m_reader.Open(m_pOpen->pStorage.get(), m_pOpen->place.nBase);
+        return bRefreshed;
+    });
+}
+
+bool ZRFxZipArchive::SetPassword(std::string_view sPassword) {
+    return Guarded({}, [&] {
+        if (!IsOpen()) return Fail({}, "the archive is not open");
+        m_cipher.SetPassword(sPassword);
+        return true;
+    });
+}
+
+size_t ZRFxZipArchive::EntryCount() {
+    m_pOpen->Compact();
+    return m_pOpen->table.SlotCount();
+}
+
+ZRFxZipArchive::EntryInfo ZRFxZipArchive::EntryAt(size_t nIndex) {
+    m_pOpen->Compact();
+    EntryInfo info;
+    if (nIndex < m_pOpen->table.SlotCount()) {
+        Guarded({}, [&] { return Describe(*m_pOpen->table.At(nIndex), &info); });
+    }
+    return info;
+}
+
+int64_t ZRFxZipArchive::IndexOf(std::string_view sName) const {
+    const Item* pItem = FindItem(sName);
+    return pItem ? static_cast<int64_t>(pItem->nSlot) : -1;
+}
+
+bool ZRFxZipArchive::Find(std::string_view sName, EntryInfo* pInfo) {
+    const Item* pItem = FindItem(sName);
+    return pItem && Guarded(sName, [&] { return Describe(*pItem, pInfo); });
+}
+
+bool ZRFxZipArchive::Add(std::string_view sName, const void* pData, uint64_t nSize, int nLevel) {
+    return Guarded(sName, [&] {
+        ItemPtr pItem;
+        if (!CheckWritable(sName) || !CheckNewName(sName)) return false;
+        if (!MakeItem(sName, pData, nSize, nLevel, &pItem)) return false;
+        m_pOpen->Add(std::move(pItem));
+        return true;
+    });
+}
+
+bool ZRFxZipArchive::Replace(std::string_view sName, const void* pData, uint64_t nSize,
+                             int nLevel) {
+    return Guarded(sName, [&] {
+        ItemPtr pItem;
+        if (!CheckWritable(sName) || !CheckName(sName)) return false;
+        if (!MakeItem(sName, pData, nSize, nLevel, &pItem)) return false;
+        m_pOpen->Add(std::move(pItem));
+        return true;
+    });
+}
+
+bool ZRFxZipArchive::Grow(std::string_view sName, uint64_t nKept, std::string_view sTail,
+                          int nLevel, uint64_t* pRevision) {
+    return Guarded(sName, [&] {
+        if (!CheckWritable(sName) || !CheckName(sName) || !LoadTexts()) return false;
+        Item* pItem = FindItem(sName);
+        if (!pItem && nKept > 0) return Fail(sName, "no such entry");
+        if (pItem && nKept > 0 && !LoadForGrowth(pItem)) return false;
+        if (!pItem) pItem = AddDocument(sName, sTail.size());
+        ZRFxGrowingText& text = *m_pOpen->TextOf(pItem);
+        if (nKept > text.sText.size()) return Fail(sName, "the document is shorter");
+        text.sText.reserve(static_cast<size_t>(nKept) + sTail.size());
+        text.sText.resize(static_cast<size_t>(nKept));
+        text.sText.append(sTail);
+        text.sError.clear();
+        text.nLevel = nLevel;
+        text.nRevision = NewRevision();
+        m_pOpen->BecomeText(pItem, nKept);
+        *pRevision = pItem->pText->nRevision;
+        return true;
+    });
+}
+
+uint64_t ZRFxZipArchive::RevisionOf(std::string_view sName) const {
+    const Item* pItem = FindItem(sName);
+    return pItem && pItem->pText ? pItem->pText->nRevision : 0;
+}
+
+bool ZRFxZipArchive::Remove(std::string_view sName) {
+    return Guarded(sName, [&] {
+        if (!CheckWritable(sName)) return false;
+        Item* pItem = FindItem(sName);
+        if (!pItem) return Fail(sName, "no such entry");
+        m_pOpen->Remove(pItem);
+        return true;
+    });
+}
+
+bool ZRFxZipArchive::Read(std::string_view sName, ZRFxZipRawData* pRaw) {
+    pRaw->Clear();
+    const bool bRead = Guarded(sName, [&] {
+        if (!IsOpen()) return Fail(sName, "the archive is not open");
+        const Item* pItem = FindItem(sName);
+        if (!pItem) return Fail(sName, "no such entry");
+        return ReadItem(*pItem, pRaw);
+    });
+    if (!bRead) pRaw->Clear();
+    return bRead;
+}
+
+bool ZRFxZipArchive::ReadTail(std::string_view sName, uint64_t nFrom, std::string* pTail) {
+    return Guarded(sName, [&] {
+        Item* pItem = FindItem(sName);
+        if (!pItem) return Fail(sName, "no such entry");
+        if (pItem->ePlace == Place::kInRecords) {
+            if (!LoadTexts()) return false;
+            const ZRFxGrowingText& text = *pItem->pText;
+            if (!text.sError.empty()) return Fail(sName, text.sError);
+            pTail->assign(text.sText, std::min<uint64_t>(nFrom, text.sText.size()));
+            return true;
+        }
+        ZRFxZipRawData raw;
+        if (!ReadItem(*pItem, &raw)) return false;
+        const uint64_t nStart = std::min<uint64_t>(nFrom, raw.Length());
+        pTail->assign(raw.Buffer() + nStart, raw.Buffer() + raw.Length());
+        return true;
+    });
+}
+
+bool ZRFxZipArchive::OpenEntry(std::string_view sName, int nLevel) {
+    return Guarded(sName, [&] {
+        if (!CheckWritable(sName)) return false;
+        if (m_pOpen->pStream) return Fail(sName, "another entry is being written");
+        if (!CheckNewName(sName)) return false;
+        m_pOpen->pStream.reset(
+            new ZRFxOpenArchive::Stream{std::string(sName), nLevel, ZRFxZipMemFile(4096)});
+        return true;
+    });
+}
+
+bool ZRFxZipArchive::WriteEntry(const void* pData, size_t nSize) {
+    return Guarded({}, [&] {
+        if (!m_pOpen->pStream) return Fail({}, "no entry is being written");
+        ZRFxOpenArchive::Stream& stream = *m_pOpen->pStream;
+        const bool bFits = nSize <= ZRFxZipRawData::kMaxLength - stream.data.Length();
+        if (bFits && stream.data.Append(pData, nSize)) return true;
+        const std::string sName = stream.sName;
+        m_pOpen->pStream.reset();
+        return Fail(sName, bFits ? "out of memory" : "the entry is larger than 4 GiB");
+    });
+}
+
+bool ZRFxZipArchive::CloseEntry() {
+    return Guarded({}, [&] {
+        if (!m_pOpen->pStream) return Fail({}, "no entry is being written");
+        const auto pStream = std::move(m_pOpen->pStream);
+        return Add(pStream->sName, pStream->data.Data(), pStream->data.Length(), pStream->nLevel);
+    });
+}
+
+bool ZRFxZipArchive::Probe(const std::string& sPath, std::string_view sName) {
+    ZRFxZipArchive archive;
+    return archive.Open(sPath, ZRFxOpenMode::kReadOnly) && archive.Contains(sName);
+}
+
+// Runs the operation and turns what the standard library throws into a failure.
+template <typename Operation>
+bool ZRFxZipArchive::Guarded(std::string_view sName, Operation operation) noexcept {
+    try {
+        try {
+            return operation();
+        } catch (const std::bad_alloc&) {
+            return Fail(sName, "out of memory");
+        } catch (const std::exception& exception) {
+            return Fail(sName, exception.what());
+        }
+    } catch (...) {
+        m_sError = "out of memory";  // Short enough not to need any.
+        return false;
+    }
+}
+
+bool ZRFxZipArchive::Fail(std::string_view sName, std::string_view sCause) {
+    // The cause may be the message that is replaced.
+    std::string sError = "'" + m_sArchive + "'";
+    if (!sName.empty()) sError.append(", entry '").append(sName).append("'");
+    sError.append(": ").append(sCause).append(".");
+    m_sError.swap(sError);
+    return false;
+}
+
+bool ZRFxZipArchive::OpenFile(const std::string& sPath, ZRFxOpenMode eMode,
+                              std::unique_ptr<ZRFxOpenArchive>* ppOpen) {
+    auto pFile = std::make_unique<ZRFxAppendFile>();
+    if (!pFile->Open(sPath, eMode)) return Fail({}, pFile->Error());
+    m_sPath = pFile->Path();
+    std::unique_ptr<ZRFxZipStorage> pStorage;
+    ZRFxOldJournal journal(&m_codec);
+    if (!journal.Settle(std::move(pFile), eMode, &pStorage)) return Fail({}, journal.Error());
+    return OpenStorage(std::move(pStorage), eMode, ppOpen);
+}
+
+bool ZRFxZipArchive::OpenStorage(std::unique_ptr<ZRFxZipStorage> pStorage, ZRFxOpenMode eMode,
+                                 std::unique_ptr<ZRFxOpenArchive>* ppOpen) {
+    auto pOpen = std::make_unique<ZRFxOpenArchive>();
+    ZRFxLastCommit last(&m_codec);
+    if (!last.Load(pStorage.get())) return Fail({}, last.Error());
+    pOpen->bTorn = last.Place().nEnd < pStorage->Size();
+    if (!pOpen->Take(&last)) return Fail({}, "damaged commit record");
+    if (eMode == ZRFxOpenMode::kUpdate && pOpen->table.HasOverlaps()) {
+        return Fail({}, "entries overlap, the archive cannot be changed");
+    }
+    pStorage->CutTo(pOpen->place.nEnd);
+    pOpen->pStorage = std::move(pStorage);
+    pOpen->bReadOnly = eMode == ZRFxOpenMode::kReadOnly;
+    pOpen->bChanged = eMode == ZRFxOpenMode::kCreate;
+    if (!pOpen->bReadOnly) pOpen->run = ZRFxCommitRecord::NewRun();
+    *ppOpen = std::move(pOpen);
+    return true;
+}
+
+bool ZRFxZipArchive::Take(std::unique_ptr<ZRFxOpenArchive> pOpen) {
+    m_pOpen = std::move(pOpen);
+    m_reader.Open(m_pOpen->pStorage.get(), m_pOpen->place.nBase);
+    return true;
+}
+
+void ZRFxZipArchive::Reset() {
+    m_reader.Close();
+    m_packer.Clear();
+    m_cipher.SetPassword({});
+    m_pOpen->Clear();
+}
+
+bool ZRFxZipArchive::CheckWritable(std::string_view sName) {
+    if (!IsOpen()) return Fail(sName, "the archive is not open");
+    return !IsReadOnly() || Fail(sName, "the archive is open for reading only");
+}
+
+bool ZRFxZipArchive::CheckName(std::string_view sName) {
+    if (sName.empty()) return Fail(sName, "the entry has no name");
+    return sName.size() <= 0xFFFF || Fail({}, "the name of the entry is too long");
+}
+
+bool ZRFxZipArchive::CheckNewName(std::string_view sName) {
+    return CheckName(sName) && (!Contains(sName) || Fail(sName, "the entry exists"));
+}
+
+bool ZRFxZipArchive::Describe(const Item& item, EntryInfo* pInfo) const {
+    const ZRFxZipEntry& entry = item.entry;
+    pInfo->sName = entry.sName;
+    pInfo->nSize = entry.nSize;
+    const uint64_t nOverhead = entry.eEncryption == ZRFxZipEntry::Encryption::kAes
+                                   ? ZRFxCipher::Overhead(entry.eStrength)
+                                   : 0;
+    pInfo->nPackedSize = entry.nPackedSize - std::min(entry.nPackedSize, nOverhead);
+    pInfo->nMethod = entry.nMethod;
+    pInfo->bEncrypted = entry.eEncryption != ZRFxZipEntry::Encryption::kNone;
+    // What a text takes in commit records is not known apart from what else they hold.
+    if (item.ePlace == Place::kInRecords) pInfo->nSize = pInfo->nPackedSize = item.pText->nLength;
+    return true;
+}
+
+// Packs the entry and puts it where it waits for the commit.
+bool ZRFxZipArchive::MakeItem(std::string_view sName, const void* pData, uint64_t nSize, int nLevel,
+                              ItemPtr* ppItem) {
+    if (nSize > m_packer.MaxLength()) return Fail(sName, "the entry is larger than 4 GiB");
+    auto pItem = std::make_unique<Item>();
+    pItem->entry.sName = sName;
+    pItem->nTime = std::time(nullptr);
+    const uint8_t* pPacked = nullptr;
+    if (nSize > 0 &&
+        !m_packer.Pack(pData, static_cast<size_t>(nSize), nLevel, &pItem->entry, &pPacked)) {
+        return Fail(sName, m_packer.Error());
+    }
+    const bool bPlaced = GoesToFile(pItem->entry) ? WriteNow(pItem.get(), pPacked)
+                                                  : KeepPending(pItem.get(), pPacked);
+    if (!bPlaced) return false;
+    m_pOpen->bChanged = true;
+    *ppItem = std::move(pItem);
+    return true;
+}
+
+bool ZRFxZipArchive::GoesToFile(const ZRFxZipEntry& entry) const {
+    const DocumentKind eKind = KindOf(entry.sName);
+    if (eKind != kDocument) return eKind == kNoDocument;
+    return m_pOpen->nPendingBytes + entry.nPackedSize > m_nPendingLimit;
+}
+
+bool ZRFxZipArchive::KeepPending(Item* pItem, const uint8_t* pPacked) {
+    const size_t nPacked = static_cast<size_t>(pItem->entry.nPackedSize);
+    if (!pItem->packed.Allocate(nPacked)) return Fail(pItem->entry.sName, "out of memory");
+    if (nPacked > 0) std::memcpy(pItem->packed.Buffer(), pPacked, nPacked);
+    pItem->ePlace = Place::kPending;
+    return true;
+}
+
+bool ZRFxZipArchive::WriteNow(Item* pItem, const uint8_t* pPacked) {
+    ZRFxZipEntry& entry = pItem->entry;
+    entry.nOffset = m_pOpen->pStorage->Position();
+    entry.sRecord = ZRFxZipDirectory::CentralRecord(entry, pItem->nTime);
+    return m_packer.Write(entry, pItem->nTime, pPacked, m_pOpen->pStorage.get()) ||
+           Fail(entry.sName, m_packer.Error());
+}
+
+// A document that is an entry so far is read.
+bool ZRFxZipArchive::LoadForGrowth(Item* pItem) {
+    if (pItem->pText && pItem->pText->bLoaded) {
+        return pItem->pText->sError.empty() || Fail(pItem->entry.sName, pItem->pText->sError);
+    }
+    ZRFxZipRawData raw;
+    if (!ReadItem(*pItem, &raw)) return false;
+    std::string sText(raw.Buffer(), raw.Buffer() + raw.Length());
+    ZRFxGrowingText& text = *m_pOpen->TextOf(pItem);
+    text.sText.swap(sText);
+    text.bLoaded = true;
+    return true;
+}
+
+// With room for its first text, so that it is not left without one.
+ZRFxArchiveItem* ZRFxZipArchive::AddDocument(std::string_view sName, size_t nLength) {
+    auto pText = std::make_shared<ZRFxGrowingText>();
+    pText->sName = sName;
+    pText->sText.reserve(nLength);
+    auto pNew = std::make_unique<Item>();
+    pNew->entry.sName = sName;
+    pNew->ePlace = Place::kInRecords;
+    pNew->pText = pText;
+    m_pOpen->table.MakeRoom();
+    m_pOpen->apTexts.push_back(std::move(pText));
+    return m_pOpen->Add(std::move(pNew));
+}
+
+// Puts what records have appended to the texts, all of them at once. A record whose tails are put
+// names no texts any more.
+bool ZRFxZipArchive::LoadTexts() {
+    for (ZRFxOpenArchive::UnreadRecord& unread : m_pOpen->aUnread) {
+        if (!unread.apTexts.empty() && !LoadTails(&unread)) return false;
+    }
+    m_pOpen->aUnread.clear();
+    return true;
+}
+
+// Puts the tails of a record to all of its texts or, where memory runs out, to none.
+bool ZRFxZipArchive::LoadTails(ZRFxOpenArchive::UnreadRecord* pUnread) {
+    auto& [record, apTexts] = *pUnread;
+    std::string sTails;
+    if (!record.GetTails(&m_codec, &m_cipher, &sTails)) return Fail({}, record.Error());
+    for (size_t i = 0; i < apTexts.size(); ++i) Prepare(record.aEdits[i], apTexts[i].get());
+    uint64_t nAt = 0;
+    for (size_t i = 0; i < apTexts.size(); ++i) {
+        const ZRFxCommitRecord::Edit& edit = record.aEdits[i];
+        Apply(edit, std::string_view(sTails).substr(static_cast<size_t>(nAt)), apTexts[i].get());
+        nAt += edit.nTail;
+    }
+    apTexts.clear();
+    return true;
+}
+
+// Takes all the memory that the edit needs. A text that cannot be had stays so until an edit begins
+// it anew; what its entry declares is not believed.
+void ZRFxZipArchive::Prepare(const ZRFxCommitRecord::Edit& edit, ZRFxGrowingText* pText) {
+    if (pText->bDropped) return;
+    if (edit.nKept > 0 && !pText->bLoaded && !LoadText(pText)) pText->sError = m_reader.Error();
+    pText->bLoaded = true;
+    if (edit.nKept > 0 && !pText->sError.empty()) return;
+    if (edit.nKept > pText->sText.size()) {
+        pText->sError = "damaged commit record";
+        return;
+    }
+    pText->sText.reserve(static_cast<size_t>(edit.nKept + edit.nTail));
+}
+
+// sTails begins with what the edit adds. Allocates nothing.
+void ZRFxZipArchive::Apply(const ZRFxCommitRecord::Edit& edit, std::string_view sTails,
+                           ZRFxGrowingText* pText) {
+    if (edit.nKept == 0) pText->sError.clear();
+    if (pText->bDropped || !pText->sError.empty()) return;
+    pText->sText.resize(static_cast<size_t>(edit.nKept));
+    pText->sText.append(sTails.substr(0, static_cast<size_t>(edit.nTail)));
+}
+
+// The entry that a text has outgrown.
+bool ZRFxZipArchive::LoadText(ZRFxGrowingText* pText) {
+    const Item* pItem = FindItem(pText->sName);
+    ZRFxZipRawData raw;
+    if (!pItem || !pItem->HasEntry() || !m_reader.Read(*pItem, &raw)) return false;
+    pText->sText.assign(raw.Buffer(), raw.Buffer() + raw.Length());
+    return true;
+}
+
+bool ZRFxZipArchive::ReadItem(const Item& item, ZRFxZipRawData* pRaw) {
+    const std::string& sName = item.entry.sName;
+    if (item.ePlace != Place::kInRecords) {
+        return m_reader.Read(item, pRaw) || Fail(sName, m_reader.Error());
+    }
+    if (!LoadTexts()) return Fail(sName, m_sError);
+    const ZRFxGrowingText& text = *item.pText;
+    if (!text.sError.empty()) return Fail(sName, text.sError);
+    if (!pRaw->Allocate(text.sText.size())) return Fail(sName, "out of memory");
+    if (!text.sText.empty()) std::memcpy(pRaw->Buffer(), text.sText.data(), text.sText.size());
+    return true;
+}
+
+bool ZRFxZipArchive::CommitNow(bool bClosing) {
+    if (!LoadTexts()) return false;
+    ZRFxArchiveCommit commit(m_pOpen.get(), &m_packer, &m_reader, &m_codec, &m_cipher);
+    const bool bCommitted =
+        Guarded({}, [&] { return commit.Run(bClosing) || Fail({}, commit.Error()); });
+    m_reader.Open(m_pOpen->pStorage.get(), m_pOpen->place.nBase);
+    return bCommitted;
+}
+
+bool ZRFxZipArchive::RefreshFrom(ZRFxLastCommit* pCommit, ZRFxArchiveChanges* pChanges) {
+    ZRFxOpenArchive& open = *m_pOpen;
+    const ZRFxCommitPlace place = pCommit->Place();
+    pChanges->bAny = place.nEnd != open.place.nEnd;
+    if (pCommit->IsSince()) {
+        if (!open.TakeRecords(&pCommit->aRecords, pChanges)) {
+            return Fail({}, "damaged commit record");
+        }
+        open.place = place;
+        return true;
+    }
+    auto pNew = std::make_unique<ZRFxOpenArchive>();
+    if (!pNew->Take(pCommit)) return Fail({}, "damaged commit record");
+    pNew->bReadOnly = true;
+    pNew->NoteChangesSince(open, pChanges);
+    pNew->pStorage = std::move(open.pStorage);
+    m_pOpen.swap(pNew);
+    // What follows the commit may be written anew, so nothing of it is read ahead.
+    m_pOpen->pStorage->CutTo(place.nEnd);
+    m_reader.Open(m_pOpen->pStorage.get(), place.nBase);
+    // A document that the new archive has as an entry may have grown.
+    for (auto& [sName, nKept] : pChanges->kept) {
+        const Item* pOld = pNew->table.Find(sName);
+        std::string sText;
+        if (!pOld->pText || !pOld->pText->bLoaded || !Contains(sName)) continue;
+        if (ReadTail(sName, 0, &sText)) nKept = CommonLength(pOld->pText->sText, sText);
+    }
+    return true;
+}
+
+bool ZRFxZipArchive::Reopen(ZRFxArchiveChanges* pChanges) {
+    if (m_sPath.empty()) return Fail({}, m_pOpen->pStorage->Error());
+    std::unique_ptr<ZRFxOpenArchive> pOpen;
+    if (!OpenFile(m_sPath, ZRFxOpenMode::kReadOnly, &pOpen)) return false;
+    // A new file that has no content yet: what was there is shown until there is.
+    if (pOpen->table.SlotCount() == 0) return true;
+    pChanges->bAny = pChanges->bReplaced = true;
+    return Take(std::move(pOpen));
+}
+
+}  // namespace unstruct
