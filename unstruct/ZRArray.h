@@ -14,9 +14,9 @@
 namespace unstruct {
 
 /// A growing array of plain values, the form in which bulk data moves between blocks and archive.
-/// It owns a heap buffer, which it can also adopt without copying, or refers to values that another
-/// owner keeps alive. New items are not set to zero. An operation that runs out of memory, or
-/// beyond what can be addressed, gives false and leaves the array as it was; making a copy throws
+/// It owns a heap buffer, possibly one that it adopted, or refers to values that another owner
+/// keeps alive. New items are not set to zero. An operation that needs more memory than there is,
+/// or than can be addressed, returns false and leaves the array as it was; making a copy throws
 /// std::bad_alloc. Used by one thread at a time.
 template <typename T>
 class ZRArray {
@@ -87,7 +87,7 @@ public:
     std::int64_t GetAllocatedSize() const { return m_nAllocated; }
     bool IsEmpty() const { return m_nSize == 0; }
 
-    /// The items, one behind the other; null when nothing was ever stored.
+    /// The items, contiguous; null when nothing was ever stored.
     const T* Data() const { return m_pData; }
 
     /// The items for changing, which a referring array copies first; null when that fails.

@@ -7,8 +7,8 @@
 
 namespace unstruct {
 
-/// Finds the index of an item by its id. Items are entered in their order; of several with one id
-/// the first is found.
+/// Finds the index of an item by its id. Items are entered in order; the first of several with one
+/// id is found.
 class ZRIDLookup {
 public:
     /// Enters the item that follows those entered so far.

@@ -14,8 +14,8 @@ namespace unstruct {
 template <typename T>
 class ZRPtrArray {
 public:
-    /// Takes the object over and gives it back as a plain pointer; null is an assertion and is not
-    /// added.
+    /// Takes ownership of the object and returns a plain pointer to it; null is an assertion and is
+    /// not added.
     T* Add(std::unique_ptr<T> object) {
         NVF_ASSERT(object);
         if (!object) return nullptr;
@@ -23,7 +23,7 @@ public:
         return m_objects.back().get();
     }
 
-    /// Lets the next Add do without memory.
+    /// Reserves room for the next Add, so that it cannot fail.
     void MakeRoom() { unstruct::MakeRoom(&m_objects); }
 
     std::int64_t GetSize() const { return static_cast<std::int64_t>(m_objects.size()); }
@@ -35,7 +35,7 @@ public:
                                                : nullptr;
     }
 
-    /// Removes a range, both ends included; what of it lies outside the list is left aside.
+    /// Removes a range, both ends included; the part of it outside the list is ignored.
     void RemoveRange(std::int64_t from, std::int64_t to) {
         from = from < 0 ? 0 : from;
         to = to < GetSize() ? to : GetSize() - 1;

@@ -28,14 +28,14 @@ public:
     const char* CStr() const { return m_bytes.c_str(); }
     operator nvf::String() const { return nvf::String(m_bytes); }
 
-    /// Copies with the letters A to Z in the other case.
+    /// Copies with the ASCII letters in lower or upper case.
     ZRString ToLower() const;
     ZRString ToUpper() const;
 
     /// The part of an entry name or path from its last dot on, dot included; empty without one.
     ZRString Extension() const;
 
-    /// The part behind the last slash or backslash.
+    /// The part after the last slash or backslash.
     ZRString FileName() const;
 
     bool StartsWith(std::string_view start) const { return m_bytes.starts_with(start); }

@@ -9,8 +9,8 @@
 
 namespace nuo {
 
-/// The one bridge between the strings of the public interface and those of the framework. Throws
-/// std::bad_alloc when there is no memory, or was none when a lost text was made.
+/// Converts between the strings of the public interface and those of the framework; nothing else
+/// does. Throws std::bad_alloc when there is no memory, and for a lost text.
 class Convert {
 public:
     static nvf::String toNvfString(const Str& text) { return nvf::String(kept(text)); }

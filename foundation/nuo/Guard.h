@@ -6,13 +6,13 @@
 
 namespace nuo {
 
-/// Reports the exception that is being handled, once and without throwing; that of a failed
-/// assertion, which the host has asked for, is thrown on.
+/// Reports the exception that is being handled, once, and throws nothing; only the exception of a
+/// failed assertion, which the host has asked for, is rethrown.
 void reportCaught(const nvf::SourceLocation& where);
 
-/// The border of the public interface, which nothing is thrown across: runs what an operation does
-/// and gives its result. When memory runs out, or anything else is thrown, that is logged at the
-/// caller's place and the result is `failed`; without one it is nothing, zero, null or empty.
+/// The border of the public interface, which no exception crosses: runs an operation and returns
+/// its result. When memory runs out, or anything else is thrown, that is logged at the caller's
+/// place and the result is `failed`, or by default a value-initialized one.
 template <typename Operation>
 std::invoke_result_t<Operation> guarded(
     std::invoke_result_t<Operation> failed, Operation operation,

@@ -8,7 +8,7 @@
 namespace nuo {
 
 /// Copies property sets between the public interface and the framework, value by value. Throws
-/// std::bad_alloc when there is no memory, or was none when a set was filled.
+/// std::bad_alloc when there is no memory, and for a set or value that was lost for lack of it.
 class PropertyConvert {
 public:
     static PtrRef<PropertySet> toPropertySet(const nvf::PropertySet& source);

@@ -10,14 +10,14 @@ namespace nvf {
 /// What a failed assertion does once it has been logged.
 enum class AssertReportMode : int { CONTINUE = 0, CONSOLE = 1, DIALOG = 2, EXCEPTION = 3 };
 
-/// Thrown by a failed assertion in exception mode, with a text that tells the place.
+/// Thrown by a failed assertion in exception mode; its text names the place.
 class AssertException : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
 
-/// Selects the behaviour of failed assertions, for the whole process; at first they let the code go
-/// on, so that nothing ends a host that has not chosen.
+/// Selects what failed assertions do, for the whole process. The default is to go on, so that no
+/// host is ended that has not asked for it.
 void setReportMode(AssertReportMode mode);
 
 /// Logs a failed assertion and acts by the report mode. `expression` and `message` may be null.

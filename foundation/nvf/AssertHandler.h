@@ -4,7 +4,7 @@
 
 namespace nvf {
 
-/// Acts on a failed assertion in the modes that stop the program: one class a mode.
+/// Acts on a failed assertion in the modes that stop the program: one class for each mode.
 class AssertHandler {
 public:
     virtual ~AssertHandler() = default;
@@ -21,8 +21,8 @@ public:
                 const char* message) override;
 };
 
-/// Asks in a message box what to do. A platform without one passes no function and gets what the
-/// console handler does.
+/// Asks in a message box what to do. A platform without one passes no function; the handler then
+/// does what the console handler does.
 class AssertHandlerWinDialog : public AssertHandler {
 public:
     enum class Button { ABORT, RETRY, IGNORE };

@@ -6,7 +6,7 @@ namespace nvf {
 namespace {
 
 // "bool nuo::zrfx::File::open(const nuo::Str&)" gives "nuo::zrfx::File::open", as does a lambda in
-// it. The compiler's notes in brackets behind a template's signature, and all template arguments,
+// it. The compiler's notes in brackets after a template's signature, and all template arguments,
 // are left out.
 std::string qualifiedName(std::string_view signature) {
     signature = signature.substr(0, signature.find(" [with "));

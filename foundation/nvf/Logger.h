@@ -12,7 +12,7 @@
 
 namespace nvf {
 
-/// The text of a message, with placeholders, and the place that it stands at.
+/// The text of a message, with placeholders, and its place in the source.
 struct LocatedText {
     LocatedText(const char* message, SourceLocation place = SourceLocation::current())
         : text(message), where(place) {}
@@ -22,8 +22,8 @@ struct LocatedText {
 };
 
 /// Emits messages under one name when their level is not above its own. Owned by the LogManager and
-/// shared; every operation may be called from any thread, and none throws: a message that there is
-/// no memory to compose, or that its destination throws at, goes to the standard error stream as
+/// shared; every operation may be called from any thread, and none throws: a message that cannot be
+/// composed for lack of memory, or whose destination throws, goes to the standard error stream as
 /// far as it is known.
 class Logger : public Object {
 public:
@@ -34,7 +34,7 @@ public:
     void setLevel(LogLevel level) { m_level.store(level, std::memory_order_relaxed); }
     ref<LogDestination> destination() const;
 
-    /// Gives the logger a destination and returns the one that it had.
+    /// Replaces the destination; returns the previous one.
     ref<LogDestination> setDestination(ref<LogDestination> destination);
 
     /// Whether a message of the level would be emitted; ask before composing one.
@@ -66,10 +66,10 @@ public:
         emitLocated(nuo::LL_INFO, message, values...);
     }
 
-    /// Whether the calling thread is within a destination, which cannot take another message.
+    /// Whether the calling thread is inside a destination, which cannot take another message.
     static bool isEmitting();
 
-    /// Writes a line to the standard error stream, without any memory.
+    /// Writes a line to the standard error stream. Allocates nothing.
     static void writeLine(const char* text);
 
 private:

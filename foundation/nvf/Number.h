@@ -9,9 +9,10 @@ namespace nvf {
 /// with `precision` digits, whatever the locale of the process. A negative precision means 6.
 std::string textOfNumber(double value, char format, int precision);
 
-/// Reads a whole text as a number, blanks around it left aside, whatever the locale. False when it
-/// is not one, or is beyond the type. The largest double rounded up to 15 digits or more counts as
-/// that double, so that it survives being written; a floating-point value too small becomes zero.
+/// Reads a whole text as a number, ignoring blanks around it, whatever the locale. False when it is
+/// no number, or out of the type's range. The largest double rounded up to 15 digits or more counts
+/// as that double, so that it survives being written; a floating-point value too small becomes
+/// zero.
 template <typename T>
 bool parseNumber(std::string_view text, T& value);
 

@@ -16,7 +16,7 @@ std::vector<Variant> PropertySet::allValues() const {
     return values;
 }
 
-// Keys mostly come in order: the place behind the last one is tried first.
+// Keys mostly come in order: the place after the last one is tried first.
 void PropertySet::setValue(String key, Variant value) {
     m_values.insert_or_assign(m_values.end(), std::move(key), std::move(value));
 }

@@ -10,7 +10,7 @@ namespace nvf {
 /// a float 6.
 class PropertyXmlSerializer {
 public:
-    /// Arrays within arrays are read down to this depth; what lies deeper is left out.
+    /// Nested arrays are read down to this depth; deeper ones are left out.
     static constexpr int kDeepestArray = 100;
 
     /// Whether arrays nest deeper than that, so that they could not be read back.

@@ -10,8 +10,8 @@
 
 namespace nvf {
 
-/// A place in the source, as std::source_location tells it. Compilers that do not have it, clang
-/// before 15 among them, tell the function without its signature.
+/// A place in the source, from std::source_location. Compilers without it, such as clang before 15,
+/// give the function's name but not its signature.
 #if defined(__cpp_lib_source_location)
 using SourceLocation = std::source_location;
 #else

@@ -38,8 +38,8 @@ public:
     const std::wstring& text() const { return m_text; }
     std::string toUtf8() const;
 
-    /// The text as a number; 0 when it is not one, which `ok`, when given, then tells. Blanks
-    /// around the number are left aside.
+    /// The text as a number, ignoring blanks around it; 0 when it is none, and `*ok`, unless null,
+    /// says which.
     int toInt(bool* ok = nullptr) const;
     uint toUInt(bool* ok = nullptr) const;
     double toDouble(bool* ok = nullptr) const;

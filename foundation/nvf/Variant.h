@@ -35,7 +35,7 @@ public:
     Type type() const { return m_type; }
     bool isValid() const { return m_type != INVALID; }
 
-    /// The value, for the type that it has. Another type is an assertion and gives zero, false or
+    /// The value. Asking for a type that it does not have is an assertion and gives zero, false or
     /// an empty value.
     int getInt() const;
     uint getUInt() const;

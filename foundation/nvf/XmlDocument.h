@@ -16,8 +16,8 @@ namespace nvf {
 /// not expanded, so that no document grows while it is parsed, and parsing does not recurse.
 class XmlDocument : public Object {
 public:
-    /// Documents that nest elements deeper are refused: to write or remove such a tree again would
-    /// run away.
+    /// Documents that nest elements deeper are refused: writing or freeing such a tree recurses,
+    /// and would exhaust the stack.
     static constexpr int kDeepestElement = 1000;
 
     XmlDocument();
@@ -26,9 +26,9 @@ public:
     /// Empties the document and gives it a root element with that default namespace.
     XmlElement createRootElement(const char* name, const char* namespaceUri);
 
-    /// Replaces the document by the parsed text, UTF-8 unless it says otherwise. A text that is not
-    /// well formed or nests too deeply leaves the document empty, tells why in `error`, when given,
-    /// and gives false.
+    /// Replaces the document by the parsed text, UTF-8 unless it says otherwise. When the text is
+    /// not well formed or nests too deeply, leaves the document empty, says why in `*error`, unless
+    /// null, and returns false.
     bool parse(std::string_view text, String* error = nullptr);
 
     /// Whether memory ran out while the document was built or changed. Something is missing from
@@ -39,9 +39,9 @@ public:
     /// memory or the other is incomplete.
     bool copyFrom(const XmlDocument& other);
 
-    /// The document as indented UTF-8 text with a declaration; empty when it is incomplete. In the
-    /// place of characters that XML cannot hold, control characters among them, stands U+FFFD,
-    /// which `isReplaced`, when given, tells.
+    /// The document as indented UTF-8 text with a declaration; empty when it is incomplete. U+FFFD
+    /// replaces characters that XML cannot hold, such as control characters; `*isReplaced`, unless
+    /// null, says whether any were.
     std::string toUtf8(bool* isReplaced = nullptr) const;
 
     /// The root element of that name, or of any; null when it has another name.

@@ -13,9 +13,10 @@ struct xml_node_struct;
 namespace nvf {
 
 /// A handle to one element of an XmlDocument, or to none; valid while the document lives. Text is
-/// UTF-8 in the document: the `Utf8` forms hand it through, the others convert. Used by one thread
-/// at a time, as its document. On a null element, adding gives a null element, setting does nothing
-/// and asking gives the default. What there is no memory for leaves the document incomplete.
+/// UTF-8 in the document: the `Utf8` forms pass it on, the others convert. Used by one thread at a
+/// time, as its document. On a null element, adding returns a null element, setting does nothing
+/// and getting returns the default. An operation that runs out of memory leaves the document
+/// incomplete.
 class XmlElement {
 public:
     XmlElement() = default;
@@ -33,8 +34,8 @@ public:
     /// Replaces the text of the element.
     void setTextUtf8(std::string_view text);
 
-    /// Sets an attribute, in its place when the element has it, else behind the others. A float is
-    /// written with as many digits as bring the same value back.
+    /// Sets an attribute, in its place if the element has it, otherwise after the others. A float
+    /// is written with as many digits as bring the same value back.
     void setAttributeString(const char* name, const String& value);
     void setAttributeUtf8(const char* name, std::string_view value);
     void setAttributeInt(const char* name, int value);
@@ -61,7 +62,7 @@ public:
     bool getAttributeBool(const char* name, bool defaultValue) const;
     float getAttributeFloat(const char* name, float defaultValue) const;
 
-    /// The next element of that name, or of any; null behind the last.
+    /// The next sibling of that name, or of any name; null after the last.
     XmlElement firstChildElement(const char* name) const;
     XmlElement firstChildElement() const;
     XmlElement nextSiblingElement(const char* name) const;

@@ -11,10 +11,10 @@ namespace nuo::zrfx {
 
 /// Base of all blocks: a numbered unit of model or result data. Fill one and hand it to
 /// Database::writeBlock, or get one from Database::blockByIndex. Ids are the caller's, unique for
-/// each type within a database. Used by one thread at a time. Where there is no memory, an
-/// operation gives its failure, with a message, and leaves the block as it was; a block that could
-/// not be constructed fails in all of them. One that an operation without a result could not change
-/// cannot be written any more, so that nothing is stored without what was lost.
+/// each type within a database. Used by one thread at a time. An operation that runs out of memory
+/// fails with a message and leaves the block as it was; a block that could not be constructed fails
+/// in every operation. When an operation that returns nothing ran out of memory, the block cannot
+/// be written any more, so that no file lacks what was lost.
 class NUO_API Block : public RefCountedObject {
 public:
     enum BlockType : int {
@@ -34,10 +34,10 @@ public:
     /// Whether the block can be written; logs why not.
     virtual bool checkValidity() const;
 
-    /// The block behind this face, for the component's own use.
+    /// The block that this object wraps; for the component itself.
     virtual unstruct::ZRFxBlock* internal_zrfxBlock() const;
 
-    /// Whether the block lacks what there was no memory for, for the component's own use.
+    /// Whether the block lacks something for lack of memory; for the component itself.
     bool internal_isIncomplete() const { return m_isIncomplete; }
     void internal_setIncomplete() { m_isIncomplete = true; }
 

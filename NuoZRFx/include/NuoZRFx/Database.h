@@ -19,7 +19,7 @@ class SetBlock;
 /// every operation fails. Create it with `new`. Used by one thread at a time, with its file.
 class NUO_API Database : public RefCountedObject {
 public:
-    /// What kind of physics the model simulates.
+    /// The physics that the model simulates.
     enum SimulationType : int {
         STRUCTURAL = 0,
         THERMAL = 1,
@@ -61,22 +61,22 @@ public:
     SolutionType solutionType() const;
 
     /// Writes a block at once, in place of the block of its type and id that the database may have.
-    /// The block is only read and stays the caller's; what it refers to may change or go
-    /// afterwards. A block whose contents could not be read back is refused with a message that
-    /// names them: arrays that do not fit one another, negative indices, polyhedrons that point
-    /// outside of themselves. The one that it would replace then stays. When
-    /// writing fails on the way, for example on a full disk, the database has neither, and the
-    /// block can be written again.
+    /// The block is only read and stays the caller's; arrays that it refers to may be changed or
+    /// freed afterwards. Contents that could not be read back are refused with a message that names
+    /// them (arrays of lengths that do not fit, negative indices, polyhedrons whose faces name
+    /// nodes that they do not have), and the block that would be replaced stays. When writing
+    /// itself fails, for example on a full disk, the database has neither, and the block can be
+    /// written again.
     bool writeBlock(const Block* block);
 
     std::size_t blockCount(Block::BlockType type) const;
 
-    /// Id of the block at an index below blockCount(type), in rising order; -1 otherwise.
+    /// The id of the block at an index below blockCount(type), in ascending order; -1 otherwise.
     int blockId(Block::BlockType type, std::size_t index) const;
 
     /// Reads a block with all its data into a new object of the class of its type, to which the
-    /// result may be cast. It stays usable after the file is closed. Null, with a message, when
-    /// there is none or it cannot be read. Sets are read by the operations below.
+    /// result may be cast. The object stays usable after the file is closed. Null, with a message,
+    /// when there is no such block or it cannot be read. Sets are read by the operations below.
     ///
     ///     nuo::PtrRef<nuo::zrfx::Block> block = database->blockById(nuo::zrfx::Block::NODES, 1);
     ///     if (block) show(static_cast<const nuo::zrfx::NodeBlock&>(*block));

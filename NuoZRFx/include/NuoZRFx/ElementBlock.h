@@ -16,9 +16,9 @@ class ZRArray;
 
 namespace nuo::zrfx {
 
-/// The elements of one part of a model, in groups: one for each run of one element type. Their
-/// nodes are given by index into one node block, from 0, or by the ids of its nodes. The order of
-/// the nodes of an element is the one that VTK documents for its cell of the same kind.
+/// The elements of one part of a model, in groups: one for each run of elements of one type.
+/// Elements name their nodes by 0-based index into one node block, or by node id. The nodes of an
+/// element come in the order that VTK documents for its cell of the same kind.
 class NUO_API ElementBlock : public Block {
 public:
     enum ElementType : int {
@@ -42,7 +42,7 @@ public:
         UNKNOWN = 17
     };
 
-    /// Nodes of one element; the largest value for POLYHEDRONS, where it varies.
+    /// The number of nodes of an element; for POLYHEDRONS, where it varies, the largest value.
     static std::size_t nodesPerElement(ElementType elementType);
     static std::size_t surfacesPerElement(ElementType elementType);
     static bool isVolumeElement(ElementType elementType);
@@ -79,24 +79,24 @@ public:
     /// three nodes, each so ordered that its normal points outward.
     bool addPolyhedron(const std::vector<std::vector<int>>& faces, int elementId = -1);
 
-    /// Appends copies of many elements: all their nodes, element after element, and one id an
-    /// element exactly when the block was built with ids.
+    /// Appends copies of many elements: all their nodes, element after element, and one id per
+    /// element if, and only if, the block was built with ids.
     bool addElements(ElementType elementType, const std::vector<int>& elementNodes,
                      const std::vector<int>& elementIds);
     bool addElements(ElementType elementType, const int* elementNodes, std::size_t elementCount,
                      const int* elementIds);
 
-    /// The same in place of the elements that the block has, which stay when it fails.
+    /// The same, but replaces the elements of the block; on failure they stay.
     bool setElements(ElementType elementType, const std::vector<int>& elementNodes,
                      const std::vector<int>& elementIds);
 
-    /// Appends a group without a copy: the block refers to the nodes and, unless null, the ids,
-    /// which must stay unchanged until the block has been written; after that, until it is used
-    /// again or gone. A later addElements of the same type makes a copy and extends the group.
+    /// Appends a group without copying: the block refers to the nodes and, unless null, the ids.
+    /// They must stay unchanged until the block has been written, and for as long as it is used
+    /// after that. A later addElements of the same type copies and extends the group.
     bool addElementData(ElementType elementType, const int* elementNodes, std::size_t elementCount,
                         const int* elementIds);
 
-    /// Elements, and node references, of all groups.
+    /// The number of elements, and of node references, in all groups.
     std::size_t elementCount() const;
     std::size_t elementNodeCount() const;
 
@@ -118,7 +118,7 @@ public:
     /// elementGroupElementCount() ids, valid alike; null when the block has none.
     const int* elementIdData(std::size_t groupIndex) const;
 
-    /// The indices that were stored for the elements of a group; empty when there are none.
+    /// The element indices that were stored with a group; empty when there are none.
     bool elementIndices(std::size_t groupIndex, std::vector<int>* indices) const;
 
     /// Of a group of polyhedrons: nodes of each element; faces of each element; nodes of each face;

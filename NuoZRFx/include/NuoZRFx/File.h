@@ -20,8 +20,8 @@ class Database;
 
 /// One ZRFx file: created, opened for reading, or opened for appending databases and cases. It
 /// holds a reference to each of its databases and cases until it is closed. Used by one thread at a
-/// time, with everything reached from it. Every operation that fails logs why on "nuo.comp.zrfx",
-/// a lack of memory included; what there was no memory to open is not open.
+/// time, with everything reached from it. Every operation that fails, be it for lack of memory,
+/// logs why on "nuo.comp.zrfx"; a file that there was no memory to open is not open.
 ///
 ///     nuo::zrfx::File file;
 ///     if (!file.create("model.zrfx", nuo::zrfx::FileSettings())) return false;
@@ -34,57 +34,60 @@ class NUO_API File : public RefCountedObject {
 public:
     File();
 
-    /// Does not close the file: what was not flushed or closed is dropped, with a warning, and a
-    /// file that was created over another has not replaced it. Databases and cases that others hold
-    /// are detached.
+    /// Does not close the file: everything since the last flush is dropped, with a warning, and a
+    /// file created over another one leaves that one in place unless it was flushed. Databases and
+    /// cases that others still hold are detached.
     ~File() override;
 
-    /// Closes what is open, then creates a file. An existing one of that name is replaced, by the
-    /// first flush or by close. Give the name the extension ".zrfx", by which files are recognized.
+    /// Closes what is open, then creates a file. An existing file of that name is replaced by the
+    /// first flush, or by close. Use the extension ".zrfx", by which files are recognized.
     bool create(const Str& fileName, const FileSettings& settings);
 
-    /// Opens a file for reading; close first what is open. An encrypted file needs its password. A
-    /// database that cannot be read ends the opening, with nothing open; a case that cannot be read
-    /// is reported and left out. Memory and time that this takes are bounded by the file's size,
-    /// whatever it claims.
+    /// Opens a file for reading. A file that is open already is not closed properly: everything
+    /// since its last flush is dropped, with a warning. An encrypted file needs its password. When
+    /// a database cannot be read, opening fails and nothing is open; a case that cannot be read is
+    /// reported and left out. Memory and time are bounded by the file's size, whatever the file
+    /// claims.
     bool open(const Str& fileName);
     bool open(const Str& fileName, const Str& password);
 
-    /// Closes what is open, then opens a file for adding databases, cases and blocks. What is added
-    /// takes the form of what is there: text or binary, compressed or stored, encrypted or not.
+    /// Closes what is open, then opens a file for adding databases, cases and blocks. New data
+    /// takes the form of the existing: text or binary, compressed or stored, encrypted or not.
     bool openForAppend(const Str& fileName);
     bool openForAppend(const Str& fileName, const Str& password);
 
-    /// Makes all that was written so far durable and visible to others who open the file, and
-    /// leaves it open for writing. A process killed later loses nothing of it. Writes nothing when
-    /// nothing is new. After a failure it can be tried again. False without a message when nothing
-    /// is open.
+    /// Makes all that was written so far durable and visible to others who open the file, which
+    /// stays open for writing. Nothing of it is lost when the process is killed later. Writes
+    /// nothing when nothing is new. After a failure it can be called again. False, without a
+    /// message, when nothing is open.
     bool flush();
 
     /// Writes databases and cases out and closes. Every new database must have a state info block
-    /// and a geometry block. After a failure the file stays open, so that closing can be tried
-    /// again. False without a message when nothing is open.
+    /// and a geometry block. After a failure the file stays open, so that close can be called
+    /// again. False, without a message, when nothing is open.
     bool close();
 
-    /// Finishes a file that was created or opened for appending under another name, and closes: for
-    /// when someone has removed or replaced the file beneath its writer, or its disk is full. The
-    /// file itself stays as the last flush left it. False, with everything as it was, when there
-    /// is a file of that name already.
+    /// Writes a file that was created or opened for appending out under another name, and closes:
+    /// for use when its disk is full, or someone has removed or replaced the file under its writer.
+    /// The file itself stays as the last flush left it. False, with everything as it was, when
+    /// there is a file of that name already.
     bool closeAs(const Str& fileName);
 
-    /// Closes without writing: what was not flushed is dropped. Does nothing when nothing is open.
+    /// Closes without writing: everything since the last flush is dropped. Does nothing when
+    /// nothing is open.
     void abandon();
 
-    /// Of a file opened for reading, shows what was committed since it was opened or refreshed
-    /// last: new databases, blocks and cases, beside a running writer above all. `isChanged`, when
-    /// given, tells whether there was anything. Databases and cases stay the objects that they are;
-    /// blocks that were read stay as they were read. Takes time with what is new, or as long as
-    /// opening where another file has taken the name. False when nothing is open or the file is
-    /// open for writing, and when it cannot be read; then it stays as it was, or lacks some of what
-    /// is new.
+    /// Brings a file opened for reading up to date with what its writer has committed since it was
+    /// opened or refreshed last: new databases, blocks and cases. `*isChanged`, unless null, says
+    /// whether there was anything. Database and case objects stay the same; blocks that were read
+    /// stay as they were read. Takes time in proportion to what is new, or as long as opening when
+    /// another file has taken the name. False when nothing is open, when the file is open for
+    /// writing, and when it cannot be read; the file then stays as it was, or lacks some of what is
+    /// new.
     bool refresh(bool* isChanged = nullptr);
 
-    /// Whether a path holds a ZRFx file, by its extension ".zrfx" and content. Alters nothing.
+    /// Whether a path holds a ZRFx file, judged by the extension ".zrfx" and the content. Changes
+    /// nothing.
     static bool isZRFxFile(const Str& fileName);
 
     std::size_t databaseCount() const;
@@ -98,16 +101,15 @@ public:
     Case* fileCase(std::size_t index);
     const Case* fileCase(std::size_t index) const;
 
-    /// One more than the largest id in use, 0 at first; the lowest free one where the largest is
-    /// the largest of all. With nothing open, -1 and a message.
+    /// An id that no database has: one more than the largest in use, 0 in a new file. When the
+    /// largest is INT_MAX, the lowest free one. -1, with a message, when nothing is open.
     int unusedDatabaseId() const;
 
-    /// One more than the largest id in use, that of a case which could not be read included; 0 at
-    /// first and with nothing open.
+    /// The same for cases, counting those that could not be read; 0 when nothing is open.
     int unusedFileCaseId() const;
 
-    /// Stores a text under a name, without ".txt" and without folders, in the folder of user files,
-    /// in place of the one of that name. Neither may be empty.
+    /// Stores a text in the folder of user files, replacing the one of that name. The name has no
+    /// ".txt" and no folder. Neither may be empty.
     bool addUserTextFile(const Str& fileName, const Str& content);
     std::size_t userTextFileCount() const;
 
@@ -116,10 +118,10 @@ public:
     Str userTextFileName(std::size_t index) const;
     Str userTextFileContent(std::size_t index) const;
 
-    /// The settings of the file, without its password. Of an opened file, those found in it.
+    /// The settings of the file, without its password; for an opened file, those found in it.
     const FileSettings* settings() const;
 
-    /// The archive behind this face, for the component's own use; null when nothing is open.
+    /// The archive that this object wraps, for the component itself; null when nothing is open.
     unstruct::ZRFxAccess* internal_access() const;
 
 private:

@@ -7,8 +7,8 @@ namespace nuo::zrfx {
 /// How File::create makes a file: a plain value.
 class FileSettings {
 public:
-    /// Data files are packed binary values; else lines of text, which keep six significant digits
-    /// of a value and bring each undefined one back as 2.99e38.
+    /// True: data files are packed binary values. False: lines of text, which keep six significant
+    /// digits of a value and read undefined ones back as 2.99e38.
     bool binary = true;
     bool digitallySigned = false;  ///< No signature is made; File::settings() gives it back.
     int compressionLevel = 5;      ///< 0 (stored) to 9 (smallest); what lies outside is clamped.

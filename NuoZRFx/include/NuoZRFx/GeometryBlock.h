@@ -15,9 +15,9 @@ struct ZRFxGeometryPart;
 
 namespace nuo::zrfx {
 
-/// Which element blocks are the parts of the model: one list of parts for all states, or one for
-/// each state. A model has one or more geometries, each with parts of its own. Every state has the
-/// same parts in the same order; only their element blocks may differ. The block id is 1.
+/// Says which element blocks are the parts of the model: one list of parts for all states, or one
+/// for each state. A model has one or more geometries, each with parts of its own. Every state has
+/// the same parts in the same order; only their element blocks may differ. The block id is 1.
 class NUO_API GeometryBlock : public Block {
 public:
     explicit GeometryBlock(std::size_t geometryCountPerState);
@@ -26,16 +26,16 @@ public:
     bool checkValidity() const override;
     unstruct::ZRFxBlock* internal_zrfxBlock() const override;
 
-    /// Appends a part to the record that is used for all states, which is the first one. No id is
-    /// negative, and neither is in the record already.
+    /// Appends a part to the first record, which is used for all states. Neither id may be negative
+    /// or already be in the record.
     bool addElementBlock(std::size_t geometryIndex, int elementBlockId, int partId);
 
-    /// The same in the record of a state, which is added when it is new.
+    /// The same for the record of a state, which is added if there is none.
     bool addElementBlockForState(std::size_t geometryIndex, int elementBlockId, int partId,
                                  int stateId);
 
     /// Replaces the parts of a geometry: as many part ids as element block ids, none negative, no
-    /// part id twice. Without a state, in the record that is used for all states.
+    /// part id twice. Without a state id, in the record that is used for all states.
     bool setElementBlocks(std::size_t geometryIndex, const std::vector<int>& elementBlockIds,
                           const std::vector<int>& partIds);
     bool setElementBlocksForState(std::size_t geometryIndex,

@@ -14,7 +14,7 @@ class ZRFxNodeBlock;
 
 namespace nuo::zrfx {
 
-/// The nodes of a model: coordinates and, when the block is built with them, one user id a node.
+/// The nodes of a model: coordinates and, if the block is built with ids, one user id per node.
 class NUO_API NodeBlock : public Block {
 public:
     NodeBlock(int blockId, bool withNodeIds);
@@ -22,7 +22,7 @@ public:
 
     unstruct::ZRFxBlock* internal_zrfxBlock() const override;
 
-    /// Makes room for a number of nodes in all; false when there is not so much memory.
+    /// Reserves room for a total number of nodes; false when there is not enough memory.
     bool allocateNodes(std::size_t count);
 
     /// Appends a node. An id of 0 or more goes with a block built with ids, a negative one with a
@@ -30,13 +30,14 @@ public:
     bool addNode(const Vec3f& node, int nodeId = -1);
     bool addNode(float x, float y, float z, int nodeId = -1);
 
-    /// Replaces all nodes by copies. Coordinates are interleaved x y z, three a node; ids are as
-    /// many as nodes, exactly when the block was built with ids.
+    /// Replaces all nodes by copies. Coordinates are interleaved x y z, three per node; there is
+    /// one id per node if, and only if, the block was built with ids.
     bool setNodes(const std::vector<Vec3f>& nodes, const std::vector<int>& nodeIds);
     bool setNodes(const std::vector<float>& coordinates, const std::vector<int>& nodeIds);
 
-    /// The same without a copy: the block refers to 3 * nodeCount floats and, unless null,
-    /// nodeCount ids, which must stay unchanged until it is written and done with.
+    /// The same without copying: the block refers to 3 * nodeCount floats and, unless null,
+    /// nodeCount ids. They must stay unchanged until the block has been written, and for as long as
+    /// it is used after that.
     bool setNodeData(const float* coordinates, std::size_t nodeCount, const int* nodeIds);
 
     std::size_t nodeCount() const;
@@ -50,7 +51,7 @@ public:
     /// nodeCount() ids, valid alike; null when the block has none.
     const int* nodeIdData() const;
 
-    /// The index of the node of an id; -1 when there is none.
+    /// The index of the node with an id; -1 when there is none.
     int nodeIndex(int nodeId) const;
 
 private:

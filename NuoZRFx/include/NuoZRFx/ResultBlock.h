@@ -26,7 +26,7 @@ public:
         TENSOR = 3         ///< Components in the order xx, yy, zz, xy, yz, zx.
     };
 
-    /// What the values belong to.
+    /// The items that the values belong to.
     enum ResultMapping : int {
         UNDEFINED_MAPPING = -1,
         NODE_MAPPING = 0,
@@ -61,14 +61,14 @@ public:
     bool relativeDisplacementResults() const;
     void setRelativeDisplacementResults(bool relative);
 
-    /// Free attributes of the user, such as a unit. A name that is there gets the new value.
+    /// Free attributes, such as a unit. Replaces the value of an attribute that is there already.
     void addAttribute(const Str& name, const Str& value);
 
     /// Empty when there is no such attribute.
     Str attribute(const Str& name) const;
     std::vector<Str> attributeNames() const;
 
-    /// Appends a result values block to those of a state, which is added when it is new. A negative
+    /// Appends a result values block to those of a state, which is added if it is new. A negative
     /// id is an assertion and adds nothing.
     bool addResultValuesBlock(int resultValuesBlockId, int stateId);
 

@@ -14,11 +14,11 @@ class ZRFxResultValuesBlock;
 namespace nuo::zrfx {
 
 /// The values of one result in one state on the items (nodes, elements, ...) of one block: one
-/// value an item in the order of the items, or, when built with item ids, for the items named by
-/// them. A value not below 2.99e38 means that the item has none.
+/// value per item in the order of the items or, if the block is built with item ids, for the items
+/// that these name. A value not below 2.99e38 means that the item has none.
 class NUO_API ResultValuesBlock : public Block {
 public:
-    /// Floats of an item.
+    /// The number of floats per item.
     enum ResultValueDimension : int { SCALAR1D = 1, VECTOR3D = 3, TENSOR6D = 6 };
 
     ResultValuesBlock(int blockId, ResultValueDimension dimension, bool mapToItemIds);
@@ -30,20 +30,21 @@ public:
 
     ResultValueDimension dimension() const;
 
-    /// Makes room for a number of items in all, 0 or more; false when there is not so much memory.
+    /// Reserves room for a total number of items, 0 or more; false when there is not enough memory.
     bool allocateResultValues(int count);
 
-    /// Appends one item; the id goes with a block built with item ids, else it must be negative.
+    /// Appends one item. With a block built with item ids the id is 0 or more, otherwise negative.
     bool addResultValue1d(float value, int mapToItemId = -1);
     bool addResultValue3d(float x, float y, float z, int mapToItemId = -1);
 
-    /// Replaces all values by copies: the floats of all items, item after item, and one id an item
-    /// exactly when the block was built with item ids.
+    /// Replaces all values by copies: the floats of all items, item after item, and one id per item
+    /// if, and only if, the block was built with item ids.
     bool setResultValues(const std::vector<float>& resultValues,
                          const std::vector<int>& mapToItemIds);
 
-    /// The same without a copy: the block refers to itemCount * dimension() floats and, unless
-    /// null, itemCount ids, which must stay unchanged until it is written and done with.
+    /// The same without copying: the block refers to itemCount * dimension() floats and, unless
+    /// null, itemCount ids. They must stay unchanged until the block has been written, and for as
+    /// long as it is used after that.
     bool setResultValueData(const float* resultValues, std::size_t itemCount,
                             const int* mapToItemIds);
 

@@ -19,10 +19,10 @@ namespace nuo::zrfx {
 /// Database::setBlockByIndex and setBlockById.
 class NUO_API SetBlock : public Block {
 public:
-    /// What the items of a set are. Only sets of elements can be written.
+    /// The kind of items in a set. Only sets of elements can be written.
     enum ItemType : int { ELEMENT_ITEMS = 0, UNDEFINED_ITEMS = 1 };
 
-    /// `itemsSpecifiedAsIds` says whether items are ids of elements, or indices of them from 0.
+    /// `itemsSpecifiedAsIds` says whether items are element ids or 0-based element indices.
     SetBlock(int blockId, bool itemsSpecifiedAsIds);
     ~SetBlock() override;
 
@@ -37,12 +37,12 @@ public:
     void setItemType(ItemType itemType);
     bool itemsSpecifiedAsIds() const;
 
-    /// Appends items that lie in an element block, to the group of that block. Indices are not
-    /// negative: a set that has one is not written.
+    /// Appends items of an element block to the group of that block. A set with a negative index is
+    /// not written.
     void addItem(int item, int elementBlockId);
     void addItems(const int* items, std::size_t count, int elementBlockId);
 
-    /// Takes the group over.
+    /// Takes ownership of the group.
     void addItemGroup(SetItemGroup* group);
 
     std::size_t itemGroupCount() const;

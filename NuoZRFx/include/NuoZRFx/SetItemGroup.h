@@ -10,8 +10,8 @@
 namespace nuo::zrfx {
 
 /// The items of a set that lie in one block. A plain object: make it, fill it and give it to
-/// SetBlock::addItemGroup, which takes it over. Where there is no memory to add or set items, that
-/// is logged, and a set with the group cannot be written.
+/// SetBlock::addItemGroup, which takes it over. When items cannot be added or set for lack of
+/// memory, that is logged, and a set with the group cannot be written.
 class NUO_API SetItemGroup {
 public:
     SetItemGroup();
@@ -23,13 +23,13 @@ public:
     Block::BlockType blockType() const;
     void setBlockType(Block::BlockType blockType);
 
-    /// Items are indices from 0 or ids, as the set says.
+    /// Items are 0-based indices or ids, as the set says.
     void addItem(int item);
     void addItems(const std::vector<int>& items);
     void setItems(const std::vector<int>& items);
 
-    /// Replaces the items without a copy: the group refers to them, and they must stay unchanged
-    /// until the set is written and done with.
+    /// Replaces the items without copying: the group refers to them. They must stay unchanged until
+    /// the set has been written, and for as long as it is used after that.
     void setItemData(const int* items, std::size_t count);
 
     std::size_t itemCount() const;

@@ -19,7 +19,7 @@ namespace nuo::zrfx {
 /// value, and groups of them. State and group ids share one range. The block id is 1.
 class NUO_API StateInfoBlock : public Block {
 public:
-    /// What the reference value of a state is; its unit is the model's own.
+    /// The meaning of a state's reference value; its unit is the model's own.
     enum ReferenceValueType : int { TIME = 0, FREQUENCY = 1, LOAD_CASE = 2, OTHER = 3 };
 
     StateInfoBlock();
@@ -28,13 +28,13 @@ public:
     bool checkValidity() const override;
     unstruct::ZRFxBlock* internal_zrfxBlock() const override;
 
-    /// Appends a state. Without a name it is called "State" and its id.
+    /// Appends a state. Without a name it is called "State" followed by its id.
     bool addStateInfo(int stateId, const Str& stateName, float referenceValue,
                       ReferenceValueType referenceValueType);
 
-    /// Makes a group of states that were added before; other ids are left out. A state belongs to
-    /// the last group that it was given to. Without a name the group is called "Group" and its id.
-    /// A group without states is not stored.
+    /// Groups states that were added before; other ids are ignored. A state belongs to the last
+    /// group that it was put in. Without a name the group is called "Group" followed by its id. A
+    /// group without states is not stored.
     bool addGroupInfo(int groupId, const Str& groupName, const std::vector<int>& stateIds);
 
     std::size_t stateCount() const;
@@ -45,7 +45,7 @@ public:
     float stateReferenceValue(std::size_t index) const;
     ReferenceValueType stateReferenceValueType(std::size_t index) const;
 
-    /// The index of the state of an id; -1 when there is none.
+    /// The index of the state with an id; -1 when there is none.
     int stateIndex(int stateId) const;
 
     std::size_t groupCount() const;

@@ -14,10 +14,11 @@ class ZRFxTransformationResultsBlock;
 
 namespace nuo::zrfx {
 
-/// A rigid-body result: which transformation result values blocks move which parts in each state.
+/// A rigid-body result: lists, for each state, the transformation result values blocks that move
+/// parts.
 class NUO_API TransformationResultBlock : public Block {
 public:
-    /// The name is "Transformation result" and the id until another is set.
+    /// The name is "Transformation result" followed by the id, until another is set.
     explicit TransformationResultBlock(int blockId);
     ~TransformationResultBlock() override;
 
@@ -29,7 +30,7 @@ public:
     int resultId() const;
     void setResultId(int resultId);
 
-    /// Appends a values block to those of a state, which is added when it is new. A negative id is
+    /// Appends a values block to those of a state, which is added if it is new. A negative id is
     /// an assertion and adds nothing.
     bool addTransformationResultValuesBlock(int blockId, int stateId);
 

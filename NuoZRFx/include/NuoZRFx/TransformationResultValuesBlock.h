@@ -23,7 +23,7 @@ public:
     Mat4d matrix() const;
     void setMatrix(const Mat4d& matrix);
 
-    /// The block that is moved. Other types than ELEMENTS are an assertion.
+    /// The block that is moved. Any type but ELEMENTS is an assertion.
     bool setMapToBlockId(int blockId, BlockType blockType);
 
     /// -1 until it is set. `blockType` may be null.

@@ -9,17 +9,17 @@ class Instance;
 
 namespace nuo::zrfx {
 
-/// Starts the component and tells its version. Static operations only; initialize it once, from one
-/// thread, before anything else of the component is used.
+/// Starts the component and gives its version. All operations are static; initialize the component
+/// once, from one thread, before using anything else of it.
 ///
 ///     nuo::Instance instance;
 ///     if (!nuo::zrfx::ZRFxComponent::initialize(&instance)) return 1;
 class NUO_API ZRFxComponent {
 public:
-    /// Takes over what the instance says about failed assertions and licence, and connects the
+    /// Takes the instance's settings for failed assertions and licence, and connects the
     /// component's logging to the core's. The instance is not kept. Later calls change nothing and
-    /// give true. False, after an assertion, when `instance` is null, and with a message when there
-    /// is no memory; it can then be tried again.
+    /// return true. False after an assertion when `instance` is null, and with a message when there
+    /// is no memory; it can then be called again.
     static bool initialize(Instance* instance);
 
     /// Until this is true, no File can be created or opened.

@@ -7,8 +7,8 @@
 
 namespace nuo {
 
-/// An RGB image, 3 bytes a pixel, rows from the top without padding: a value that owns its pixels.
-/// A copy for which there is no memory has no pixels, which is logged.
+/// An RGB image: 3 bytes per pixel, top row first, rows not padded. A value that owns its pixels.
+/// When there is no memory for a copy, the copy has no pixels, and that is logged.
 class NUO_API Image {
 public:
     Image() = default;
@@ -21,8 +21,8 @@ public:
     unsigned int width() const { return m_width; }
     unsigned int height() const { return m_height; }
 
-    /// Copies width * height * 3 bytes into `buffer`. Nothing is copied, and the result is false,
-    /// when `bufferSize` is smaller than that.
+    /// Copies width * height * 3 bytes into `buffer`. Copies nothing and returns false when
+    /// `bufferSize` is smaller than that.
     bool getAsRgb(unsigned char* buffer, std::size_t bufferSize) const;
 
     /// Replaces the image by a copy of width * height * 3 bytes. The image stays as it is, and the

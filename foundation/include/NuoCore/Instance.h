@@ -5,8 +5,8 @@
 
 namespace nuo {
 
-/// The core library as the host runs it: make one, and hand it to ZRFxComponent::initialize. It is
-/// read there and not kept.
+/// The core library as the host runs it: make one, and hand it to ZRFxComponent::initialize. The
+/// component reads it there and does not keep it.
 class NUO_API Instance {
 public:
     explicit Instance(const InitializationOptions& options = InitializationOptions());

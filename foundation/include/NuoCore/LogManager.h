@@ -11,18 +11,17 @@ class LogManager;
 
 namespace nuo {
 
-/// Says which messages of the library are emitted and where they go; got from
-/// CoreComponent::logManager(). Loggers have dotted names and take level and destination over from
-/// the name above: "nuo.comp.zrfx" reports what the caller's data or calls are wrong about,
-/// "nuo.nvf.unstruct.zrfx" what goes wrong in the archive and its blocks, "nuo.nvf" failed
-/// assertions. At first, errors and warnings go to the standard error stream. All operations may be
-/// called from any thread.
+/// Decides which messages of the library are emitted and where they go; CoreComponent::logManager()
+/// returns it. Loggers have dotted names and inherit level and destination from the name above:
+/// "nuo.comp.zrfx" reports what the caller's data or calls are wrong about, "nuo.nvf.unstruct.zrfx"
+/// what goes wrong in the archive and its blocks, "nuo.nvf" failed assertions. At first, errors and
+/// warnings go to the standard error stream. All operations may be called from any thread.
 class NUO_API LogManager {
 public:
     /// Sends the messages of all loggers, present and future, to `destination`, of which a
-    /// reference is kept. Null brings the standard error stream back. Where there is no memory for
-    /// it, the one before stays. A message that cannot be handed on for lack of memory goes to the
-    /// standard error stream, as far as it is known.
+    /// reference is kept. Null restores the standard error stream. Without memory for the change,
+    /// the previous destination stays. A message that cannot be passed on for lack of memory goes
+    /// to the standard error stream, as far as it is known.
     void setDestination(LogDestination* destination);
 
     /// Sets the level of the named logger and of all below it, present and future. The empty name
@@ -32,7 +31,7 @@ public:
     /// The level of the named logger; that of all loggers when there is no memory to look it up.
     LogLevel level(const Str& loggerName) const;
 
-    /// The manager behind this face, for the library's own use.
+    /// The manager that this class wraps; for the library itself.
     nvf::LogManager* internal_nvfLogManager() const;
 
 private:

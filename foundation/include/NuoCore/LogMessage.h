@@ -7,7 +7,7 @@ namespace nuo {
 /// Severities of messages; a logger emits those that are not above its level.
 enum LogLevel : int { LL_OFF = 0, LL_ERROR = 1, LL_WARNING = 2, LL_INFO = 3, LL_DEBUG = 4 };
 
-/// One message as a LogDestination gets it, with the code location that it comes from.
+/// One message as a LogDestination receives it, with its place in the source.
 struct LogMessage {
     LogLevel level = LL_OFF;
     Str logger;  ///< Dotted name of the logger, for example "nuo.comp.zrfx".

@@ -6,9 +6,9 @@
 
 namespace nuo {
 
-/// Owns what an object of the public interface holds; nothing where there was no memory to
-/// construct it. The object's operations then fail, by the std::bad_alloc that they get here and
-/// that none of them lets out.
+/// Owns the private part of a public object, or nothing if there was no memory to construct it.
+/// Every operation of such an object fails: access throws std::bad_alloc, which none of them lets
+/// escape.
 template <typename T>
 class PrivatePtr {
 public:

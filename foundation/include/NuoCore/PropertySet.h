@@ -15,8 +15,8 @@ class PropertySet;
 namespace nuo {
 
 /// A group of viewer settings: typed values by key, under a class type such as "camera" that says
-/// what they belong to. Used by one thread at a time. A set that there was no memory to construct,
-/// or to set a value of, which is logged, cannot be stored.
+/// what they belong to. Used by one thread at a time. A set that ran out of memory when it was
+/// constructed or given a value logs that and cannot be stored.
 ///
 ///     nuo::PtrRef<nuo::PropertySet> camera = new nuo::PropertySet("camera");
 ///     camera->setValue("eye", nuo::Vec3d(10, 0, 0));
@@ -27,14 +27,14 @@ public:
 
     Str classType() const;
 
-    /// Sets the value of a key, in place of the one that it had. The set stays as it is, and cannot
-    /// be stored, when there is no memory.
+    /// Sets or replaces the value of a key. Without memory the set stays as it is, and cannot be
+    /// stored.
     void setValue(const Str& key, const Variant& value);
 
     /// The value of a key; invalid when the set does not have it.
     Variant value(const Str& key) const;
 
-    /// All keys, sorted. This and the next give none, with a message, when there is no memory.
+    /// All keys, sorted. Empty, with a message, when there is no memory; so is allValues().
     std::vector<Str> allKeys() const;
 
     /// The values of all keys, in the order of allKeys().

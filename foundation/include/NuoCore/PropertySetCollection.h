@@ -16,8 +16,8 @@ public:
     PropertySetCollection();
     ~PropertySetCollection() override;
 
-    /// Appends a set and keeps a reference to it. A null set is an assertion and is left out. When
-    /// there is no memory the list stays as it is, which is logged, and cannot be stored.
+    /// Appends a set and keeps a reference to it. A null set is an assertion and is left out.
+    /// Without memory the list stays as it is, which is logged, and cannot be stored.
     void addPropertySet(PropertySet* propertySet);
 
     std::size_t count() const;

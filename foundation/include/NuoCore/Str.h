@@ -8,9 +8,9 @@ namespace nuo {
 
 /// Text that crosses the public interface: a value type holding Unicode in wide characters.
 /// `const char*` and `std::string` mean UTF-8 everywhere; an invalid byte becomes U+FFFD. Text ends
-/// at the first null character. A Str may be copied between threads like any value. Where there is
-/// no memory to make or copy one, that is logged and the text is lost: it has no characters, and
-/// every operation of the library that is given it fails.
+/// at the first null character. A Str may be copied between threads like any value. A text that
+/// there was no memory to make or copy is lost, which is logged: it has no characters, and every
+/// operation of the library that receives it fails.
 ///
 ///     nuo::Str name = "Träger";
 ///     nuo::Str part = nuo::Str("Part %1").arg(7);   // "Part 7"
@@ -27,7 +27,7 @@ public:
     Str& operator=(Str&& other) noexcept = default;
     ~Str() = default;
 
-    /// Whether this is a text without characters, and not a lost one.
+    /// Whether the text has no characters and is not lost.
     bool isEmpty() const { return m_text.empty() && !m_isLost; }
 
     /// Whether memory ran out when the text was made or copied.

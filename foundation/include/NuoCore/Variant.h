@@ -14,11 +14,10 @@ class Variant;
 
 namespace nuo {
 
-/// One value of a PropertySet, tagged with its type: a value type. It converts from what it holds,
-/// so that a plain value can be passed where a Variant is asked for; take care to write 1.0 where a
-/// property is a double and 1.0f where it is a float. Where there is no memory to make or copy one,
-/// that is logged and the value is lost: it is invalid, and a property set that is given it cannot
-/// be stored.
+/// One value of a PropertySet, tagged with its type: a value type. It converts from each type that
+/// it can hold, so a plain value can be passed for a Variant; write 1.0 where a property is a
+/// double and 1.0f where it is a float. A value that there was no memory to make or copy is lost,
+/// which is logged: it is invalid, and a property set that receives it cannot be stored.
 class NUO_API Variant {
 public:
     /// The types, with the codes that the file format uses.
@@ -58,8 +57,8 @@ public:
     Type type() const;
     bool isValid() const { return type() != INVALID; }
 
-    /// The value, for the type that it has. Asking for another type is an assertion and gives zero,
-    /// false or an empty value; so does one that there is no memory to copy, with a message.
+    /// The value. Asking for a type that it does not have is an assertion and gives zero, false or
+    /// an empty value, as does, with a message, a lack of memory for the copy.
     int toInt() const;
     unsigned int toUInt() const;
     double toDouble() const;
