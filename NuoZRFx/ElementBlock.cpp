@@ -9,6 +9,7 @@
 
 #include "Convert_p.h"
 #include "Log_p.h"
+#include "ZRIDLookup.h"
 #include "blocks/mesh/ZRFxElementBlock.h"
 #include "nvf/Assert.h"
 #include "types/ZRFxElementType.h"
@@ -100,6 +101,10 @@ bool isFace(const std::vector<int>& face) {
     return face.size() >= 3 && !hasNegative(face.data(), face.size());
 }
 
+Span<const int> spanOf(const ZRIntArray& array) {
+    return Span<const int>::of(array.Data(), static_cast<std::size_t>(array.GetSize()));
+}
+
 std::vector<int> copyOf(const ZRIntArray& array) {
     return std::vector<int>(array.begin(), array.end());
 }
@@ -108,7 +113,20 @@ std::vector<int> copyOf(const ZRIntArray& array) {
 
 class ElementBlockPrivate {
 public:
+    // Enters the ids of elements that were added since the last time.
+    void enterIds() {
+        std::int64_t first = 0;
+        for (std::int64_t i = 0; i < m_elementBlock->GetNumElementGroups(); ++i) {
+            const ZRIntArray& ids = m_elementBlock->GetElementGroup(i)->m_aiIDs;
+            for (std::int64_t at = m_indices.GetNumItems() - first; at < ids.GetSize(); ++at) {
+                m_indices.Add(ids[at]);
+            }
+            first += ids.GetSize();
+        }
+    }
+
     nvf::ref<ZRFxElementBlock> m_elementBlock;
+    unstruct::ZRIDLookup m_indices;  // Of the elements that were there when one was last asked for.
 };
 
 std::size_t ElementBlock::nodesPerElement(ElementType elementType) {
@@ -128,8 +146,9 @@ bool ElementBlock::isVolumeElement(ElementType elementType) {
 
 std::vector<unsigned int> ElementBlock::elementSurface(ElementType elementType,
                                                        std::size_t surfaceIndex) {
-    NVF_ASSERT(surfaceIndex < surfacesPerElement(elementType));
-    if (surfaceIndex >= surfacesPerElement(elementType)) {
+    const std::size_t count = surfacesPerElement(elementType);
+    if (!nvf::require(surfaceIndex < count, "elementSurface: %1 have %2 surfaces, %3 asked for",
+                      elementTypeName(elementType), count, surfaceIndex)) {
         fail("Invalid surface index");
         return {};
     }
@@ -192,17 +211,27 @@ bool ElementBlock::addElement(ElementType elementType, const std::vector<int>& e
 
 bool ElementBlock::addElement(ElementType elementType, const int* elementNodes,
                               std::size_t nodeCount, int elementId) {
-    const bool isWhole = elementType == POLYHEDRONS || nodeCount == nodesPerElement(elementType);
-    NVF_ASSERT(isWhole);
-    return isWhole &&
-           addElements(elementType, elementNodes, 1, elementId >= 0 ? &elementId : nullptr);
+    const std::size_t expected = nodesPerElement(elementType);
+    return guarded([&] {
+        return (elementType == POLYHEDRONS ||
+                nvf::require(nodeCount == expected, "addElement: %1 take %2 nodes, %3 given",
+                             elementTypeName(elementType), expected, nodeCount)) &&
+               addElements("addElement", elementType, elementNodes, 1,
+                           elementId >= 0 ? &elementId : nullptr);
+    });
 }
 
 bool ElementBlock::addPolyhedron(const std::vector<std::vector<int>>& faces, int elementId) {
     return guarded([&] {
-        const bool isSolid = faces.size() >= 4 && std::all_of(faces.begin(), faces.end(), isFace);
-        NVF_ASSERT(isSolid);
-        if (!isSolid || !checkIds(elementId >= 0)) return false;
+        const auto wrong = std::find_if_not(faces.begin(), faces.end(), isFace);
+        if (!nvf::require(faces.size() >= 4, "addPolyhedron: %1 faces given, expected 4 at least",
+                          faces.size()) ||
+            !nvf::require(wrong == faces.end(),
+                          "addPolyhedron: face %1 has less than 3 nodes, or a negative one",
+                          wrong - faces.begin()) ||
+            !checkIds("addPolyhedron", elementId >= 0)) {
+            return false;
+        }
         ZRFxElementBlockGroup added;
         if (!takePolyhedron(faces, added)) return false;
         if (elementId >= 0) added.m_aiIDs.Refer(&elementId, 1);
@@ -213,7 +242,7 @@ bool ElementBlock::addPolyhedron(const std::vector<std::vector<int>>& faces, int
 bool ElementBlock::addElements(ElementType elementType, const std::vector<int>& elementNodes,
                                const std::vector<int>& elementIds) {
     std::size_t elementCount = 0;
-    return countElements(elementType, elementNodes, elementIds, &elementCount) &&
+    return countElements("addElements", elementType, elementNodes, elementIds, &elementCount) &&
            addElements(elementType, elementNodes.data(), elementCount,
                        elementIds.empty() ? nullptr : elementIds.data());
 }
@@ -221,9 +250,15 @@ bool ElementBlock::addElements(ElementType elementType, const std::vector<int>& 
 bool ElementBlock::addElements(ElementType elementType, const int* elementNodes,
                                std::size_t elementCount, const int* elementIds) {
     return guarded([&] {
-        if (!checkElements(elementType, elementNodes, elementCount, elementIds)) return false;
-        return addGroup(groupReferringTo(elementType, elementNodes, elementCount, elementIds));
+        return addElements("addElements", elementType, elementNodes, elementCount, elementIds);
     });
+}
+
+bool ElementBlock::addElements(const char* operation, ElementType elementType,
+                               const int* elementNodes, std::size_t elementCount,
+                               const int* elementIds) {
+    return checkElements(operation, elementType, elementNodes, elementCount, elementIds) &&
+           addGroup(groupReferringTo(elementType, elementNodes, elementCount, elementIds));
 }
 
 bool ElementBlock::setElements(ElementType elementType, const std::vector<int>& elementNodes,
@@ -231,8 +266,8 @@ bool ElementBlock::setElements(ElementType elementType, const std::vector<int>& 
     return guarded([&] {
         std::size_t elementCount = 0;
         const int* ids = elementIds.empty() ? nullptr : elementIds.data();
-        if (!countElements(elementType, elementNodes, elementIds, &elementCount) ||
-            !checkElements(elementType, elementNodes.data(), elementCount, ids)) {
+        if (!countElements("setElements", elementType, elementNodes, elementIds, &elementCount) ||
+            !checkElements("setElements", elementType, elementNodes.data(), elementCount, ids)) {
             return false;
         }
         auto group = std::make_unique<ZRFxElementBlockGroup>();
@@ -241,6 +276,7 @@ bool ElementBlock::setElements(ElementType elementType, const std::vector<int>& 
             return false;
         }
         m_private->m_elementBlock->UnloadData();
+        m_private->m_indices = {};
         return m_private->m_elementBlock->AddElementGroup(group);
     });
 }
@@ -248,11 +284,21 @@ bool ElementBlock::setElements(ElementType elementType, const std::vector<int>& 
 bool ElementBlock::addElementData(ElementType elementType, const int* elementNodes,
                                   std::size_t elementCount, const int* elementIds) {
     return guarded([&] {
-        if (!checkElements(elementType, elementNodes, elementCount, elementIds)) return false;
+        if (!checkElements("addElementData", elementType, elementNodes, elementCount, elementIds)) {
+            return false;
+        }
         auto group = std::make_unique<ZRFxElementBlockGroup>(
             groupReferringTo(elementType, elementNodes, elementCount, elementIds));
         return m_private->m_elementBlock->AddElementGroup(group);
     });
+}
+
+bool ElementBlock::addElementData(ElementType elementType, Span<const int> elementNodes,
+                                  Span<const int> elementIds) {
+    std::size_t elementCount = 0;
+    return countElements("addElementData", elementType, elementNodes, elementIds, &elementCount) &&
+           addElementData(elementType, elementNodes.data(), elementCount,
+                          elementIds.empty() ? nullptr : elementIds.data());
 }
 
 std::size_t ElementBlock::elementCount() const {
@@ -296,6 +342,23 @@ bool ElementBlock::elementGroup(std::size_t groupIndex, std::vector<int>* elemen
         if (elementIds) *elementIds = copyOf(group->m_aiIDs);
         return true;
     });
+}
+
+int ElementBlock::elementIndex(int elementId) const {
+    return guarded(-1, [&] {
+        m_private->enterIds();
+        return static_cast<int>(m_private->m_indices.IndexOf(elementId));
+    });
+}
+
+Span<const int> ElementBlock::elementGroupNodes(std::size_t groupIndex) const {
+    const ZRFxElementBlockGroup* group = groupAt(groupIndex);
+    return group ? spanOf(group->m_aiConnectivity) : Span<const int>();
+}
+
+Span<const int> ElementBlock::elementGroupIds(std::size_t groupIndex) const {
+    const ZRFxElementBlockGroup* group = groupAt(groupIndex);
+    return group ? spanOf(group->m_aiIDs) : Span<const int>();
 }
 
 const int* ElementBlock::elementNodeData(std::size_t groupIndex) const {
@@ -344,34 +407,45 @@ bool ElementBlock::polyhedronsLocalNodes(std::size_t groupIndex,
     });
 }
 
-bool ElementBlock::checkIds(bool isGiven) const {
-    const bool m_hasElementIds = hasElementIds();
-    NVF_ASSERT(isGiven == m_hasElementIds);
-    return isGiven == m_hasElementIds;
+bool ElementBlock::checkIds(const char* operation, bool isGiven) const {
+    const bool isExpected = hasElementIds();
+    return nvf::require(isGiven || !isExpected,
+                        "%1: the block was built with element ids, but none are given",
+                        operation) &&
+           nvf::require(!isGiven || isExpected,
+                        "%1: the block was built without element ids, but ids are given",
+                        operation);
 }
 
-bool ElementBlock::countElements(ElementType elementType, const std::vector<int>& elementNodes,
-                                 const std::vector<int>& elementIds, std::size_t* elementCount) {
+bool ElementBlock::countElements(const char* operation, ElementType elementType,
+                                 Span<const int> elementNodes, Span<const int> elementIds,
+                                 std::size_t* elementCount) {
     const std::size_t nodeCount = nodesPerElement(elementType);
-    const bool isWhole = nodeCount > 0 && elementNodes.size() % nodeCount == 0;
-    NVF_ASSERT(isWhole);
-    if (!isWhole) return false;
-    *elementCount = elementNodes.size() / nodeCount;
-    NVF_ASSERT(elementIds.empty() || elementIds.size() == *elementCount);
-    return elementIds.empty() || elementIds.size() == *elementCount;
-}
-
-bool ElementBlock::checkElements(ElementType elementType, const int* elementNodes,
-                                 std::size_t elementCount, const int* elementIds) const {
-    const bool hasFixedNodes = elementType != POLYHEDRONS && nodesPerElement(elementType) > 0;
-    NVF_ASSERT(elementNodes && elementCount > 0);
-    NVF_ASSERT(hasFixedNodes);
-    if (!elementNodes || elementCount == 0 || !hasFixedNodes || !checkIds(elementIds != nullptr)) {
+    const bool hasFixedNodes = elementType != POLYHEDRONS && nodeCount > 0;
+    if (!nvf::require(hasFixedNodes, "%1: elements of type %2 have no fixed number of nodes",
+                      operation, static_cast<int>(elementType)) ||
+        !nvf::require(elementNodes.size() % nodeCount == 0,
+                      "%1: %2 take %3 nodes each, %4 given do not divide", operation,
+                      elementTypeName(elementType), nodeCount, elementNodes.size())) {
         return false;
     }
-    const bool areNodes = !hasNegative(elementNodes, elementCount * nodesPerElement(elementType));
-    NVF_ASSERT(areNodes);
-    return areNodes;
+    *elementCount = elementNodes.size() / nodeCount;
+    return nvf::require(elementIds.empty() || elementIds.size() == *elementCount,
+                        "%1: %2 ids given for %3 elements", operation, elementIds.size(),
+                        *elementCount);
+}
+
+bool ElementBlock::checkElements(const char* operation, ElementType elementType,
+                                 const int* elementNodes, std::size_t elementCount,
+                                 const int* elementIds) const {
+    const std::size_t nodeCount = nodesPerElement(elementType);
+    const bool hasFixedNodes = elementType != POLYHEDRONS && nodeCount > 0;
+    return nvf::require(elementNodes && elementCount > 0, "%1: no elements are given", operation) &&
+           nvf::require(hasFixedNodes, "%1: elements of type %2 have no fixed number of nodes",
+                        operation, static_cast<int>(elementType)) &&
+           checkIds(operation, elementIds != nullptr) &&
+           nvf::require(!hasNegative(elementNodes, elementCount * nodeCount),
+                        "%1: a node index or id is negative", operation);
 }
 
 bool ElementBlock::addGroup(const ZRFxElementBlockGroup& added) {

@@ -1,6 +1,5 @@
 #include "NuoZRFx/File.h"
 
-#include <climits>
 #include <map>
 #include <set>
 
@@ -10,6 +9,7 @@
 #include "File_p.h"
 #include "Log_p.h"
 #include "NuoZRFx/ZRFxComponent.h"
+#include "UnusedId_p.h"
 #include "documents/ZRFxXml.h"
 #include "nvf/Assert.h"
 
@@ -26,15 +26,6 @@ constexpr const char* kUserExtension = ".txt";
 ZRString userEntry(const Str& name) {
     return std::string(unstruct::kUserDataFolder) + unstruct::kFolderSeparator +
            Convert::toUtf8(name) + kUserExtension;
-}
-
-// Where the highest id that there is stands for an item, the lowest gap.
-int unusedId(const std::set<int>& ids) {
-    if (ids.empty()) return 0;
-    if (*ids.rbegin() < INT_MAX) return *ids.rbegin() + 1;
-    int unused = 0;
-    while (ids.count(unused) > 0) ++unused;
-    return unused;
 }
 
 }  // namespace
@@ -206,12 +197,12 @@ int File::unusedDatabaseId() const {
             fail("Error writing file.");
             return -1;
         }
-        return unusedId(m_private->m_databaseIds);
+        return unusedId(m_private->m_databaseIds, 0);
     });
 }
 
 int File::unusedFileCaseId() const {
-    return guarded(-1, [&] { return unusedId(m_private->m_caseIds); });
+    return guarded(-1, [&] { return unusedId(m_private->m_caseIds, 0); });
 }
 
 bool File::addUserTextFile(const Str& fileName, const Str& content) {

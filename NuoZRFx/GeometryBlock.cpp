@@ -28,8 +28,10 @@ bool checkPart(int elementBlockId, int partId) {
 // None where they are more than a file may have.
 int checkedGeometryCount(std::size_t geometryCountPerState) {
     if (geometryCountPerState == 0) fail("geometryCountPerState cannot be 0");
-    NVF_ASSERT(geometryCountPerState <= std::size_t{unstruct::kMostGeometriesPerState});
-    const bool isValid = geometryCountPerState <= std::size_t{unstruct::kMostGeometriesPerState};
+    const std::size_t most{unstruct::kMostGeometriesPerState};
+    const bool isValid = nvf::require(geometryCountPerState <= most,
+                                      "GeometryBlock: %1 geometries per state, at most %2",
+                                      geometryCountPerState, most);
     return isValid ? static_cast<int>(geometryCountPerState) : 0;
 }
 
@@ -183,8 +185,11 @@ bool GeometryBlock::checkParts(const std::vector<int>& elementBlockIds, int stat
                                const std::vector<int>& partIds) const {
     if (elementBlockIds.empty()) return fail("elementBlockIds cannot be empty.");
     if (stateId < 0) return fail("stateId cannot be negative.");
-    NVF_ASSERT(elementBlockIds.size() == partIds.size());
-    if (elementBlockIds.size() != partIds.size()) return false;
+    if (!nvf::require(elementBlockIds.size() == partIds.size(),
+                      "setElementBlocks: %1 part ids given for %2 element blocks", partIds.size(),
+                      elementBlockIds.size())) {
+        return false;
+    }
     std::map<int, std::size_t> indexOfPart;
     for (std::size_t i = 0; i < partIds.size(); ++i) {
         if (partIds[i] < 0) {

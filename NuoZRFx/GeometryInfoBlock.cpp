@@ -32,9 +32,10 @@ GeometryInfoBlock::GeometryInfoBlock(std::size_t geometryCountPerState)
     guarded([&] {
         auto made = std::make_unique<GeometryInfoBlockPrivate>();
         made->m_geometryInfoBlock = new ZRFxGeometryInfoBlock(nullptr, kBlockId);
-        NVF_ASSERT(geometryCountPerState <= std::size_t{unstruct::kMostGeometriesPerState});
-        const bool isValid =
-            geometryCountPerState <= std::size_t{unstruct::kMostGeometriesPerState};
+        const std::size_t most{unstruct::kMostGeometriesPerState};
+        const bool isValid = nvf::require(geometryCountPerState <= most,
+                                          "GeometryInfoBlock: %1 geometries per state, at most %2",
+                                          geometryCountPerState, most);
         made->m_geometryInfoBlock->SetGeometryCountPerState(
             isValid ? static_cast<int>(geometryCountPerState) : 0);
         m_private.take(std::move(made));

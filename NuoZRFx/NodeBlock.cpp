@@ -1,5 +1,6 @@
 #include "NuoZRFx/NodeBlock.h"
 
+#include <algorithm>
 #include <limits>
 #include <utility>
 
@@ -13,6 +14,12 @@ namespace {
 using unstruct::ZRFxNodeBlock;
 using unstruct::ZRIntArray;
 using unstruct::ZRVec3fArray;
+
+bool areWhole(const char* operation, std::size_t coordinateCount) {
+    return nvf::require(coordinateCount % 3 == 0,
+                        "%1: %2 coordinates given, which are not three per node", operation,
+                        coordinateCount);
+}
 
 }  // namespace
 
@@ -54,9 +61,13 @@ bool NodeBlock::allocateNodes(std::size_t count) {
 
 bool NodeBlock::addNode(const Vec3f& node, int nodeId) {
     return guarded([&] {
-        const bool withNodeIds = hasNodeIds();
-        NVF_ASSERT((nodeId >= 0 && withNodeIds) || (nodeId < 0 && !withNodeIds));
-        return (nodeId >= 0) == withNodeIds && m_private->m_nodeBlock->AddNode(node, nodeId);
+        const bool hasIds = hasNodeIds();
+        return nvf::require(nodeId >= 0 || !hasIds,
+                            "addNode: the block was built with node ids, but none is given") &&
+               nvf::require(nodeId < 0 || hasIds,
+                            "addNode: the block was built without node ids, but %1 is given",
+                            nodeId) &&
+               m_private->m_nodeBlock->AddNode(node, nodeId);
     });
 }
 
@@ -66,8 +77,8 @@ bool NodeBlock::addNode(float x, float y, float z, int nodeId) {
 
 bool NodeBlock::setNodes(const std::vector<Vec3f>& nodes, const std::vector<int>& nodeIds) {
     return guarded([&] {
-        if (!checkIds(nodes.data(), nodes.size(), nodeIds)) return false;
-        return m_private->m_nodeBlock->SetNodes(nodes.data(),
+        return checkNodes("setNodes", nodes.data(), nodes.size(), nodeIds.size()) &&
+               m_private->m_nodeBlock->SetNodes(nodes.data(),
                                                 static_cast<std::int64_t>(nodes.size()),
                                                 nodeIds.empty() ? nullptr : nodeIds.data());
     });
@@ -75,24 +86,38 @@ bool NodeBlock::setNodes(const std::vector<Vec3f>& nodes, const std::vector<int>
 
 bool NodeBlock::setNodes(const std::vector<float>& coordinates, const std::vector<int>& nodeIds) {
     return guarded([&] {
-        NVF_ASSERT(coordinates.size() % 3 == 0);
-        if (coordinates.size() % 3 != 0) return false;
-        const auto* nodes = reinterpret_cast<const Vec3f*>(coordinates.data());
-        if (!checkIds(nodes, coordinates.size() / 3, nodeIds)) return false;
-        return m_private->m_nodeBlock->SetNodes(nodes,
-                                                static_cast<std::int64_t>(coordinates.size() / 3),
+        const std::size_t count = coordinates.size() / 3;
+        return areWhole("setNodes", coordinates.size()) &&
+               checkNodes("setNodes", coordinates.data(), count, nodeIds.size()) &&
+               m_private->m_nodeBlock->SetNodes(reinterpret_cast<const Vec3f*>(coordinates.data()),
+                                                static_cast<std::int64_t>(count),
                                                 nodeIds.empty() ? nullptr : nodeIds.data());
+    });
+}
+
+bool NodeBlock::setRoundedNodes(Span<const double> coordinates, Span<const int> nodeIds) {
+    return guarded([&] {
+        const std::size_t count = coordinates.size() / 3;
+        if (!areWhole("setNodes", coordinates.size()) ||
+            !checkNodes("setNodes", coordinates.data(), count, nodeIds.size())) {
+            return false;
+        }
+        ZRVec3fArray nodes;
+        if (!nodes.SetSize(static_cast<std::int64_t>(count))) return false;
+        std::transform(coordinates.begin(), coordinates.end(),
+                       reinterpret_cast<float*>(nodes.WritableData()),
+                       [](double value) { return static_cast<float>(value); });
+        auto ids = nodeIds.empty() ? nullptr : std::make_unique<ZRIntArray>();
+        if (ids && !ids->Assign(nodeIds.data(), static_cast<std::int64_t>(count))) return false;
+        return m_private->m_nodeBlock->SetNodes(std::move(nodes), std::move(ids));
     });
 }
 
 bool NodeBlock::setNodeData(const float* coordinates, std::size_t nodeCount, const int* nodeIds) {
     return guarded([&] {
-        if (!coordinates || nodeCount == 0) {
-            return fail("Given pointer to node coordinates was NULL. (block id %1)", blockId());
+        if (!checkNodes("setNodeData", coordinates, nodeCount, nodeIds ? nodeCount : 0)) {
+            return false;
         }
-        const bool withNodeIds = hasNodeIds();
-        NVF_ASSERT((nodeIds != nullptr) == withNodeIds);
-        if ((nodeIds != nullptr) != withNodeIds) return false;
         const auto count = static_cast<std::int64_t>(nodeCount);
         ZRVec3fArray nodes;
         nodes.Refer(reinterpret_cast<const Vec3f*>(coordinates), count);
@@ -103,6 +128,13 @@ bool NodeBlock::setNodeData(const float* coordinates, std::size_t nodeCount, con
         }
         return m_private->m_nodeBlock->SetNodes(std::move(nodes), std::move(ids));
     });
+}
+
+bool NodeBlock::setNodeData(Span<const float> coordinates, Span<const int> nodeIds) {
+    const std::size_t count = coordinates.size() / 3;
+    return areWhole("setNodeData", coordinates.size()) &&
+           checkNodes("setNodeData", coordinates.data(), count, nodeIds.size()) &&
+           setNodeData(coordinates.data(), count, nodeIds.empty() ? nullptr : nodeIds.data());
 }
 
 std::size_t NodeBlock::nodeCount() const {
@@ -127,6 +159,15 @@ std::vector<int> NodeBlock::nodeIds() const {
     });
 }
 
+Span<const float> NodeBlock::coordinates() const {
+    return Span<const float>::of(nodeData(), 3 * nodeCount());
+}
+
+Span<const int> NodeBlock::ids() const {
+    const int* ids = nodeIdData();
+    return Span<const int>::of(ids, ids ? nodeCount() : 0);
+}
+
 const float* NodeBlock::nodeData() const {
     return guarded(
         [&] { return reinterpret_cast<const float*>(m_private->m_nodeBlock->GetNodes().Data()); });
@@ -144,14 +185,14 @@ int NodeBlock::nodeIndex(int nodeId) const {
                    [&] { return static_cast<int>(m_private->m_nodeBlock->GetNodeIndex(nodeId)); });
 }
 
-bool NodeBlock::checkIds(const Vec3f* nodes, std::size_t nodeCount,
-                         const std::vector<int>& nodeIds) const {
+bool NodeBlock::checkNodes(const char* operation, const void* nodes, std::size_t nodeCount,
+                           std::size_t idCount) const {
     if (!nodes || nodeCount == 0) {
         return fail("Given pointer to node coordinates was NULL. (block id %1)", blockId());
     }
-    const bool withNodeIds = hasNodeIds();
-    NVF_ASSERT(nodeIds.size() == (withNodeIds ? nodeCount : 0));
-    return nodeIds.size() == (withNodeIds ? nodeCount : 0);
+    const std::size_t expected = hasNodeIds() ? nodeCount : 0;
+    return nvf::require(idCount == expected, "%1: %2 node ids given for %3 nodes, expected %4",
+                        operation, idCount, nodeCount, expected);
 }
 
 }  // namespace nuo::zrfx

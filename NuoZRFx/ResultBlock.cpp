@@ -172,13 +172,17 @@ std::vector<Str> ResultBlock::attributeNames() const {
 }
 
 bool ResultBlock::addResultValuesBlock(int resultValuesBlockId, int stateId) {
-    return guarded(
-        [&] { return addValuesBlock(*m_private->m_resultBlock, resultValuesBlockId, stateId); });
+    return guarded([&] {
+        return addValuesBlock("addResultValuesBlock", *m_private->m_resultBlock,
+                              resultValuesBlockId, stateId);
+    });
 }
 
 bool ResultBlock::setResultValuesBlocks(const std::vector<int>& resultValuesBlockIds, int stateId) {
-    return guarded(
-        [&] { return setValuesBlocks(*m_private->m_resultBlock, resultValuesBlockIds, stateId); });
+    return guarded([&] {
+        return setValuesBlocks("setResultValuesBlocks", *m_private->m_resultBlock,
+                               resultValuesBlockIds, stateId);
+    });
 }
 
 std::size_t ResultBlock::stateCount() const {
@@ -195,7 +199,9 @@ int ResultBlock::stateIndex(int stateId) const {
 }
 
 std::vector<int> ResultBlock::resultValuesBlocks(std::size_t stateIndex) const {
-    return guarded([&] { return valuesBlocksAt(*m_private->m_resultBlock, stateIndex); });
+    return guarded([&] {
+        return valuesBlocksAt("resultValuesBlocks", *m_private->m_resultBlock, stateIndex);
+    });
 }
 
 }  // namespace nuo::zrfx

@@ -1,5 +1,8 @@
 #include "NuoZRFx/ResultValuesBlock.h"
 
+#include <algorithm>
+#include <limits>
+#include <type_traits>
 #include <utility>
 
 #include "Log_p.h"
@@ -19,10 +22,47 @@ bool isValidDimension(int dimension) {
            dimension == ResultValuesBlock::TENSOR6D;
 }
 
+// Empty when there is no memory.
+template <typename Item>
+unstruct::ZRArray<Item> copyOf(const Item* items, std::int64_t count) {
+    unstruct::ZRArray<Item> copy;
+    if (!copy.Assign(items, count)) copy.RemoveAll();
+    return copy;
+}
+
+// The doubles as floats, or as items made of them; empty when there is no memory.
+template <typename Item>
+unstruct::ZRArray<Item> rounded(Span<const double> values) {
+    unstruct::ZRArray<Item> items;
+    const std::size_t floatsPerItem = sizeof(Item) / sizeof(float);
+    if (!items.SetSize(static_cast<std::int64_t>(values.size() / floatsPerItem))) return {};
+    std::transform(values.begin(), values.end(), reinterpret_cast<float*>(items.WritableData()),
+                   [](double value) { return static_cast<float>(value); });
+    return items;
+}
+
 }  // namespace
 
 class ResultValuesBlockPrivate {
 public:
+    // Takes values and ids over, or neither when there is no memory.
+    template <typename Item>
+    bool take(unstruct::ZRArray<Item> values, Span<const int> ids) {
+        std::unique_ptr<ZRIntArray> copy;
+        if (!ids.empty()) copy = std::make_unique<ZRIntArray>();
+        if (values.IsEmpty() ||
+            (copy && !copy->Assign(ids.data(), static_cast<std::int64_t>(ids.size())))) {
+            return false;
+        }
+        if constexpr (std::is_same_v<Item, Vec3f>) {
+            m_resultValuesBlock->SetVectors(std::move(values));
+        } else {
+            m_resultValuesBlock->SetScalars(std::move(values));
+        }
+        m_resultValuesBlock->SetIDs(std::move(copy));
+        return true;
+    }
+
     nvf::ref<ZRFxResultValuesBlock> m_resultValuesBlock;
     bool m_hasMapToItemIds = false;
 };
@@ -69,64 +109,77 @@ ResultValuesBlock::ResultValueDimension ResultValuesBlock::dimension() const {
 
 bool ResultValuesBlock::allocateResultValues(int count) {
     return guarded([&] {
-        NVF_ASSERT(count >= 0);
-        return count >= 0 && isValidDimension(dimension()) &&
-               m_private->m_resultValuesBlock->Reserve(count);
+        return nvf::require(count >= 0, "allocateResultValues: %1 items asked for", count) &&
+               allocateResultValues(static_cast<std::size_t>(count));
+    });
+}
+
+bool ResultValuesBlock::allocateResultValues(std::size_t count) {
+    return guarded([&] {
+        return isValidDimension(dimension()) &&
+               count <= std::numeric_limits<std::int64_t>::max() / sizeof(float[6]) &&
+               m_private->m_resultValuesBlock->Reserve(static_cast<std::int64_t>(count));
     });
 }
 
 bool ResultValuesBlock::addResultValue1d(float value, int mapToItemId) {
     return guarded([&] {
-        NVF_ASSERT(dimension() == SCALAR1D);
-        return dimension() == SCALAR1D && checkIds(mapToItemId >= 0) &&
+        return checkDimension("addResultValue1d", SCALAR1D) && checkIds(mapToItemId >= 0) &&
                m_private->m_resultValuesBlock->AddScalar(value, mapToItemId);
     });
 }
 
 bool ResultValuesBlock::addResultValue3d(float x, float y, float z, int mapToItemId) {
     return guarded([&] {
-        NVF_ASSERT(dimension() == VECTOR3D);
-        return dimension() == VECTOR3D && checkIds(mapToItemId >= 0) &&
+        return checkDimension("addResultValue3d", VECTOR3D) && checkIds(mapToItemId >= 0) &&
                m_private->m_resultValuesBlock->AddVector(Vec3f(x, y, z), mapToItemId);
+    });
+}
+
+bool ResultValuesBlock::addResultValue6d(float xx, float yy, float zz, float xy, float yz, float zx,
+                                         int mapToItemId) {
+    return guarded([&] {
+        const float tensor[] = {xx, yy, zz, xy, yz, zx};
+        return checkDimension("addResultValue6d", TENSOR6D) && checkIds(mapToItemId >= 0) &&
+               m_private->m_resultValuesBlock->AddTensor(tensor, mapToItemId);
     });
 }
 
 bool ResultValuesBlock::setResultValues(const std::vector<float>& resultValues,
                                         const std::vector<int>& mapToItemIds) {
     return guarded([&] {
-        NVF_ASSERT(!resultValues.empty());
-        const auto floatsPerItem = static_cast<std::size_t>(dimension());
-        if (resultValues.empty() || !isValidDimension(dimension()) ||
-            !checkIds(!mapToItemIds.empty())) {
+        std::size_t itemCount = 0;
+        if (!countItems("setResultValues", resultValues.size(), mapToItemIds.size(), &itemCount)) {
             return false;
         }
-        const bool isWhole = resultValues.size() % floatsPerItem == 0;
-        const std::size_t itemCount = resultValues.size() / floatsPerItem;
-        NVF_ASSERT(isWhole && (mapToItemIds.empty() || mapToItemIds.size() == itemCount));
-        if (!isWhole || (!mapToItemIds.empty() && mapToItemIds.size() != itemCount)) return false;
-        std::unique_ptr<ZRIntArray> ids;
-        if (!mapToItemIds.empty()) {
-            ids = std::make_unique<ZRIntArray>();
-            if (!ids->Assign(mapToItemIds.data(), static_cast<std::int64_t>(itemCount)))
-                return false;
+        const auto count = static_cast<std::int64_t>(itemCount);
+        const auto* vectors = reinterpret_cast<const Vec3f*>(resultValues.data());
+        return dimension() == VECTOR3D
+                   ? m_private->take(copyOf(vectors, count), mapToItemIds)
+                   : m_private->take(copyOf(resultValues.data(), count * dimension()),
+                                     mapToItemIds);
+    });
+}
+
+bool ResultValuesBlock::setRoundedValues(Span<const double> resultValues,
+                                         Span<const int> mapToItemIds) {
+    return guarded([&] {
+        std::size_t itemCount = 0;
+        if (!countItems("setResultValues", resultValues.size(), mapToItemIds.size(), &itemCount)) {
+            return false;
         }
-        const auto count = static_cast<std::int64_t>(resultValues.size());
-        ZRFxResultValuesBlock& block = *m_private->m_resultValuesBlock;
-        const bool isSet =
-            dimension() == VECTOR3D
-                ? block.SetVectors(reinterpret_cast<const Vec3f*>(resultValues.data()), count / 3)
-                : block.SetScalars(resultValues.data(), count);
-        if (isSet) block.SetIDs(std::move(ids));
-        return isSet;
+        return dimension() == VECTOR3D
+                   ? m_private->take(rounded<Vec3f>(resultValues), mapToItemIds)
+                   : m_private->take(rounded<float>(resultValues), mapToItemIds);
     });
 }
 
 bool ResultValuesBlock::setResultValueData(const float* resultValues, std::size_t itemCount,
                                            const int* mapToItemIds) {
     return guarded([&] {
-        NVF_ASSERT(resultValues && itemCount > 0);
-        if (!resultValues || itemCount == 0 || !isValidDimension(dimension()) ||
-            !checkIds(mapToItemIds != nullptr)) {
+        if (!nvf::require(resultValues && itemCount > 0,
+                          "setResultValueData: no values are given") ||
+            !isValidDimension(dimension()) || !checkIds(mapToItemIds != nullptr)) {
             return false;
         }
         const auto count = static_cast<std::int64_t>(itemCount);
@@ -147,6 +200,17 @@ bool ResultValuesBlock::setResultValueData(const float* resultValues, std::size_
         }
         block.SetIDs(std::move(ids));
         return true;
+    });
+}
+
+bool ResultValuesBlock::setResultValueData(Span<const float> resultValues,
+                                           Span<const int> mapToItemIds) {
+    return guarded([&] {
+        std::size_t itemCount = 0;
+        return countItems("setResultValueData", resultValues.size(), mapToItemIds.size(),
+                          &itemCount) &&
+               setResultValueData(resultValues.data(), itemCount,
+                                  mapToItemIds.empty() ? nullptr : mapToItemIds.data());
     });
 }
 
@@ -175,6 +239,16 @@ std::vector<int> ResultValuesBlock::mapToItemIds() const {
         fail("Requested item ids of a result value block, but no IDs were available.");
         return {};
     });
+}
+
+Span<const float> ResultValuesBlock::values() const {
+    const std::size_t count = itemCount() * static_cast<std::size_t>(dimension());
+    return count > 0 ? Span<const float>::of(resultValueData(), count) : Span<const float>();
+}
+
+Span<const int> ResultValuesBlock::itemIds() const {
+    const int* ids = mapToItemIdData();
+    return Span<const int>::of(ids, ids ? itemCount() : 0);
 }
 
 const float* ResultValuesBlock::resultValueData() const {
@@ -206,9 +280,12 @@ const int* ResultValuesBlock::mapToItemIdData() const {
 
 bool ResultValuesBlock::setMapToBlockId(int blockId, BlockType blockType) {
     return guarded([&] {
-        NVF_ASSERT(blockType == ELEMENTS || blockType == NODES);
-        NVF_ASSERT(blockId >= 0);
-        if ((blockType != ELEMENTS && blockType != NODES) || blockId < 0) return false;
+        if (!nvf::require(blockType == ELEMENTS || blockType == NODES,
+                          "setMapToBlockId: values belong to NODES or ELEMENTS, not to %1",
+                          blockTypeName(blockType)) ||
+            !nvf::require(blockId >= 0, "setMapToBlockId: block id %1 is negative", blockId)) {
+            return false;
+        }
         m_private->m_resultValuesBlock->SetMapToBlockID(blockId);
         return true;
     });
@@ -216,6 +293,26 @@ bool ResultValuesBlock::setMapToBlockId(int blockId, BlockType blockType) {
 
 int ResultValuesBlock::mapToBlockId() const {
     return guarded(-1, [&] { return m_private->m_resultValuesBlock->GetMapToBlockID(); });
+}
+
+bool ResultValuesBlock::checkDimension(const char* operation, ResultValueDimension expected) const {
+    return nvf::require(dimension() == expected, "%1: the block has %2 values per item, not %3",
+                        operation, static_cast<int>(dimension()), static_cast<int>(expected));
+}
+
+bool ResultValuesBlock::countItems(const char* operation, std::size_t valueCount,
+                                   std::size_t idCount, std::size_t* itemCount) const {
+    if (!nvf::require(valueCount > 0, "%1: no values are given", operation) ||
+        !isValidDimension(dimension()) || !checkIds(idCount > 0)) {
+        return false;
+    }
+    const auto floatsPerItem = static_cast<std::size_t>(dimension());
+    *itemCount = valueCount / floatsPerItem;
+    return nvf::require(valueCount % floatsPerItem == 0,
+                        "%1: %2 values given, which are not %3 per item", operation, valueCount,
+                        floatsPerItem) &&
+           nvf::require(idCount == 0 || idCount == *itemCount, "%1: %2 item ids given for %3 items",
+                        operation, idCount, *itemCount);
 }
 
 bool ResultValuesBlock::checkIds(bool isGiven) const {

@@ -18,7 +18,7 @@ namespace nuo::zrfx {
 using unstruct::ZRFxSetBlock;
 using unstruct::ZRFxSetBlockItems;
 
-// The set's items belong to the block behind it; the groups are faces of them.
+// The set's items belong to the block that it wraps; the groups are faces of them.
 class SetBlockPrivate {
 public:
     // The last group of elements of the block; null when there is none.
@@ -118,8 +118,9 @@ void SetBlock::addItem(int item, int elementBlockId) {
 }
 
 void SetBlock::addItems(const int* items, std::size_t count, int elementBlockId) {
-    NVF_ASSERT(items || count == 0);
-    if (!items) return;
+    if (!nvf::require(items || count == 0, "addItems: the pointer to %1 items is null", count)) {
+        return;
+    }
     change(*this, [&] {
         SetItemGroup* target = m_private->groupOf(elementBlockId);
         if (!target) {
@@ -132,9 +133,12 @@ void SetBlock::addItems(const int* items, std::size_t count, int elementBlockId)
     });
 }
 
+void SetBlock::addItems(Span<const int> items, int elementBlockId) {
+    addItems(items.data(), items.size(), elementBlockId);
+}
+
 void SetBlock::addItemGroup(SetItemGroup* group) {
-    NVF_ASSERT(group);
-    if (!group) return;
+    if (!nvf::require(group, "addItemGroup: the group is null")) return;
     change(*this, [&] {
         // A group whose items a set has belongs to that set.
         if (!group->m_private.isNull() && !group->m_private->m_own) return;

@@ -60,8 +60,10 @@ void SetItemGroup::setItems(const std::vector<int>& items) {
 
 void SetItemGroup::setItemData(const int* items, std::size_t count) {
     guarded([&] {
-        NVF_ASSERT(items || count == 0);
-        if (!items) count = 0;
+        if (!nvf::require(items || count == 0, "setItemData: the pointer to %1 items is null",
+                          count)) {
+            count = 0;
+        }
         m_private->m_items->m_aiItems.Refer(items, static_cast<std::int64_t>(count));
     });
 }
@@ -71,9 +73,18 @@ std::size_t SetItemGroup::itemCount() const {
         [&] { return static_cast<std::size_t>(m_private->m_items->m_aiItems.GetSize()); });
 }
 
+void SetItemGroup::setItemData(Span<const int> items) {
+    setItemData(items.data(), items.size());
+}
+
+Span<const int> SetItemGroup::items() const {
+    return Span<const int>::of(itemData(), itemCount());
+}
+
 int SetItemGroup::itemIdOrIndex(std::size_t index) const {
-    NVF_ASSERT(index < itemCount());
-    return index < itemCount() ? itemData()[index] : -1;
+    const bool isThere = nvf::require(index < itemCount(), "itemIdOrIndex: item %1 of %2 asked for",
+                                      index, itemCount());
+    return isThere ? itemData()[index] : -1;
 }
 
 const int* SetItemGroup::itemData() const {

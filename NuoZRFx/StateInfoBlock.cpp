@@ -2,11 +2,13 @@
 
 #include <algorithm>
 #include <memory>
+#include <set>
 #include <unordered_map>
 #include <utility>
 
 #include "Convert_p.h"
 #include "Log_p.h"
+#include "UnusedId_p.h"
 #include "ZRIDLookup.h"
 #include "ZRMakeRoom.h"
 #include "blocks/results/ZRFxStateInfoBlock.h"
@@ -198,6 +200,15 @@ int StateInfoBlock::stateIndex(int stateId) const {
         const auto found = m_private->m_statesOfId.find(stateId);
         return found == m_private->m_statesOfId.end() ? -1
                                                       : static_cast<int>(found->second.front());
+    });
+}
+
+int StateInfoBlock::unusedStateId() const {
+    return guarded(-1, [&] {
+        std::set<int> ids;
+        for (const auto& [id, states] : m_private->m_statesOfId) ids.insert(id);
+        for (const Group& group : m_private->m_groups) ids.insert(group.id);
+        return unusedId(ids, 1);
     });
 }
 

@@ -26,21 +26,25 @@ bool changeState(ZRBlock& block, int stateId, Change change) {
 }
 
 template <typename ZRBlock>
-bool addValuesBlock(ZRBlock& block, int valuesBlockId, int stateId) {
-    NVF_ASSERT(valuesBlockId >= 0);
-    return valuesBlockId >= 0 &&
+bool addValuesBlock(const char* operation, ZRBlock& block, int valuesBlockId, int stateId) {
+    return nvf::require(valuesBlockId >= 0, "%1: values block id %2 is negative", operation,
+                        valuesBlockId) &&
            changeState(block, stateId, [&](unstruct::ZRIntArray& valuesBlockIds) {
                return valuesBlockIds.Add(valuesBlockId);
            });
 }
 
 template <typename ZRBlock>
-bool setValuesBlocks(ZRBlock& block, const std::vector<int>& valuesBlockIds, int stateId) {
-    NVF_ASSERT(!valuesBlockIds.empty());
-    const bool areIds = std::all_of(valuesBlockIds.begin(), valuesBlockIds.end(),
-                                    [](int valuesBlockId) { return valuesBlockId >= 0; });
-    NVF_ASSERT(areIds);
-    if (valuesBlockIds.empty() || !areIds) return false;
+bool setValuesBlocks(const char* operation, ZRBlock& block, const std::vector<int>& valuesBlockIds,
+                     int stateId) {
+    const auto wrong = std::find_if(valuesBlockIds.begin(), valuesBlockIds.end(),
+                                    [](int valuesBlockId) { return valuesBlockId < 0; });
+    if (!nvf::require(!valuesBlockIds.empty(), "%1: no values blocks are given", operation)) {
+        return false;
+    }
+    if (wrong != valuesBlockIds.end()) {
+        return nvf::require(false, "%1: values block id %2 is negative", operation, *wrong);
+    }
     return changeState(block, stateId, [&](unstruct::ZRIntArray& ids) {
         return ids.Assign(valuesBlockIds.data(), static_cast<std::int64_t>(valuesBlockIds.size()));
     });
@@ -58,10 +62,13 @@ int stateIndexOf(const ZRBlock& block, int stateId) {
 }
 
 template <typename ZRBlock>
-std::vector<int> valuesBlocksAt(const ZRBlock& block, std::size_t stateIndex) {
+std::vector<int> valuesBlocksAt(const char* operation, const ZRBlock& block,
+                                std::size_t stateIndex) {
     const auto* state = block.GetState(static_cast<std::int64_t>(stateIndex));
-    NVF_ASSERT(state);
-    if (!state) return {};
+    if (!nvf::require(state, "%1: state %2 of %3 asked for", operation, stateIndex,
+                      block.GetStateCount())) {
+        return {};
+    }
     return std::vector<int>(state->m_aiValuesBlockIDs.begin(), state->m_aiValuesBlockIDs.end());
 }
 

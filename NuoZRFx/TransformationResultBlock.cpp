@@ -69,12 +69,18 @@ void TransformationResultBlock::setResultId(int resultId) {
 }
 
 bool TransformationResultBlock::addTransformationResultValuesBlock(int blockId, int stateId) {
-    return guarded([&] { return addValuesBlock(*m_private->m_block, blockId, stateId); });
+    return guarded([&] {
+        return addValuesBlock("addTransformationResultValuesBlock", *m_private->m_block, blockId,
+                              stateId);
+    });
 }
 
 bool TransformationResultBlock::setTransformationResultValuesBlocks(
     const std::vector<int>& blockIds, int stateId) {
-    return guarded([&] { return setValuesBlocks(*m_private->m_block, blockIds, stateId); });
+    return guarded([&] {
+        return setValuesBlocks("setTransformationResultValuesBlocks", *m_private->m_block, blockIds,
+                               stateId);
+    });
 }
 
 std::size_t TransformationResultBlock::stateCount() const {
@@ -96,7 +102,9 @@ std::size_t TransformationResultBlock::transformationResultValuesBlockCount(
 
 std::vector<int> TransformationResultBlock::transformationResultValuesBlocks(
     std::size_t stateIndex) const {
-    return guarded([&] { return valuesBlocksAt(*m_private->m_block, stateIndex); });
+    return guarded([&] {
+        return valuesBlocksAt("transformationResultValuesBlocks", *m_private->m_block, stateIndex);
+    });
 }
 
 }  // namespace nuo::zrfx

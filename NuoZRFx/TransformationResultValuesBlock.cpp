@@ -70,8 +70,10 @@ void TransformationResultValuesBlock::setMatrix(const Mat4d& matrix) {
 
 bool TransformationResultValuesBlock::setMapToBlockId(int blockId, BlockType blockType) {
     return guarded([&] {
-        NVF_ASSERT((blockType == Block::ELEMENTS));
-        if (blockType != Block::ELEMENTS) return false;
+        if (!nvf::require(blockType == ELEMENTS, "setMapToBlockId: ELEMENTS are moved, not %1",
+                          blockTypeName(blockType))) {
+            return false;
+        }
         m_private->m_block->SetMapToBlock(blockId, ZRConvert::fromBlockType(blockType));
         return true;
     });

@@ -1,5 +1,6 @@
 # Installs the build into a folder of its own, then builds and runs the consumer project against
-# that copy: once through the CMake package, once through pkg-config.
+# that copy: once through the CMake package, once through pkg-config. The examples that were installed
+# are built as a project of their own.
 set(prefix ${WORK}/installed)
 file(REMOVE_RECURSE ${WORK})
 execute_process(COMMAND ${CMAKE_COMMAND} --install ${BUILD} --prefix ${prefix}
@@ -13,7 +14,7 @@ execute_process(COMMAND ${CMAKE_COMMAND} --build ${WORK}/build COMMAND_ERROR_IS_
 execute_process(COMMAND ${WORK}/build/consumer COMMAND_ERROR_IS_FATAL ANY)
 
 set(ENV{PKG_CONFIG_PATH} ${prefix}/${LIBRARY_FOLDER}/pkgconfig)
-execute_process(COMMAND pkg-config --define-prefix --cflags --libs NuoZRFx
+execute_process(COMMAND pkg-config --cflags --libs NuoZRFx
     OUTPUT_VARIABLE flags OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
 separate_arguments(flags)
 execute_process(
@@ -21,3 +22,10 @@ execute_process(
             -Wl,-rpath,${prefix}/${LIBRARY_FOLDER} -o ${WORK}/consumer_by_pkg_config
     COMMAND_ERROR_IS_FATAL ANY)
 execute_process(COMMAND ${WORK}/consumer_by_pkg_config COMMAND_ERROR_IS_FATAL ANY)
+
+execute_process(
+    COMMAND ${CMAKE_COMMAND} -G ${GENERATOR} -S ${prefix}/${DOC_FOLDER}/examples -B ${WORK}/examples
+            -DCMAKE_PREFIX_PATH=${prefix} -DCMAKE_CXX_COMPILER=${COMPILER}
+    OUTPUT_QUIET COMMAND_ERROR_IS_FATAL ANY)
+execute_process(COMMAND ${CMAKE_COMMAND} --build ${WORK}/examples
+    OUTPUT_QUIET COMMAND_ERROR_IS_FATAL ANY)

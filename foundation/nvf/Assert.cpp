@@ -19,6 +19,7 @@ void logFailedAssert(const char* fileName, int lineNumber, const char* expressio
         String text = "ASSERT: ";
         if (expression) text += String(" (") + expression + ")";
         if (message) text += String(" '") + message + "'";
+        FirstError::note(Reason::INVALID_ARGUMENT, text);
         LogManager::instance()->logger("nuo.nvf")->error(
             text, CodeLocation(fileName, "", "", lineNumber));
     } catch (const std::bad_alloc&) {
@@ -61,6 +62,11 @@ bool reportFailedAssert(const char* fileName, int lineNumber, const char* expres
 void assertionFailed(const char* expression, const char* message, SourceLocation where) {
     const int line = static_cast<int>(where.line());
     if (reportFailedAssert(where.file_name(), line, expression, message)) std::raise(SIGTRAP);
+}
+
+void reportMisuse(const String& text, const LocatedText& message) {
+    if (text.isEmpty()) return assertionFailed(nullptr, message.text, message.where);
+    assertionFailed(nullptr, text.toUtf8().c_str(), message.where);
 }
 
 }  // namespace nvf

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <new>
 #include <stdexcept>
 
+#include "nvf/Logger.h"
 #include "nvf/SourceLocation.h"
 #include "nvf/String.h"
 
@@ -28,6 +30,28 @@ bool reportFailedAssert(const char* fileName, int lineNumber, const char* expres
 /// Reports a failed assertion of the calling line; breaks into the debugger when asked to.
 void assertionFailed(const char* expression, const char* message,
                      SourceLocation where = SourceLocation::current());
+
+/// Reports a failed assertion of an operation's caller: the text, or for lack of memory the message
+/// with its placeholders.
+void reportMisuse(const String& text, const LocatedText& message);
+
+/// Whether the caller of an operation keeps to its rules. Where he does not, reports a failed
+/// assertion with a message that begins with the operation's name, its placeholders filled with
+/// `values` in order.
+///
+///     if (!require(row < 4, "setRow: row %1 is none of 0 to 3", row)) return false;
+template <typename... Values>
+bool require(bool isKept, LocatedText message, const Values&... values) {
+    if (isKept || !NUO_ASSERTIONS) return isKept;
+    String text;
+    try {
+        text = Logger::composed(message, values...);
+    } catch (const std::bad_alloc&) {
+        text = String();
+    }
+    reportMisuse(text, message);
+    return false;
+}
 
 }  // namespace nvf
 

@@ -5,6 +5,7 @@
 #include <type_traits>
 
 #include "nvf/CodeLocation.h"
+#include "nvf/FirstError.h"
 #include "nvf/LogDestination.h"
 #include "nvf/Object.h"
 #include "nvf/SourceLocation.h"
@@ -52,6 +53,13 @@ public:
     /// returns false, the result of the operation that failed. Costs nothing when errors are off.
     template <typename... Values>
     bool fail(LocatedText message, const Values&... values) {
+        return failBecause(Reason::NONE, message, values...);
+    }
+
+    /// The same with a reason, which the caller of the public interface gets.
+    template <typename... Values>
+    bool failBecause(Reason reason, LocatedText message, const Values&... values) {
+        if (FirstError::isAwaited()) note(reason, message, values...);
         emitLocated(nuo::LL_ERROR, message, values...);
         return false;
     }
@@ -66,6 +74,12 @@ public:
         emitLocated(nuo::LL_INFO, message, values...);
     }
 
+    /// The text of a message, its placeholders filled with `values` in order.
+    template <typename... Values>
+    static String composed(const LocatedText& message, const Values&... values) {
+        return String(message.text).args({textOf(values)...});
+    }
+
     /// Whether the calling thread is inside a destination, which cannot take another message.
     static bool isEmitting();
 
@@ -74,10 +88,18 @@ public:
 
 private:
     template <typename... Values>
+    static void note(Reason reason, const LocatedText& message, const Values&... values) {
+        try {
+            FirstError::note(reason, composed(message, values...));
+        } catch (...) {
+            FirstError::note(reason, String());
+        }
+    }
+    template <typename... Values>
     void emitLocated(LogLevel level, const LocatedText& message, const Values&... values) {
         if (level > this->level()) return;
         try {
-            emit(level, String(message.text).args({textOf(values)...}), message.where);
+            emit(level, composed(message, values...), message.where);
         } catch (...) {
             writeLine(message.text);
         }

@@ -61,6 +61,21 @@ bool ZRFxResultValuesBlock::AddVector(const nuo::Vec3f& value, std::int32_t id) 
     return m_iNumDimensions == 3 && AddWithID(value, id, &m_avResults);
 }
 
+bool ZRFxResultValuesBlock::AddTensor(const float (&tensor)[6], std::int32_t id) {
+    NVF_ASSERT(m_iNumDimensions == 6);
+    if (m_iNumDimensions != 6) return false;
+    SetRead(true);
+    const std::int64_t numBefore = m_afResults.GetSize();
+    for (const float component : tensor) {
+        if (m_afResults.Add(component)) continue;
+        m_afResults.SetSize(numBefore);
+        return false;
+    }
+    if (!m_paiIDs || m_paiIDs->Add(id)) return true;
+    m_afResults.SetSize(numBefore);
+    return false;
+}
+
 void ZRFxResultValuesBlock::SetIDs(std::unique_ptr<ZRIntArray> paiIDs) {
     m_paiIDs = std::move(paiIDs);
     m_indices = ZRIDLookup();

@@ -31,6 +31,9 @@ public:
         INVALID_BLOCK = 10
     };
 
+    /// The name of an enumerator, such as "NODES"; empty for a value that is none.
+    static const char* blockTypeName(BlockType type);
+
     /// Whether the block can be written; logs why not.
     virtual bool checkValidity() const;
 

@@ -5,6 +5,7 @@
 
 #include "NuoCore/Export.h"
 #include "NuoCore/PrivatePtr.h"
+#include "NuoCore/Span.h"
 #include "NuoZRFx/Block.h"
 
 namespace unstruct {
@@ -41,6 +42,11 @@ public:
         POLYHEDRONS = 16,
         UNKNOWN = 17
     };
+
+    static constexpr BlockType kBlockType = ELEMENTS;
+
+    /// The name of an enumerator, such as "QUADS"; empty for a value that is none.
+    static const char* elementTypeName(ElementType elementType);
 
     /// The number of nodes of an element; for POLYHEDRONS, where it varies, the largest value.
     static std::size_t nodesPerElement(ElementType elementType);
@@ -95,6 +101,8 @@ public:
     /// after that. A later addElements of the same type copies and extends the group.
     bool addElementData(ElementType elementType, const int* elementNodes, std::size_t elementCount,
                         const int* elementIds);
+    bool addElementData(ElementType elementType, Span<const int> elementNodes,
+                        Span<const int> elementIds = {});
 
     /// The number of elements, and of node references, in all groups.
     std::size_t elementCount() const;
@@ -111,6 +119,16 @@ public:
     /// has none. `elementIds` may be null.
     bool elementGroup(std::size_t groupIndex, std::vector<int>* elementNodes,
                       std::vector<int>* elementIds) const;
+
+    /// The index, from 0, of the element with an id among the elements of all groups in their
+    /// order; -1 when there is none. The first call after a change takes time with the number of
+    /// elements.
+    int elementIndex(int elementId) const;
+
+    /// The nodes of a group, element after element, and its ids, empty when the block has none;
+    /// valid while the block lives and is not changed.
+    Span<const int> elementGroupNodes(std::size_t groupIndex) const;
+    Span<const int> elementGroupIds(std::size_t groupIndex) const;
 
     /// elementGroupElementNodeCount() nodes, valid while the block lives and is not changed.
     const int* elementNodeData(std::size_t groupIndex) const;
@@ -131,11 +149,14 @@ public:
 private:
     friend class DatabasePrivate;
     explicit ElementBlock(unstruct::ZRFxElementBlock* elementBlock);
-    bool checkIds(bool isGiven) const;
-    static bool countElements(ElementType elementType, const std::vector<int>& elementNodes,
-                              const std::vector<int>& elementIds, std::size_t* elementCount);
-    bool checkElements(ElementType elementType, const int* elementNodes, std::size_t elementCount,
-                       const int* elementIds) const;
+    bool checkIds(const char* operation, bool isGiven) const;
+    static bool countElements(const char* operation, ElementType elementType,
+                              Span<const int> elementNodes, Span<const int> elementIds,
+                              std::size_t* elementCount);
+    bool checkElements(const char* operation, ElementType elementType, const int* elementNodes,
+                       std::size_t elementCount, const int* elementIds) const;
+    bool addElements(const char* operation, ElementType elementType, const int* elementNodes,
+                     std::size_t elementCount, const int* elementIds);
     bool addGroup(const unstruct::ZRFxElementBlockGroup& added);
     unstruct::ZRFxElementBlockGroup* lastGroupOf(int zrElementType) const;
     const unstruct::ZRFxElementBlockGroup* groupAt(std::size_t groupIndex) const;

@@ -20,6 +20,8 @@ namespace nuo::zrfx {
 /// the same parts in the same order; only their element blocks may differ. The block id is 1.
 class NUO_API GeometryBlock : public Block {
 public:
+    static constexpr BlockType kBlockType = GEOMETRY;
+
     explicit GeometryBlock(std::size_t geometryCountPerState);
     ~GeometryBlock() override;
 

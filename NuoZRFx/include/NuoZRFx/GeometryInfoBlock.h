@@ -17,6 +17,8 @@ namespace nuo::zrfx {
 /// The names of the parts of each geometry. The block id is 1.
 class NUO_API GeometryInfoBlock : public Block {
 public:
+    static constexpr BlockType kBlockType = GEOMETRY_INFO;
+
     explicit GeometryInfoBlock(std::size_t geometryCountPerState);
     ~GeometryInfoBlock() override;
 

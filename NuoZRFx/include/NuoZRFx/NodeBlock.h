@@ -1,10 +1,12 @@
 #pragma once
 
 #include <cstddef>
+#include <type_traits>
 #include <vector>
 
 #include "NuoCore/Export.h"
 #include "NuoCore/PrivatePtr.h"
+#include "NuoCore/Span.h"
 #include "NuoCore/Vec3f.h"
 #include "NuoZRFx/Block.h"
 
@@ -17,6 +19,8 @@ namespace nuo::zrfx {
 /// The nodes of a model: coordinates and, if the block is built with ids, one user id per node.
 class NUO_API NodeBlock : public Block {
 public:
+    static constexpr BlockType kBlockType = NODES;
+
     NodeBlock(int blockId, bool withNodeIds);
     ~NodeBlock() override;
 
@@ -39,11 +43,25 @@ public:
     /// nodeCount ids. They must stay unchanged until the block has been written, and for as long as
     /// it is used after that.
     bool setNodeData(const float* coordinates, std::size_t nodeCount, const int* nodeIds);
+    bool setNodeData(Span<const float> coordinates, Span<const int> nodeIds = {});
+
+    /// Replaces all nodes by coordinates in double precision, from a vector, an array or a
+    /// Span<const double>. Files hold single precision, to which they are rounded.
+    template <typename Doubles, typename = std::enable_if_t<
+                                    std::is_convertible_v<const Doubles&, Span<const double>>>>
+    bool setNodes(const Doubles& coordinates, Span<const int> nodeIds = {}) {
+        return setRoundedNodes(coordinates, nodeIds);
+    }
 
     std::size_t nodeCount() const;
     bool hasNodeIds() const;
     std::vector<Vec3f> nodes() const;
     std::vector<int> nodeIds() const;
+
+    /// x y z of each node, and the ids, empty when the block has none; valid while the block lives
+    /// and is not changed.
+    Span<const float> coordinates() const;
+    Span<const int> ids() const;
 
     /// 3 * nodeCount() floats, x y z interleaved; valid while the block lives and is not changed.
     const float* nodeData() const;
@@ -57,7 +75,9 @@ public:
 private:
     friend class DatabasePrivate;
     explicit NodeBlock(unstruct::ZRFxNodeBlock* nodeBlock);
-    bool checkIds(const Vec3f* nodes, std::size_t nodeCount, const std::vector<int>& nodeIds) const;
+    bool checkNodes(const char* operation, const void* nodes, std::size_t nodeCount,
+                    std::size_t idCount) const;
+    bool setRoundedNodes(Span<const double> coordinates, Span<const int> nodeIds);
 
     PrivatePtr<class NodeBlockPrivate> m_private;
 };

@@ -37,6 +37,13 @@ public:
 
     enum StrainType : int { NO_STRAIN = -1, ENGINEERING_STRAIN = 0, STANDARD_STRAIN = 1 };
 
+    static constexpr BlockType kBlockType = RESULT;
+
+    /// The name of an enumerator, such as "TENSOR"; empty for a value that is none.
+    static const char* resultTypeName(ResultType type);
+    static const char* resultMappingName(ResultMapping mapping);
+    static const char* strainTypeName(StrainType strainType);
+
     ResultBlock(int blockId, ResultType resultType, ResultMapping resultMapping);
     ~ResultBlock() override;
 

@@ -1,10 +1,12 @@
 #pragma once
 
 #include <cstddef>
+#include <type_traits>
 #include <vector>
 
 #include "NuoCore/Export.h"
 #include "NuoCore/PrivatePtr.h"
+#include "NuoCore/Span.h"
 #include "NuoZRFx/Block.h"
 
 namespace unstruct {
@@ -21,6 +23,8 @@ public:
     /// The number of floats per item.
     enum ResultValueDimension : int { SCALAR1D = 1, VECTOR3D = 3, TENSOR6D = 6 };
 
+    static constexpr BlockType kBlockType = RESULT_VALUES;
+
     ResultValuesBlock(int blockId, ResultValueDimension dimension, bool mapToItemIds);
     ~ResultValuesBlock() override;
 
@@ -32,10 +36,21 @@ public:
 
     /// Reserves room for a total number of items, 0 or more; false when there is not enough memory.
     bool allocateResultValues(int count);
+    bool allocateResultValues(std::size_t count);
+    template <typename Integer, typename = std::enable_if_t<std::is_integral_v<Integer>>>
+    bool allocateResultValues(Integer count) {
+        if constexpr (std::is_signed_v<Integer>) {
+            if (count < 0) return allocateResultValues(-1);
+        }
+        return allocateResultValues(static_cast<std::size_t>(count));
+    }
 
     /// Appends one item. With a block built with item ids the id is 0 or more, otherwise negative.
     bool addResultValue1d(float value, int mapToItemId = -1);
     bool addResultValue3d(float x, float y, float z, int mapToItemId = -1);
+
+    bool addResultValue6d(float xx, float yy, float zz, float xy, float yz, float zx,
+                          int mapToItemId = -1);
 
     /// Replaces all values by copies: the floats of all items, item after item, and one id per item
     /// if, and only if, the block was built with item ids.
@@ -47,6 +62,16 @@ public:
     /// long as it is used after that.
     bool setResultValueData(const float* resultValues, std::size_t itemCount,
                             const int* mapToItemIds);
+    bool setResultValueData(Span<const float> resultValues, Span<const int> mapToItemIds = {});
+
+    /// Replaces all values by ones in double precision, from a vector, an array or a
+    /// Span<const double>. Files hold single precision, to which they are rounded; one beyond the
+    /// largest float means that the item has none.
+    template <typename Doubles, typename = std::enable_if_t<
+                                    std::is_convertible_v<const Doubles&, Span<const double>>>>
+    bool setResultValues(const Doubles& resultValues, Span<const int> mapToItemIds = {}) {
+        return setRoundedValues(resultValues, mapToItemIds);
+    }
 
     std::size_t itemCount() const;
 
@@ -54,6 +79,11 @@ public:
     std::vector<float> resultValues() const;
     bool hasMapToItemIds() const;
     std::vector<int> mapToItemIds() const;
+
+    /// The floats of all items, item after item, and the ids, empty when the block has none; valid
+    /// while the block lives and is not changed.
+    Span<const float> values() const;
+    Span<const int> itemIds() const;
 
     /// itemCount() * dimension() floats, valid while the block lives and is not changed.
     const float* resultValueData() const;
@@ -71,6 +101,10 @@ private:
     friend class DatabasePrivate;
     explicit ResultValuesBlock(unstruct::ZRFxResultValuesBlock* resultValuesBlock);
     bool checkIds(bool isGiven) const;
+    bool checkDimension(const char* operation, ResultValueDimension expected) const;
+    bool countItems(const char* operation, std::size_t valueCount, std::size_t idCount,
+                    std::size_t* itemCount) const;
+    bool setRoundedValues(Span<const double> resultValues, Span<const int> mapToItemIds);
 
     PrivatePtr<class ResultValuesBlockPrivate> m_private;
 };

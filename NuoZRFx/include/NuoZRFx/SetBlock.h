@@ -5,6 +5,7 @@
 
 #include "NuoCore/Export.h"
 #include "NuoCore/PrivatePtr.h"
+#include "NuoCore/Span.h"
 #include "NuoCore/Str.h"
 #include "NuoZRFx/Block.h"
 #include "NuoZRFx/SetItemGroup.h"
@@ -21,6 +22,11 @@ class NUO_API SetBlock : public Block {
 public:
     /// The kind of items in a set. Only sets of elements can be written.
     enum ItemType : int { ELEMENT_ITEMS = 0, UNDEFINED_ITEMS = 1 };
+
+    static constexpr BlockType kBlockType = SET;
+
+    /// The name of an enumerator, such as "ELEMENT_ITEMS"; empty for a value that is none.
+    static const char* itemTypeName(ItemType itemType);
 
     /// `itemsSpecifiedAsIds` says whether items are element ids or 0-based element indices.
     SetBlock(int blockId, bool itemsSpecifiedAsIds);
@@ -41,6 +47,7 @@ public:
     /// not written.
     void addItem(int item, int elementBlockId);
     void addItems(const int* items, std::size_t count, int elementBlockId);
+    void addItems(Span<const int> items, int elementBlockId);
 
     /// Takes ownership of the group.
     void addItemGroup(SetItemGroup* group);

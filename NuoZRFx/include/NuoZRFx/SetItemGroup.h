@@ -5,6 +5,7 @@
 
 #include "NuoCore/Export.h"
 #include "NuoCore/PrivatePtr.h"
+#include "NuoCore/Span.h"
 #include "NuoZRFx/Block.h"
 
 namespace nuo::zrfx {
@@ -31,11 +32,15 @@ public:
     /// Replaces the items without copying: the group refers to them. They must stay unchanged until
     /// the set has been written, and for as long as it is used after that.
     void setItemData(const int* items, std::size_t count);
+    void setItemData(Span<const int> items);
 
     std::size_t itemCount() const;
 
     /// -1 after an assertion when there is no such item.
     int itemIdOrIndex(std::size_t index) const;
+
+    /// The items, valid while the group lives and is not changed.
+    Span<const int> items() const;
 
     /// itemCount() items, valid while the group lives and is not changed.
     const int* itemData() const;

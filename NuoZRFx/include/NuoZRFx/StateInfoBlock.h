@@ -22,6 +22,11 @@ public:
     /// The meaning of a state's reference value; its unit is the model's own.
     enum ReferenceValueType : int { TIME = 0, FREQUENCY = 1, LOAD_CASE = 2, OTHER = 3 };
 
+    static constexpr BlockType kBlockType = STATE_INFO;
+
+    /// The name of an enumerator, such as "TIME"; empty for a value that is none.
+    static const char* referenceValueTypeName(ReferenceValueType type);
+
     StateInfoBlock();
     ~StateInfoBlock() override;
 
@@ -47,6 +52,10 @@ public:
 
     /// The index of the state with an id; -1 when there is none.
     int stateIndex(int stateId) const;
+
+    /// An id that no state or group has: one more than the largest in use, 1 at first. When the
+    /// largest is INT_MAX, the lowest free one.
+    int unusedStateId() const;
 
     std::size_t groupCount() const;
 

@@ -18,6 +18,8 @@ namespace nuo::zrfx {
 /// parts.
 class NUO_API TransformationResultBlock : public Block {
 public:
+    static constexpr BlockType kBlockType = TRANSFORMATION_RESULT;
+
     /// The name is "Transformation result" followed by the id, until another is set.
     explicit TransformationResultBlock(int blockId);
     ~TransformationResultBlock() override;

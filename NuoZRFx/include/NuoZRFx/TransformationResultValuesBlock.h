@@ -14,6 +14,8 @@ namespace nuo::zrfx {
 /// The matrix that moves one element block in one state. Files keep six decimals of it.
 class NUO_API TransformationResultValuesBlock : public Block {
 public:
+    static constexpr BlockType kBlockType = TRANSFORMATION_RESULT_VALUES;
+
     explicit TransformationResultValuesBlock(int blockId);
     ~TransformationResultValuesBlock() override;
 
