@@ -6,6 +6,7 @@
 #include "Convert_p.h"
 #include "Log_p.h"
 #include "NuoZRFx/File.h"
+#include "NuoZRFx/ViewSettings.h"
 #include "catalogue/ZROZRFxPropDef.h"
 #include "nuo/PropertyConvert.h"
 
@@ -58,6 +59,16 @@ void Case::setDescription(const Str& description) {
     guarded([&] {
         m_private->m_description = description;
         m_private->m_isDocumentModified = true;
+    });
+}
+
+bool Case::hasSnapshot() const {
+    return guarded([&] {
+        if (m_private->m_snapshot) return true;
+        const bool isStored = m_private->m_isReadFromFile && !m_private->m_isSnapshotModified;
+        if (!isStored || m_private->m_caseDocument.isNull()) return false;
+        const nvf::XmlElement root = m_private->m_caseDocument->getRootElement("Case");
+        return root.notNull() && root.firstChildElement("Snapshot").notNull();
     });
 }
 
@@ -159,6 +170,10 @@ bool Case::setProperties(PropertySetCollection* properties) {
         m_private->m_isPropertiesModified = true;
         return true;
     });
+}
+
+bool Case::setProperties(const ViewSettings& settings) {
+    return settings.properties() && setProperties(settings.properties());
 }
 
 bool Case::derivedResultsDisabled() const {

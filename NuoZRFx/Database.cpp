@@ -1,6 +1,7 @@
 #include "NuoZRFx/Database.h"
 
 #include <climits>
+#include <set>
 
 #include "Convert_p.h"
 #include "Database_p.h"
@@ -8,6 +9,7 @@
 #include "Log_p.h"
 #include "NuoZRFx/File.h"
 #include "NuoZRFx/SetBlock.h"
+#include "UnusedId_p.h"
 #include "nvf/Assert.h"
 
 namespace nuo::zrfx {
@@ -142,6 +144,22 @@ int Database::blockId(Block::BlockType type, std::size_t index) const {
     return guarded(-1, [&] {
         const ZRFxBlock* entry = entryAt(type, index);
         return entry ? entry->GetID() : -1;
+    });
+}
+
+std::vector<int> Database::blockIds(Block::BlockType type) const {
+    return guarded([&] {
+        std::vector<int> ids;
+        const std::size_t count = blockCount(type);
+        for (std::size_t i = 0; i < count; ++i) ids.push_back(blockId(type, i));
+        return ids;
+    });
+}
+
+int Database::unusedBlockId(Block::BlockType type) const {
+    return guarded(-1, [&] {
+        const std::vector<int> ids = blockIds(type);
+        return unusedId(std::set<int>(ids.begin(), ids.end()), 1);
     });
 }
 

@@ -147,8 +147,9 @@ bool ElementBlock::isVolumeElement(ElementType elementType) {
 std::vector<unsigned int> ElementBlock::elementSurface(ElementType elementType,
                                                        std::size_t surfaceIndex) {
     const std::size_t count = surfacesPerElement(elementType);
-    if (!nvf::require(surfaceIndex < count, "elementSurface: %1 have %2 surfaces, %3 asked for",
-                      elementTypeName(elementType), count, surfaceIndex)) {
+    if (!nvf::requireThat("surfaceIndex < surfacesPerElement(elementType)", surfaceIndex < count,
+                          "elementSurface: %1 have %2 surfaces, %3 asked for",
+                          elementTypeName(elementType), count, surfaceIndex)) {
         fail("Invalid surface index");
         return {};
     }

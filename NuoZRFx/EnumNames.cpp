@@ -2,6 +2,7 @@
 // compile without a warning.
 #include "NuoZRFx/Database.h"
 #include "NuoZRFx/ElementBlock.h"
+#include "NuoZRFx/Error.h"
 #include "NuoZRFx/ResultBlock.h"
 #include "NuoZRFx/SetBlock.h"
 #include "NuoZRFx/StateInfoBlock.h"
@@ -194,6 +195,56 @@ const char* Database::solutionTypeName(SolutionType type) {
             return "FATIGUE";
         case OTHER_SOLUTION:
             return "OTHER_SOLUTION";
+    }
+    return "";
+}
+
+const char* Error::codeName(Code code) {
+    switch (code) {
+        case NONE:
+            return "NONE";
+        case INVALID_ARGUMENT:
+            return "INVALID_ARGUMENT";
+        case NOT_INITIALIZED:
+            return "NOT_INITIALIZED";
+        case NOT_OPEN:
+            return "NOT_OPEN";
+        case READ_ONLY:
+            return "READ_ONLY";
+        case NOT_FOUND:
+            return "NOT_FOUND";
+        case NO_REGULAR_FILE:
+            return "NO_REGULAR_FILE";
+        case NO_ZRFX_FILE:
+            return "NO_ZRFX_FILE";
+        case PASSWORD_NEEDED:
+            return "PASSWORD_NEEDED";
+        case WRONG_PASSWORD:
+            return "WRONG_PASSWORD";
+        case DAMAGED:
+            return "DAMAGED";
+        case IN_USE:
+            return "IN_USE";
+        case CHANGED:
+            return "CHANGED";
+        case EXISTS:
+            return "EXISTS";
+        case NO_PERMISSION:
+            return "NO_PERMISSION";
+        case DISK_FULL:
+            return "DISK_FULL";
+        case SYSTEM_ERROR:
+            return "SYSTEM_ERROR";
+        case OUT_OF_MEMORY:
+            return "OUT_OF_MEMORY";
+        case TOO_LARGE:
+            return "TOO_LARGE";
+        case INVALID_CONTENT:
+            return "INVALID_CONTENT";
+        case INCOMPLETE:
+            return "INCOMPLETE";
+        case CANCELLED:
+            return "CANCELLED";
     }
     return "";
 }

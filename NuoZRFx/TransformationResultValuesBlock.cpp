@@ -70,8 +70,9 @@ void TransformationResultValuesBlock::setMatrix(const Mat4d& matrix) {
 
 bool TransformationResultValuesBlock::setMapToBlockId(int blockId, BlockType blockType) {
     return guarded([&] {
-        if (!nvf::require(blockType == ELEMENTS, "setMapToBlockId: ELEMENTS are moved, not %1",
-                          blockTypeName(blockType))) {
+        if (!nvf::requireThat("(blockType == Block::ELEMENTS)", blockType == ELEMENTS,
+                              "setMapToBlockId: ELEMENTS are moved, not %1",
+                              blockTypeName(blockType))) {
             return false;
         }
         m_private->m_block->SetMapToBlock(blockId, ZRConvert::fromBlockType(blockType));

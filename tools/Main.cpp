@@ -12,6 +12,7 @@
 #include "InfoCommand.h"
 #include "ListCommand.h"
 #include "NuoZRFx/ZRFxComponent.h"
+#include "PropertiesCommand.h"
 #include "ToolContext.h"
 
 namespace {
@@ -25,6 +26,7 @@ void addCommands(CLI::App& application, tools::ToolContext& context) {
     tools::addDiffCommand(application, context);
     tools::addCopyCommand(application, context);
     tools::addImportCommand(application, context);
+    tools::addPropertiesCommand(application, context);
 }
 
 int run(int argc, char** argv) {

@@ -1,7 +1,7 @@
 # Completion of zrfx for bash: commands, their options, and files.
 _zrfx() {
     local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD-1]}
-    local commands="info list check extract cat diff copy import" command="" word
+    local commands="info list check extract cat diff copy import properties" command="" word
     for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
         if [[ " $commands " == *" $word "* ]]; then command=$word; break; fi
     done
@@ -31,6 +31,7 @@ _zrfx() {
             cat) options+=" --database --block --csv" ;;
             diff) options+=" --relative --absolute" ;;
             copy) options+=" --level --text --binary --password --new-password-file --no-password" ;;
+            properties) options+=" --markdown" ;;
             import) options+=" --name --level --text --follow --timeout" ;;
         esac
         mapfile -t COMPREPLY < <(compgen -W "$options" -- "$current")

@@ -21,8 +21,9 @@ PropertySetCollection::PropertySetCollection() {
 PropertySetCollection::~PropertySetCollection() = default;
 
 void PropertySetCollection::addPropertySet(PropertySet* propertySet) {
-    NVF_ASSERT(propertySet);
-    if (!propertySet) return;
+    const bool isGiven = nvf::requireThat("propertySet", propertySet != nullptr,
+                                          "addPropertySet: the property set is null");
+    if (!isGiven) return;
     guarded([&] {
         const bool wasComplete = std::exchange(m_private->m_isComplete, false);
         m_private->m_propertySets.emplace_back(propertySet);
@@ -35,12 +36,18 @@ std::size_t PropertySetCollection::count() const {
 }
 
 PropertySet* PropertySetCollection::propertySet(std::size_t index) const {
-    NVF_ASSERT(index < count());
-    return index < count() ? m_private->m_propertySets[index].p() : nullptr;
+    const std::size_t size = count();
+    return nvf::require(index < size, "propertySet: set %1 of %2 asked for", index, size)
+               ? m_private->m_propertySets[index].p()
+               : nullptr;
 }
 
 bool PropertySetCollection::internal_isComplete() const {
     return guarded([&] { return m_private->m_isComplete; });
+}
+
+void PropertySetCollection::internal_setIncomplete() {
+    guarded([&] { m_private->m_isComplete = false; });
 }
 
 }  // namespace nuo

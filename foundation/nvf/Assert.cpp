@@ -64,9 +64,9 @@ void assertionFailed(const char* expression, const char* message, SourceLocation
     if (reportFailedAssert(where.file_name(), line, expression, message)) std::raise(SIGTRAP);
 }
 
-void reportMisuse(const String& text, const LocatedText& message) {
-    if (text.isEmpty()) return assertionFailed(nullptr, message.text, message.where);
-    assertionFailed(nullptr, text.toUtf8().c_str(), message.where);
+void reportMisuse(const char* expression, const String& text, const LocatedText& message) {
+    if (text.isEmpty()) return assertionFailed(expression, message.text, message.where);
+    assertionFailed(expression, text.toUtf8().c_str(), message.where);
 }
 
 }  // namespace nvf

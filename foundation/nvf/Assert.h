@@ -32,16 +32,15 @@ void assertionFailed(const char* expression, const char* message,
                      SourceLocation where = SourceLocation::current());
 
 /// Reports a failed assertion of an operation's caller: the text, or for lack of memory the message
-/// with its placeholders.
-void reportMisuse(const String& text, const LocatedText& message);
+/// with its placeholders. The expression may be null.
+void reportMisuse(const char* expression, const String& text, const LocatedText& message);
 
-/// Whether the caller of an operation keeps to its rules. Where he does not, reports a failed
-/// assertion with a message that begins with the operation's name, its placeholders filled with
-/// `values` in order.
-///
-///     if (!require(row < 4, "setRow: row %1 is none of 0 to 3", row)) return false;
+/// Whether the caller of an operation keeps to a rule. Where he does not, reports a failed
+/// assertion with the expression and with a message that begins with the operation's name, its
+/// placeholders filled with `values` in order.
 template <typename... Values>
-bool require(bool isKept, LocatedText message, const Values&... values) {
+bool requireThat(const char* expression, bool isKept, LocatedText message,
+                 const Values&... values) {
     if (isKept || !NUO_ASSERTIONS) return isKept;
     String text;
     try {
@@ -49,8 +48,16 @@ bool require(bool isKept, LocatedText message, const Values&... values) {
     } catch (const std::bad_alloc&) {
         text = String();
     }
-    reportMisuse(text, message);
+    reportMisuse(expression, text, message);
     return false;
+}
+
+/// The same where the message says all.
+///
+///     if (!require(row < 4, "setRow: row %1 is none of 0 to 3", row)) return false;
+template <typename... Values>
+bool require(bool isKept, LocatedText message, const Values&... values) {
+    return requireThat(nullptr, isKept, message, values...);
 }
 
 }  // namespace nvf

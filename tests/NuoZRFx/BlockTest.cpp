@@ -1,5 +1,7 @@
 #include <gmock/gmock.h>
 
+#include <array>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -16,6 +18,8 @@ using testing::IsEmpty;
 using Ints = std::vector<int>;
 using Floats = std::vector<float>;
 using Faces = std::vector<std::vector<int>>;
+
+constexpr int kTwoIds[] = {4, 9};
 
 class BlockTest : public InterfaceTest {
 protected:
@@ -54,17 +58,17 @@ TEST_F(BlockTest, NodesThatDoNotFitAreRefused) {
     const PtrRef<NodeBlock> with = new NodeBlock(1, true);
     const PtrRef<NodeBlock> without = new NodeBlock(2, false);
     const std::string needsId =
-        Assertion("(nodeId >= 0 && withNodeIds) || (nodeId < 0 && !withNodeIds)");
-    const std::string idsDiffer = Assertion("nodeIds.size() == (withNodeIds ? nodeCount : 0)");
-    const std::string dataIdsDiffer = Assertion("(nodeIds != nullptr) == withNodeIds");
+        Misuse("addNode: the block was built with node ids, but none is given");
+    const std::string idsDiffer = "setNodes: 0 node ids given for 1 nodes, expected 1";
+    const std::string dataIdsDiffer = "setNodeData: 0 node ids given for 1 nodes, expected 1";
     const std::string isNull = "Given pointer to node coordinates was NULL. (block id 2)";
     const float xyz[] = {1, 2, 3};
     ExpectRefused(with->addNode(0, 0, 0), {needsId});
     ExpectRefused(without->setNodes(Floats{1, 2, 3, 4}, {}),
-                  {Assertion("coordinates.size() % 3 == 0")});
-    ExpectRefused(with->setNodes(Floats{1, 2, 3}, {}), {idsDiffer});
+                  {Misuse("setNodes: 4 coordinates given, which are not three per node")});
+    ExpectRefused(with->setNodes(Floats{1, 2, 3}, {}), {Misuse(idsDiffer)});
     ExpectRefused(without->setNodeData(nullptr, 1, nullptr), {isNull});
-    ExpectRefused(with->setNodeData(xyz, 1, nullptr), {dataIdsDiffer});
+    ExpectRefused(with->setNodeData(xyz, 1, nullptr), {Misuse(dataIdsDiffer)});
     EXPECT_EQ(0u, with->nodeCount() + without->nodeCount());
     EXPECT_EQ(-1, with->nodeIndex(3));
 }
@@ -96,6 +100,29 @@ TEST_F(BlockTest, AddingToNodesThatAreReferredToCopiesThem) {
     EXPECT_THAT(xyz, ElementsAre(0, 0, 0, 1.5f, 2, 3));
     EXPECT_THAT(nodes->nodes(),
                 ElementsAre(nuo::Vec3f(0, 0, 0), nuo::Vec3f(1.5f, 2, 3), nuo::Vec3f(7, 8, 9)));
+}
+
+TEST_F(BlockTest, DoublesAreRoundedAndSpansAreReadInPlace) {
+    const std::vector<double> xyz{0.1, 1e300, -2, 1, 2, 3};
+    const PtrRef<NodeBlock> nodes = new NodeBlock(1, true);
+    ASSERT_TRUE(nodes->setNodes(xyz, Ints{4, 9}));
+    EXPECT_THAT(nodes->coordinates(),
+                ElementsAre(0.1f, std::numeric_limits<float>::infinity(), -2, 1, 2, 3));
+    EXPECT_THAT(nodes->ids(), ElementsAre(4, 9));
+    const Floats floats(6, 1.5f);
+    ASSERT_TRUE(nodes->setNodeData(floats, kTwoIds));
+    EXPECT_EQ(floats.data(), nodes->coordinates().data());
+    const PtrRef<ResultValuesBlock> tensors =
+        new ResultValuesBlock(1, ResultValuesBlock::TENSOR6D, true);
+    ASSERT_TRUE(tensors->setResultValues(xyz, Ints{7}));
+    ASSERT_TRUE(tensors->addResultValue6d(1, 2, 3, 4, 5, 6, 8));
+    EXPECT_THAT(tensors->values().size(), 12u);
+    EXPECT_THAT(tensors->itemIds(), ElementsAre(7, 8));
+    EXPECT_EQ(6, tensors->values()[11]);
+    const PtrRef<ResultValuesBlock> vectors =
+        new ResultValuesBlock(2, ResultValuesBlock::VECTOR3D, false);
+    ASSERT_TRUE(vectors->setResultValues(std::array<double, 3>{1, 2.5, 3}));
+    EXPECT_THAT(vectors->resultValues(), ElementsAre(1, 2.5f, 3));
 }
 
 TEST_F(BlockTest, NodesAreFoundByIdAfterEveryChange) {
@@ -131,26 +158,32 @@ TEST_F(BlockTest, ElementsThatDoNotFitAreRefused) {
     const PtrRef<ElementBlock> with = new ElementBlock(1, true, false);
     const PtrRef<ElementBlock> without = new ElementBlock(2, false, false);
     const int nodes[] = {0, 1, 2, 3};
-    const std::string isWhole = Assertion("isWhole");
-    const std::string ownIds = Assertion("isGiven == m_hasElementIds");
     const auto wrongType = static_cast<ElementBlock::ElementType>(18);
     const Faces threeFaces = {{0, 1, 2}, {0, 1, 3}, {1, 2, 3}};
     const Faces faceOfTwoNodes = {{0, 1, 2}, {0, 1, 3}, {1, 2, 3}, {0, 3}};
     Ints out;
-    ExpectRefused(without->addElement(ElementBlock::QUADS, {1, 2, 3, 4}, 1), {ownIds});
-    ExpectRefused(without->addElement(ElementBlock::BEAMS, {1, -1}), {Assertion("areNodes")});
-    ExpectRefused(without->addElements(ElementBlock::BEAMS, {1, 2, 3}, {}), {isWhole});
-    ExpectRefused(with->addElements(ElementBlock::BEAMS, {1, 2, 3, 4}, {1}),
-                  {Assertion("elementIds.empty() || elementIds.size() == *elementCount")});
-    ExpectRefused(without->addElementData(ElementBlock::POLYHEDRONS, nodes, 1, nullptr),
-                  {Assertion("hasFixedNodes")});
-    ExpectRefused(without->addElements(wrongType, {1, 2}, {}),
-                  {"Invalid type id 18 given (ElementBlock::ElementType)", isWhole});
-    ExpectRefused(without->addPolyhedron(threeFaces), {Assertion("isSolid")});
-    ExpectRefused(without->addPolyhedron(faceOfTwoNodes), {Assertion("isSolid")});
     ExpectRefused(
-        !ElementBlock::elementSurface(ElementBlock::QUADS, 1).empty(),
-        {Assertion("surfaceIndex < surfacesPerElement(elementType)"), "Invalid surface index"});
+        without->addElement(ElementBlock::QUADS, {1, 2, 3, 4}, 1),
+        {Misuse("addElement: the block was built without element ids, but ids are given")});
+    ExpectRefused(without->addElement(ElementBlock::BEAMS, {1, -1}),
+                  {Misuse("addElement: a node index or id is negative")});
+    ExpectRefused(without->addElements(ElementBlock::BEAMS, {1, 2, 3}, {}),
+                  {Misuse("addElements: BEAMS take 2 nodes each, 3 given do not divide")});
+    ExpectRefused(with->addElements(ElementBlock::BEAMS, {1, 2, 3, 4}, {1}),
+                  {Misuse("addElements: 1 ids given for 2 elements")});
+    ExpectRefused(without->addElementData(ElementBlock::POLYHEDRONS, nodes, 1, nullptr),
+                  {Misuse("addElementData: elements of type 16 have no fixed number of nodes")});
+    ExpectRefused(without->addElements(wrongType, {1, 2}, {}),
+                  {"Invalid type id 18 given (ElementBlock::ElementType)",
+                   Misuse("addElements: elements of type 18 have no fixed number of nodes")});
+    ExpectRefused(without->addPolyhedron(threeFaces),
+                  {Misuse("addPolyhedron: 3 faces given, expected 4 at least")});
+    ExpectRefused(without->addPolyhedron(faceOfTwoNodes),
+                  {Misuse("addPolyhedron: face 3 has less than 3 nodes, or a negative one")});
+    ExpectRefused(!ElementBlock::elementSurface(ElementBlock::QUADS, 1).empty(),
+                  {Assertion("surfaceIndex < surfacesPerElement(elementType)") +
+                       " 'elementSurface: QUADS have 1 surfaces, 1 asked for'",
+                   "Invalid surface index"});
     EXPECT_EQ(0u, with->elementGroupCount() + without->elementGroupCount());
     ASSERT_TRUE(without->addElement(ElementBlock::QUADS, {0, 1, 2, 3}));
     ExpectRefused(without->polyhedronsFaceCounts(4, &out),
@@ -179,6 +212,11 @@ TEST_F(BlockTest, ElementDataIsReadInPlaceAndExtendedAsACopy) {
     Ints read;
     ASSERT_TRUE(block->elementGroup(0, &read, nullptr));
     EXPECT_THAT(read, ElementsAre(0, 1, 1, 2, 2, 3));
+    EXPECT_EQ(2, block->elementIndex(10));
+    ASSERT_TRUE(block->addElement(ElementBlock::BEAMS, {2, 3}, 11));
+    EXPECT_EQ(5, block->elementIndex(11));
+    EXPECT_EQ(-1, block->elementIndex(12));
+    EXPECT_THAT(block->elementGroupIds(1), ElementsAre(8, 9, 11));
     for (const auto output :
          {&ElementBlock::elementIndices, &ElementBlock::polyhedronsElementNodeCounts,
           &ElementBlock::polyhedronsFaceCounts, &ElementBlock::polyhedronsFaceNodeCounts,
@@ -230,7 +268,7 @@ TEST_F(BlockTest, PartsThatDoNotFitAreRefused) {
     ExpectRefused(block->setElementBlocksForState(1, {1, 2, 3}, 5, {1, 2, 1}),
                   {"Non unique part id detected (id 1 at idx 0 and idx 2) (state id 5)."});
     ExpectRefused(block->setElementBlocksForState(1, {1, 2}, 5, {1}),
-                  {Assertion("elementBlockIds.size() == partIds.size()")});
+                  {Misuse("setElementBlocks: 1 part ids given for 2 element blocks")});
     ExpectRefused(block->addElementBlockForState(0, 3, -1, 6), {"partId cannot be negative."});
     EXPECT_EQ(1u, block->stateCount());
     EXPECT_EQ(0u, block->partCount(1, 0));
@@ -299,6 +337,7 @@ TEST_F(BlockTest, StatesBelongToTheirLastGroup) {
     EXPECT_THAT(block->groupStateIds(0), ElementsAre(7, 3));
     EXPECT_THAT(block->groupStateIds(1), ElementsAre(5));
     EXPECT_EQ(2, block->stateIndex(3));
+    EXPECT_EQ(12, block->unusedStateId());
 }
 
 // Results.
@@ -328,13 +367,16 @@ TEST_F(BlockTest, ResultsOfWrongKindAreReported) {
 TEST_F(BlockTest, StatesOfResultsAreAddedReplacedAndRefused) {
     const PtrRef<ResultBlock> block =
         new ResultBlock(1, ResultBlock::SCALAR, ResultBlock::NODE_MAPPING);
-    ExpectRefused(block->addResultValuesBlock(-1, 3), {Assertion("valuesBlockId >= 0")});
-    ExpectRefused(!block->resultValuesBlocks(0).empty(), {Assertion("state")});
+    ExpectRefused(block->addResultValuesBlock(-1, 3),
+                  {Misuse("addResultValuesBlock: values block id -1 is negative")});
+    ExpectRefused(!block->resultValuesBlocks(0).empty(),
+                  {Misuse("resultValuesBlocks: state 0 of 0 asked for")});
     EXPECT_EQ(0u, block->stateCount());
     EXPECT_TRUE(block->addResultValuesBlock(4, 30));
     EXPECT_TRUE(block->addResultValuesBlock(5, 20));
     EXPECT_TRUE(block->addResultValuesBlock(6, 30));
-    ExpectRefused(block->setResultValuesBlocks({7, -8}, 40), {Assertion("areIds")});
+    ExpectRefused(block->setResultValuesBlocks({7, -8}, 40),
+                  {Misuse("setResultValuesBlocks: values block id -8 is negative")});
     EXPECT_TRUE(block->setResultValuesBlocks({7, 8}, 20));
     EXPECT_THAT(block->resultValuesBlocks(0), ElementsAre(4, 6));
     EXPECT_THAT(block->resultValuesBlocks(1), ElementsAre(7, 8));
@@ -351,23 +393,26 @@ TEST_F(BlockTest, ValuesThatDoNotFitAreRefused) {
     using Values = ResultValuesBlock;
     const PtrRef<Values> scalars = new Values(1, Values::SCALAR1D, false);
     const PtrRef<Values> vectors = new Values(2, Values::VECTOR3D, true);
-    const std::string unfit =
-        Assertion("isWhole && (mapToItemIds.empty() || mapToItemIds.size() == itemCount)");
     const std::string noIds =
         "ResultValuesBlock configured to use mapToItemIds, but no IDs provided";
     const std::string ids =
         "ResultValuesBlock configured to not use mapToItemIds, but IDs are provided";
-    ExpectRefused(scalars->allocateResultValues(-1), {Assertion("count >= 0")});
+    ExpectRefused(scalars->allocateResultValues(-1),
+                  {Misuse("allocateResultValues: -1 items asked for")});
     ExpectRefused(scalars->setResultValues({1, 2}, {1, 2}), {ids});
     ExpectRefused(vectors->setResultValues({1, 2, 3}, {}), {noIds});
-    ExpectRefused(vectors->setResultValues({1, 2, 3, 4, 5}, {1, 2}), {unfit});
-    ExpectRefused(vectors->setResultValues({1, 2, 3, 4, 5, 6}, {1}), {unfit});
-    ExpectRefused(vectors->setResultValues({1, 2, 3}, {1, 2}), {unfit});
-    ExpectRefused(scalars->addResultValue3d(1, 2, 3), {Assertion("dimension() == VECTOR3D")});
+    ExpectRefused(vectors->setResultValues({1, 2, 3, 4, 5}, {1, 2}),
+                  {Misuse("setResultValues: 5 values given, which are not 3 per item")});
+    ExpectRefused(vectors->setResultValues({1, 2, 3, 4, 5, 6}, {1}),
+                  {Misuse("setResultValues: 1 item ids given for 2 items")});
+    ExpectRefused(vectors->setResultValues({1, 2, 3}, {1, 2}),
+                  {Misuse("setResultValues: 2 item ids given for 1 items")});
+    ExpectRefused(scalars->addResultValue3d(1, 2, 3),
+                  {Misuse("addResultValue3d: the block has 1 values per item, not 3")});
     ExpectRefused(scalars->setResultValueData(nullptr, 1, nullptr),
-                  {Assertion("resultValues && itemCount > 0")});
+                  {Misuse("setResultValueData: no values are given")});
     ExpectRefused(scalars->setMapToBlockId(1, Block::RESULT),
-                  {Assertion("blockType == ELEMENTS || blockType == NODES")});
+                  {Misuse("setMapToBlockId: values belong to NODES or ELEMENTS, not to RESULT")});
     ExpectRefused(!scalars->resultValues().empty(),
                   {"Dimension mismatch, requested scalars, but could not find any"});
     EXPECT_TRUE(vectors->setResultValues({1, 2, 3, 4, 5, 6}, {1, 2}));
@@ -402,10 +447,12 @@ TEST_F(BlockTest, TransformationsThatDoNotFitAreRefused) {
     const PtrRef<TransformationResultValuesBlock> moved = new TransformationResultValuesBlock(4);
     EXPECT_EQ(nuo::Str("Transformation result 3"), move->name());
     ExpectRefused(move->addTransformationResultValuesBlock(-1, 0),
-                  {Assertion("valuesBlockId >= 0")});
-    ExpectRefused(move->transformationResultValuesBlockCount(0) > 0, {Assertion("state")});
+                  {Misuse("addTransformationResultValuesBlock: values block id -1 is negative")});
+    ExpectRefused(move->transformationResultValuesBlockCount(0) > 0,
+                  {Misuse("transformationResultValuesBlocks: state 0 of 0 asked for")});
     ExpectRefused(moved->setMapToBlockId(1, Block::NODES),
-                  {Assertion("(blockType == Block::ELEMENTS)")});
+                  {Assertion("(blockType == Block::ELEMENTS)") +
+                   " 'setMapToBlockId: ELEMENTS are moved, not NODES'"});
     Block::BlockType type = Block::NODES;
     EXPECT_EQ(-1, moved->mapToBlockId(&type));
     EXPECT_EQ(Block::INVALID_BLOCK, type);
@@ -430,7 +477,7 @@ TEST_F(BlockTest, ItemsOfSetsGoIntoTheGroupOfTheirBlock) {
     EXPECT_EQ(5u, set->totalItemCount());
     EXPECT_THAT(items, ElementsAre(5, 6));
     ExpectRefused(set->itemGroup(2) != nullptr, {"Item group index out of bounds"});
-    ExpectRefused(group->itemIdOrIndex(3) >= 0, {Assertion("index < itemCount()")});
+    ExpectRefused(group->itemIdOrIndex(3) >= 0, {Misuse("itemIdOrIndex: item 3 of 3 asked for")});
     group->setBlockId(1);  // the last group of a block gets its items
     set->addItem(8, 2);
     set->addItem(9, 1);
@@ -444,7 +491,8 @@ TEST_F(BlockTest, ItemsOfSetsGoIntoTheGroupOfTheirBlock) {
                   {"Invalid type id 5 given (SetBlock::ItemType)."});
     set->addItemGroup(nullptr);
     set->addItems(nullptr, 3, 1);
-    EXPECT_THAT(TakeTexts(), ElementsAre(Assertion("group"), Assertion("items || count == 0")));
+    EXPECT_THAT(TakeTexts(), ElementsAre(Misuse("addItemGroup: the group is null"),
+                                         Misuse("addItems: the pointer to 3 items is null")));
 }
 
 TEST_F(BlockTest, BlocksThatWereReadKnowTheIdsInThem) {

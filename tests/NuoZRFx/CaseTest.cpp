@@ -59,6 +59,40 @@ TEST_F(CaseTest, WhatCannotBeConstructedIsReportedAndNotPartOfTheFile) {
     EXPECT_TRUE(m_file.close());
 }
 
+TEST_F(CaseTest, SettingsOfEveryKindFitTheCatalogueAndReplaceEachOther) {
+    ViewSettings settings;
+    const nuo::Vec3d eye(1, 2, 3);
+    const nuo::Vec3d up(0, 0, 1);
+    settings.setOrthoCamera(eye, nuo::Vec3d(), up, 5);
+    settings.setPerspectiveCamera(eye, nuo::Vec3d(), up, 30);
+    settings.showFringes(1);
+    settings.showFringes(2);
+    for (const int resultId : {1, 2, 1}) settings.setFringesRange(resultId, -1, resultId);
+    settings.showDisplacements(3, {10, 20});
+    settings.showVectors({4, 5});
+    for (int style = ViewSettings::SURFACE; style <= ViewSettings::NO_STYLE; ++style) {
+        settings.setPartDrawStyle(style, static_cast<ViewSettings::DrawStyle>(style), 1);
+    }
+    settings.setPartVisible(10, false);
+    settings.setPartColor(10, nuo::Color3f());
+    settings.setPartOpacity(10, 0.5f);
+    settings.showModeShape(7);
+    settings.showStates({1, 2});
+    const PtrRef<Case> view = new Case(&m_file, "View", 0, 0);
+    EXPECT_FALSE(view->hasSnapshot());
+    EXPECT_TRUE(view->setProperties(settings));
+    nuo::Image image = MakeImage(2, 2);
+    view->setSnapshot(&image);
+    EXPECT_TRUE(view->hasSnapshot());
+    Reopen();
+    const Case& read = *m_file.fileCase(0);
+    EXPECT_TRUE(read.hasSnapshot());
+    // Camera, selection, two ranges, two parts, a part a style, states.
+    ASSERT_EQ(1u + 1 + 2 + 2 + 8 + 1, read.properties()->count());
+    EXPECT_EQ(2, read.properties()->propertySet(1)->value("fringes_result_id").toInt());
+    EXPECT_EQ(1, read.properties()->propertySet(2)->value("range_max").toDouble());
+}
+
 TEST_F(CaseTest, ImagesAreStoredReplacedAndRefused) {
     const PtrRef<Case> view = new Case(&m_file, "View", 0, 0);
     nuo::Image small = MakeImage(2, 2);

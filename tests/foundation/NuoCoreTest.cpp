@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <memory>
+#include <stdexcept>
 
 #include "support/LogCapture.h"
 
@@ -57,6 +59,38 @@ TEST_F(NuoCoreTest, LastReferenceDeletesTheObject) {
     EXPECT_TRUE(first.isNull() && moved.notNull());
     moved = nullptr;
     EXPECT_EQ(alive, 0);
+}
+
+struct Part : RefCountedObject {
+    explicit Part(int& alive) : m_alive(alive) { ++m_alive; }
+    ~Part() override { --m_alive; }
+    int& m_alive;
+};
+
+struct Whole : RefCountedObject {
+    Whole(int& alive, PtrRef<Part> other) : m_member(alive), m_other(std::move(other)) {
+        if (m_member.m_alive == 4) throw std::runtime_error("too many");
+    }
+    Part m_member;
+    PtrRef<Part> m_other;
+};
+
+TEST_F(NuoCoreTest, ReferencesDeleteOnlyWhatNewHasMade) {
+    int alive = 0;
+    Part onStack(alive);
+    PtrRef<Part> reference = &onStack;
+    reference = nullptr;
+    EXPECT_EQ(alive, 1);
+    // The argument is made after the memory of the object is taken, or before.
+    PtrRef<Whole> whole = new Whole(alive, new Part(alive));
+    reference = &whole->m_member;
+    reference = nullptr;
+    EXPECT_EQ(alive, 3);
+    EXPECT_THROW(new Whole(alive, nullptr), std::runtime_error);
+    whole = nullptr;
+    EXPECT_EQ(alive, 1);
+    const auto owned = std::make_unique<Part>(alive);
+    EXPECT_EQ(alive, 2);
 }
 
 }  // namespace

@@ -11,6 +11,10 @@ std::string Assertion(const std::string& expression) {
     return "ASSERT:  (" + expression + ")";
 }
 
+std::string Misuse(const std::string& message) {
+    return "ASSERT:  '" + message + "'";
+}
+
 class InterfaceTest::Recorder : public nuo::LogDestination {
 public:
     void log(const nuo::LogMessage& message) override {

@@ -13,6 +13,7 @@ namespace test {
 
 /// The text that is logged for a failed assertion.
 std::string Assertion(const std::string& expression);
+std::string Misuse(const std::string& message);
 
 /// Fixture of a user of the public interface: the component is initialized, failed assertions let
 /// the code go on, and every error is recorded. Messages of "nuo.comp.zrfx" and of assertions that

@@ -351,6 +351,12 @@ TEST_F(ZrfxTest, CatPrintsTheValuesOfABlock) {
     }
 }
 
+TEST_F(ZrfxTest, PropertiesAreListedByGroup) {
+    EXPECT_THAT(Zrfx("properties camera").out,
+                HasSubstr("  projection_type: text (perspective, ortho; default perspective)\n"));
+    EXPECT_EQ(Zrfx("properties Camera").exitCode, 2);
+}
+
 TEST_F(ZrfxTest, ExtractNeverLeavesItsFolder) {
     WriteSound("a.zrfx");
     Output("extract a.zrfx -o all");

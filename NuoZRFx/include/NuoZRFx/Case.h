@@ -12,6 +12,7 @@
 namespace nuo::zrfx {
 
 class File;
+class ViewSettings;
 
 /// One view set-up of a database: name, description, snapshot, textures and viewer settings. It
 /// registers itself with its file, which writes it on flush() and close() and holds a reference to
@@ -39,6 +40,9 @@ public:
     /// HTML text, or empty.
     Str description() const;
     void setDescription(const Str& description);
+
+    /// Whether there is a picture of the view. Reads nothing but the case's document.
+    bool hasSnapshot() const;
 
     /// The picture of the view. Null, with a message, for a case that was read and has none. It
     /// belongs to the case and is valid until the next call, or setSnapshot.
@@ -68,6 +72,7 @@ public:
     /// catalogue of properties or arrays nest more than 100 deep; each problem is logged. Arrays
     /// that nest deeper could not be read back, so writing the case refuses them again.
     bool setProperties(PropertySetCollection* properties);
+    bool setProperties(const ViewSettings& settings);
 
     /// Whether a viewer is to show stored results only, and none that it could derive.
     bool derivedResultsDisabled() const;

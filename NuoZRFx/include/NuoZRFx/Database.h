@@ -1,8 +1,10 @@
 #pragma once
 
 #include <cstddef>
+#include <vector>
 
 #include "NuoCore/Export.h"
+#include "NuoCore/IndexRange.h"
 #include "NuoCore/PrivatePtr.h"
 #include "NuoCore/PtrRef.h"
 #include "NuoCore/RefCountedObject.h"
@@ -47,6 +49,10 @@ public:
         OTHER_SOLUTION = 11
     };
 
+    /// The name of an enumerator, such as "STRUCTURAL"; empty for a value that is none.
+    static const char* simulationTypeName(SimulationType type);
+    static const char* solutionTypeName(SolutionType type);
+
     /// Adds a database to a file that was created or opened for append. The id must be new and not
     /// negative, the name not empty. On failure the reason is logged, the database is not part of
     /// the file, and its id is -1.
@@ -74,6 +80,13 @@ public:
     /// The id of the block at an index below blockCount(type), in ascending order; -1 otherwise.
     int blockId(Block::BlockType type, std::size_t index) const;
 
+    /// The ids of all blocks of a type, ascending.
+    std::vector<int> blockIds(Block::BlockType type) const;
+
+    /// An id that no block of a type has: one more than the largest in use, 1 at first. When the
+    /// largest is INT_MAX, the lowest free one.
+    int unusedBlockId(Block::BlockType type) const;
+
     /// Reads a block with all its data into a new object of the class of its type, to which the
     /// result may be cast. The object stays usable after the file is closed. Null, with a message,
     /// when there is no such block or it cannot be read. Sets are read by the operations below.
@@ -86,6 +99,36 @@ public:
     /// The same for sets.
     PtrRef<SetBlock> setBlockByIndex(std::size_t index);
     PtrRef<SetBlock> setBlockById(int id);
+
+    /// Reads the block of a class with an id. Null, with a message, when there is no such block or
+    /// it cannot be read.
+    ///
+    ///     if (const auto nodes = database->read<nuo::zrfx::NodeBlock>(1)) show(*nodes);
+    template <typename BlockClass>
+    PtrRef<BlockClass> read(int id) {
+        if constexpr (BlockClass::kBlockType == Block::SET) {
+            return setBlockById(id);
+        } else {
+            return static_cast<BlockClass*>(blockById(BlockClass::kBlockType, id).p());
+        }
+    }
+
+    /// All blocks of a class in ascending order of their ids, each read when the loop comes to it;
+    /// null for one that cannot be read.
+    ///
+    ///     for (const auto& elements : database->blocks<nuo::zrfx::ElementBlock>()) ...
+    template <typename BlockClass>
+    auto blocks() {
+        return IndexRange(blockCount(BlockClass::kBlockType),
+                          [this](std::size_t index) -> PtrRef<BlockClass> {
+                              if constexpr (BlockClass::kBlockType == Block::SET) {
+                                  return setBlockByIndex(index);
+                              } else {
+                                  return static_cast<BlockClass*>(
+                                      blockByIndex(BlockClass::kBlockType, index).p());
+                              }
+                          });
+    }
 
 private:
     friend class File;

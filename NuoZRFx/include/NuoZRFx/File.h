@@ -3,6 +3,7 @@
 #include <cstddef>
 
 #include "NuoCore/Export.h"
+#include "NuoCore/IndexRange.h"
 #include "NuoCore/PrivatePtr.h"
 #include "NuoCore/RefCountedObject.h"
 #include "NuoCore/Str.h"
@@ -100,6 +101,18 @@ public:
     /// The case at an index below fileCaseCount(); null otherwise. The file owns it.
     Case* fileCase(std::size_t index);
     const Case* fileCase(std::size_t index) const;
+
+    /// All databases, and all cases, for range-for.
+    ///
+    ///     for (nuo::zrfx::Database& database : file.databases()) ...
+    auto databases() {
+        return IndexRange(databaseCount(),
+                          [this](std::size_t index) -> Database& { return *database(index); });
+    }
+    auto fileCases() {
+        return IndexRange(fileCaseCount(),
+                          [this](std::size_t index) -> Case& { return *fileCase(index); });
+    }
 
     /// An id that no database has: one more than the largest in use, 0 in a new file. When the
     /// largest is INT_MAX, the lowest free one. -1, with a message, when nothing is open.

@@ -18,4 +18,5 @@
 #include "NuoZRFx/StateInfoBlock.h"
 #include "NuoZRFx/TransformationResultBlock.h"
 #include "NuoZRFx/TransformationResultValuesBlock.h"
+#include "NuoZRFx/ViewSettings.h"
 #include "NuoZRFx/ZRFxComponent.h"

@@ -25,8 +25,9 @@ public:
     /// The set at an index below count(); null after an assertion otherwise.
     PropertySet* propertySet(std::size_t index) const;
 
-    /// Whether every set could be appended, for the library's own use.
+    /// Whether nothing is missing from the list for lack of memory; for the library itself.
     bool internal_isComplete() const;
+    void internal_setIncomplete();
 
 private:
     PrivatePtr<class PropertySetCollectionPrivate> m_private;

@@ -15,6 +15,14 @@ namespace nuo {
 template <typename T>
 class Span {
 public:
+    using value_type = std::remove_cv_t<T>;
+    using size_type = std::size_t;
+    using difference_type = std::ptrdiff_t;
+    using reference = T&;
+    using const_reference = const T&;
+    using iterator = T*;
+    using const_iterator = T*;
+
     Span() = default;
 
     template <std::size_t count>
