@@ -98,7 +98,7 @@ std::int64_t ZRFxDatabase::TOC::GetItemCount() const {
     return static_cast<std::int64_t>(m_lines.size());
 }
 
-ZRFxDatabase::ZRFxDatabase(ZRFxAccess* pAccess) : ZRFxDataFolder(pAccess) {}
+ZRFxDatabase::ZRFxDatabase(ZRFxAccess* pAccess) : ZRFxBlockStore(pAccess) {}
 
 bool ZRFxDatabase::Create(const ZRString& name, int id, const ZRString& sourceName,
                           ZRFEMSimulationType simulationType, ZRFEMSolutionType solutionType,
@@ -167,7 +167,7 @@ bool ZRFxDatabase::WriteTOC() {
     return true;
 }
 
-bool ZRFxDatabase::WriteBlock(const ZRString& typeName, int id, const ZRString& fileName,
+bool ZRFxDatabase::StoreBlock(const ZRString& typeName, int id, const ZRString& fileName,
                               const nvf::XmlDocument& xmlDoc, bool overwrite) {
     const bool isBlock = id >= 0 && ZRFxBlock::IsStored(ZRFxBlockTypeFromName(typeName));
     if (!isBlock || !GetAccess() || !GetAccess()->WriteXmlFile(fileName, xmlDoc, overwrite)) {
@@ -178,7 +178,7 @@ bool ZRFxDatabase::WriteBlock(const ZRString& typeName, int id, const ZRString& 
     return AddBlock(CreateEntry(ZRFxBlockTypeFromName(typeName), id, fileName).p(), &isReplaced);
 }
 
-bool ZRFxDatabase::WriteListBlock(const ZRFxBlock& block, const ZRString& fileName,
+bool ZRFxDatabase::StoreListBlock(const ZRFxBlock& block, const ZRString& fileName,
                                   const ZRFxListContent& content, ZRFxListDocument* document) {
     const ZRString typeName = ZRFxBlockTypeName(block.GetType());
     // A block that the database has already takes no memory once its document is stored.

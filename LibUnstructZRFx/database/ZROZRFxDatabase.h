@@ -7,10 +7,10 @@
 #include <vector>
 
 #include "ZRString.h"
-#include "access/ZRFxDataFolder.h"
 #include "access/ZRFxListDocument.h"
 #include "access/ZROZRFxAccess.h"
 #include "blocks/ZRFxBlock.h"
+#include "blocks/ZRFxBlockStore.h"
 #include "nvf/XmlDocument.h"
 #include "types/ZRFxBlockType.h"
 #include "types/ZRFxModelTypes.h"
@@ -25,7 +25,7 @@ enum class ZRFxParseMode { STRICT, LENIENT };
 /// contents "Database-TOC.xml" and the documents and data files of its blocks. Holds an entry for
 /// each block, by type and sorted by id, but no block's data; data files are written and read
 /// through its base. Used by one thread at a time. Operations that fail log why and give false.
-class ZRFxDatabase : public ZRFxDataFolder {
+class ZRFxDatabase : public ZRFxBlockStore {
 public:
     explicit ZRFxDatabase(ZRFxAccess* pAccess);
 
@@ -52,25 +52,14 @@ public:
     /// Whether the table of contents has changed since it was stored or read.
     bool IsTOCModified() const { return m_bTOCModified; }
 
-    /// Stores a block's document and enters it in the table of contents, where each type and id
-    /// stands once. Fails for a type without blocks and for a negative id, with which the database
-    /// could not be opened again. Called by blocks.
-    bool WriteBlock(const ZRString& typeName, int id, const ZRString& fileName,
-                    const nvf::XmlDocument& xmlDoc, bool overwrite);
-
-    /// The same for a block that is a list, of which only what has changed is stored. What the
-    /// database has of such a block stays as it is when that fails.
-    bool WriteListBlock(const ZRFxBlock& block, const ZRString& fileName,
-                        const ZRFxListContent& content, ZRFxListDocument* document);
-
-    /// Removes document and data files that the block of this type and id has in this database, so
-    /// that they can be written again; what a block takes to find them does not grow with the file.
-    bool RemoveBlockFiles(const ZRFxBlock& block);
-
-    /// Removes all that is left of the block of this type and id after it was written in part: its
-    /// files, its entry and its line in the table of contents. Throws nothing: files that there is
-    /// no memory to find stay, and belong to nothing.
-    void RemoveBlock(const ZRFxBlock& block);
+    // Called by blocks. A block whose document is stored is entered in the table of contents, where
+    // each type and id stands once; a block that is removed is taken out of it.
+    bool StoreBlock(const ZRString& typeName, int id, const ZRString& fileName,
+                    const nvf::XmlDocument& xmlDoc, bool overwrite) override;
+    bool StoreListBlock(const ZRFxBlock& block, const ZRString& fileName,
+                        const ZRFxListContent& content, ZRFxListDocument* document) override;
+    bool RemoveBlockFiles(const ZRFxBlock& block) override;
+    void RemoveBlock(const ZRFxBlock& block) override;
 
     /// Adds an entry, and takes out the one of the same type and id if there is one.
     bool AddBlock(ZRFxBlock* block, bool* replaced);
@@ -85,8 +74,7 @@ public:
     int GetNumBlocks(int type) const;
     ZRFxBlock* GetBlock(int type, int index) const;
 
-    /// Null, without a message, when there is none.
-    ZRFxBlock* GetBlockByID(int type, int id) const;
+    ZRFxBlock* GetBlockByID(int type, int id) const override;
 
     /// A new object for the block of a type and id, with nothing loaded; null, without a message,
     /// when there is none.
@@ -96,8 +84,7 @@ public:
     int GetNumBlocks() const;
     ZRFxBlock* GetBlock(int globalIndex) const;
 
-    /// Reads a document by its entry name, whole or relative to the folder.
-    bool ReadXmlFile(const ZRString& fileName, nvf::XmlDocument* doc) const;
+    bool ReadXmlFile(const ZRString& fileName, nvf::XmlDocument* doc) const override;
 
 private:
     using BlockArray = std::vector<nvf::ref<ZRFxBlock>>;
