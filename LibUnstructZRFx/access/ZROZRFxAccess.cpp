@@ -110,7 +110,7 @@ bool ZRFxAccess::Open(const ZRString& name, ZRZipAccessMode mode) {
     }
     m_sFileName = name;
     m_pMemFile = nullptr;
-    return TakeOpened(m_pArchive->Open(name.Bytes(), static_cast<ZRFxOpenMode>(mode)), mode);
+    return TakeOpened(m_pArchive->Open(name.Bytes(), mode), mode);
 }
 
 bool ZRFxAccess::Open(ZRFxZipMemFile* memFile, ZRZipAccessMode mode) {
@@ -120,7 +120,7 @@ bool ZRFxAccess::Open(ZRFxZipMemFile* memFile, ZRZipAccessMode mode) {
     if (IsOpen()) return m_logger->fail("The archive is open, close it before opening.");
     m_sFileName = ZRString();
     m_pMemFile = memFile;
-    return TakeOpened(m_pArchive->Open(memFile, static_cast<ZRFxOpenMode>(mode)), mode);
+    return TakeOpened(m_pArchive->Open(memFile, mode), mode);
 }
 
 bool ZRFxAccess::Commit() {

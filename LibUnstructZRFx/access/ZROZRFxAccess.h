@@ -11,6 +11,7 @@
 #include "container/ZRFxZipArchive.h"
 #include "container/ZRFxZipMemFile.h"
 #include "container/ZRFxZipRawData.h"
+#include "container/ZRZipAccessMode.h"
 #include "data/ZRFxReadBounds.h"
 #include "documents/ZRFxMainDocument.h"
 #include "nvf/Logger.h"
@@ -18,8 +19,6 @@
 #include "nvf/XmlDocument.h"
 
 namespace unstruct {
-
-enum class ZRZipAccessMode : int { UPDATE = 0, READ_ONLY = 1, CREATE = 2 };
 
 /// Whether a missing entry is an error or an answer.
 enum class LogMode { LOG, SILENT };

@@ -41,7 +41,7 @@ ZRFxZipArchive::ZRFxZipArchive() : m_pOpen(std::make_unique<ZRFxOpenArchive>()) 
 
 ZRFxZipArchive::~ZRFxZipArchive() = default;
 
-bool ZRFxZipArchive::Open(const std::string& sPath, ZRFxOpenMode eMode) {
+bool ZRFxZipArchive::Open(const std::string& sPath, ZRZipAccessMode eMode) {
     return Guarded({}, [&] {
         if (IsOpen()) return Fail({}, "another archive is open");
         m_sArchive = sPath;
@@ -50,14 +50,15 @@ bool ZRFxZipArchive::Open(const std::string& sPath, ZRFxOpenMode eMode) {
     });
 }
 
-bool ZRFxZipArchive::Open(ZRFxZipMemFile* pFile, ZRFxOpenMode eMode) {
+bool ZRFxZipArchive::Open(ZRFxZipMemFile* pFile, ZRZipAccessMode eMode) {
     return Guarded({}, [&] {
         if (IsOpen()) return Fail({}, "another archive is open");
         m_sArchive = "archive in memory";
         m_sPath.clear();
         std::unique_ptr<ZRFxOpenArchive> pOpen;
-        return OpenStorage(std::make_unique<ZRFxMemStorage>(pFile, eMode == ZRFxOpenMode::kCreate),
-                           eMode, &pOpen) &&
+        return OpenStorage(
+                   std::make_unique<ZRFxMemStorage>(pFile, eMode == ZRZipAccessMode::CREATE), eMode,
+                   &pOpen) &&
                Take(std::move(pOpen));
     });
 }
@@ -94,7 +95,7 @@ bool ZRFxZipArchive::CloseAs(const std::string& sPath) {
         if (!CheckWritable({})) return false;
         if (m_pOpen->pStream && !CloseEntry()) return false;
         auto pFile = std::make_unique<ZRFxAppendFile>();
-        if (!pFile->Open(sPath, ZRFxOpenMode::kCreate)) {
+        if (!pFile->Open(sPath, ZRZipAccessMode::CREATE)) {
             return Fail({}, "'" + sPath + "': " + pFile->Error());
         }
         if (!pFile->IsNew()) return Fail({}, "'" + sPath + "' exists");
@@ -285,7 +286,7 @@ bool ZRFxZipArchive::CloseEntry() {
 
 bool ZRFxZipArchive::Probe(const std::string& sPath, std::string_view sName) {
     ZRFxZipArchive archive;
-    return archive.Open(sPath, ZRFxOpenMode::kReadOnly) && archive.Contains(sName);
+    return archive.Open(sPath, ZRZipAccessMode::READ_ONLY) && archive.Contains(sName);
 }
 
 // Runs the operation and turns what the standard library throws into a failure.
@@ -314,7 +315,7 @@ bool ZRFxZipArchive::Fail(std::string_view sName, std::string_view sCause) {
     return false;
 }
 
-bool ZRFxZipArchive::OpenFile(const std::string& sPath, ZRFxOpenMode eMode,
+bool ZRFxZipArchive::OpenFile(const std::string& sPath, ZRZipAccessMode eMode,
                               std::unique_ptr<ZRFxOpenArchive>* ppOpen) {
     auto pFile = std::make_unique<ZRFxAppendFile>();
     if (!pFile->Open(sPath, eMode)) return Fail({}, pFile->Error());
@@ -325,20 +326,20 @@ bool ZRFxZipArchive::OpenFile(const std::string& sPath, ZRFxOpenMode eMode,
     return OpenStorage(std::move(pStorage), eMode, ppOpen);
 }
 
-bool ZRFxZipArchive::OpenStorage(std::unique_ptr<ZRFxZipStorage> pStorage, ZRFxOpenMode eMode,
+bool ZRFxZipArchive::OpenStorage(std::unique_ptr<ZRFxZipStorage> pStorage, ZRZipAccessMode eMode,
                                  std::unique_ptr<ZRFxOpenArchive>* ppOpen) {
     auto pOpen = std::make_unique<ZRFxOpenArchive>();
     ZRFxLastCommit last(&m_codec);
     if (!last.Load(pStorage.get())) return Fail({}, last.Error());
     pOpen->bTorn = last.Place().nEnd < pStorage->Size();
     if (!pOpen->Take(&last)) return Fail({}, "damaged commit record");
-    if (eMode == ZRFxOpenMode::kUpdate && pOpen->table.HasOverlaps()) {
+    if (eMode == ZRZipAccessMode::UPDATE && pOpen->table.HasOverlaps()) {
         return Fail({}, "entries overlap, the archive cannot be changed");
     }
     pStorage->CutTo(pOpen->place.nEnd);
     pOpen->pStorage = std::move(pStorage);
-    pOpen->bReadOnly = eMode == ZRFxOpenMode::kReadOnly;
-    pOpen->bChanged = eMode == ZRFxOpenMode::kCreate;
+    pOpen->bReadOnly = eMode == ZRZipAccessMode::READ_ONLY;
+    pOpen->bChanged = eMode == ZRZipAccessMode::CREATE;
     if (!pOpen->bReadOnly) pOpen->run = ZRFxCommitRecord::NewRun();
     *ppOpen = std::move(pOpen);
     return true;
@@ -569,7 +570,7 @@ bool ZRFxZipArchive::RefreshFrom(ZRFxLastCommit* pCommit, ZRFxArchiveChanges* pC
 bool ZRFxZipArchive::Reopen(ZRFxArchiveChanges* pChanges) {
     if (m_sPath.empty()) return Fail({}, m_pOpen->pStorage->Error());
     std::unique_ptr<ZRFxOpenArchive> pOpen;
-    if (!OpenFile(m_sPath, ZRFxOpenMode::kReadOnly, &pOpen)) return false;
+    if (!OpenFile(m_sPath, ZRZipAccessMode::READ_ONLY, &pOpen)) return false;
     // A new file that has no content yet: what was there is shown until there is.
     if (pOpen->table.SlotCount() == 0) return true;
     pChanges->bAny = pChanges->bReplaced = true;

@@ -12,6 +12,7 @@
 #include "container/ZRFxZipMemFile.h"
 #include "container/ZRFxZipRawData.h"
 #include "container/ZRFxZipStorage.h"
+#include "container/ZRZipAccessMode.h"
 
 namespace unstruct {
 
@@ -49,12 +50,11 @@ public:
     ZRFxZipArchive(const ZRFxZipArchive&) = delete;
     ZRFxZipArchive& operator=(const ZRFxZipArchive&) = delete;
 
-    /// Opens or creates an archive; kCreate drops what the file held, with the first commit. Fails
-    /// when an archive is open already, and for writing also when another writer has the file, or
-    /// entries overlap.
-    bool Open(const std::string& sPath, ZRFxOpenMode eMode);
+    /// Opens or creates an archive. Fails when an archive is open already, and for writing also when
+    /// another writer has the file, or entries overlap.
+    bool Open(const std::string& sPath, ZRZipAccessMode eMode);
     /// The same in memory. REQUIRES: pFile outlives the open archive.
-    bool Open(ZRFxZipMemFile* pFile, ZRFxOpenMode eMode);
+    bool Open(ZRFxZipMemFile* pFile, ZRZipAccessMode eMode);
     bool IsOpen() const { return m_pOpen->pStorage != nullptr; }
     bool IsReadOnly() const { return m_pOpen->bReadOnly; }
     /// Whether closing has something to write.
@@ -135,9 +135,9 @@ private:
     bool Guarded(std::string_view sName, Operation operation) noexcept;
     bool Fail(std::string_view sName, std::string_view sCause);
 
-    bool OpenFile(const std::string& sPath, ZRFxOpenMode eMode,
+    bool OpenFile(const std::string& sPath, ZRZipAccessMode eMode,
                   std::unique_ptr<ZRFxOpenArchive>* ppOpen);
-    bool OpenStorage(std::unique_ptr<ZRFxZipStorage> pStorage, ZRFxOpenMode eMode,
+    bool OpenStorage(std::unique_ptr<ZRFxZipStorage> pStorage, ZRZipAccessMode eMode,
                      std::unique_ptr<ZRFxOpenArchive>* ppOpen);
     bool Take(std::unique_ptr<ZRFxOpenArchive> pOpen);
     void Reset();
