@@ -146,12 +146,19 @@ size_t ZRFxZipArchive::EntryCount() {
 }
 
 ZRFxZipArchive::EntryInfo ZRFxZipArchive::EntryAt(size_t nIndex) {
-    m_pOpen->Compact();
     EntryInfo info;
-    if (nIndex < m_pOpen->table.SlotCount()) {
-        Guarded({}, [&] { return Describe(*m_pOpen->table.At(nIndex), &info); });
-    }
+    GetEntry(nIndex, &info);
     return info;
+}
+
+bool ZRFxZipArchive::GetEntry(size_t nIndex, EntryInfo* pInfo) {
+    return nIndex < EntryCount() &&
+           Guarded({}, [&] { return Describe(*m_pOpen->table.At(nIndex), pInfo); });
+}
+
+std::string_view ZRFxZipArchive::NameAt(size_t nIndex) {
+    return nIndex < EntryCount() ? std::string_view(m_pOpen->table.At(nIndex)->entry.sName)
+                                 : std::string_view();
 }
 
 int64_t ZRFxZipArchive::IndexOf(std::string_view sName) const {

@@ -50,8 +50,8 @@ public:
     ZRFxZipArchive(const ZRFxZipArchive&) = delete;
     ZRFxZipArchive& operator=(const ZRFxZipArchive&) = delete;
 
-    /// Opens or creates an archive. Fails when an archive is open already, and for writing also when
-    /// another writer has the file, or entries overlap.
+    /// Opens or creates an archive; Fails when an archive is open already, and for writing also
+    /// when another writer has the file, or entries overlap.
     bool Open(const std::string& sPath, ZRZipAccessMode eMode);
     /// The same in memory. REQUIRES: pFile outlives the open archive.
     bool Open(ZRFxZipMemFile* pFile, ZRZipAccessMode eMode);
@@ -85,6 +85,11 @@ public:
     /// next change, commit or refresh. An index from EntryCount() on gives an empty description.
     size_t EntryCount();
     EntryInfo EntryAt(size_t nIndex);
+    /// The same into a description that is there, whose memory is used again. False when there is
+    /// no memory, or no such entry.
+    bool GetEntry(size_t nIndex, EntryInfo* pInfo);
+    /// The name alone, until the next change, commit or refresh.
+    std::string_view NameAt(size_t nIndex);
     bool Contains(std::string_view sName) const { return FindItem(sName) != nullptr; }
     /// Whether a name of any entry, now or before, has a slash in it; foreign ones may.
     bool HasSlashes() const { return m_pOpen->table.HasSlashes(); }
