@@ -1,7 +1,6 @@
 #include "container/ZRFxZipArchive.h"
 
 #include <algorithm>
-#include <atomic>
 #include <cstring>
 #include <exception>
 #include <new>
@@ -9,6 +8,7 @@
 
 #include "container/ZRFxAppendFile.h"
 #include "container/ZRFxArchiveCommit.h"
+#include "container/ZRFxDocumentTexts.h"
 #include "container/ZRFxOldJournal.h"
 
 namespace unstruct {
@@ -22,11 +22,6 @@ enum DocumentKind { kNoDocument, kDocument, kOfEveryCommit };
 DocumentKind KindOf(const std::string& sName) {
     if (sName == "ZRF.xml" || sName.ends_with("-TOC.xml")) return kOfEveryCommit;
     return sName.ends_with(".xml") ? kDocument : kNoDocument;
-}
-
-uint64_t NewRevision() {
-    static std::atomic<uint64_t> nLast{0};
-    return ++nLast;
 }
 
 // How many bytes two texts begin with alike.
@@ -64,17 +59,17 @@ bool ZRFxZipArchive::Open(ZRFxZipMemFile* pFile, ZRZipAccessMode eMode) {
 }
 
 bool ZRFxZipArchive::HasUncommitted() const {
-    return IsOpen() && !IsReadOnly() && (m_pOpen->bChanged || m_pOpen->pStream);
+    return IsOpen() && !IsReadOnly() && (m_pOpen->next.bChanged || m_pOpen->pStream);
 }
 
 uint64_t ZRFxZipArchive::Length() const {
-    return IsOpen() ? m_pOpen->pStorage->Position() + m_pOpen->nPendingBytes : 0;
+    return IsOpen() ? m_pOpen->pStorage->Position() + m_pOpen->bytes.nPending : 0;
 }
 
 bool ZRFxZipArchive::Commit() {
     return Guarded({}, [&] {
         if (!CheckWritable({})) return false;
-        return !m_pOpen->bChanged || CommitNow(false);
+        return !m_pOpen->next.bChanged || CommitNow(false);
     });
 }
 
@@ -83,7 +78,7 @@ bool ZRFxZipArchive::Close() {
         if (!IsOpen()) return Fail({}, "the archive is not open");
         if (m_pOpen->pStream && !CloseEntry()) return false;
         // A state that ends with a record, or with what a killed writer left, is put in order.
-        const bool bCommits = m_pOpen->bCommitted || !m_pOpen->IsOrdinary();
+        const bool bCommits = m_pOpen->last.bOwn || !m_pOpen->IsOrdinary();
         if (!IsReadOnly() && bCommits && !CommitNow(true)) return false;
         Reset();
         return true;
@@ -103,7 +98,7 @@ bool ZRFxZipArchive::CloseAs(const std::string& sPath) {
         if (!LoadTexts()) return false;
         const bool bWritten = Guarded({}, [&] { return commit.WriteAnew(std::move(pFile)); });
         // It may be the new file from here on, only not yet confirmed.
-        m_reader.Open(m_pOpen->pStorage.get(), m_pOpen->place.nBase);
+        m_reader.Open(m_pOpen->pStorage.get(), m_pOpen->last.place.nBase);
         if (!bWritten) return Fail({}, "'" + sPath + "': " + commit.Error());
         Reset();
         return true;
@@ -123,11 +118,11 @@ bool ZRFxZipArchive::Refresh(ZRFxArchiveChanges* pChanges) {
         if (!storage.Extend()) return Reopen(pChanges);
         const bool bRefreshed = Guarded({}, [&] {
             ZRFxLastCommit last(&m_codec);
-            return (last.LoadSince(&storage, &m_pOpen->place) || Fail({}, last.Error())) &&
+            return (last.LoadSince(&storage, &m_pOpen->last.place) || Fail({}, last.Error())) &&
                    RefreshFrom(&last, pChanges);
         });
-        m_pOpen->pStorage->CutTo(m_pOpen->place.nEnd);
-        m_reader.Open(m_pOpen->pStorage.get(), m_pOpen->place.nBase);
+        m_pOpen->pStorage->CutTo(m_pOpen->last.place.nEnd);
+        m_reader.Open(m_pOpen->pStorage.get(), m_pOpen->last.place.nBase);
         return bRefreshed;
     });
 }
@@ -196,21 +191,8 @@ bool ZRFxZipArchive::Grow(std::string_view sName, uint64_t nKept, std::string_vi
                           int nLevel, uint64_t* pRevision) {
     return Guarded(sName, [&] {
         if (!CheckWritable(sName) || !CheckName(sName) || !LoadTexts()) return false;
-        Item* pItem = FindItem(sName);
-        if (!pItem && nKept > 0) return Fail(sName, "no such entry");
-        if (pItem && nKept > 0 && !LoadForGrowth(pItem)) return false;
-        if (!pItem) pItem = AddDocument(sName, sTail.size());
-        ZRFxGrowingText& text = *m_pOpen->TextOf(pItem);
-        if (nKept > text.sText.size()) return Fail(sName, "the document is shorter");
-        text.sText.reserve(static_cast<size_t>(nKept) + sTail.size());
-        text.sText.resize(static_cast<size_t>(nKept));
-        text.sText.append(sTail);
-        text.sError.clear();
-        text.nLevel = nLevel;
-        text.nRevision = NewRevision();
-        m_pOpen->BecomeText(pItem, nKept);
-        *pRevision = pItem->pText->nRevision;
-        return true;
+        ZRFxDocumentTexts texts(m_pOpen.get(), &m_reader, &m_codec, &m_cipher);
+        return texts.Grow(sName, nKept, sTail, nLevel, pRevision) || Fail(sName, texts.Error());
     });
 }
 
@@ -338,23 +320,23 @@ bool ZRFxZipArchive::OpenStorage(std::unique_ptr<ZRFxZipStorage> pStorage, ZRZip
     auto pOpen = std::make_unique<ZRFxOpenArchive>();
     ZRFxLastCommit last(&m_codec);
     if (!last.Load(pStorage.get())) return Fail({}, last.Error());
-    pOpen->bTorn = last.Place().nEnd < pStorage->Size();
+    pOpen->last.bTorn = last.Place().nEnd < pStorage->Size();
     if (!pOpen->Take(&last)) return Fail({}, "damaged commit record");
     if (eMode == ZRZipAccessMode::UPDATE && pOpen->table.HasOverlaps()) {
         return Fail({}, "entries overlap, the archive cannot be changed");
     }
-    pStorage->CutTo(pOpen->place.nEnd);
+    pStorage->CutTo(pOpen->last.place.nEnd);
     pOpen->pStorage = std::move(pStorage);
     pOpen->bReadOnly = eMode == ZRZipAccessMode::READ_ONLY;
-    pOpen->bChanged = eMode == ZRZipAccessMode::CREATE;
-    if (!pOpen->bReadOnly) pOpen->run = ZRFxCommitRecord::NewRun();
+    pOpen->next.bChanged = eMode == ZRZipAccessMode::CREATE;
+    if (!pOpen->bReadOnly) pOpen->next.run = ZRFxCommitRecord::NewRun();
     *ppOpen = std::move(pOpen);
     return true;
 }
 
 bool ZRFxZipArchive::Take(std::unique_ptr<ZRFxOpenArchive> pOpen) {
     m_pOpen = std::move(pOpen);
-    m_reader.Open(m_pOpen->pStorage.get(), m_pOpen->place.nBase);
+    m_reader.Open(m_pOpen->pStorage.get(), m_pOpen->last.place.nBase);
     return true;
 }
 
@@ -409,7 +391,7 @@ bool ZRFxZipArchive::MakeItem(std::string_view sName, const void* pData, uint64_
     const bool bPlaced = GoesToFile(pItem->entry) ? WriteNow(pItem.get(), pPacked)
                                                   : KeepPending(pItem.get(), pPacked);
     if (!bPlaced) return false;
-    m_pOpen->bChanged = true;
+    m_pOpen->next.bChanged = true;
     *ppItem = std::move(pItem);
     return true;
 }
@@ -417,7 +399,7 @@ bool ZRFxZipArchive::MakeItem(std::string_view sName, const void* pData, uint64_
 bool ZRFxZipArchive::GoesToFile(const ZRFxZipEntry& entry) const {
     const DocumentKind eKind = KindOf(entry.sName);
     if (eKind != kDocument) return eKind == kNoDocument;
-    return m_pOpen->nPendingBytes + entry.nPackedSize > m_nPendingLimit;
+    return m_pOpen->bytes.nPending + entry.nPackedSize > m_nPendingLimit;
 }
 
 bool ZRFxZipArchive::KeepPending(Item* pItem, const uint8_t* pPacked) {
@@ -436,90 +418,9 @@ bool ZRFxZipArchive::WriteNow(Item* pItem, const uint8_t* pPacked) {
            Fail(entry.sName, m_packer.Error());
 }
 
-// A document that is an entry so far is read.
-bool ZRFxZipArchive::LoadForGrowth(Item* pItem) {
-    if (pItem->pText && pItem->pText->bLoaded) {
-        return pItem->pText->sError.empty() || Fail(pItem->entry.sName, pItem->pText->sError);
-    }
-    ZRFxZipRawData raw;
-    if (!ReadItem(*pItem, &raw)) return false;
-    std::string sText(raw.Buffer(), raw.Buffer() + raw.Length());
-    ZRFxGrowingText& text = *m_pOpen->TextOf(pItem);
-    text.sText.swap(sText);
-    text.bLoaded = true;
-    return true;
-}
-
-// With room for its first text, so that it is not left without one.
-ZRFxArchiveItem* ZRFxZipArchive::AddDocument(std::string_view sName, size_t nLength) {
-    auto pText = std::make_shared<ZRFxGrowingText>();
-    pText->sName = sName;
-    pText->sText.reserve(nLength);
-    auto pNew = std::make_unique<Item>();
-    pNew->entry.sName = sName;
-    pNew->ePlace = Place::kInRecords;
-    pNew->pText = pText;
-    m_pOpen->table.MakeRoom();
-    m_pOpen->apTexts.push_back(std::move(pText));
-    return m_pOpen->Add(std::move(pNew));
-}
-
-// Puts what records have appended to the texts, all of them at once. A record whose tails are put
-// names no texts any more.
 bool ZRFxZipArchive::LoadTexts() {
-    for (ZRFxOpenArchive::UnreadRecord& unread : m_pOpen->aUnread) {
-        if (!unread.apTexts.empty() && !LoadTails(&unread)) return false;
-    }
-    m_pOpen->aUnread.clear();
-    return true;
-}
-
-// Puts the tails of a record to all of its texts or, where memory runs out, to none.
-bool ZRFxZipArchive::LoadTails(ZRFxOpenArchive::UnreadRecord* pUnread) {
-    auto& [record, apTexts] = *pUnread;
-    std::string sTails;
-    if (!record.GetTails(&m_codec, &m_cipher, &sTails)) return Fail({}, record.Error());
-    for (size_t i = 0; i < apTexts.size(); ++i) Prepare(record.aEdits[i], apTexts[i].get());
-    uint64_t nAt = 0;
-    for (size_t i = 0; i < apTexts.size(); ++i) {
-        const ZRFxCommitRecord::Edit& edit = record.aEdits[i];
-        Apply(edit, std::string_view(sTails).substr(static_cast<size_t>(nAt)), apTexts[i].get());
-        nAt += edit.nTail;
-    }
-    apTexts.clear();
-    return true;
-}
-
-// Takes all the memory that the edit needs. A text that cannot be had stays so until an edit begins
-// it anew; what its entry declares is not believed.
-void ZRFxZipArchive::Prepare(const ZRFxCommitRecord::Edit& edit, ZRFxGrowingText* pText) {
-    if (pText->bDropped) return;
-    if (edit.nKept > 0 && !pText->bLoaded && !LoadText(pText)) pText->sError = m_reader.Error();
-    pText->bLoaded = true;
-    if (edit.nKept > 0 && !pText->sError.empty()) return;
-    if (edit.nKept > pText->sText.size()) {
-        pText->sError = "damaged commit record";
-        return;
-    }
-    pText->sText.reserve(static_cast<size_t>(edit.nKept + edit.nTail));
-}
-
-// sTails begins with what the edit adds. Allocates nothing.
-void ZRFxZipArchive::Apply(const ZRFxCommitRecord::Edit& edit, std::string_view sTails,
-                           ZRFxGrowingText* pText) {
-    if (edit.nKept == 0) pText->sError.clear();
-    if (pText->bDropped || !pText->sError.empty()) return;
-    pText->sText.resize(static_cast<size_t>(edit.nKept));
-    pText->sText.append(sTails.substr(0, static_cast<size_t>(edit.nTail)));
-}
-
-// The entry that a text has outgrown.
-bool ZRFxZipArchive::LoadText(ZRFxGrowingText* pText) {
-    const Item* pItem = FindItem(pText->sName);
-    ZRFxZipRawData raw;
-    if (!pItem || !pItem->HasEntry() || !m_reader.Read(*pItem, &raw)) return false;
-    pText->sText.assign(raw.Buffer(), raw.Buffer() + raw.Length());
-    return true;
+    ZRFxDocumentTexts texts(m_pOpen.get(), &m_reader, &m_codec, &m_cipher);
+    return texts.Load() || Fail({}, texts.Error());
 }
 
 bool ZRFxZipArchive::ReadItem(const Item& item, ZRFxZipRawData* pRaw) {
@@ -540,19 +441,19 @@ bool ZRFxZipArchive::CommitNow(bool bClosing) {
     ZRFxArchiveCommit commit(m_pOpen.get(), &m_packer, &m_reader, &m_codec, &m_cipher);
     const bool bCommitted =
         Guarded({}, [&] { return commit.Run(bClosing) || Fail({}, commit.Error()); });
-    m_reader.Open(m_pOpen->pStorage.get(), m_pOpen->place.nBase);
+    m_reader.Open(m_pOpen->pStorage.get(), m_pOpen->last.place.nBase);
     return bCommitted;
 }
 
 bool ZRFxZipArchive::RefreshFrom(ZRFxLastCommit* pCommit, ZRFxArchiveChanges* pChanges) {
     ZRFxOpenArchive& open = *m_pOpen;
     const ZRFxCommitPlace place = pCommit->Place();
-    pChanges->bAny = place.nEnd != open.place.nEnd;
+    pChanges->bAny = place.nEnd != open.last.place.nEnd;
     if (pCommit->IsSince()) {
         if (!open.TakeRecords(&pCommit->aRecords, pChanges)) {
             return Fail({}, "damaged commit record");
         }
-        open.place = place;
+        open.last.place = place;
         return true;
     }
     auto pNew = std::make_unique<ZRFxOpenArchive>();

@@ -50,7 +50,7 @@ public:
     ZRFxZipArchive(const ZRFxZipArchive&) = delete;
     ZRFxZipArchive& operator=(const ZRFxZipArchive&) = delete;
 
-    /// Opens or creates an archive; Fails when an archive is open already, and for writing also
+    /// Opens or creates an archive. Fails when an archive is open already, and for writing also
     /// when another writer has the file, or entries overlap.
     bool Open(const std::string& sPath, ZRZipAccessMode eMode);
     /// The same in memory. REQUIRES: pFile outlives the open archive.
@@ -158,13 +158,7 @@ private:
     bool GoesToFile(const ZRFxZipEntry& entry) const;
     bool KeepPending(Item* pItem, const uint8_t* pPacked);
     bool WriteNow(Item* pItem, const uint8_t* pPacked);
-    bool LoadForGrowth(Item* pItem);
-    Item* AddDocument(std::string_view sName, size_t nLength);
     bool LoadTexts();
-    bool LoadTails(ZRFxOpenArchive::UnreadRecord* pUnread);
-    void Prepare(const ZRFxCommitRecord::Edit& edit, ZRFxGrowingText* pText);
-    void Apply(const ZRFxCommitRecord::Edit& edit, std::string_view sTails, ZRFxGrowingText* pText);
-    bool LoadText(ZRFxGrowingText* pText);
     bool ReadItem(const Item& item, ZRFxZipRawData* pRaw);
     bool CommitNow(bool bClosing);
     bool RefreshFrom(ZRFxLastCommit* pCommit, ZRFxArchiveChanges* pChanges);
