@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "access/ZROZRFxAccess.h"
 #include "data/ZRFxTextData.h"
 #include "documents/ZRFxXml.h"
 #include "nvf/LogManager.h"

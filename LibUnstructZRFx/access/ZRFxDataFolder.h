@@ -4,10 +4,11 @@
 
 #include "ZRArray.h"
 #include "ZRString.h"
-#include "access/ZROZRFxAccess.h"
 #include "nvf/Logger.h"
 
 namespace unstruct {
+
+class ZRFxAccess;
 
 /// The data files of one folder of the archive, in binary or text form. Names are base names,
 /// without folder and extension. Writing does not replace a file, unless told to. Reading finds a

@@ -8,9 +8,13 @@
 #include "NuoCore/Image.h"
 #include "ZRArray.h"
 #include "ZRString.h"
+#include "access/ZRFxDenseDocuments.h"
+#include "access/ZRFxEntryNames.h"
+#include "access/ZRFxMainDocumentEntry.h"
 #include "container/ZRFxZipArchive.h"
 #include "container/ZRFxZipMemFile.h"
 #include "container/ZRFxZipRawData.h"
+#include "container/ZRZipAccessMode.h"
 #include "data/ZRFxReadBounds.h"
 #include "documents/ZRFxMainDocument.h"
 #include "nvf/Logger.h"
@@ -18,8 +22,6 @@
 #include "nvf/XmlDocument.h"
 
 namespace unstruct {
-
-enum class ZRZipAccessMode : int { UPDATE = 0, READ_ONLY = 1, CREATE = 2 };
 
 /// Whether a missing entry is an error or an answer.
 enum class LogMode { LOG, SILENT };
@@ -91,16 +93,18 @@ public:
     /// is new.
     bool Refresh(ZRFxArchiveChanges* changes);
 
-    bool IsOpen() const;
-    bool IsReadOnly() const { return m_readOnly; }
+    bool IsOpen() const { return m_pArchive->IsOpen(); }
+    bool IsReadOnly() const { return m_pArchive->IsReadOnly(); }
+    /// Empty for an archive in memory.
+    const ZRString& FileName() const { return m_sFileName; }
 
     /// Whether a path holds a ZRFx file: by extension, as an archive, and by its main document.
     /// Never alters anything and logs nothing.
     static bool IsZRFxFile(const ZRString& name);
 
-    /// Used by every later write: the level is 0 (stored) to 9, or -1 for the default. The
-    /// smartness flags ask for what is always done, an entry that does not shrink is stored; the
-    /// buffer sizes are kept for callers that set them, entries are compressed whole.
+    /// Used by every later write: the level is 0 (stored) to 9, or -1 for the default. The other
+    /// values change nothing: an entry that does not shrink is always stored, and entries are
+    /// compressed whole.
     void SetCompression(int level, int smartness, std::uint32_t bufferSize,
                         std::uint32_t fileBufferSize);
 
@@ -119,8 +123,12 @@ public:
     bool ReadAndValidateMainDocumentFile(nvf::XmlDocument* doc);
     bool SetVendorInfo(const ZRString& exportApplication, const ZRString& vendorName, int vendorId);
     bool GetVendorInfo(int* vendorId, ZRString* vendorName, ZRString* exportApplication);
-    bool GetExportDateTime(ZRFxDateTime* dateTime);
-    bool GetDisplayModelOnly(bool* displayModelOnly);
+    bool GetExportDateTime(ZRFxDateTime* dateTime) {
+        return m_mainDocument.Ask(&ZRFxMainDocument::GetExportDateTime, dateTime);
+    }
+    bool GetDisplayModelOnly(bool* displayModelOnly) {
+        return m_mainDocument.Ask(&ZRFxMainDocument::GetDisplayModelOnly, displayModelOnly);
+    }
 
     // Registries of databases and cases.
 
@@ -129,20 +137,30 @@ public:
     bool AddDatabase(const nvf::XmlDocument& databaseDoc, bool overwrite);
     bool AddCase(const nvf::XmlDocument& caseDoc, bool overwrite);
 
-    bool GetNumDatabases(int* count);
-    bool GetNumCases(int* count);
+    bool GetNumDatabases(int* count) {
+        return m_mainDocument.Ask(&ZRFxMainDocument::GetNumDatabases, count);
+    }
+    bool GetNumCases(int* count) {
+        return m_mainDocument.Ask(&ZRFxMainDocument::GetNumCases, count);
+    }
 
     /// By position, or by id. False, without a message, when there is none.
-    bool GetDatabaseInfo(int index, ZRFxDatabaseInfo* info);
-    bool GetDatabaseByID(int id, ZRFxDatabaseInfo* info);
-    bool GetCaseInfo(int index, ZRFxCaseInfo* info);
-    bool GetCaseByID(int id, ZRFxCaseInfo* info);
+    bool GetDatabaseInfo(int index, ZRFxDatabaseInfo* info) {
+        return m_mainDocument.Ask(&ZRFxMainDocument::GetDatabaseInfo, index, info);
+    }
+    bool GetDatabaseByID(int id, ZRFxDatabaseInfo* info) {
+        return m_mainDocument.Ask(&ZRFxMainDocument::GetDatabaseByID, id, info);
+    }
+    bool GetCaseInfo(int index, ZRFxCaseInfo* info) {
+        return m_mainDocument.Ask(&ZRFxMainDocument::GetCaseInfo, index, info);
+    }
+    bool GetCaseByID(int id, ZRFxCaseInfo* info) {
+        return m_mainDocument.Ask(&ZRFxMainDocument::GetCaseByID, id, info);
+    }
 
-    /// The entry that a case's document names as one of its files: the one of that name in the
-    /// case's folder or, where there is none, the one of that whole name.
+    // Files of cases, see ZRFxCaseFiles.
+
     ZRString CaseEntry(const ZRString& folder, const ZRString& file) const;
-
-    /// Snapshot and description of a case, from the files that its "Case.xml" names.
     bool GetCaseSnapshot(int caseId, nuo::Image* image);
     bool GetCaseDescription(int caseId, ZRString* text);
 
@@ -193,10 +211,8 @@ public:
     bool WriteNewFile(std::string_view text);
     bool CloseNewFile();
 
-    // Images: raw for names that end in ".raw", JPEG for all others. The extension is compared as
-    // it stands.
+    // Images, see ZRFxImageEntry.h.
 
-    /// Stores an image in place of the one of that name.
     bool WriteImage(const ZRString& name, const nuo::Image& image);
     bool ReadImage(const ZRString& name, nuo::Image* image);
 
@@ -210,61 +226,40 @@ public:
     /// Removes an entry; one that is not there is no failure.
     bool RemoveFile(const ZRString& name);
 
-    /// Whole names of the entries in a folder, in archive order; with `descend`, also those of the
-    /// folders below it.
+    // Names, see ZRFxEntryNames. False, with a message, when the archive is not open.
+
+    static constexpr std::size_t kMostFolders = ZRFxEntryNames::kMostFolders;
     bool FindFiles(const ZRString& folder, bool descend, ZRStringArray* names);
-
-    /// Whole names of the entries that begin with a base name, which an extension or a dash
-    /// follows.
     bool FindFilesOfBase(const ZRString& base, ZRStringArray* names);
-
-    /// A name lies in no more folders than these; what else it tells of folders does not count.
-    static constexpr std::size_t kMostFolders = 1000;
-
-    /// Whole names of the folders in a folder; with `descend`, also those below them, kMostFolders
-    /// deep at most.
     bool FindSubFolders(const ZRString& folder, bool descend, ZRStringArray* names);
 
     /// What the entries tell of how the archive was made.
     bool GetArchiveInfo(ZRFxArchiveInfo* info);
 
 private:
-    bool TakeOpened(bool isOpened, ZRZipAccessMode mode);
+    bool CheckOpened(bool isOpened);
+    bool CheckNames(const ZRStringArray* names) const;
     bool CheckWritable(const ZRString& name);
     bool CheckDocumentWritable(const ZRString& name);
     bool CheckReadable(const ZRString& name, LogMode logMode) const;
     bool Store(const ZRString& name, const void* data, std::size_t numBytes, bool overwrite);
     bool StoreDocument(const ZRString& name, const std::string& text, bool overwrite);
-    std::uint64_t DenseLength(const ZRString& name);
-    std::uint64_t DenseDocuments();
-    bool LoadMainDocument();
-    bool GetCaseFile(int caseId, const char* element, ZRString* fileName, bool* isGiven);
     template <typename Item>
     bool WriteItems(const ZRString& name, const ZRArray<Item>& data);
     template <typename Item>
     bool ReadItems(const ZRString& name, ZRArray<Item>* data);
-    template <typename TakeName>
-    bool ForEachName(const std::string& prefix, ZRStringArray* names, TakeName takeName);
-    ZRFxZipArchive::EntryInfo EntryAt(std::size_t index);
-    void SortNames();
     void Forget();
-    bool FindEntry(const ZRString& name, std::string* entry) const;
     bool FailWithCause(nvf::LocatedText message, const ZRString& name);
 
     ZRString m_sFileName;
-    ZRFxZipMemFile* m_pMemFile = nullptr;
     const std::unique_ptr<ZRFxZipArchive> m_pArchive;
-    bool m_readOnly = false;
     bool m_alwaysOverwrite = false;
     int m_compressionLevel = kDefaultLevel;
-    int m_compressionSmartness = kDefaultSmartness;
-    std::uint32_t m_compressionBufferSize = kDefaultBufferSize;
-    std::uint32_t m_fileBufferSize = kDefaultBufferSize;
-    // Found once, as a file may list very many, and forgotten with the next write or commit.
-    std::optional<ZRFxMainDocument> m_mainDocument;
-    std::vector<std::pair<std::string, std::size_t>> m_sortedNames;  // With slashes; entry.
+    // What was found in them is forgotten with the next write or commit.
+    ZRFxMainDocumentEntry m_mainDocument{*this};
+    ZRFxEntryNames m_names;
+    ZRFxDenseDocuments m_denseDocuments;
     ZRFxReadBounds m_bounds;
-    std::optional<std::uint64_t> m_denseDocuments;  // Their length; counted when it matters.
     nvf::ref<nvf::Logger> m_logger;
 };
 

@@ -281,4 +281,18 @@ bool ZRFxCipher::ApplyStream(const uint8_t* pFrom, uint8_t* pTo, size_t nSize, u
     return true;
 }
 
+const char* ZRFxCipher::MessageOf(Result eResult) {
+    switch (eResult) {
+        case Result::kDone:
+            return "";
+        case Result::kWrongPassword:
+            return "wrong password";
+        case Result::kDamaged:
+            return "damaged data, or wrong password";
+        case Result::kFailed:
+            break;
+    }
+    return "cannot decrypt";
+}
+
 }  // namespace unstruct

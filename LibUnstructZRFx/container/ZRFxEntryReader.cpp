@@ -166,18 +166,9 @@ bool ZRFxEntryReader::Unpack(const ZRFxZipEntry& entry, const uint8_t* pPacked,
 }
 
 bool ZRFxEntryReader::Decrypt(const ZRFxZipEntry& entry, const uint8_t* pPacked, uint8_t* pData) {
-    switch (m_pCipher->Decrypt(entry.eStrength, pPacked, static_cast<size_t>(entry.nPackedSize),
-                               pData)) {
-        case ZRFxCipher::Result::kDone:
-            return true;
-        case ZRFxCipher::Result::kWrongPassword:
-            return Fail("wrong password");
-        case ZRFxCipher::Result::kDamaged:
-            return Fail("damaged data, or wrong password");
-        case ZRFxCipher::Result::kFailed:
-            break;
-    }
-    return Fail("cannot decrypt");
+    const ZRFxCipher::Result eResult =
+        m_pCipher->Decrypt(entry.eStrength, pPacked, static_cast<size_t>(entry.nPackedSize), pData);
+    return eResult == ZRFxCipher::Result::kDone || Fail(ZRFxCipher::MessageOf(eResult));
 }
 
 bool ZRFxEntryReader::ReadForeign(const ZRFxArchiveItem& item, ZRFxZipRawData* pRaw) {

@@ -125,10 +125,10 @@ bool HasLocalHeader(ZRFxZipStorage* pStorage, const ZRFxZipEntry& entry) {
 
 }  // namespace
 
-bool ZRFxOldJournal::Settle(std::unique_ptr<ZRFxAppendFile> pFile, ZRFxOpenMode eMode,
+bool ZRFxOldJournal::Settle(std::unique_ptr<ZRFxAppendFile> pFile, ZRZipAccessMode eMode,
                             std::unique_ptr<ZRFxZipStorage>* ppStorage) {
     ZRFxAppendFile& file = *pFile;
-    const bool bReads = eMode == ZRFxOpenMode::kReadOnly;
+    const bool bReads = eMode == ZRZipAccessMode::READ_ONLY;
     *ppStorage = std::move(pFile);
     // A file that is created over another one leaves that and its journal alone until it commits.
     if (file.Size() == 0) return true;

@@ -15,7 +15,7 @@ void Note(ZRFxArchiveChanges* pChanges, const std::string& sName, uint64_t nKept
 
 bool ZRFxOpenArchive::Take(ZRFxLastCommit* pCommit) {
     ZRFxArchiveChanges changes;
-    place = pCommit->Place();
+    last.place = pCommit->Place();
     sComment = std::move(pCommit->directory.sComment);
     table.Reserve(pCommit->directory.aEntries.size());
     TakeEntries(&pCommit->directory.aEntries, &changes);
@@ -27,8 +27,8 @@ bool ZRFxOpenArchive::TakeRecords(std::vector<ZRFxCommitRecord>* paRecords,
     const bool bTaken =
         std::all_of(paRecords->begin(), paRecords->end(),
                     [&](ZRFxCommitRecord& record) { return TakeRecord(&record, pChanges); });
-    nFirstNew = table.SlotCount();
-    asRemoved.clear();
+    next.nFirstNew = table.SlotCount();
+    next.asRemoved.clear();
     return bTaken;
 }
 
@@ -44,23 +44,23 @@ ZRFxArchiveItem* ZRFxOpenArchive::Add(std::unique_ptr<ZRFxArchiveItem> pItem, bo
 }
 
 void ZRFxOpenArchive::Remove(ZRFxArchiveItem* pItem) {
-    if (IsListed(*pItem)) asRemoved.push_back(pItem->entry.sName);
+    if (IsListed(*pItem)) next.asRemoved.push_back(pItem->entry.sName);
     Uncount(*pItem);
     if (pItem->pText) pItem->pText->bDropped = true;
     table.Remove(pItem);
-    bChanged = true;
+    next.bChanged = true;
 }
 
 void ZRFxOpenArchive::Count(const ZRFxArchiveItem& item) {
-    nLiveBytes += item.Span();
-    nDirectoryBytes += item.entry.sRecord.size();
-    nPendingBytes += item.packed.Length();
+    bytes.nLive += item.Span();
+    bytes.nDirectory += item.entry.sRecord.size();
+    bytes.nPending += item.packed.Length();
 }
 
 void ZRFxOpenArchive::Uncount(const ZRFxArchiveItem& item) {
-    nLiveBytes -= item.Span();
-    nDirectoryBytes -= item.entry.sRecord.size();
-    nPendingBytes -= item.packed.Length();
+    bytes.nLive -= item.Span();
+    bytes.nDirectory -= item.entry.sRecord.size();
+    bytes.nPending -= item.packed.Length();
 }
 
 ZRFxGrowingText* ZRFxOpenArchive::TextOf(ZRFxArchiveItem* pItem) {
@@ -87,7 +87,7 @@ void ZRFxOpenArchive::BecomeText(ZRFxArchiveItem* pItem, uint64_t nKept) {
         text.nUnchanged = 0;
     }
     pItem->ePlace = ZRFxArchiveItem::Place::kInRecords;
-    bChanged = true;
+    next.bChanged = true;
 }
 
 void ZRFxOpenArchive::NoteChangesSince(const ZRFxOpenArchive& earlier,
@@ -105,9 +105,9 @@ void ZRFxOpenArchive::NoteChangesSince(const ZRFxOpenArchive& earlier,
 void ZRFxOpenArchive::Compact() {
     if (!table.HasGaps()) return;
     size_t nCommitted = 0;
-    for (size_t i = 0; i < nFirstNew; ++i) nCommitted += table.At(i) ? 1 : 0;
+    for (size_t i = 0; i < next.nFirstNew; ++i) nCommitted += table.At(i) ? 1 : 0;
     table.Compact();
-    nFirstNew = nCommitted;
+    next.nFirstNew = nCommitted;
 }
 
 void ZRFxOpenArchive::Clear() {

@@ -34,13 +34,36 @@ struct ZRFxOpenArchive {
         ZRFxZipMemFile data;
     };
 
+    /// The committed state that all this builds on.
+    struct LastCommit {
+        ZRFxCommitPlace place;
+        bool bTorn = false;      ///< Something follows it that is no commit.
+        bool bOwn = false;       ///< This writer has committed.
+        bool bOwnChain = false;  ///< It is a record of this writer's run.
+        bool bFollowed = false;  ///< The walk is known to reach its end.
+    };
+    /// What is to be committed, besides the items and texts themselves.
+    struct NextCommit {
+        bool bChanged = false;               ///< There is something.
+        ZRFxCommitRecord::Run run{};         ///< Of the records that this writer appends.
+        size_t nFirstNew = 0;                ///< Slots from here on are not committed.
+        std::vector<std::string> asRemoved;  ///< Names that the last commit has; some may be back.
+    };
+    /// How many bytes there are of each kind.
+    struct Bytes {
+        uint64_t nPending = 0;
+        uint64_t nLive = 0;       ///< Of entries in the file.
+        uint64_t nDirectory = 0;  ///< Of their directory records.
+        uint64_t nLeft = 0;       ///< Of directories and documents left behind by this writer.
+    };
+
     /// Takes the entries of a state that was found in the storage. False when a record does not fit
     /// what it builds on.
     bool Take(ZRFxLastCommit* pCommit);
     /// Takes what records add, in their order.
     bool TakeRecords(std::vector<ZRFxCommitRecord>* paRecords, ZRFxArchiveChanges* pChanges);
 
-    /// Adds an item in place of the one of its name; tells, when asked, whether there was one.
+    /// Adds an item in last.place of the one of its name; tells, when asked, whether there was one.
     ZRFxArchiveItem* Add(std::unique_ptr<ZRFxArchiveItem> pItem, bool* pReplaced = nullptr);
     void Remove(ZRFxArchiveItem* pItem);
     /// Counts what the item takes in the file and in the directory, or no longer takes.
@@ -48,10 +71,10 @@ struct ZRFxOpenArchive {
     void Uncount(const ZRFxArchiveItem& item);
     /// Whether the file ends as an ordinary archive of all that there is.
     bool IsOrdinary() const {
-        return !bChanged && !bTorn && place.nBase != 0 && place.nRecord == 0;
+        return !next.bChanged && !last.bTorn && last.place.nBase != 0 && last.place.nRecord == 0;
     }
     /// Whether the last committed state knows the item.
-    bool IsListed(const ZRFxArchiveItem& item) const { return item.nSlot < nFirstNew; }
+    bool IsListed(const ZRFxArchiveItem& item) const { return item.nSlot < next.nFirstNew; }
     /// The text of an item, which has an entry from before or none.
     ZRFxGrowingText* TextOf(ZRFxArchiveItem* pItem);
     /// Notes that the item's text was changed from byte nKept on.
@@ -64,26 +87,15 @@ struct ZRFxOpenArchive {
     void Clear();
 
     std::unique_ptr<ZRFxZipStorage> pStorage;
-    ZRFxEntryTable table;
-    ZRFxCommitPlace place;
-    ZRFxCommitRecord::Run run{};  ///< Of the records that this writer appends.
-    std::string sComment;
-    std::vector<UnreadRecord> aUnread;
-    std::vector<std::shared_ptr<ZRFxGrowingText>> apTexts;
-    std::unique_ptr<Stream> pStream;
-
     bool bReadOnly = false;
-    bool bTorn = false;                  ///< Something follows the last commit that is none.
-    bool bChanged = false;               ///< There is something to commit.
-    bool bCommitted = false;             ///< By this writer.
-    bool bOwnChain = false;              ///< The last record is of this run.
-    bool bFollowed = false;              ///< The walk is known to reach the end of the last commit.
-    size_t nFirstNew = 0;                ///< Slots from here on are not committed.
-    std::vector<std::string> asRemoved;  ///< Names that the last commit has; some may be back.
-    uint64_t nPendingBytes = 0;
-    uint64_t nLiveBytes = 0;       ///< Entries in the file.
-    uint64_t nDirectoryBytes = 0;  ///< Their directory records.
-    uint64_t nLeftBytes = 0;       ///< Directories and documents left behind by this writer.
+    std::string sComment;
+    ZRFxEntryTable table;
+    std::unique_ptr<Stream> pStream;
+    std::vector<std::shared_ptr<ZRFxGrowingText>> apTexts;
+    std::vector<UnreadRecord> aUnread;
+    LastCommit last;
+    NextCommit next;
+    Bytes bytes;
 
 private:
     bool TakeRecord(ZRFxCommitRecord* pRecord, ZRFxArchiveChanges* pChanges);

@@ -12,6 +12,7 @@
 #include "container/ZRFxZipMemFile.h"
 #include "container/ZRFxZipRawData.h"
 #include "container/ZRFxZipStorage.h"
+#include "container/ZRZipAccessMode.h"
 
 namespace unstruct {
 
@@ -49,12 +50,11 @@ public:
     ZRFxZipArchive(const ZRFxZipArchive&) = delete;
     ZRFxZipArchive& operator=(const ZRFxZipArchive&) = delete;
 
-    /// Opens or creates an archive; kCreate drops what the file held, with the first commit. Fails
-    /// when an archive is open already, and for writing also when another writer has the file, or
-    /// entries overlap.
-    bool Open(const std::string& sPath, ZRFxOpenMode eMode);
+    /// Opens or creates an archive. Fails when an archive is open already, and for writing also
+    /// when another writer has the file, or entries overlap.
+    bool Open(const std::string& sPath, ZRZipAccessMode eMode);
     /// The same in memory. REQUIRES: pFile outlives the open archive.
-    bool Open(ZRFxZipMemFile* pFile, ZRFxOpenMode eMode);
+    bool Open(ZRFxZipMemFile* pFile, ZRZipAccessMode eMode);
     bool IsOpen() const { return m_pOpen->pStorage != nullptr; }
     bool IsReadOnly() const { return m_pOpen->bReadOnly; }
     /// Whether closing has something to write.
@@ -85,6 +85,11 @@ public:
     /// next change, commit or refresh. An index from EntryCount() on gives an empty description.
     size_t EntryCount();
     EntryInfo EntryAt(size_t nIndex);
+    /// The same into a description that is there, whose memory is used again. False when there is
+    /// no memory, or no such entry.
+    bool GetEntry(size_t nIndex, EntryInfo* pInfo);
+    /// The name alone, until the next change, commit or refresh.
+    std::string_view NameAt(size_t nIndex);
     bool Contains(std::string_view sName) const { return FindItem(sName) != nullptr; }
     /// Whether a name of any entry, now or before, has a slash in it; foreign ones may.
     bool HasSlashes() const { return m_pOpen->table.HasSlashes(); }
@@ -135,9 +140,9 @@ private:
     bool Guarded(std::string_view sName, Operation operation) noexcept;
     bool Fail(std::string_view sName, std::string_view sCause);
 
-    bool OpenFile(const std::string& sPath, ZRFxOpenMode eMode,
+    bool OpenFile(const std::string& sPath, ZRZipAccessMode eMode,
                   std::unique_ptr<ZRFxOpenArchive>* ppOpen);
-    bool OpenStorage(std::unique_ptr<ZRFxZipStorage> pStorage, ZRFxOpenMode eMode,
+    bool OpenStorage(std::unique_ptr<ZRFxZipStorage> pStorage, ZRZipAccessMode eMode,
                      std::unique_ptr<ZRFxOpenArchive>* ppOpen);
     bool Take(std::unique_ptr<ZRFxOpenArchive> pOpen);
     void Reset();
@@ -153,13 +158,7 @@ private:
     bool GoesToFile(const ZRFxZipEntry& entry) const;
     bool KeepPending(Item* pItem, const uint8_t* pPacked);
     bool WriteNow(Item* pItem, const uint8_t* pPacked);
-    bool LoadForGrowth(Item* pItem);
-    Item* AddDocument(std::string_view sName, size_t nLength);
     bool LoadTexts();
-    bool LoadTails(ZRFxOpenArchive::UnreadRecord* pUnread);
-    void Prepare(const ZRFxCommitRecord::Edit& edit, ZRFxGrowingText* pText);
-    void Apply(const ZRFxCommitRecord::Edit& edit, std::string_view sTails, ZRFxGrowingText* pText);
-    bool LoadText(ZRFxGrowingText* pText);
     bool ReadItem(const Item& item, ZRFxZipRawData* pRaw);
     bool CommitNow(bool bClosing);
     bool RefreshFrom(ZRFxLastCommit* pCommit, ZRFxArchiveChanges* pChanges);

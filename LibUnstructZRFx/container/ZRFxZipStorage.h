@@ -8,8 +8,6 @@
 
 namespace unstruct {
 
-enum class ZRFxOpenMode { kUpdate = 0, kReadOnly = 1, kCreate = 2 };
-
 enum class ZRFxCommitResult {
     kDone,
     /// Nothing of the commit holds; every opener sees the last committed state.
