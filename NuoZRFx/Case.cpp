@@ -18,10 +18,9 @@ constexpr const char* kTexturePrefix = "PartTexture_";
 }  // namespace
 
 Case::Case(File* file, const Str& name, int id, int databaseId) {
-    const bool isMade = guarded([&] {
-        m_private.take(std::make_unique<CasePrivate>());
-        return create(file, name, id, databaseId);
-    });
+    guarded([&] { m_private.take(std::make_unique<CasePrivate>()); });
+    const bool isMade = noted(m_private, nvf::Reason::INVALID_ARGUMENT,
+                              [&] { return create(file, name, id, databaseId); });
     if (!isMade) refuse();
 }
 
@@ -31,6 +30,10 @@ Case::Case(File* file, int index) : m_private(std::make_unique<CasePrivate>()) {
 }
 
 Case::~Case() = default;
+
+const Error& Case::lastError() const {
+    return lastErrorOf(m_private);
+}
 
 int Case::id() const {
     return guarded(-1, [&] { return m_private->m_id; });
@@ -73,11 +76,11 @@ bool Case::hasSnapshot() const {
 }
 
 const Image* Case::snapshot() const {
-    return guarded([&]() -> const Image* {
+    return noted(m_private, nvf::Reason::NOT_FOUND, [&]() -> const Image* {
         const bool isStored = m_private->m_isReadFromFile && !m_private->m_isSnapshotModified;
         auto& snapshot = m_private->m_snapshot;
         if (!isStored || snapshot) return snapshot ? &*snapshot : nullptr;
-        unstruct::ZRFxAccess* const access = m_private->openAccess();
+        unstruct::ZRFxAccess* const access = m_private->openAccess("snapshot");
         Image image;
         if (!access || !access->GetCaseSnapshot(id(), &image)) {
             fail("Not able to read snapshot image");
@@ -115,7 +118,7 @@ Str Case::imageName(std::size_t index) const {
 }
 
 const Image* Case::image(std::size_t index) const {
-    return guarded([&]() -> const Image* {
+    return noted(m_private, nvf::Reason::NOT_FOUND, [&]() -> const Image* {
         const unstruct::ZRStringArray& entries = m_private->textureEntries();
         if (index >= entries.size()) {
             fail("No image was found at index %1", index);
@@ -132,8 +135,8 @@ const Image* Case::image(std::size_t index) const {
 }
 
 bool Case::addImage(const Str& name, Image* image) {
-    return guarded([&] {
-        unstruct::ZRFxAccess* const access = m_private->openAccess();
+    return noted(m_private, nvf::Reason::INVALID_ARGUMENT, [&] {
+        unstruct::ZRFxAccess* const access = m_private->openAccess("addImage");
         if (!image) return fail("Image object is invalid. Image pointer is NULL.");
         if (!access || m_private->m_caseDocument.isNull()) {
             return fail(
@@ -155,7 +158,7 @@ const PropertySetCollection* Case::properties() const {
 }
 
 bool Case::setProperties(PropertySetCollection* properties) {
-    return guarded([&] {
+    return noted(m_private, nvf::Reason::INVALID_CONTENT, [&] {
         m_private->m_properties = properties;
         if (properties) {
             std::vector<nvf::String> errors;

@@ -55,8 +55,11 @@ bool CasePrivate::createDocument() {
     return true;
 }
 
-unstruct::ZRFxAccess* CasePrivate::openAccess() const {
-    NVF_ASSERT(m_access);
+unstruct::ZRFxAccess* CasePrivate::openAccess(const char* operation) const {
+    if (!nvf::requireThat("m_access", m_access != nullptr, "%1: the file of the case is closed",
+                          operation)) {
+        refuse(nvf::Reason::NOT_OPEN, "The file of the case is closed.");
+    }
     return m_access;
 }
 
@@ -123,10 +126,10 @@ ZRString CasePrivate::entryName(const ZRString& name) const {
 }
 
 const ZRStringArray& CasePrivate::textureEntries() {
-    NVF_ASSERT(m_access);
-    if (m_access && m_access->IsReadOnly() && !m_textureEntries.empty()) return m_textureEntries;
+    unstruct::ZRFxAccess* const access = openAccess("textures");
+    if (access && access->IsReadOnly() && !m_textureEntries.empty()) return m_textureEntries;
     ZRStringArray found;
-    if (m_access) m_access->FindFiles(entryName(kTexturesFolder), false, &found);
+    if (access) access->FindFiles(entryName(kTexturesFolder), false, &found);
     m_textureEntries.swap(found);
     return m_textureEntries;
 }

@@ -2,6 +2,7 @@
 
 #include <optional>
 
+#include "LastError_p.h"
 #include "NuoCore/Image.h"
 #include "NuoCore/PropertySetCollection.h"
 #include "NuoCore/PtrRef.h"
@@ -27,7 +28,7 @@ public:
     bool writeDelayed();
 
     /// The archive; null after an assertion when the file is closed.
-    unstruct::ZRFxAccess* openAccess() const;
+    unstruct::ZRFxAccess* openAccess(const char* operation) const;
 
     /// The file is closing: nothing of the archive may be used any more.
     void detach() { m_access = nullptr; }
@@ -39,6 +40,7 @@ public:
     unstruct::ZRString entryName(const unstruct::ZRString& name) const;
     const unstruct::ZRStringArray& textureEntries();
 
+    LastError lastError;
     unstruct::ZRFxAccess* m_access = nullptr;
     int m_id = -1;
     int m_databaseId = -1;

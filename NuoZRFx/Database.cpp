@@ -15,6 +15,7 @@
 namespace nuo::zrfx {
 namespace {
 
+using nvf::Reason;
 using unstruct::ZRFxBlock;
 using unstruct::ZRFxDatabase;
 
@@ -39,7 +40,8 @@ Request byId(Block::BlockType type, int id) {
 
 PtrRef<Block> readBlock(ZRFxDatabase& database, const ZRFxBlock* entry, const Request& request) {
     if (!entry) {
-        fail(request.missing, static_cast<int>(request.type), request.number);
+        failBecause(Reason::NOT_FOUND, request.missing, static_cast<int>(request.type),
+                    request.number);
         return nullptr;
     }
     const nvf::ref<ZRFxBlock> block = database.OpenBlock(entry->GetType(), entry->GetID());
@@ -54,8 +56,8 @@ PtrRef<Block> readBlock(ZRFxDatabase& database, const ZRFxBlock* entry, const Re
 
 Database::Database(File* file, const Str& name, int id, SimulationType simulationType,
                    SolutionType solutionType, const Str& description) {
-    const bool isMade = guarded([&] {
-        m_private.take(std::make_unique<DatabasePrivate>());
+    guarded([&] { m_private.take(std::make_unique<DatabasePrivate>()); });
+    const bool isMade = noted(m_private, Reason::INVALID_ARGUMENT, [&] {
         return create(file, name, id, simulationType, solutionType, description);
     });
     if (!isMade) refuse();
@@ -66,6 +68,10 @@ Database::Database(File* file, int id) : m_private(std::make_unique<DatabasePriv
 }
 
 Database::~Database() = default;
+
+const Error& Database::lastError() const {
+    return lastErrorOf(m_private);
+}
 
 int Database::id() const {
     return guarded(-1, [&] { return m_private->m_id; });
@@ -101,11 +107,14 @@ Database::SolutionType Database::solutionType() const {
 }
 
 bool Database::writeBlock(const Block* block) {
-    return guarded([&] {
-        if (!block) fail("Given block pointer was NULL. (Block id %1).", -1);
-        NVF_ASSERT(block);
-        ZRFxDatabase* const database = m_private->openDatabase();
-        if (!block || !database) return false;
+    return noted(m_private, Reason::INVALID_CONTENT, [&] {
+        if (!block) {
+            failBecause(Reason::INVALID_ARGUMENT, "Given block pointer was NULL. (Block id %1).",
+                        -1);
+        }
+        const bool isGiven = nvf::requireThat("block", block, "writeBlock: the block is null");
+        ZRFxDatabase* const database = m_private->openDatabase("writeBlock");
+        if (!isGiven || !database) return false;
         ZRFxBlock* zrfxBlock = block->internal_zrfxBlock();
         if (block->internal_isIncomplete()) {
             return fail("Memory was missing when the block was filled. (block id %1).",
@@ -131,7 +140,7 @@ bool Database::writeBlock(const Block* block) {
 
 std::size_t Database::blockCount(Block::BlockType type) const {
     return guarded([&]() -> std::size_t {
-        const ZRFxDatabase* const database = m_private->openDatabase();
+        const ZRFxDatabase* const database = m_private->openDatabase("blockCount");
         if (!database) return 0;
         return static_cast<std::size_t>(database->GetNumBlocks(ZRConvert::fromBlockType(type)));
     });
@@ -161,7 +170,7 @@ int Database::unusedBlockId(Block::BlockType type) const {
 }
 
 PtrRef<Block> Database::blockByIndex(Block::BlockType type, std::size_t index) {
-    return guarded([&]() -> PtrRef<Block> {
+    return noted(m_private, Reason::DAMAGED, [&]() -> PtrRef<Block> {
         const ZRFxBlock* entry = entryAt(type, index);
         if (!m_private->m_zrfxDatabase || (entry && type == Block::SET)) return nullptr;
         return readBlock(*m_private->m_zrfxDatabase, entry, byIndex(type, index));
@@ -169,7 +178,7 @@ PtrRef<Block> Database::blockByIndex(Block::BlockType type, std::size_t index) {
 }
 
 PtrRef<Block> Database::blockById(Block::BlockType type, int id) {
-    return guarded([&]() -> PtrRef<Block> {
+    return noted(m_private, Reason::DAMAGED, [&]() -> PtrRef<Block> {
         const ZRFxBlock* entry = entryOf(type, id);
         if (!m_private->m_zrfxDatabase || (entry && type == Block::SET)) return nullptr;
         return readBlock(*m_private->m_zrfxDatabase, entry, byId(type, id));
@@ -177,7 +186,7 @@ PtrRef<Block> Database::blockById(Block::BlockType type, int id) {
 }
 
 PtrRef<SetBlock> Database::setBlockByIndex(std::size_t index) {
-    return guarded([&]() -> PtrRef<SetBlock> {
+    return noted(m_private, Reason::DAMAGED, [&]() -> PtrRef<SetBlock> {
         const ZRFxBlock* entry = entryAt(Block::SET, index);
         if (!m_private->m_zrfxDatabase) return nullptr;
         return static_cast<SetBlock*>(
@@ -186,7 +195,7 @@ PtrRef<SetBlock> Database::setBlockByIndex(std::size_t index) {
 }
 
 PtrRef<SetBlock> Database::setBlockById(int id) {
-    return guarded([&]() -> PtrRef<SetBlock> {
+    return noted(m_private, Reason::DAMAGED, [&]() -> PtrRef<SetBlock> {
         const ZRFxBlock* entry = entryOf(Block::SET, id);
         if (!m_private->m_zrfxDatabase) return nullptr;
         return static_cast<SetBlock*>(
@@ -255,13 +264,13 @@ bool Database::internal_parse() {
 }
 
 const ZRFxBlock* Database::entryAt(Block::BlockType type, std::size_t index) const {
-    const ZRFxDatabase* const database = m_private->openDatabase();
+    const ZRFxDatabase* const database = m_private->openDatabase("blockByIndex");
     if (!database || index > INT_MAX) return nullptr;
     return database->GetBlock(ZRConvert::fromBlockType(type), static_cast<int>(index));
 }
 
 const ZRFxBlock* Database::entryOf(Block::BlockType type, int id) const {
-    const ZRFxDatabase* const database = m_private->openDatabase();
+    const ZRFxDatabase* const database = m_private->openDatabase("blockById");
     if (!database) return nullptr;
     return database->GetBlockByID(ZRConvert::fromBlockType(type), id);
 }

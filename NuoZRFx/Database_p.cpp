@@ -45,8 +45,11 @@ bool DatabasePrivate::flush() {
            fail("Error writing database TOC. (database id %1).", m_id);
 }
 
-ZRFxDatabase* DatabasePrivate::openDatabase() const {
-    NVF_ASSERT(m_zrfxDatabase);
+ZRFxDatabase* DatabasePrivate::openDatabase(const char* operation) const {
+    if (!nvf::requireThat("m_zrfxDatabase", m_zrfxDatabase != nullptr,
+                          "%1: the file of the database is closed", operation)) {
+        refuse(nvf::Reason::NOT_OPEN, "The file of the database is closed.");
+    }
     return m_zrfxDatabase.get();
 }
 

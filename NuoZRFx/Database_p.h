@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include "LastError_p.h"
 #include "NuoZRFx/Block.h"
 #include "NuoZRFx/Database.h"
 #include "database/ZROZRFxDatabase.h"
@@ -20,8 +21,9 @@ public:
     /// Takes over what was committed since.
     bool refresh(const unstruct::ZRFxArchiveChanges& changes);
 
-    /// The block database; null after an assertion when the file is closed.
-    unstruct::ZRFxDatabase* openDatabase() const;
+    /// The block database; null after an assertion when the file is closed. For the message, the
+    /// operation of the caller.
+    unstruct::ZRFxDatabase* openDatabase(const char* operation) const;
 
     /// The file is closing: nothing of the archive may be used any more.
     void detach() { m_zrfxDatabase.reset(); }
@@ -29,6 +31,7 @@ public:
     /// The public object of the class of a block's type, holding the block; null when it has none.
     static PtrRef<Block> wrap(unstruct::ZRFxBlock* block);
 
+    LastError lastError;
     std::unique_ptr<unstruct::ZRFxDatabase> m_zrfxDatabase;
     int m_id = -1;
     bool m_isReadFromFile = false;

@@ -16,12 +16,14 @@
 namespace nuo::zrfx {
 namespace {
 
+using nvf::Reason;
 using unstruct::ZRFxAccess;
 using unstruct::ZRString;
 using unstruct::ZRStringArray;
 using unstruct::ZRZipAccessMode;
 
 constexpr const char* kUserExtension = ".txt";
+constexpr const char* kNotOpen = "The file is not open.";
 
 ZRString userEntry(const Str& name) {
     return std::string(unstruct::kUserDataFolder) + unstruct::kFolderSeparator +
@@ -38,16 +40,18 @@ File::~File() = default;
 
 template <typename Open>
 bool File::opened(Open open) {
-    return guarded([&] { return m_private->openOrDrop(open); });
+    return noted(m_private, Reason::DAMAGED, [&] { return m_private->openOrDrop(open); });
 }
 
 bool File::create(const Str& fileName, const FileSettings& settings) {
     close();
     return opened([&] {
         if (!ZRFxComponent::isInitialized()) {
-            return fail("ZRFx Component has not been properly initialized.");
+            return failBecause(Reason::NOT_INITIALIZED, kNotInitialized);
         }
-        if (fileName.isEmpty()) return fail("File name string is NULL.");
+        if (fileName.isEmpty()) {
+            return failBecause(Reason::INVALID_ARGUMENT, "File name string is NULL.");
+        }
         m_private->reset();
         m_private->takeSettings(settings);
         ZRFxAccess& access = *m_private->access();
@@ -102,9 +106,9 @@ bool File::openForAppend(const Str& fileName, const Str& password) {
 }
 
 bool File::flush() {
-    return guarded([&] {
-        if (!m_private->isOpen()) return false;
-        if (m_private->isReadOnly()) return fail("Error writing file.");
+    return noted(m_private, Reason::SYSTEM_ERROR, [&] {
+        if (!m_private->isOpen()) return refuse(Reason::NOT_OPEN, kNotOpen);
+        if (m_private->isReadOnly()) return failBecause(Reason::READ_ONLY, "Error writing file.");
         for (const auto& database : m_private->databases()) {
             if (!database->m_private->flush()) {
                 return fail("Could not write database (id %1) to file.", database->id());
@@ -115,8 +119,8 @@ bool File::flush() {
 }
 
 bool File::close() {
-    return guarded([&] {
-        if (!m_private->isOpen()) return false;
+    return noted(m_private, Reason::SYSTEM_ERROR, [&] {
+        if (!m_private->isOpen()) return refuse(Reason::NOT_OPEN, kNotOpen);
         if (!m_private->isReadOnly() && !(writeDatabases() && writeCases())) return false;
         if (!m_private->access()->Close()) return fail("Error writing file.");
         m_private->drop();
@@ -125,9 +129,9 @@ bool File::close() {
 }
 
 bool File::closeAs(const Str& fileName) {
-    return guarded([&] {
-        if (!m_private->isOpen()) return false;
-        if (m_private->isReadOnly()) return fail("Error writing file.");
+    return noted(m_private, Reason::SYSTEM_ERROR, [&] {
+        if (!m_private->isOpen()) return refuse(Reason::NOT_OPEN, kNotOpen);
+        if (m_private->isReadOnly()) return failBecause(Reason::READ_ONLY, "Error writing file.");
         if (!writeDatabases() || !writeCases()) return false;
         if (!m_private->access()->CloseAs(ZRConvert::toZRString(fileName))) {
             return fail("Error writing file.");
@@ -146,11 +150,12 @@ void File::abandon() {
 }
 
 bool File::refresh(bool* isChanged) {
-    return guarded([&] {
+    return noted(m_private, Reason::DAMAGED, [&] {
         if (isChanged) *isChanged = false;
-        if (!m_private->isOpen()) return false;
+        if (!m_private->isOpen()) return refuse(Reason::NOT_OPEN, kNotOpen);
         if (!m_private->isReadOnly()) {
-            return fail("A file that is open for writing cannot be refreshed.");
+            return failBecause(Reason::INVALID_ARGUMENT,
+                               "A file that is open for writing cannot be refreshed.");
         }
         unstruct::ZRFxArchiveChanges changes;
         if (!m_private->access()->Refresh(&changes)) return fail("Error refreshing file.");
@@ -159,6 +164,22 @@ bool File::refresh(bool* isChanged) {
         const ZRFxAccess::BoundedReading bounded(m_private->access());
         m_private->forgetUserTextEntries();
         return refreshDatabases(changes) && refreshCases(changes);
+    });
+}
+
+const Error& File::lastError() const {
+    return lastErrorOf(m_private);
+}
+
+bool File::isEncrypted(const Str& fileName) {
+    return guarded([&] {
+        ZRFxAccess access;
+        unstruct::ZRFxArchiveInfo info;
+        const bool isRead =
+            access.Open(ZRConvert::toZRString(fileName), ZRZipAccessMode::READ_ONLY) &&
+            access.GetArchiveInfo(&info);
+        if (isRead) access.Abandon();
+        return isRead && info.encrypted;
     });
 }
 
@@ -201,9 +222,10 @@ int File::unusedFileCaseId() const {
 }
 
 bool File::addUserTextFile(const Str& fileName, const Str& content) {
-    return guarded([&] {
-        NVF_ASSERT(m_private->access());
-        if (!m_private->isOpen()) return false;
+    return noted(m_private, Reason::INVALID_ARGUMENT, [&] {
+        const bool isThere = nvf::requireThat("m_zrfxAccess", m_private->access() != nullptr,
+                                              "addUserTextFile: the file is not open");
+        if (!isThere || !m_private->isOpen()) return refuse(Reason::NOT_OPEN, kNotOpen);
         if (fileName.isEmpty()) return fail("Given file name string was empty.");
         if (content.isEmpty()) return fail("Given file content string was empty.");
         const std::string text = Convert::toUtf8(content);
@@ -263,7 +285,8 @@ unstruct::ZRFxAccess* File::writableAccess() const {
 }
 
 bool File::checkNewDatabaseId(int id) const {
-    return !m_private->databases().hasId(id) || fail("Database with id %1 already registered.", id);
+    return !m_private->databases().hasId(id) ||
+           failBecause(Reason::EXISTS, "Database with id %1 already registered.", id);
 }
 
 bool File::addDatabase(Database* database) {
@@ -275,7 +298,8 @@ bool File::addDatabase(Database* database) {
 
 bool File::addCase(Case* fileCase) {
     const int id = fileCase->id();
-    if (m_private->cases().hasId(id)) return fail("Case with id %1 already registered.", id);
+    if (m_private->cases().hasId(id))
+        return failBecause(Reason::EXISTS, "Case with id %1 already registered.", id);
     FilePrivate::Items<Case>::NewId(&m_private->cases(), id).giveTo(fileCase);
     return true;
 }

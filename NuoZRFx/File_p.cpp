@@ -11,6 +11,7 @@
 namespace nuo::zrfx {
 namespace {
 
+using nvf::Reason;
 using unstruct::ZRFxAccess;
 using unstruct::ZRString;
 using unstruct::ZRStringArray;
@@ -29,9 +30,11 @@ void FilePrivate::reset() {
 
 bool FilePrivate::begin(const Str& fileName) {
     if (!ZRFxComponent::isInitialized()) {
-        return fail("ZRFx Component has not been properly initialized.");
+        return failBecause(Reason::NOT_INITIALIZED, kNotInitialized);
     }
-    if (fileName.isEmpty()) return fail("File name string is empty.");
+    if (fileName.isEmpty()) {
+        return failBecause(Reason::INVALID_ARGUMENT, "File name string is empty.");
+    }
     reset();
     return true;
 }
@@ -69,8 +72,9 @@ bool FilePrivate::takeFileProperties(const Str& fileName, const Str& password) {
     unstruct::ZRFxArchiveInfo info;
     if (!m_zrfxAccess->GetArchiveInfo(&info)) return false;
     if (info.encrypted && password.isEmpty()) {
-        return fail("The file is encrypted, a password is needed. '%1'",
-                    Convert::toNvfString(fileName));
+        return failBecause(Reason::PASSWORD_NEEDED,
+                           "The file is encrypted, a password is needed. '%1'",
+                           Convert::toNvfString(fileName));
     }
     if (info.encrypted && !setPassword(password)) return false;
     ZRString vendorName;
@@ -94,7 +98,7 @@ bool FilePrivate::renewVendorInfo() {
 }
 
 const ZRStringArray& FilePrivate::userTextEntries() {
-    NVF_ASSERT(m_zrfxAccess);
+    nvf::requireThat("m_zrfxAccess", m_zrfxAccess != nullptr, "user texts: the file is not open");
     if (isReadOnly() && !m_userTextEntries.empty()) return m_userTextEntries;
     ZRStringArray found;
     if (isOpen()) m_zrfxAccess->FindFiles(unstruct::kUserDataFolder, false, &found);

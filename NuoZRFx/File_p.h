@@ -4,6 +4,7 @@
 #include <set>
 #include <vector>
 
+#include "LastError_p.h"
 #include "NuoCore/PtrRef.h"
 #include "NuoZRFx/Case.h"
 #include "NuoZRFx/Database.h"
@@ -12,6 +13,8 @@
 #include "access/ZROZRFxAccess.h"
 
 namespace nuo::zrfx {
+
+inline constexpr const char* kNotInitialized = "ZRFx Component has not been properly initialized.";
 
 /// What a File holds. The archive is there exactly while a file is open, or failed to open.
 class FilePrivate {
@@ -143,6 +146,8 @@ public:
 
     /// Detaches databases and cases from the archive and gives the references to them back.
     void dropAll();
+
+    LastError lastError;
 
 private:
     Items<Database> m_databases;

@@ -65,7 +65,8 @@ TEST_F(DatabaseTest, BlocksThatCannotBeWrittenAreReported) {
     move->addTransformationResultValuesBlock(1, 1);
     expectNotWritten(move, "No result id defined for transformation result block (block id 7).");
     ExpectRefused(database->writeBlock(nullptr),
-                  {"Given block pointer was NULL. (Block id -1).", Assertion("block")});
+                  {"Given block pointer was NULL. (Block id -1).",
+                   Assertion("block") + " 'writeBlock: the block is null'"});
     expectNotWritten(new ElementBlock(1, false, false),
                      "Target node block id -1 was invalid on element block (block id 1)");
     expectNotWritten(
@@ -193,16 +194,21 @@ TEST_F(DatabaseTest, ObjectsThatOutliveTheirFileOnlyFail) {
     ASSERT_TRUE(m_file->close());
     for (int round = 0; round < 2; ++round, m_file.reset()) {
         nuo::Image image = MakeImage(1, 1);
-        ExpectRefused(database->writeBlock(nodes.p()), {Assertion("m_zrfxDatabase")});
-        ExpectRefused(database->setBlockByIndex(0).notNull(), {Assertion("m_zrfxDatabase")});
-        ExpectRefused(view->imageCount() > 0, {Assertion("m_access")});
+        const auto closed = [](const std::string& operation, const std::string& object) {
+            return Assertion(object == "case" ? "m_access" : "m_zrfxDatabase") + " '" + operation +
+                   ": the file of the " + object + " is closed'";
+        };
+        ExpectRefused(database->writeBlock(nodes.p()), {closed("writeBlock", "database")});
+        EXPECT_EQ(Error::NOT_OPEN, database->lastError().code());
+        ExpectRefused(database->setBlockByIndex(0).notNull(), {closed("blockByIndex", "database")});
+        ExpectRefused(view->imageCount() > 0, {closed("textures", "case")});
         ExpectRefused(view->image(0) != nullptr,
-                      {Assertion("m_access"), "No image was found at index 0"});
+                      {closed("textures", "case"), "No image was found at index 0"});
         ExpectRefused(view->snapshot() != nullptr,
-                      {Assertion("m_access"), "Not able to read snapshot image"});
+                      {closed("snapshot", "case"), "Not able to read snapshot image"});
         ExpectRefused(
             view->addImage("a", &image),
-            {Assertion("m_access"),
+            {closed("addImage", "case"),
              "Case document did not exist, call create() before if using delayed writing."});
         EXPECT_EQ(0, database->id());
         EXPECT_EQ(nuo::Str("View x"), view->name());

@@ -8,6 +8,7 @@
 #include "NuoCore/PropertySetCollection.h"
 #include "NuoCore/RefCountedObject.h"
 #include "NuoCore/Str.h"
+#include "NuoZRFx/Error.h"
 
 namespace nuo::zrfx {
 
@@ -30,6 +31,10 @@ public:
     /// part of the file, and its id is -1.
     Case(File* file, const Str& name, int id, int databaseId);
     ~Case() override;
+
+    /// Why the last operation, construction included, of this object failed: one that returned
+    /// false or null. No error after an operation that did not fail.
+    const Error& lastError() const;
 
     int id() const;
     int databaseId() const;

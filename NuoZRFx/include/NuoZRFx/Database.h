@@ -10,6 +10,7 @@
 #include "NuoCore/RefCountedObject.h"
 #include "NuoCore/Str.h"
 #include "NuoZRFx/Block.h"
+#include "NuoZRFx/Error.h"
 
 namespace nuo::zrfx {
 
@@ -59,6 +60,10 @@ public:
     Database(File* file, const Str& name, int id, SimulationType simulationType,
              SolutionType solutionType, const Str& description);
     ~Database() override;
+
+    /// Why the last operation, construction included, of this object failed: one that returned
+    /// false or null. No error after an operation that did not fail.
+    const Error& lastError() const;
 
     int id() const;
     Str name() const;

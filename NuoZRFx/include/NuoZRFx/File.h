@@ -7,6 +7,7 @@
 #include "NuoCore/PrivatePtr.h"
 #include "NuoCore/RefCountedObject.h"
 #include "NuoCore/Str.h"
+#include "NuoZRFx/Error.h"
 #include "NuoZRFx/FileSettings.h"
 
 namespace unstruct {
@@ -87,9 +88,16 @@ public:
     /// new.
     bool refresh(bool* isChanged = nullptr);
 
+    /// Why the last operation of this object failed: one that returned false or null. No error
+    /// after an operation that did not fail.
+    const Error& lastError() const;
+
     /// Whether a path holds a ZRFx file, judged by the extension ".zrfx" and the content. Changes
     /// nothing.
     static bool isZRFxFile(const Str& fileName);
+
+    /// Whether a file needs a password. False, with a message, when it cannot be read.
+    static bool isEncrypted(const Str& fileName);
 
     std::size_t databaseCount() const;
 

@@ -6,6 +6,7 @@
 #include "NuoZRFx/Case.h"
 #include "NuoZRFx/Database.h"
 #include "NuoZRFx/ElementBlock.h"
+#include "NuoZRFx/Error.h"
 #include "NuoZRFx/File.h"
 #include "NuoZRFx/FileSettings.h"
 #include "NuoZRFx/GeometryBlock.h"
