@@ -31,10 +31,14 @@ using namespace unstruct;
 bool DatabasePrivate::writeDelayed() {
     if (!m_zrfxDatabase) return false;
     if (!m_isReadFromFile && !m_isStateInfoBlockWritten) {
-        return fail("No state info block had been written to database (database id %1).", m_id);
+        return failBecause(nvf::Reason::INCOMPLETE,
+                           "No state info block had been written to database (database id %1).",
+                           m_id);
     }
     if (!m_isReadFromFile && !m_isGeometryBlockWritten) {
-        return fail("No geometry block had been written to database (database id %1).", m_id);
+        return failBecause(nvf::Reason::INCOMPLETE,
+                           "No geometry block had been written to database (database id %1).",
+                           m_id);
     }
     return flush();
 }

@@ -14,6 +14,11 @@ ZRFxMainDocumentEntry::ZRFxMainDocumentEntry(ZRFxAccess& access)
 bool ZRFxMainDocumentEntry::Read(nvf::XmlDocument* doc) {
     NVF_ASSERT(doc);
     if (!doc) return false;
+    if (!m_access.Contains(ZRFxMainDocument::kEntryName)) {
+        nvf::FirstError::note(nvf::Reason::NO_ZRFX_FILE,
+                              nvf::String("'%1' has no main document (ZRF.xml).")
+                                  .args({nvf::String(m_access.FileName())}));
+    }
     if (!m_access.InternalReadXmlFile(ZRFxMainDocument::kEntryName, LogMode::LOG, doc)) {
         return m_logger->fail("Error reading main document (ZRF.xml) file.");
     }

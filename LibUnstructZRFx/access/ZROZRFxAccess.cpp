@@ -48,7 +48,7 @@ bool ZRFxAccess::Open(const ZRString& name, ZRZipAccessMode mode) {
     if (IsOpen()) return m_logger->fail("The archive is open, close it before opening.");
     if (name.IsBlank()) return m_logger->fail("No filename specified.");
     if (mode != ZRZipAccessMode::CREATE && !exists(name)) {
-        return m_logger->fail("File not found. '%1'", name);
+        return m_logger->failBecause(nvf::Reason::NOT_FOUND, "File not found. '%1'", name);
     }
     m_sFileName = name;
     return CheckOpened(m_pArchive->Open(name.Bytes(), mode));
@@ -64,20 +64,21 @@ bool ZRFxAccess::Open(ZRFxZipMemFile* memFile, ZRZipAccessMode mode) {
 }
 
 bool ZRFxAccess::Commit() {
-    if (!IsOpen()) return m_logger->fail("Archive is not open.");
-    if (IsReadOnly()) return m_logger->fail("The file is read only.");
+    if (!IsOpen()) return m_logger->failBecause(nvf::Reason::NOT_OPEN, "Archive is not open.");
+    if (IsReadOnly())
+        return m_logger->failBecause(nvf::Reason::READ_ONLY, "The file is read only.");
     Forget();
     return m_pArchive->Commit() || FailWithCause("Could not write archive '%1'", m_sFileName);
 }
 
 bool ZRFxAccess::Close() {
-    if (!IsOpen()) return m_logger->fail("Archive is not open.");
+    if (!IsOpen()) return m_logger->failBecause(nvf::Reason::NOT_OPEN, "Archive is not open.");
     Forget();
     return m_pArchive->Close() || FailWithCause("Could not write archive '%1'", m_sFileName);
 }
 
 bool ZRFxAccess::CloseAs(const ZRString& name) {
-    if (!IsOpen()) return m_logger->fail("Archive is not open.");
+    if (!IsOpen()) return m_logger->failBecause(nvf::Reason::NOT_OPEN, "Archive is not open.");
     if (name.IsBlank()) return m_logger->fail("No filename specified.");
     Forget();
     return m_pArchive->CloseAs(name.Bytes()) || FailWithCause("Could not write archive '%1'", name);
@@ -173,8 +174,10 @@ bool ZRFxAccess::InternalReadXmlFile(const ZRString& name, LogMode logMode, nvf:
     ZRFxZipRawData raw;
     if (!doc || !InternalReadDataRaw(name, logMode, &raw)) return false;
     if (!m_bounds.TakeDocument(raw.Length())) {
-        return m_logger->fail("Xml documents are too large for a file of its length, '%1' in '%2'",
-                              name, m_sFileName);
+        return m_logger->failBecause(
+            nvf::Reason::TOO_LARGE,
+            "Xml documents are too large for a file of its length, '%1' in '%2'", name,
+            m_sFileName);
     }
     nvf::String cause;
     if (doc->parse({reinterpret_cast<const char*>(raw.Buffer()), raw.Length()}, &cause))
@@ -185,7 +188,9 @@ bool ZRFxAccess::InternalReadXmlFile(const ZRString& name, LogMode logMode, nvf:
 
 bool ZRFxAccess::MakeDocumentText(const ZRString& name, const nvf::XmlDocument& doc,
                                   std::string* text) {
-    if (doc.isIncomplete()) return m_logger->fail("Out of memory for Xml file '%1'", name);
+    if (doc.isIncomplete())
+        return m_logger->failBecause(nvf::Reason::OUT_OF_MEMORY, "Out of memory for Xml file '%1'",
+                                     name);
     bool isReplaced = false;
     *text = doc.toUtf8(&isReplaced);
     if (isReplaced) m_logger->warn("Characters that Xml cannot hold become U+FFFD in '%1'", name);
@@ -300,8 +305,9 @@ bool ZRFxAccess::InternalReadDataRaw(const ZRString& name, LogMode logMode, ZRFx
     }
     if (m_bounds.TakeData(raw->Length())) return true;
     raw->Clear();
-    return m_logger->fail("Too much data for a file of its length, '%1' in '%2'", name,
-                          m_sFileName);
+    return m_logger->failBecause(nvf::Reason::TOO_LARGE,
+                                 "Too much data for a file of its length, '%1' in '%2'", name,
+                                 m_sFileName);
 }
 
 bool ZRFxAccess::OpenNewFile(const ZRString& name) {
@@ -377,7 +383,7 @@ bool ZRFxAccess::FindSubFolders(const ZRString& folder, bool descend, ZRStringAr
 bool ZRFxAccess::GetArchiveInfo(ZRFxArchiveInfo* info) {
     NVF_ASSERT(info);
     if (!info) return false;
-    if (!IsOpen()) return m_logger->fail("Archive is not open.");
+    if (!IsOpen()) return m_logger->failBecause(nvf::Reason::NOT_OPEN, "Archive is not open.");
     *info = ZRFxArchiveInfo();
     ZRFxZipArchive::EntryInfo entry;
     for (std::size_t i = 0; i < m_pArchive->EntryCount(); ++i) {
@@ -405,8 +411,9 @@ bool ZRFxAccess::CheckNames(const ZRStringArray* names) const {
 }
 
 bool ZRFxAccess::CheckWritable(const ZRString& name) {
-    if (!IsOpen()) return m_logger->fail("Archive is not open.");
-    if (IsReadOnly()) return m_logger->fail("The file is read only.");
+    if (!IsOpen()) return m_logger->failBecause(nvf::Reason::NOT_OPEN, "Archive is not open.");
+    if (IsReadOnly())
+        return m_logger->failBecause(nvf::Reason::READ_ONLY, "The file is read only.");
     if (name.IsBlank()) return m_logger->fail("No filename specified.");
     return true;
 }
@@ -482,7 +489,7 @@ void ZRFxAccess::Forget() {
 
 // The archive tells why in its own words, before the message of the operation.
 bool ZRFxAccess::FailWithCause(nvf::LocatedText message, const ZRString& name) {
-    m_logger->fail({"%1", message.where}, m_pArchive->LastError());
+    m_logger->failBecause(m_pArchive->LastReason(), {"%1", message.where}, m_pArchive->LastError());
     return m_logger->fail(message, name);
 }
 

@@ -116,7 +116,7 @@ bool ZRFxAppendFile::Flush() {
 ZRFxCommitResult ZRFxAppendFile::EndCommit() {
     if (!StartWriting() || !FlushBuffer()) return ZRFxCommitResult::kFailed;
     if (!IsStillAtPath()) {
-        Fail("the file was removed or replaced by someone else");
+        Fail({"the file was removed or replaced by someone else", nvf::Reason::CHANGED});
         return ZRFxCommitResult::kFailed;
     }
     // Longer where something was written and taken back, or a torn end was there.
@@ -186,10 +186,11 @@ ZRFxAppendFile::Identity ZRFxAppendFile::IdentityOf(const struct stat& status) {
 bool ZRFxAppendFile::OpenRegular(const std::string& sPath, int nFlags) {
     struct stat status;
     if (!m_file.Open(sPath, nFlags | O_NONBLOCK | O_NOCTTY)) {
-        return errno == ENXIO ? Fail("not a regular file") : FailSystem("cannot open");
+        return errno == ENXIO ? Fail({"not a regular file", nvf::Reason::NO_REGULAR_FILE})
+                              : FailSystem("cannot open");
     }
     if (!m_file.Status(&status)) return FailSystem("cannot read the file's status");
-    if (!S_ISREG(status.st_mode)) return Fail("not a regular file");
+    if (!S_ISREG(status.st_mode)) return Fail({"not a regular file", nvf::Reason::NO_REGULAR_FILE});
     m_atPath = IdentityOf(status);
     m_nMode = status.st_mode & 07777;
     CutTo(static_cast<uint64_t>(status.st_size));
@@ -209,17 +210,20 @@ bool ZRFxAppendFile::OpenForWriting(bool bMayCreate) {
         if (AcquireLock(&bRetry)) return true;
         m_bMadeName = false;
     }
-    return bRetry ? Fail("the file is replaced again and again by someone else") : false;
+    return bRetry ? Fail({"the file is replaced again and again by someone else",
+                          nvf::Reason::CHANGED})
+                  : false;
 }
 
 // Sets pRetry when the file was renamed or removed between opening and locking it.
 bool ZRFxAppendFile::AcquireLock(bool* pRetry) {
     if (!m_file.Lock()) {
-        return errno == EWOULDBLOCK ? Fail("the file is open for writing elsewhere")
-                                    : FailSystem("cannot lock");
+        return errno == EWOULDBLOCK
+                   ? Fail({"the file is open for writing elsewhere", nvf::Reason::IN_USE})
+                   : FailSystem("cannot lock");
     }
     *pRetry = !IsStillAtPath();
-    if (*pRetry) return Fail("the file was replaced");
+    if (*pRetry) return Fail({"the file was replaced", nvf::Reason::CHANGED});
     // A writer that held the lock until now may have changed the size.
     struct stat status;
     if (!m_file.Status(&status)) return FailSystem("cannot read the file's status");
@@ -237,9 +241,10 @@ bool ZRFxAppendFile::IsStillAtPath() const {
 
 bool ZRFxAppendFile::StartWriting() {
     if (!m_pBuffer) m_pBuffer.reset(new (std::nothrow) uint8_t[kBufferSize]);
-    if (!m_pBuffer) return Fail("out of memory");
+    if (!m_pBuffer) return Fail(ZRFxCause::OutOfMemory());
     if (m_bWriting) return true;
-    if (!IsStillAtPath()) return Fail("the file was removed or replaced by someone else");
+    if (!IsStillAtPath())
+        return Fail({"the file was removed or replaced by someone else", nvf::Reason::CHANGED});
     if (m_bCreates && m_sTemporary.empty() && !MakeTemporary()) return false;
     struct stat status;
     if (!m_file.Status(&status)) return FailSystem("cannot read the file's status");
@@ -335,7 +340,7 @@ bool ZRFxAppendFile::TakeName() {
 }
 
 bool ZRFxAppendFile::FailSystem(const char* sWhat) {
-    return Fail(std::string(sWhat) + ": " + std::generic_category().message(errno));
+    return Fail(ZRFxCause::System(sWhat));
 }
 
 }  // namespace unstruct

@@ -47,7 +47,7 @@ bool ZRFxArchiveCommit::Run(bool bClosing) {
 }
 
 bool ZRFxArchiveCommit::WriteAnew(std::unique_ptr<ZRFxZipStorage> pStorage) {
-    if (!pStorage) return Fail("cannot write the file anew");
+    if (!pStorage) return Fail({"cannot write the file anew", nvf::Reason::SYSTEM_ERROR});
     m_archive.Compact();
     m_pTarget = pStorage.get();
     ZRFxCommitResult eResult = ZRFxCommitResult::kFailed;
@@ -200,7 +200,7 @@ bool ZRFxArchiveCommit::PlacePending(ZRFxArchiveItem* pItem) {
 
 bool ZRFxArchiveCommit::PlaceText(ZRFxArchiveItem* pItem) {
     const ZRFxGrowingText& text = *pItem->pText;
-    if (!text.sError.empty()) return Fail(text.sError);
+    if (!text.cause.IsNone()) return Fail(text.cause);
     ZRFxZipEntry entry;
     entry.sName = text.sName;
     const uint8_t* pPacked = nullptr;
@@ -222,7 +222,7 @@ bool ZRFxArchiveCommit::CopyEntry(ZRFxArchiveItem* pItem) {
     placed.entry.sRecord = ZRFxZipDirectory::MovedRecord(pItem->entry, placed.entry.nOffset);
     ZRFxZipRawData part;
     if (!part.Allocate(std::min<uint64_t>(kCopySize, nEnd - pItem->entry.nOffset))) {
-        return Fail("out of memory");
+        return Fail(ZRFxCause::OutOfMemory());
     }
     for (uint64_t nAt = pItem->entry.nOffset; nAt < nEnd;) {
         const size_t nPart = static_cast<size_t>(std::min<uint64_t>(nEnd - nAt, part.Length()));

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "container/ZRFxCause.h"
 #include "container/ZRFxEntryPacker.h"
 #include "container/ZRFxEntryReader.h"
 #include "container/ZRFxOpenArchive.h"
@@ -31,7 +32,7 @@ public:
     /// Writes all of the archive into an empty storage, which takes the place of the old one.
     bool WriteAnew(std::unique_ptr<ZRFxZipStorage> pStorage);
 
-    const std::string& Error() const { return m_sError; }
+    const ZRFxCause& Error() const { return m_cause; }
 
 private:
     /// An entry as this commit writes it.
@@ -40,8 +41,8 @@ private:
         ZRFxZipEntry entry;
     };
 
-    bool Fail(const std::string& sCause) {
-        m_sError = sCause;
+    bool Fail(ZRFxCause cause) {
+        m_cause = std::move(cause);
         return false;
     }
     bool IsRewriteDue(bool bClosing) const;
@@ -76,7 +77,7 @@ private:
     ZRFxZipStorage* m_pTarget;
     std::vector<Placed> m_aPlaced;
     bool m_bApplied = false;
-    std::string m_sError;
+    ZRFxCause m_cause;
 };
 
 }  // namespace unstruct

@@ -281,18 +281,18 @@ bool ZRFxCipher::ApplyStream(const uint8_t* pFrom, uint8_t* pTo, size_t nSize, u
     return true;
 }
 
-const char* ZRFxCipher::MessageOf(Result eResult) {
+ZRFxCause ZRFxCipher::CauseOf(Result eResult) {
     switch (eResult) {
         case Result::kDone:
-            return "";
+            return {};
         case Result::kWrongPassword:
-            return "wrong password";
+            return {"wrong password", nvf::Reason::WRONG_PASSWORD};
         case Result::kDamaged:
             return "damaged data, or wrong password";
         case Result::kFailed:
             break;
     }
-    return "cannot decrypt";
+    return {"cannot decrypt", nvf::Reason::SYSTEM_ERROR};
 }
 
 }  // namespace unstruct

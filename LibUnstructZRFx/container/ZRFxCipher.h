@@ -6,6 +6,8 @@
 #include <string_view>
 #include <vector>
 
+#include "container/ZRFxCause.h"
+
 namespace unstruct {
 
 /// The AES encryption of ZIP entries (AES in counter mode with a little-endian counter, keys by
@@ -48,7 +50,7 @@ public:
     /// REQUIRES: nEntrySize >= Overhead(eStrength).
     Result Decrypt(Strength eStrength, const uint8_t* pEntry, size_t nEntrySize, uint8_t* pData);
     /// What went wrong; empty when nothing did.
-    static const char* MessageOf(Result eResult);
+    static ZRFxCause CauseOf(Result eResult);
 
 private:
     struct Engine;  // The contexts of the library underneath.

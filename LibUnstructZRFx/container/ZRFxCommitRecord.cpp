@@ -102,7 +102,8 @@ bool ZRFxCommitRecord::SetTails(std::string_view sTails, ZRFxCodec* pCodec, ZRFx
     m_sTails.insert(0, ZRFxCipher::kPrefixSize, '\0');
     m_sTails.append(ZRFxCipher::kSuffixSize, '\0');
     m_nFlags |= kTailsEncrypted;
-    return pCipher->Encrypt(unstruct::Bytes(&m_sTails), nData) || Fail("cannot encrypt");
+    return pCipher->Encrypt(unstruct::Bytes(&m_sTails), nData) ||
+           Fail({"cannot encrypt", nvf::Reason::SYSTEM_ERROR});
 }
 
 bool ZRFxCommitRecord::GetTails(ZRFxCodec* pCodec, ZRFxCipher* pCipher, std::string* pTails) {
@@ -110,14 +111,15 @@ bool ZRFxCommitRecord::GetTails(ZRFxCodec* pCodec, ZRFxCipher* pCipher, std::str
     if (!HasEncryptedTails()) {
         return Unpacked(m_sTails, bPacked, m_nTails, pCodec, pTails) || Fail("damaged data");
     }
-    if (!pCipher->HasPassword()) return Fail("the entry needs a password");
+    if (!pCipher->HasPassword())
+        return Fail({"the entry needs a password", nvf::Reason::PASSWORD_NEEDED});
     const size_t nOverhead = ZRFxCipher::Overhead(ZRFxCipher::Strength::k256);
     if (m_sTails.size() < nOverhead) return Fail("the encrypted entry is cut");
     std::string sPlain(m_sTails.size() - nOverhead, '\0');
     const ZRFxCipher::Result eResult =
         pCipher->Decrypt(ZRFxCipher::Strength::k256, unstruct::Bytes(m_sTails), m_sTails.size(),
                          unstruct::Bytes(&sPlain));
-    if (eResult != ZRFxCipher::Result::kDone) return Fail(ZRFxCipher::MessageOf(eResult));
+    if (eResult != ZRFxCipher::Result::kDone) return Fail(ZRFxCipher::CauseOf(eResult));
     return Unpacked(sPlain, bPacked, m_nTails, pCodec, pTails) || Fail("damaged data");
 }
 

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "container/ZRFxCause.h"
 #include "container/ZRFxCipher.h"
 #include "container/ZRFxCodec.h"
 #include "container/ZRFxZipStorage.h"
@@ -52,7 +53,7 @@ public:
     /// not allocated before the length of the storage makes it possible.
     bool Load(ZRFxZipStorage* pStorage, uint64_t nOffset, ZRFxCodec* pCodec);
 
-    const std::string& Error() const { return m_sError; }
+    const ZRFxCause& Error() const { return m_cause; }
     bool HasEncryptedTails() const;
 
     uint64_t nOffset = 0;
@@ -67,15 +68,15 @@ public:
 private:
     std::string Listing() const;
     bool ParseListing(std::string_view sListing);
-    bool Fail(const char* sCause) {
-        m_sError = sCause;
+    bool Fail(ZRFxCause cause) {
+        m_cause = std::move(cause);
         return false;
     }
 
     std::string m_sTails;  // As they are stored.
     uint64_t m_nTails = 0;
     uint32_t m_nFlags = 0;
-    std::string m_sError;
+    ZRFxCause m_cause;
 };
 
 }  // namespace unstruct

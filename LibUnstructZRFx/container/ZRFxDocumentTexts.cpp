@@ -26,7 +26,7 @@ bool ZRFxDocumentTexts::Load() {
 bool ZRFxDocumentTexts::Grow(std::string_view sName, uint64_t nKept, std::string_view sTail,
                              int nLevel, uint64_t* pRevision) {
     ZRFxArchiveItem* pItem = m_archive.table.Find(sName);
-    if (!pItem && nKept > 0) return Fail("no such entry");
+    if (!pItem && nKept > 0) return Fail({"no such entry", nvf::Reason::NOT_FOUND});
     if (pItem && nKept > 0 && !LoadForGrowth(pItem)) return false;
     if (!pItem) pItem = Add(sName, sTail.size());
     ZRFxGrowingText& text = *m_archive.TextOf(pItem);
@@ -34,7 +34,7 @@ bool ZRFxDocumentTexts::Grow(std::string_view sName, uint64_t nKept, std::string
     text.sText.reserve(static_cast<size_t>(nKept) + sTail.size());
     text.sText.resize(static_cast<size_t>(nKept));
     text.sText.append(sTail);
-    text.sError.clear();
+    text.cause = {};
     text.nLevel = nLevel;
     text.nRevision = NewRevision();
     m_archive.BecomeText(pItem, nKept);
@@ -63,12 +63,12 @@ bool ZRFxDocumentTexts::LoadTails(ZRFxOpenArchive::UnreadRecord* pUnread) {
 void ZRFxDocumentTexts::Prepare(const ZRFxCommitRecord::Edit& edit, ZRFxGrowingText* pText) {
     if (pText->bDropped) return;
     if (edit.nKept > 0 && !pText->bLoaded && !LoadEntryOf(pText)) {
-        pText->sError = m_reader.Error();
+        pText->cause = m_reader.Error();
     }
     pText->bLoaded = true;
-    if (edit.nKept > 0 && !pText->sError.empty()) return;
+    if (edit.nKept > 0 && !pText->cause.IsNone()) return;
     if (edit.nKept > pText->sText.size()) {
-        pText->sError = "damaged commit record";
+        pText->cause = "damaged commit record";
         return;
     }
     pText->sText.reserve(static_cast<size_t>(edit.nKept + edit.nTail));
@@ -77,8 +77,8 @@ void ZRFxDocumentTexts::Prepare(const ZRFxCommitRecord::Edit& edit, ZRFxGrowingT
 // sTails begins with what the edit adds. Takes no memory.
 void ZRFxDocumentTexts::Apply(const ZRFxCommitRecord::Edit& edit, std::string_view sTails,
                               ZRFxGrowingText* pText) {
-    if (edit.nKept == 0) pText->sError.clear();
-    if (pText->bDropped || !pText->sError.empty()) return;
+    if (edit.nKept == 0) pText->cause = {};
+    if (pText->bDropped || !pText->cause.IsNone()) return;
     pText->sText.resize(static_cast<size_t>(edit.nKept));
     pText->sText.append(sTails.substr(0, static_cast<size_t>(edit.nTail)));
 }
@@ -95,7 +95,7 @@ bool ZRFxDocumentTexts::LoadEntryOf(ZRFxGrowingText* pText) {
 // A document that has been an entry so far is read.
 bool ZRFxDocumentTexts::LoadForGrowth(ZRFxArchiveItem* pItem) {
     if (pItem->pText && pItem->pText->bLoaded) {
-        return pItem->pText->sError.empty() || Fail(pItem->pText->sError);
+        return pItem->pText->cause.IsNone() || Fail(pItem->pText->cause);
     }
     ZRFxZipRawData raw;
     if (!m_reader.Read(*pItem, &raw)) return Fail(m_reader.Error());

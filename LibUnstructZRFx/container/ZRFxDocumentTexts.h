@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "container/ZRFxCause.h"
 #include "container/ZRFxCipher.h"
 #include "container/ZRFxCodec.h"
 #include "container/ZRFxEntryReader.h"
@@ -28,11 +29,11 @@ public:
     bool Grow(std::string_view sName, uint64_t nKept, std::string_view sTail, int nLevel,
               uint64_t* pRevision);
 
-    const std::string& Error() const { return m_sError; }
+    const ZRFxCause& Error() const { return m_cause; }
 
 private:
-    bool Fail(const std::string& sCause) {
-        m_sError = sCause;
+    bool Fail(ZRFxCause cause) {
+        m_cause = std::move(cause);
         return false;
     }
     bool LoadTails(ZRFxOpenArchive::UnreadRecord* pUnread);
@@ -46,7 +47,7 @@ private:
     ZRFxEntryReader& m_reader;
     ZRFxCodec* m_pCodec;
     ZRFxCipher* m_pCipher;
-    std::string m_sError;
+    ZRFxCause m_cause;
 };
 
 }  // namespace unstruct

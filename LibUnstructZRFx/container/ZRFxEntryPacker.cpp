@@ -30,12 +30,12 @@ bool ZRFxEntryPacker::Pack(const void* pData, size_t nSize, int nLevel, ZRFxZipE
     const size_t nRoom = nPrefix + nSize + nSuffix;
     const bool bScratch = nUsed > 0 || bEncrypt;
     if (bScratch && m_scratch.Length() < nRoom && !m_scratch.Allocate(nRoom)) {
-        return Fail("out of memory");
+        return Fail(ZRFxCause::OutOfMemory());
     }
     uint8_t* pPacked = bScratch ? m_scratch.Buffer() + nPrefix : nullptr;
     size_t nPacked = 0;
     if (nUsed > 0 && !m_pCodec->Deflate(nUsed, pData, nSize, pPacked, nSize - 1, &nPacked)) {
-        return Fail("out of memory");
+        return Fail(ZRFxCause::OutOfMemory());
     }
     pEntry->nSize = nSize;
     pEntry->nMethod = nPacked > 0 ? kZipDeflated : kZipStored;
@@ -68,7 +68,7 @@ bool ZRFxEntryPacker::Encrypt(ZRFxZipEntry* pEntry) {
     const size_t nRoom = ZRFxCipher::kPrefixSize + ZRFxCipher::kSuffixSize;
     return m_pCipher->Encrypt(m_scratch.Buffer(),
                               static_cast<size_t>(pEntry->nPackedSize) - nRoom) ||
-           Fail("cannot encrypt");
+           Fail({"cannot encrypt", nvf::Reason::SYSTEM_ERROR});
 }
 
 }  // namespace unstruct

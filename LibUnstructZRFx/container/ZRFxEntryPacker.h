@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <string>
 
+#include "container/ZRFxCause.h"
 #include "container/ZRFxCipher.h"
 #include "container/ZRFxCodec.h"
 #include "container/ZRFxZipDirectory.h"
@@ -35,11 +36,11 @@ public:
 
     /// Gives the memory back that packing has taken.
     void Clear() { m_scratch.Clear(); }
-    const std::string& Error() const { return m_sError; }
+    const ZRFxCause& Error() const { return m_cause; }
 
 private:
-    bool Fail(const std::string& sCause) {
-        m_sError = sCause;
+    bool Fail(ZRFxCause cause) {
+        m_cause = std::move(cause);
         return false;
     }
     bool Encrypt(ZRFxZipEntry* pEntry);
@@ -47,7 +48,7 @@ private:
     ZRFxCodec* m_pCodec;
     ZRFxCipher* m_pCipher;
     ZRFxZipRawData m_scratch;
-    std::string m_sError;
+    ZRFxCause m_cause;
 };
 
 }  // namespace unstruct

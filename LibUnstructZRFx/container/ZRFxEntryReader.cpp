@@ -32,7 +32,7 @@ void ZRFxEntryReader::Close() {
 
 bool ZRFxEntryReader::Read(const ZRFxArchiveItem& item, ZRFxZipRawData* pRaw) {
     const ZRFxZipEntry& entry = item.entry;
-    if (entry.nSize > ZRFxZipRawData::kMaxLength) return Fail("the entry is larger than 4 GiB");
+    if (entry.nSize > ZRFxZipRawData::kMaxLength) return Fail(ZRFxCause::TooLarge());
     if (entry.eEncryption == ZRFxZipEntry::Encryption::kUnreadable) {
         return Fail("the encryption is not supported");
     }
@@ -79,7 +79,8 @@ bool ZRFxEntryReader::CheckDeclared(const ZRFxZipEntry& entry) {
 }
 
 bool ZRFxEntryReader::CheckAes(const ZRFxZipEntry& entry) {
-    if (!m_pCipher->HasPassword()) return Fail("the entry needs a password");
+    if (!m_pCipher->HasPassword())
+        return Fail({"the entry needs a password", nvf::Reason::PASSWORD_NEEDED});
     return entry.nPackedSize >= ZRFxCipher::Overhead(entry.eStrength) ||
            Fail("the encrypted entry is cut");
 }
@@ -168,7 +169,7 @@ bool ZRFxEntryReader::Unpack(const ZRFxZipEntry& entry, const uint8_t* pPacked,
 bool ZRFxEntryReader::Decrypt(const ZRFxZipEntry& entry, const uint8_t* pPacked, uint8_t* pData) {
     const ZRFxCipher::Result eResult =
         m_pCipher->Decrypt(entry.eStrength, pPacked, static_cast<size_t>(entry.nPackedSize), pData);
-    return eResult == ZRFxCipher::Result::kDone || Fail(ZRFxCipher::MessageOf(eResult));
+    return eResult == ZRFxCipher::Result::kDone || Fail(ZRFxCipher::CauseOf(eResult));
 }
 
 bool ZRFxEntryReader::ReadForeign(const ZRFxArchiveItem& item, ZRFxZipRawData* pRaw) {

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <string>
 
+#include "container/ZRFxCause.h"
 #include "container/ZRFxCipher.h"
 #include "container/ZRFxCodec.h"
 #include "container/ZRFxEntryTable.h"
@@ -32,11 +33,11 @@ public:
     /// Where the entry ends: behind its data and, when there is one, the descriptor.
     bool FindEnd(const ZRFxZipEntry& entry, uint64_t nLimit, uint64_t* pEnd);
 
-    const std::string& Error() const { return m_sError; }
+    const ZRFxCause& Error() const { return m_cause; }
 
 private:
-    bool Fail(const std::string& sCause) {
-        m_sError = sCause;
+    bool Fail(ZRFxCause cause) {
+        m_cause = std::move(cause);
         return false;
     }
     bool CheckDeclared(const ZRFxZipEntry& entry);
@@ -58,7 +59,7 @@ private:
     ZRFxReadAhead m_readAhead;
     ZRFxZipRawData m_packed;  // Packed bytes on their way in.
     ZRFxZipRawData m_plain;   // The same decrypted.
-    std::string m_sError;
+    ZRFxCause m_cause;
 };
 
 }  // namespace unstruct

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "container/ZRFxCause.h"
 #include "container/ZRFxNameIndex.h"
 #include "container/ZRFxZipDirectory.h"
 #include "container/ZRFxZipRawData.h"
@@ -18,7 +19,7 @@ namespace unstruct {
 struct ZRFxGrowingText {
     std::string sName;
     std::string sText;
-    std::string sError;       ///< Why the text cannot be had; else empty.
+    ZRFxCause cause;          ///< Why the text cannot be had, if it cannot.
     uint64_t nLength = 0;     ///< Of the text, also before it is loaded.
     uint64_t nUnchanged = 0;  ///< What the last commit has of it.
     uint64_t nRevision = 0;   ///< Another one with each change, in all archives of the process.

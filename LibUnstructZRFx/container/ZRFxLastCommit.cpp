@@ -26,7 +26,7 @@ bool ZRFxLastCommit::FindSince(ZRFxZipStorage* pStorage, const ZRFxCommitPlace* 
     if (!aRecords.empty() && !directory.FindEndAt(pStorage, m_place.nBase)) {
         return Fail("damaged commit record: the archive that it builds on is missing");
     }
-    return directory.Load(pStorage) || Fail(directory.sError);
+    return directory.Load(pStorage) || Fail(directory.cause);
 }
 
 // A file that ends in a commit says so at its end.
@@ -73,7 +73,7 @@ bool ZRFxLastCommit::SearchEnd(ZRFxZipStorage* pStorage) {
     const bool bEntries = pStorage->Read(0, aFirst, sizeof(aFirst)) &&
                           LoadLittleEndian<uint32_t>(aFirst) == ZRFxZipDirectory::kLocalSignature;
     if (!(bEntries && directory.FindLastEnd(pStorage)) && !directory.FindEnd(pStorage)) {
-        return Fail(directory.sError);
+        return Fail(directory.cause);
     }
     m_place = {directory.Length(), 0, directory.Length(), {}};
     return true;

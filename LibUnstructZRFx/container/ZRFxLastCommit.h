@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "container/ZRFxCause.h"
 #include "container/ZRFxCommitRecord.h"
 #include "container/ZRFxZipDirectory.h"
 #include "container/ZRFxZipStorage.h"
@@ -36,11 +37,11 @@ public:
     /// In the order of their commits.
     std::vector<ZRFxCommitRecord> aRecords;
 
-    const std::string& Error() const { return m_sError; }
+    const ZRFxCause& Error() const { return m_cause; }
 
 private:
-    bool Fail(const std::string& sCause) {
-        m_sError = sCause;
+    bool Fail(ZRFxCause cause) {
+        m_cause = std::move(cause);
         return false;
     }
     bool FindSince(ZRFxZipStorage* pStorage, const ZRFxCommitPlace* pKnown);
@@ -55,7 +56,7 @@ private:
     ZRFxCodec* m_pCodec;
     ZRFxCommitPlace m_place;
     bool m_bSince = false;
-    std::string m_sError;
+    ZRFxCause m_cause;
 };
 
 }  // namespace unstruct

@@ -41,7 +41,7 @@ class View : public ZRFxZipStorage {
 public:
     /// What cannot be read is told in *pFailure, if given. REQUIRES: all outlive the view.
     View(ZRFxZipStorage* pFile, uint64_t nFromFile, const ZRFxFile* pJournal, uint64_t nSize,
-         std::string* pFailure)
+         ZRFxCause* pFailure)
         : m_pFile(pFile),
           m_pJournal(pJournal),
           m_nFromFile(nFromFile),
@@ -61,28 +61,30 @@ public:
         if (nHead > 0 && !m_pFile->Read(nOffset, pData, nHead)) return FailRead(m_pFile->Error());
         const uint64_t nInJournal = kHeaderSize + (nOffset + nHead - m_nFromFile);
         return nHead == nSize || m_pJournal->ReadAt(nInJournal, pTail, nSize - nHead) ||
-               FailRead("cannot read the journal: " + std::generic_category().message(errno));
+               FailRead(ZRFxCause::System("cannot read the journal"));
     }
 
     // It is only read.
-    bool Write(const void*, size_t) override { return Fail("open for reading only"); }
+    bool Write(const void*, size_t) override {
+        return Fail({"open for reading only", nvf::Reason::READ_ONLY});
+    }
     void Rewind(uint64_t) override {}
-    bool Flush() override { return Fail("open for reading only"); }
+    bool Flush() override { return Fail({"open for reading only", nvf::Reason::READ_ONLY}); }
     ZRFxCommitResult EndCommit() override { return ZRFxCommitResult::kFailed; }
     void RollBack() override {}
     std::unique_ptr<ZRFxZipStorage> Successor() override { return nullptr; }
 
 private:
-    bool FailRead(const std::string& sCause) {
-        if (m_pFailure) *m_pFailure = sCause;
-        return Fail(sCause);
+    bool FailRead(const ZRFxCause& cause) {
+        if (m_pFailure) *m_pFailure = cause;
+        return Fail(cause);
     }
 
     ZRFxZipStorage* m_pFile;
     const ZRFxFile* m_pJournal;
     const uint64_t m_nFromFile;
     uint64_t m_nSize;
-    std::string* m_pFailure;
+    ZRFxCause* m_pFailure;
 };
 
 /// The last commit of a torn file, for a reader that may not restore it.
@@ -133,9 +135,9 @@ bool ZRFxOldJournal::Settle(std::unique_ptr<ZRFxAppendFile> pFile, ZRZipAccessMo
     // A file that is created over another one leaves that and its journal alone until it commits.
     if (file.Size() == 0) return true;
     const Content eContent = Load(file.Path(), file.File());
-    if (eContent == Content::kNone && m_sError.empty()) return true;
+    if (eContent == Content::kNone && m_cause.IsNone()) return true;
     const Verdict eVerdict = Judge(&file, eContent);
-    if (!m_sError.empty()) return bReads && m_bWhole;
+    if (!m_cause.IsNone()) return bReads && m_bWhole;
     if (eVerdict == Verdict::kNeeded && bReads) return Show(ppStorage), true;
     if (eVerdict == Verdict::kNeeded) return Restore(&file);
     if (eVerdict == Verdict::kNotNeeded && !bReads && m_bOpens) Remove();
@@ -225,7 +227,7 @@ ZRFxOldJournal::Content ZRFxOldJournal::CheckSavedEnd() {
 
 // A file that ends with a commit record was written by others since.
 ZRFxOldJournal::Verdict ZRFxOldJournal::Judge(ZRFxZipStorage* pFile, Content eContent) {
-    View file(pFile, pFile->Size(), nullptr, pFile->Size(), &m_sError);
+    View file(pFile, pFile->Size(), nullptr, pFile->Size(), &m_cause);
     ZRFxLastCommit last(m_pCodec);
     m_bOpens = last.Load(&file);
     m_bWhole = m_bOpens && last.Place().nEnd == file.Size();
@@ -257,7 +259,7 @@ bool ZRFxOldJournal::Fits(ZRFxZipStorage* pFile) {
         ZRFxCodec::Crc32(0, sUnchanged.data(), sUnchanged.size()) != m_nUnchangedCrc) {
         return false;
     }
-    View restored(pFile, m_nUnchanged, &m_file, m_nOldSize, &m_sError);
+    View restored(pFile, m_nUnchanged, &m_file, m_nOldSize, &m_cause);
     ZRFxZipDirectory directory;
     return (directory.FindEndAt(&restored, m_nOldSize) || directory.FindEnd(&restored)) &&
            directory.nOffset >= m_nUnchanged && directory.Load(&restored) &&
@@ -268,7 +270,7 @@ bool ZRFxOldJournal::Fits(ZRFxZipStorage* pFile) {
 // Whether the file has the saved bytes from there on in their place.
 bool ZRFxOldJournal::HoldsSaved(ZRFxZipStorage* pFile, uint64_t nFrom) {
     if (pFile->Size() < m_nOldSize) return false;
-    View restored(pFile, m_nUnchanged, &m_file, m_nOldSize, &m_sError);
+    View restored(pFile, m_nUnchanged, &m_file, m_nOldSize, &m_cause);
     std::string sPart(static_cast<size_t>(std::min(SavedLength(), kPartSize)), '\0');
     std::string sSaved = sPart;
     return ForEachPart(std::max(nFrom, m_nUnchanged), m_nOldSize, [&](uint64_t nAt, size_t nPart) {
@@ -323,7 +325,7 @@ bool ZRFxOldJournal::Remove() {
 }
 
 bool ZRFxOldJournal::FailSystem(const std::string& sWhat) {
-    return Fail(sWhat + " '" + m_sPath + "': " + std::generic_category().message(errno));
+    return Fail(ZRFxCause::System(sWhat + " '" + m_sPath + "'"));
 }
 
 }  // namespace unstruct

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "container/ZRFxAppendFile.h"
+#include "container/ZRFxCause.h"
 #include "container/ZRFxCodec.h"
 #include "container/ZRFxLastCommit.h"
 #include "container/ZRFxSystem.h"
@@ -40,7 +41,7 @@ public:
     /// Removes the journal of what the file has replaced.
     static void RemoveBeside(const std::string& sPath, const ZRFxFile& file) noexcept;
 
-    const std::string& Error() const { return m_sError; }
+    const ZRFxCause& Error() const { return m_cause; }
 
 private:
     enum class Content { kNone, kIncomplete, kWhole };
@@ -63,8 +64,8 @@ private:
     bool Remove();
     uint64_t SavedLength() const { return m_nOldSize - m_nUnchanged; }
 
-    bool Fail(const std::string& sCause) {
-        m_sError = sCause;
+    bool Fail(ZRFxCause cause) {
+        m_cause = std::move(cause);
         return false;
     }
     bool FailSystem(const std::string& sWhat);
@@ -79,7 +80,7 @@ private:
     uint32_t m_nUnchangedCrc = 0;  // Of the last bytes that the commit did not touch.
     bool m_bOpens = false;         // The archive does, as it stands,
     bool m_bWhole = false;         // and what it shows ends where the file does.
-    std::string m_sError;          // Set once something could not be read.
+    ZRFxCause m_cause;             // Set once something could not be read.
 };
 
 }  // namespace unstruct

@@ -38,7 +38,7 @@ ZRFxZipArchive::~ZRFxZipArchive() = default;
 
 bool ZRFxZipArchive::Open(const std::string& sPath, ZRZipAccessMode eMode) {
     return Guarded({}, [&] {
-        if (IsOpen()) return Fail({}, "another archive is open");
+        if (IsOpen()) return Fail({}, {"another archive is open", nvf::Reason::INVALID_ARGUMENT});
         m_sArchive = sPath;
         std::unique_ptr<ZRFxOpenArchive> pOpen;
         return OpenFile(sPath, eMode, &pOpen) && Take(std::move(pOpen));
@@ -47,7 +47,7 @@ bool ZRFxZipArchive::Open(const std::string& sPath, ZRZipAccessMode eMode) {
 
 bool ZRFxZipArchive::Open(ZRFxZipMemFile* pFile, ZRZipAccessMode eMode) {
     return Guarded({}, [&] {
-        if (IsOpen()) return Fail({}, "another archive is open");
+        if (IsOpen()) return Fail({}, {"another archive is open", nvf::Reason::INVALID_ARGUMENT});
         m_sArchive = "archive in memory";
         m_sPath.clear();
         std::unique_ptr<ZRFxOpenArchive> pOpen;
@@ -75,7 +75,7 @@ bool ZRFxZipArchive::Commit() {
 
 bool ZRFxZipArchive::Close() {
     return Guarded({}, [&] {
-        if (!IsOpen()) return Fail({}, "the archive is not open");
+        if (!IsOpen()) return Fail({}, {"the archive is not open", nvf::Reason::NOT_OPEN});
         if (m_pOpen->pStream && !CloseEntry()) return false;
         // A state that ends with a record, or with what a killed writer left, is put in order.
         const bool bCommits = m_pOpen->last.bOwn || !m_pOpen->IsOrdinary();
@@ -91,15 +91,15 @@ bool ZRFxZipArchive::CloseAs(const std::string& sPath) {
         if (m_pOpen->pStream && !CloseEntry()) return false;
         auto pFile = std::make_unique<ZRFxAppendFile>();
         if (!pFile->Open(sPath, ZRZipAccessMode::CREATE)) {
-            return Fail({}, "'" + sPath + "': " + pFile->Error());
+            return Fail({}, pFile->Error().Of(sPath));
         }
-        if (!pFile->IsNew()) return Fail({}, "'" + sPath + "' exists");
+        if (!pFile->IsNew()) return Fail({}, {"'" + sPath + "' exists", nvf::Reason::EXISTS});
         ZRFxArchiveCommit commit(m_pOpen.get(), &m_packer, &m_reader, &m_codec, &m_cipher);
         if (!LoadTexts()) return false;
         const bool bWritten = Guarded({}, [&] { return commit.WriteAnew(std::move(pFile)); });
         // It may be the new file from here on, only not yet confirmed.
         m_reader.Open(m_pOpen->pStorage.get(), m_pOpen->last.place.nBase);
-        if (!bWritten) return Fail({}, "'" + sPath + "': " + commit.Error());
+        if (!bWritten) return Fail({}, commit.Error().Of(sPath));
         Reset();
         return true;
     });
@@ -112,8 +112,9 @@ void ZRFxZipArchive::Abandon() {
 bool ZRFxZipArchive::Refresh(ZRFxArchiveChanges* pChanges) {
     return Guarded({}, [&] {
         *pChanges = ZRFxArchiveChanges();
-        if (!IsOpen()) return Fail({}, "the archive is not open");
-        if (!IsReadOnly()) return Fail({}, "the archive is open for writing");
+        if (!IsOpen()) return Fail({}, {"the archive is not open", nvf::Reason::NOT_OPEN});
+        if (!IsReadOnly())
+            return Fail({}, {"the archive is open for writing", nvf::Reason::INVALID_ARGUMENT});
         ZRFxZipStorage& storage = *m_pOpen->pStorage;
         if (!storage.Extend()) return Reopen(pChanges);
         const bool bRefreshed = Guarded({}, [&] {
@@ -129,7 +130,7 @@ bool ZRFxZipArchive::Refresh(ZRFxArchiveChanges* pChanges) {
 
 bool ZRFxZipArchive::SetPassword(std::string_view sPassword) {
     return Guarded({}, [&] {
-        if (!IsOpen()) return Fail({}, "the archive is not open");
+        if (!IsOpen()) return Fail({}, {"the archive is not open", nvf::Reason::NOT_OPEN});
         m_cipher.SetPassword(sPassword);
         return true;
     });
@@ -205,7 +206,7 @@ bool ZRFxZipArchive::Remove(std::string_view sName) {
     return Guarded(sName, [&] {
         if (!CheckWritable(sName)) return false;
         Item* pItem = FindItem(sName);
-        if (!pItem) return Fail(sName, "no such entry");
+        if (!pItem) return Fail(sName, {"no such entry", nvf::Reason::NOT_FOUND});
         m_pOpen->Remove(pItem);
         return true;
     });
@@ -214,9 +215,9 @@ bool ZRFxZipArchive::Remove(std::string_view sName) {
 bool ZRFxZipArchive::Read(std::string_view sName, ZRFxZipRawData* pRaw) {
     pRaw->Clear();
     const bool bRead = Guarded(sName, [&] {
-        if (!IsOpen()) return Fail(sName, "the archive is not open");
+        if (!IsOpen()) return Fail(sName, {"the archive is not open", nvf::Reason::NOT_OPEN});
         const Item* pItem = FindItem(sName);
-        if (!pItem) return Fail(sName, "no such entry");
+        if (!pItem) return Fail(sName, {"no such entry", nvf::Reason::NOT_FOUND});
         return ReadItem(*pItem, pRaw);
     });
     if (!bRead) pRaw->Clear();
@@ -226,11 +227,11 @@ bool ZRFxZipArchive::Read(std::string_view sName, ZRFxZipRawData* pRaw) {
 bool ZRFxZipArchive::ReadTail(std::string_view sName, uint64_t nFrom, std::string* pTail) {
     return Guarded(sName, [&] {
         Item* pItem = FindItem(sName);
-        if (!pItem) return Fail(sName, "no such entry");
+        if (!pItem) return Fail(sName, {"no such entry", nvf::Reason::NOT_FOUND});
         if (pItem->ePlace == Place::kInRecords) {
             if (!LoadTexts()) return false;
             const ZRFxGrowingText& text = *pItem->pText;
-            if (!text.sError.empty()) return Fail(sName, text.sError);
+            if (!text.cause.IsNone()) return Fail(sName, text.cause);
             pTail->assign(text.sText, std::min<uint64_t>(nFrom, text.sText.size()));
             return true;
         }
@@ -245,7 +246,8 @@ bool ZRFxZipArchive::ReadTail(std::string_view sName, uint64_t nFrom, std::strin
 bool ZRFxZipArchive::OpenEntry(std::string_view sName, int nLevel) {
     return Guarded(sName, [&] {
         if (!CheckWritable(sName)) return false;
-        if (m_pOpen->pStream) return Fail(sName, "another entry is being written");
+        if (m_pOpen->pStream)
+            return Fail(sName, {"another entry is being written", nvf::Reason::INVALID_ARGUMENT});
         if (!CheckNewName(sName)) return false;
         m_pOpen->pStream.reset(
             new ZRFxOpenArchive::Stream{std::string(sName), nLevel, ZRFxZipMemFile(4096)});
@@ -255,19 +257,21 @@ bool ZRFxZipArchive::OpenEntry(std::string_view sName, int nLevel) {
 
 bool ZRFxZipArchive::WriteEntry(const void* pData, size_t nSize) {
     return Guarded({}, [&] {
-        if (!m_pOpen->pStream) return Fail({}, "no entry is being written");
+        if (!m_pOpen->pStream)
+            return Fail({}, {"no entry is being written", nvf::Reason::INVALID_ARGUMENT});
         ZRFxOpenArchive::Stream& stream = *m_pOpen->pStream;
         const bool bFits = nSize <= ZRFxZipRawData::kMaxLength - stream.data.Length();
         if (bFits && stream.data.Append(pData, nSize)) return true;
         const std::string sName = stream.sName;
         m_pOpen->pStream.reset();
-        return Fail(sName, bFits ? "out of memory" : "the entry is larger than 4 GiB");
+        return Fail(sName, bFits ? ZRFxCause::OutOfMemory() : ZRFxCause::TooLarge());
     });
 }
 
 bool ZRFxZipArchive::CloseEntry() {
     return Guarded({}, [&] {
-        if (!m_pOpen->pStream) return Fail({}, "no entry is being written");
+        if (!m_pOpen->pStream)
+            return Fail({}, {"no entry is being written", nvf::Reason::INVALID_ARGUMENT});
         const auto pStream = std::move(m_pOpen->pStream);
         return Add(pStream->sName, pStream->data.Data(), pStream->data.Length(), pStream->nLevel);
     });
@@ -285,22 +289,24 @@ bool ZRFxZipArchive::Guarded(std::string_view sName, Operation operation) noexce
         try {
             return operation();
         } catch (const std::bad_alloc&) {
-            return Fail(sName, "out of memory");
+            return Fail(sName, ZRFxCause::OutOfMemory());
         } catch (const std::exception& exception) {
             return Fail(sName, exception.what());
         }
     } catch (...) {
         m_sError = "out of memory";  // Short enough not to need any.
+        m_eReason = nvf::Reason::OUT_OF_MEMORY;
         return false;
     }
 }
 
-bool ZRFxZipArchive::Fail(std::string_view sName, std::string_view sCause) {
+bool ZRFxZipArchive::Fail(std::string_view sName, const ZRFxCause& cause) {
     // The cause may be the message that is replaced.
     std::string sError = "'" + m_sArchive + "'";
     if (!sName.empty()) sError.append(", entry '").append(sName).append("'");
-    sError.append(": ").append(sCause).append(".");
+    sError.append(": ").append(cause.sText).append(".");
     m_sError.swap(sError);
+    m_eReason = cause.eReason;
     return false;
 }
 
@@ -348,17 +354,20 @@ void ZRFxZipArchive::Reset() {
 }
 
 bool ZRFxZipArchive::CheckWritable(std::string_view sName) {
-    if (!IsOpen()) return Fail(sName, "the archive is not open");
-    return !IsReadOnly() || Fail(sName, "the archive is open for reading only");
+    if (!IsOpen()) return Fail(sName, {"the archive is not open", nvf::Reason::NOT_OPEN});
+    return !IsReadOnly() ||
+           Fail(sName, {"the archive is open for reading only", nvf::Reason::READ_ONLY});
 }
 
 bool ZRFxZipArchive::CheckName(std::string_view sName) {
-    if (sName.empty()) return Fail(sName, "the entry has no name");
-    return sName.size() <= 0xFFFF || Fail({}, "the name of the entry is too long");
+    if (sName.empty()) return Fail(sName, {"the entry has no name", nvf::Reason::INVALID_ARGUMENT});
+    return sName.size() <= 0xFFFF ||
+           Fail({}, {"the name of the entry is too long", nvf::Reason::INVALID_ARGUMENT});
 }
 
 bool ZRFxZipArchive::CheckNewName(std::string_view sName) {
-    return CheckName(sName) && (!Contains(sName) || Fail(sName, "the entry exists"));
+    return CheckName(sName) &&
+           (!Contains(sName) || Fail(sName, {"the entry exists", nvf::Reason::EXISTS}));
 }
 
 bool ZRFxZipArchive::Describe(const Item& item, EntryInfo* pInfo) const {
@@ -379,7 +388,7 @@ bool ZRFxZipArchive::Describe(const Item& item, EntryInfo* pInfo) const {
 // Packs the entry and puts it where it waits for the commit.
 bool ZRFxZipArchive::MakeItem(std::string_view sName, const void* pData, uint64_t nSize, int nLevel,
                               ItemPtr* ppItem) {
-    if (nSize > m_packer.MaxLength()) return Fail(sName, "the entry is larger than 4 GiB");
+    if (nSize > m_packer.MaxLength()) return Fail(sName, ZRFxCause::TooLarge());
     auto pItem = std::make_unique<Item>();
     pItem->entry.sName = sName;
     pItem->nTime = std::time(nullptr);
@@ -404,7 +413,7 @@ bool ZRFxZipArchive::GoesToFile(const ZRFxZipEntry& entry) const {
 
 bool ZRFxZipArchive::KeepPending(Item* pItem, const uint8_t* pPacked) {
     const size_t nPacked = static_cast<size_t>(pItem->entry.nPackedSize);
-    if (!pItem->packed.Allocate(nPacked)) return Fail(pItem->entry.sName, "out of memory");
+    if (!pItem->packed.Allocate(nPacked)) return Fail(pItem->entry.sName, ZRFxCause::OutOfMemory());
     if (nPacked > 0) std::memcpy(pItem->packed.Buffer(), pPacked, nPacked);
     pItem->ePlace = Place::kPending;
     return true;
@@ -428,10 +437,10 @@ bool ZRFxZipArchive::ReadItem(const Item& item, ZRFxZipRawData* pRaw) {
     if (item.ePlace != Place::kInRecords) {
         return m_reader.Read(item, pRaw) || Fail(sName, m_reader.Error());
     }
-    if (!LoadTexts()) return Fail(sName, m_sError);
+    if (!LoadTexts()) return Fail(sName, {m_sError, m_eReason});
     const ZRFxGrowingText& text = *item.pText;
-    if (!text.sError.empty()) return Fail(sName, text.sError);
-    if (!pRaw->Allocate(text.sText.size())) return Fail(sName, "out of memory");
+    if (!text.cause.IsNone()) return Fail(sName, text.cause);
+    if (!pRaw->Allocate(text.sText.size())) return Fail(sName, ZRFxCause::OutOfMemory());
     if (!text.sText.empty()) std::memcpy(pRaw->Buffer(), text.sText.data(), text.sText.size());
     return true;
 }

@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "container/ZRFxCause.h"
 #include "container/ZRFxCipher.h"
 #include "container/ZRFxCodec.h"
 #include "container/ZRFxEntryPacker.h"
@@ -131,6 +132,7 @@ public:
     static bool Probe(const std::string& sPath, std::string_view sName);
 
     const std::string& LastError() const { return m_sError; }
+    nvf::Reason LastReason() const { return m_eReason; }
 
 private:
     using Item = ZRFxArchiveItem;
@@ -138,7 +140,7 @@ private:
 
     template <typename Operation>
     bool Guarded(std::string_view sName, Operation operation) noexcept;
-    bool Fail(std::string_view sName, std::string_view sCause);
+    bool Fail(std::string_view sName, const ZRFxCause& cause);
 
     bool OpenFile(const std::string& sPath, ZRZipAccessMode eMode,
                   std::unique_ptr<ZRFxOpenArchive>* ppOpen);
@@ -173,6 +175,7 @@ private:
     ZRFxEntryPacker m_packer{&m_codec, &m_cipher};
     ZRFxEntryReader m_reader{&m_codec, &m_cipher};
     std::string m_sError;
+    nvf::Reason m_eReason = nvf::Reason::NONE;
 };
 
 }  // namespace unstruct

@@ -194,7 +194,7 @@ bool ZRFxZipDirectory::FindEnd(ZRFxZipStorage* pStorage) {
     for (size_t i = sTail.size() < kEndSize ? 0 : sTail.size() - kEndSize + 1; i-- > 0;) {
         if (TakeEnd(pStorage, sTail, i, nEnd)) return true;
     }
-    return Fail("not a ZIP archive, or its end is missing");
+    return Fail({"not a ZIP archive, or its end is missing", nvf::Reason::NO_ZRFX_FILE});
 }
 
 bool ZRFxZipDirectory::Load(ZRFxZipStorage* pStorage) {

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "container/ZRFxCause.h"
 #include "container/ZRFxCipher.h"
 #include "container/ZRFxZipStorage.h"
 
@@ -55,7 +56,7 @@ public:
     /// Finds the directory of an archive in whatever form: with bytes that follow its end, or with
     /// structures between directory and end.
     bool FindEnd(ZRFxZipStorage* pStorage);
-    /// Reads the directory that was found. Refuses, with the cause in sError, directories that do
+    /// Reads the directory that was found. Refuses, with the cause in `cause`, directories that do
     /// not fit the archive: what an archive claims is never allocated before its own length makes
     /// it possible. Takes memory of about twice the directory's length and time linear in it.
     bool Load(ZRFxZipStorage* pStorage);
@@ -98,11 +99,11 @@ public:
     std::vector<ZRFxZipEntry> aEntries;  // In the order of the directory, duplicates included.
     uint64_t nOffset = 0;
     std::string sComment;
-    std::string sError;
+    ZRFxCause cause;
 
 private:
-    bool Fail(const std::string& sCause) {
-        sError = sCause;
+    bool Fail(ZRFxCause why) {
+        cause = std::move(why);
         return false;
     }
     bool TakeEnd(ZRFxZipStorage* pStorage, const std::string& sTail, size_t nAt, uint64_t nEnd);

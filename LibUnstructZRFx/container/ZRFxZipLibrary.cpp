@@ -89,7 +89,7 @@ bool ZRFxZipLibrary::Open(ZRFxZipStorage* pStorage, uint64_t nSize) {
     if (!pSource) delete pUser;
     if (pSource) m_pZip = zip_open_from_source(pSource, ZIP_RDONLY, &error);
     if (pSource && !m_pZip) zip_source_free(pSource);
-    if (!m_pZip) m_sError = zip_error_strerror(&error);
+    if (!m_pZip) m_cause = zip_error_strerror(&error);
     zip_error_fini(&error);
     return m_pZip != nullptr;
 }
@@ -106,7 +106,7 @@ bool ZRFxZipLibrary::Read(uint64_t nIndex, uint64_t nSize, bool bHasCrc, std::st
         m_pZip, nIndex, 0, sTerminated.empty() ? nullptr : sTerminated.c_str());
     explicit_bzero(sTerminated.data(), sTerminated.size());
     if (!pFile) {
-        m_sError = zip_strerror(m_pZip);
+        m_cause = zip_strerror(m_pZip);
         return false;
     }
     ZRFxZipMemFile data;
@@ -122,7 +122,7 @@ bool ZRFxZipLibrary::Read(uint64_t nIndex, uint64_t nSize, bool bHasCrc, std::st
     }
     const bool bWhole = nRead == 0 && data.Length() == nSize;
     if (!bWhole)
-        m_sError = nRead < 0 ? zip_file_strerror(pFile) : "the size is not the declared one";
+        m_cause = nRead < 0 ? zip_file_strerror(pFile) : "the size is not the declared one";
     zip_fclose(pFile);
     return bWhole && data.Detach(pRaw);
 }

@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "container/ZRFxCause.h"
 #include "container/ZRFxZipRawData.h"
 #include "container/ZRFxZipStorage.h"
 
@@ -32,11 +33,11 @@ public:
     bool Read(uint64_t nIndex, uint64_t nSize, bool bHasCrc, std::string_view sPassword,
               ZRFxZipRawData* pRaw);
 
-    const std::string& Error() const { return m_sError; }
+    const ZRFxCause& Error() const { return m_cause; }
 
 private:
     zip* m_pZip = nullptr;
-    std::string m_sError;
+    ZRFxCause m_cause;
 };
 
 }  // namespace unstruct

@@ -69,7 +69,7 @@ bool ZRFxMemStorage::Read(uint64_t nOffset, void* pData, size_t nSize) {
 bool ZRFxMemStorage::Write(const void* pData, size_t nSize) {
     if (!m_bWriting) Target().Truncate(m_nSize);
     m_bWriting = true;
-    return Target().Append(pData, nSize) || Fail("out of memory");
+    return Target().Append(pData, nSize) || Fail(ZRFxCause::OutOfMemory());
 }
 
 ZRFxCommitResult ZRFxMemStorage::EndCommit() {

@@ -53,7 +53,9 @@ public:
 
     uint64_t Size() const override { return m_nSize; }
     void CutTo(uint64_t nSize) override { m_nSize = nSize; }
-    bool Extend() override { return Fail("an archive in memory has one user"); }
+    bool Extend() override {
+        return Fail({"an archive in memory has one user", nvf::Reason::INVALID_ARGUMENT});
+    }
 
     uint64_t Position() const override { return m_bWriting ? Target().Length() : m_nSize; }
     bool Read(uint64_t nOffset, void* pData, size_t nSize) override;

@@ -6,6 +6,8 @@
 #include <string>
 #include <utility>
 
+#include "container/ZRFxCause.h"
+
 namespace unstruct {
 
 enum class ZRFxCommitResult {
@@ -54,15 +56,15 @@ public:
     /// Whether bytes that are there could not be read, since the storage was opened or asked last.
     bool TakeReadFailure() { return std::exchange(m_bReadFailed, false); }
 
-    const std::string& Error() const { return m_sError; }
+    const ZRFxCause& Error() const { return m_cause; }
 
 protected:
-    bool Fail(const std::string& sCause) {
-        m_sError = sCause;
+    bool Fail(ZRFxCause cause) {
+        m_cause = std::move(cause);
         return false;
     }
 
-    std::string m_sError;
+    ZRFxCause m_cause;
     bool m_bReadFailed = false;
 };
 

@@ -19,7 +19,7 @@ protected:
 
     static std::string Committed(ZRFxZipStorage* pFile) {
         std::string s(pFile->Size(), '\0');
-        EXPECT_TRUE(pFile->Read(0, s.data(), s.size())) << pFile->Error();
+        EXPECT_TRUE(pFile->Read(0, s.data(), s.size())) << pFile->Error().sText;
         return s;
     }
     static bool WriteText(ZRFxZipStorage* pFile, const std::string& s) {
@@ -27,7 +27,7 @@ protected:
     }
     std::string SeenByReader() {
         ZRFxAppendFile file;
-        EXPECT_TRUE(file.Open(m_sPath, ZRZipAccessMode::READ_ONLY)) << file.Error();
+        EXPECT_TRUE(file.Open(m_sPath, ZRZipAccessMode::READ_ONLY)) << file.Error().sText;
         return Committed(&file);
     }
 
@@ -40,7 +40,7 @@ protected:
 
 TEST_F(ZRFxAppendFileTest, CommittedBytesStayAndOthersAreTakenBack) {
     ZRFxAppendFile writer;
-    ASSERT_TRUE(writer.Open(m_sPath, ZRZipAccessMode::UPDATE)) << writer.Error();
+    ASSERT_TRUE(writer.Open(m_sPath, ZRZipAccessMode::UPDATE)) << writer.Error().sText;
     ZRFxAppendFile reader;
     ASSERT_TRUE(reader.Open(m_sPath, ZRZipAccessMode::READ_ONLY));
     std::string sExpected = m_sOld;
@@ -48,9 +48,9 @@ TEST_F(ZRFxAppendFileTest, CommittedBytesStayAndOthersAreTakenBack) {
         ASSERT_TRUE(WriteText(&writer, sNew + sNew));
         writer.Rewind(writer.Position() - sNew.size());
         std::string sRead(sNew.size(), '\0');
-        ASSERT_TRUE(writer.Read(writer.Size(), sRead.data(), sRead.size())) << writer.Error();
+        ASSERT_TRUE(writer.Read(writer.Size(), sRead.data(), sRead.size())) << writer.Error().sText;
         EXPECT_EQ(sRead == sNew, true);
-        ASSERT_EQ(writer.EndCommit(), ZRFxCommitResult::kDone) << writer.Error();
+        ASSERT_EQ(writer.EndCommit(), ZRFxCommitResult::kDone) << writer.Error().sText;
         sExpected += sNew;
         EXPECT_EQ(SeenByReader() == sExpected, true);
         EXPECT_EQ(Committed(&reader) == m_sOld, true);
@@ -125,9 +125,9 @@ TEST_F(ZRFxAppendFileTest, WhatLiesUnderTheTemporaryNameDoesNotStopAWriter) {
         std::filesystem::remove(sTemporary);
         obstruct();
         ZRFxAppendFile writer;
-        ASSERT_TRUE(writer.Open(m_sPath, ZRZipAccessMode::CREATE)) << writer.Error();
-        ASSERT_TRUE(WriteText(&writer, "new")) << writer.Error();
-        ASSERT_EQ(writer.EndCommit(), ZRFxCommitResult::kDone) << writer.Error();
+        ASSERT_TRUE(writer.Open(m_sPath, ZRZipAccessMode::CREATE)) << writer.Error().sText;
+        ASSERT_TRUE(WriteText(&writer, "new")) << writer.Error().sText;
+        ASSERT_EQ(writer.EndCommit(), ZRFxCommitResult::kDone) << writer.Error().sText;
         EXPECT_EQ(SeenByReader(), "new");
         EXPECT_EQ(ReadWhole(sOther), "someone else's");
     }
@@ -141,7 +141,7 @@ TEST_F(ZRFxAppendFileTest, WhatIsNoRegularFileIsRefusedAtOnce) {
              {ZRZipAccessMode::READ_ONLY, ZRZipAccessMode::UPDATE, ZRZipAccessMode::CREATE}) {
             ZRFxAppendFile file;
             EXPECT_FALSE(file.Open(sPath, eMode)) << sPath;
-            EXPECT_EQ(file.Error(), "not a regular file") << sPath;
+            EXPECT_EQ(file.Error().sText, "not a regular file") << sPath;
         }
     }
 }
@@ -153,10 +153,10 @@ TEST_F(ZRFxAppendFileTest, RelativeNameIsResolvedWhenItIsOpened) {
         ZRFxAppendFile writer;
         const ZRZipAccessMode eMode =
             ReadWhole(sName).empty() ? ZRZipAccessMode::CREATE : ZRZipAccessMode::UPDATE;
-        ASSERT_TRUE(writer.Open(sName, eMode)) << writer.Error();
+        ASSERT_TRUE(writer.Open(sName, eMode)) << writer.Error().sText;
         std::filesystem::current_path("/");
         EXPECT_TRUE(WriteText(&writer, "new"));
-        EXPECT_EQ(writer.EndCommit(), ZRFxCommitResult::kDone) << writer.Error();
+        EXPECT_EQ(writer.EndCommit(), ZRFxCommitResult::kDone) << writer.Error().sText;
         std::filesystem::current_path(m_folder.File("."));
     }
     std::filesystem::current_path(before);
@@ -175,7 +175,7 @@ TEST_F(ZRFxAppendFileTest, SecondWriterIsRefusedAndReadersAreNot) {
         for (ZRZipAccessMode eMode : {ZRZipAccessMode::UPDATE, ZRZipAccessMode::CREATE}) {
             ZRFxAppendFile second;
             EXPECT_FALSE(second.Open(m_sPath, eMode));
-            EXPECT_EQ(second.Error(), "the file is open for writing elsewhere");
+            EXPECT_EQ(second.Error().sText, "the file is open for writing elsewhere");
         }
         EXPECT_EQ(SeenByReader(), bCommitted ? "new" : m_sOld);
     }
@@ -198,7 +198,7 @@ TEST_F(ZRFxAppendFileTest, VanishedOrReplacedFileFailsTheCommit) {
     ASSERT_TRUE(WriteText(&writer, "new"));
     std::filesystem::remove(m_sPath);
     EXPECT_EQ(writer.EndCommit(), ZRFxCommitResult::kFailed);
-    EXPECT_EQ(writer.Error(), "the file was removed or replaced by someone else");
+    EXPECT_EQ(writer.Error().sText, "the file was removed or replaced by someone else");
     WriteWhole(m_sPath, "someone else's");
     const std::unique_ptr<ZRFxZipStorage> pSuccessor = writer.Successor();
     EXPECT_FALSE(WriteText(pSuccessor.get(), "new"));
@@ -232,9 +232,9 @@ TEST_F(ZRFxAppendFileTest, PagesWhoseFlushFailedAreWrittenAnew) {
     system.bFail = true;
     ASSERT_TRUE(WriteText(&writer, "end"));
     EXPECT_FALSE(writer.Flush());
-    EXPECT_EQ(writer.Error(), "cannot flush: Input/output error");
+    EXPECT_EQ(writer.Error().sText, "cannot flush: Input/output error");
     const uint64_t nWritten = system.WrittenCount();
-    ASSERT_EQ(writer.EndCommit(), ZRFxCommitResult::kDone) << writer.Error();
+    ASSERT_EQ(writer.EndCommit(), ZRFxCommitResult::kDone) << writer.Error().sText;
     EXPECT_EQ(system.WrittenCount(), nWritten + 3);
     EXPECT_EQ(SeenByReader() == m_sOld + m_sNew + "end", true);
 }

@@ -6,10 +6,12 @@
 #include <csignal>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <string>
 
 #include "support/InterfaceTest.h"
 #include "support/Model.h"
+#include "support/OutputOf.h"
 
 namespace {
 
@@ -19,8 +21,28 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
+std::string BytesOf(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
 constexpr const char* kNeedsPassword = "The file is encrypted, a password is needed. '%1'";
 constexpr const char* kWrongPassword = "The password is wrong, or the file is damaged. '%1'";
+
+// A disk that is full until the limit goes.
+class FullDisk {
+public:
+    explicit FullDisk(std::size_t bytes) {
+        signal(SIGXFSZ, SIG_IGN);
+        getrlimit(RLIMIT_FSIZE, &m_before);
+        const rlimit limit{bytes, m_before.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    ~FullDisk() { setrlimit(RLIMIT_FSIZE, &m_before); }
+
+private:
+    rlimit m_before{};
+};
 
 class FileTest : public InterfaceTest {
 protected:
@@ -170,6 +192,93 @@ struct Entrance {
     const char* message;
 };
 
+// Files that cannot be opened, each for a reason of its own.
+struct Unopenable {
+    const char* name;
+    Error::Code code;
+    const char* text;  // With the file in place of %1.
+    void (*make)(const std::string& path);
+};
+
+const std::vector<Unopenable> kUnopenable = {
+    {"Missing", Error::NOT_FOUND, "File not found. '%1'", [](const std::string&) {}},
+    {"Folder", Error::NO_REGULAR_FILE, "'%1': not a regular file.",
+     [](const std::string& path) { std::filesystem::create_directory(path); }},
+    {"Text", Error::NO_ZRFX_FILE, "'%1': not a ZIP archive, or its end is missing.",
+     [](const std::string& path) { std::ofstream(path) << "no archive"; }},
+    {"Empty", Error::NO_ZRFX_FILE, "'%1': not a ZIP archive, or its end is missing.",
+     [](const std::string& path) { std::ofstream(path) << ""; }},
+    {"OtherArchive", Error::NO_ZRFX_FILE, "'%1' has no main document (ZRF.xml).",
+     [](const std::string& path) {
+         EXPECT_EQ("", OutputOf("cd /tmp && echo a | zip -q '" + path + "' -"));
+     }},
+    {"Damaged", Error::DAMAGED, "'%1', entry 'Database000\\Database.xml': damaged local header.",
+     [](const std::string& path) {
+         File file;
+         FileSettings settings;
+         settings.compressionLevel = 0;
+         EXPECT_TRUE(file.create(Str(path), settings));
+         WriteDatabase(file, "a", 0);
+         EXPECT_TRUE(file.close());
+         std::string bytes = BytesOf(path);
+         bytes[bytes.find("Database000\\Database.xml")] = 'd';
+         std::ofstream(path, std::ios::binary) << bytes;
+     }},
+};
+
+class UnopenableFileTest : public FileTest, public testing::WithParamInterface<Unopenable> {};
+
+TEST_P(UnopenableFileTest, TellsWhy) {
+    GetParam().make(m_name.toStdString());
+    for (const bool isAppended : {false, true}) {
+        EXPECT_FALSE(isAppended ? m_file.openForAppend(m_name) : m_file.open(m_name));
+        EXPECT_EQ(Filled(GetParam().text), m_file.lastError().text().toStdString());
+        EXPECT_STREQ(Error::codeName(GetParam().code), Error::codeName(m_file.lastError().code()));
+    }
+    TakeTexts();
+}
+
+INSTANTIATE_TEST_SUITE_P(All, UnopenableFileTest, testing::ValuesIn(kUnopenable),
+                         [](const auto& test) { return std::string(test.param.name); });
+
+TEST_F(FileTest, ReasonsOfOtherFailuresAreToldApart) {
+    EXPECT_EQ(Error::NONE, m_file.lastError().code());
+    const auto expect = [&](bool isDone, const Error& error, Error::Code code) {
+        EXPECT_FALSE(isDone);
+        EXPECT_STREQ(Error::codeName(code), Error::codeName(error.code()))
+            << error.text().toStdString();
+    };
+    expect(m_file.open(""), m_file.lastError(), Error::INVALID_ARGUMENT);
+    expect(m_file.flush(), m_file.lastError(), Error::NOT_OPEN);
+    Create();
+    EXPECT_FALSE(m_file.lastError());
+    expect(m_database->read<NodeBlock>(7).notNull(), m_database->lastError(), Error::NOT_FOUND);
+    expect(m_database->writeBlock(PtrRef<Block>(new StateInfoBlock).p()), m_database->lastError(),
+           Error::INVALID_CONTENT);
+    expect(m_database->writeBlock(nullptr), m_database->lastError(), Error::INVALID_ARGUMENT);
+    expect(WriteDatabase(m_file, "b", 0)->id() >= 0, WriteDatabase(m_file, "b", 0)->lastError(),
+           Error::EXISTS);
+    const PtrRef<Database> bare =
+        new Database(&m_file, "c", 3, Database::STRUCTURAL, Database::MODAL, "");
+    expect(m_file.close(), m_file.lastError(), Error::INCOMPLETE);
+    ASSERT_TRUE(WriteFrame(*bare) && m_file.flush());
+    File second;
+    expect(second.openForAppend(m_name), second.lastError(), Error::IN_USE);
+    ASSERT_TRUE(second.open(m_name));
+    expect(second.flush(), second.lastError(), Error::READ_ONLY);
+    ASSERT_TRUE(m_database->writeBlock(NodesOf(1, 100000).p()));
+    {
+        const FullDisk disk(500);
+        expect(m_file.flush(), m_file.lastError(), Error::DISK_FULL);
+    }
+    expect(m_file.closeAs(m_name), m_file.lastError(), Error::EXISTS);
+    std::filesystem::remove(m_name.toStdString());
+    expect(m_file.flush(), m_file.lastError(), Error::CHANGED);
+    m_file.abandon();
+    TakeTexts();
+    TakeCauses();
+}
+
 class EncryptedFileTest : public FileTest, public testing::WithParamInterface<Entrance> {};
 
 TEST_P(EncryptedFileTest, OnlyTheRightPasswordOpens) {
@@ -180,6 +289,9 @@ TEST_P(EncryptedFileTest, OnlyTheRightPasswordOpens) {
     ExpectRefused(m_file.open(m_name, password), {Filled(message), "Error opening file."});
     ExpectRefused(m_file.openForAppend(m_name, password),
                   {Filled(message), "Error creating file."});
+    const bool isNeeded = password[0] == '\0';
+    EXPECT_EQ(isNeeded ? Error::PASSWORD_NEEDED : Error::WRONG_PASSWORD, m_file.lastError().code());
+    EXPECT_TRUE(File::isEncrypted(m_name));
     EXPECT_EQ(0u, m_file.databaseCount());
     ASSERT_TRUE(m_file.openForAppend(m_name, settings.password));
     ASSERT_TRUE(m_file.database(0)->writeBlock(NodesOf(2, 5).p()));
@@ -351,21 +463,6 @@ TEST_F(FileTest, WriterThatIsKilledLosesNothingOfWhatItFlushed) {
     EXPECT_TRUE(m_file.database(0)->writeBlock(NodesOf(6, 600).p()));
     EXPECT_TRUE(m_file.close());
 }
-
-// A disk that is full until the limit goes.
-class FullDisk {
-public:
-    explicit FullDisk(std::size_t bytes) {
-        signal(SIGXFSZ, SIG_IGN);
-        getrlimit(RLIMIT_FSIZE, &m_before);
-        const rlimit limit{bytes, m_before.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~FullDisk() { setrlimit(RLIMIT_FSIZE, &m_before); }
-
-private:
-    rlimit m_before{};
-};
 
 TEST_F(FileTest, FlushAndCloseThatFailCanBeTriedAgain) {
     Create(0);
