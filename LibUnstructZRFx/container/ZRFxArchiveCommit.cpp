@@ -248,7 +248,7 @@ bool ZRFxArchiveCommit::WriteDirectory() {
     const bool bAnew = m_pTarget != m_archive.pStorage.get();
     const uint64_t nStart = m_pTarget->Position();
     uint64_t nEntries = m_aPlaced.size();
-    const auto write = [&](const std::string& s) { return m_pTarget->Write(s.data(), s.size()); };
+    const auto write = [&](std::string_view s) { return m_pTarget->Write(s.data(), s.size()); };
     bool bWritten = true;
     for (size_t i = 0; !bAnew && i < m_archive.table.SlotCount(); ++i) {
         const ZRFxArchiveItem* pItem = m_archive.table.At(i);

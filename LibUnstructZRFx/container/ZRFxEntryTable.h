@@ -57,6 +57,9 @@ public:
     using Item = ZRFxArchiveItem;
 
     Item* Find(std::string_view sName) const { return m_byName.Find(sName); }
+    /// Speeds up what is soon to be asked or added. In a large table, most of its time is spent
+    /// waiting for memory.
+    void Prefetch(std::string_view sName) const { m_byName.Prefetch(sName); }
     /// Lets the next Add do without memory.
     void MakeRoom();
     /// REQUIRES: there is no item of its name.

@@ -27,6 +27,11 @@ public:
         return nullptr;
     }
 
+    /// Has the memory fetched that a Find or Insert of the name needs soon.
+    void Prefetch(std::string_view sName) const {
+        if (!m_aSlots.empty()) __builtin_prefetch(&m_aSlots[Hash(sName) & Mask()]);
+    }
+
     /// Lets the next Insert do without memory.
     void MakeRoom() {
         if (2 * (m_nCount + 1) > m_aSlots.size()) Grow(2 * (m_nCount + 1));

@@ -19,7 +19,7 @@ using Place = ZRFxArchiveItem::Place;
 // Documents are replaced more often than data, these with nearly every commit.
 enum DocumentKind { kNoDocument, kDocument, kOfEveryCommit };
 
-DocumentKind KindOf(const std::string& sName) {
+DocumentKind KindOf(std::string_view sName) {
     if (sName == "ZRF.xml" || sName.ends_with("-TOC.xml")) return kOfEveryCommit;
     return sName.ends_with(".xml") ? kDocument : kNoDocument;
 }
@@ -424,7 +424,7 @@ bool ZRFxZipArchive::LoadTexts() {
 }
 
 bool ZRFxZipArchive::ReadItem(const Item& item, ZRFxZipRawData* pRaw) {
-    const std::string& sName = item.entry.sName;
+    const std::string_view sName = item.entry.sName;
     if (item.ePlace != Place::kInRecords) {
         return m_reader.Read(item, pRaw) || Fail(sName, m_reader.Error());
     }

@@ -2,11 +2,13 @@
 
 #include <cstdint>
 #include <ctime>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "container/ZRFxCipher.h"
+#include "container/ZRFxSharedText.h"
 #include "container/ZRFxZipStorage.h"
 
 namespace unstruct {
@@ -19,7 +21,7 @@ struct ZRFxZipEntry {
     // kOther is the encryption of the first ZIP programs; kUnreadable all that came since but AES.
     enum class Encryption : uint8_t { kNone, kAes, kOther, kUnreadable };
 
-    std::string sName;
+    ZRFxSharedText sName;
     uint64_t nSize = 0;
     uint64_t nPackedSize = 0;  // Bytes in the archive, those of the encryption included.
     uint64_t nOffset = 0;      // Of the local header.
@@ -29,7 +31,7 @@ struct ZRFxZipEntry {
     bool bHasCrc = true;
     Encryption eEncryption = Encryption::kNone;
     ZRFxCipher::Strength eStrength = ZRFxCipher::Strength::k256;
-    std::string sRecord;  // The record as it stands, foreign extra fields and comment included.
+    ZRFxSharedText sRecord;  // The record as it stands, foreign extra fields and comment included.
 };
 
 /// Reading and writing of the structures of a ZIP archive: local headers, the central directory and
@@ -109,8 +111,9 @@ private:
     bool TakeEndRecord(ZRFxZipStorage* pStorage, const uint8_t* pEnd, uint64_t nRecord);
     bool ReachesTo(uint64_t nRecord) const;
     bool ReadEnd64(ZRFxZipStorage* pStorage, uint64_t nLocator);
-    bool ParseRecords(std::string_view sRecords, uint64_t nEnd);
-    bool ParseRecord(const uint8_t* pRecord, size_t nLeft, ZRFxZipEntry* pEntry);
+    bool ParseRecords(std::string sRecords, uint64_t nEnd);
+    bool ParseRecord(const std::shared_ptr<const std::string>& pRecords, size_t nAt,
+                     ZRFxZipEntry* pEntry);
     bool CheckEntry(const ZRFxZipEntry& entry, uint64_t nEnd);
 
     uint64_t m_nSize = 0;
