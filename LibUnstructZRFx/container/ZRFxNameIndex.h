@@ -50,7 +50,7 @@ public:
         while (m_aSlots[nHole].pObject != pObject) nHole = (nHole + 1) & Mask();
         m_aSlots[nHole] = Slot();
         --m_nCount;
-        // What stood behind may have been put there because the hole was taken.
+        // The slots that follow may have been used because the hole was taken.
         for (size_t i = (nHole + 1) & Mask(); m_aSlots[i].pObject; i = (i + 1) & Mask()) {
             Put(std::exchange(m_aSlots[i], Slot()));
         }

@@ -81,7 +81,7 @@ void ZRFxOpenArchive::BecomeText(ZRFxArchiveItem* pItem, uint64_t nKept) {
     text.nLength = text.sText.size();
     text.nUnchanged = std::min(text.nUnchanged, nKept);
     text.bLoaded = text.bChanged = true;
-    // An entry that no commit knows, and a text that no entry begins, stand for themselves.
+    // Where no commit knows the entry, the text does not build on it and is stored whole.
     if (!IsListed(*pItem)) {
         Uncount(*pItem);
         pItem->packed.Clear();
