@@ -19,14 +19,14 @@ constexpr const char* kTexturePrefix = "PartTexture_";
 Case::Case(File* file, const Str& name, int id, int databaseId) {
     const bool isMade = guarded([&] {
         m_private.take(std::make_unique<CasePrivate>());
-        return isCreated(file, name, id, databaseId);
+        return create(file, name, id, databaseId);
     });
     if (!isMade) refuse();
 }
 
 Case::Case(File* file, int index) : m_private(std::make_unique<CasePrivate>()) {
     m_private->m_isReadFromFile = true;
-    if (!isRead(file, index)) refuse();
+    if (!read(file, index)) refuse();
 }
 
 Case::~Case() = default;
@@ -64,16 +64,15 @@ void Case::setDescription(const Str& description) {
 const Image* Case::snapshot() const {
     return guarded([&]() -> const Image* {
         const bool isStored = m_private->m_isReadFromFile && !m_private->m_isSnapshotModified;
-        auto& m_snapshot = m_private->m_snapshot;
-        if (!isStored || m_snapshot) return m_snapshot ? &*m_snapshot : nullptr;
-        auto* const m_access = m_private->m_access;
-        NVF_ASSERT(m_access);
+        auto& snapshot = m_private->m_snapshot;
+        if (!isStored || snapshot) return snapshot ? &*snapshot : nullptr;
+        unstruct::ZRFxAccess* const access = m_private->openAccess();
         Image image;
-        if (!m_access || !m_access->GetCaseSnapshot(id(), &image)) {
+        if (!access || !access->GetCaseSnapshot(id(), &image)) {
             fail("Not able to read snapshot image");
             return nullptr;
         }
-        return &m_snapshot.emplace(std::move(image));
+        return &snapshot.emplace(std::move(image));
     });
 }
 
@@ -111,22 +110,21 @@ const Image* Case::image(std::size_t index) const {
             fail("No image was found at index %1", index);
             return nullptr;
         }
-        Image read;
-        if (!m_private->m_access->ReadImage(entries[index], &read)) {
+        Image found;
+        if (!m_private->m_access->ReadImage(entries[index], &found)) {
             fail("Not able to read image: %1", entries[index].FileName());
             return nullptr;
         }
-        m_private->m_image = std::move(read);
+        m_private->m_image = std::move(found);
         return &m_private->m_image;
     });
 }
 
 bool Case::addImage(const Str& name, Image* image) {
     return guarded([&] {
-        auto* const m_access = m_private->m_access;
-        NVF_ASSERT(m_access);
+        unstruct::ZRFxAccess* const access = m_private->openAccess();
         if (!image) return fail("Image object is invalid. Image pointer is NULL.");
-        if (!m_access || m_private->m_caseDocument.isNull()) {
+        if (!access || m_private->m_caseDocument.isNull()) {
             return fail(
                 "Case document did not exist, call create() before if using delayed writing.");
         }
@@ -136,7 +134,7 @@ bool Case::addImage(const Str& name, Image* image) {
         }
         const std::string file = std::string("Textures\\") + kTexturePrefix + Convert::toUtf8(name);
         return (ZRConvert::isFileName(name) &&
-                m_access->WriteImage(m_private->entryName(file + ".raw"), *image)) ||
+                access->WriteImage(m_private->entryName(file + ".raw"), *image)) ||
                fail("Error writing the image to the ZRFx file.");
     });
 }
@@ -178,7 +176,7 @@ void Case::refuse() {
     m_private->m_id = -1;
 }
 
-bool Case::isCreated(File* file, const Str& name, int id, int databaseId) {
+bool Case::create(File* file, const Str& name, int id, int databaseId) {
     if (!file) return fail("Given file pointer was NULL. (case id %1).", id);
     if (name.isEmpty()) return fail("Given case name was empty. (case id %1).", id);
     if (id < 0) return fail("Given case id was negative. (case id %1).", id);
@@ -200,7 +198,7 @@ bool Case::isCreated(File* file, const Str& name, int id, int databaseId) {
     return file->addCase(this) || fail("Could not register case instance. (case id %1).", id);
 }
 
-bool Case::isRead(File* file, int index) {
+bool Case::read(File* file, int index) {
     if (!file) return fail("Given file pointer was NULL.");
     if (index < 0) return fail("Given case index was negative.");
     if (!file->internal_access()) {

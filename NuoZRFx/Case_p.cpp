@@ -55,6 +55,11 @@ bool CasePrivate::createDocument() {
     return true;
 }
 
+unstruct::ZRFxAccess* CasePrivate::openAccess() const {
+    NVF_ASSERT(m_access);
+    return m_access;
+}
+
 bool CasePrivate::read(int index) {
     unstruct::ZRFxCaseInfo info;
     if (!m_access->GetCaseInfo(index, &info)) {

@@ -26,6 +26,9 @@ public:
     /// Writes what has changed since it was read or written; all of a new case.
     bool writeDelayed();
 
+    /// The archive; null after an assertion when the file is closed.
+    unstruct::ZRFxAccess* openAccess() const;
+
     /// The file is closing: nothing of the archive may be used any more.
     void detach() { m_access = nullptr; }
 

@@ -54,13 +54,13 @@ Database::Database(File* file, const Str& name, int id, SimulationType simulatio
                    SolutionType solutionType, const Str& description) {
     const bool isMade = guarded([&] {
         m_private.take(std::make_unique<DatabasePrivate>());
-        return isCreated(file, name, id, simulationType, solutionType, description);
+        return create(file, name, id, simulationType, solutionType, description);
     });
     if (!isMade) refuse();
 }
 
 Database::Database(File* file, int id) : m_private(std::make_unique<DatabasePrivate>()) {
-    if (!isTaken(file, id)) refuse();
+    if (!attach(file, id)) refuse();
 }
 
 Database::~Database() = default;
@@ -102,9 +102,8 @@ bool Database::writeBlock(const Block* block) {
     return guarded([&] {
         if (!block) fail("Given block pointer was NULL. (Block id %1).", -1);
         NVF_ASSERT(block);
-        const auto& m_zrfxDatabase = m_private->m_zrfxDatabase;
-        NVF_ASSERT(m_zrfxDatabase);
-        if (!block || !m_zrfxDatabase) return false;
+        ZRFxDatabase* const database = m_private->openDatabase();
+        if (!block || !database) return false;
         ZRFxBlock* zrfxBlock = block->internal_zrfxBlock();
         if (block->internal_isIncomplete()) {
             return fail("Memory was missing when the block was filled. (block id %1).",
@@ -115,7 +114,7 @@ bool Database::writeBlock(const Block* block) {
             return fail("Cannot write block, weak validity check failed. (block id %1).",
                         block->blockId());
         }
-        if (!zrfxBlock->WriteBlock(m_zrfxDatabase.get())) {
+        if (!zrfxBlock->WriteBlock(database)) {
             return fail("Error writing block to database. (block id %1, database id %2).",
                         block->blockId(), id());
         }
@@ -130,11 +129,9 @@ bool Database::writeBlock(const Block* block) {
 
 std::size_t Database::blockCount(Block::BlockType type) const {
     return guarded([&]() -> std::size_t {
-        const auto& m_zrfxDatabase = m_private->m_zrfxDatabase;
-        NVF_ASSERT(m_zrfxDatabase);
-        if (!m_zrfxDatabase) return 0;
-        return static_cast<std::size_t>(
-            m_zrfxDatabase->GetNumBlocks(ZRConvert::fromBlockType(type)));
+        const ZRFxDatabase* const database = m_private->openDatabase();
+        if (!database) return 0;
+        return static_cast<std::size_t>(database->GetNumBlocks(ZRConvert::fromBlockType(type)));
     });
 }
 
@@ -185,8 +182,8 @@ void Database::refuse() {
     m_private->m_id = -1;
 }
 
-bool Database::isCreated(File* file, const Str& name, int id, SimulationType simulationType,
-                         SolutionType solutionType, const Str& description) {
+bool Database::create(File* file, const Str& name, int id, SimulationType simulationType,
+                      SolutionType solutionType, const Str& description) {
     if (!file) return fail("Given file pointer name was NULL. (Database id %1).", id);
     if (name.isEmpty()) return fail("Given database name was empty. (Database id %1).", id);
     if (id < 0) return fail("Given database id was negative. (Database id %1).", id);
@@ -197,11 +194,11 @@ bool Database::isCreated(File* file, const Str& name, int id, SimulationType sim
             id);
     }
     // Asked before anything is made, as the archive too refuses an id that it has.
-    if (!file->isNewDatabaseId(id)) {
+    if (!file->checkNewDatabaseId(id)) {
         return fail("Could not register database instance. (Database id %1).", id);
     }
     // All memory that registering takes is taken before the archive has the database.
-    FilePrivate::NewId newId(&file->m_private->m_databases, &file->m_private->m_databaseIds, id);
+    FilePrivate::Items<Database>::NewId newId(&file->m_private->databases(), id);
     m_private->m_zrfxDatabase = std::make_unique<ZRFxDatabase>(file->writableAccess());
     m_private->m_zrfxDatabase->SetTextMode(!file->settings()->binary);
     if (!m_private->m_zrfxDatabase->Create(ZRConvert::toZRString(name), id, unstruct::ZRString(),
@@ -215,7 +212,7 @@ bool Database::isCreated(File* file, const Str& name, int id, SimulationType sim
     return true;
 }
 
-bool Database::isTaken(File* file, int id) {
+bool Database::attach(File* file, int id) {
     if (!file) return fail("Given file pointer was NULL.");
     if (id < 0) return fail("Given database id was negative.");
     if (!file->internal_access()) {
@@ -240,17 +237,15 @@ bool Database::internal_parse() {
 }
 
 const ZRFxBlock* Database::entryAt(Block::BlockType type, std::size_t index) const {
-    const auto& m_zrfxDatabase = m_private->m_zrfxDatabase;
-    NVF_ASSERT(m_zrfxDatabase);
-    if (!m_zrfxDatabase || index > INT_MAX) return nullptr;
-    return m_zrfxDatabase->GetBlock(ZRConvert::fromBlockType(type), static_cast<int>(index));
+    const ZRFxDatabase* const database = m_private->openDatabase();
+    if (!database || index > INT_MAX) return nullptr;
+    return database->GetBlock(ZRConvert::fromBlockType(type), static_cast<int>(index));
 }
 
 const ZRFxBlock* Database::entryOf(Block::BlockType type, int id) const {
-    const auto& m_zrfxDatabase = m_private->m_zrfxDatabase;
-    NVF_ASSERT(m_zrfxDatabase);
-    if (!m_zrfxDatabase) return nullptr;
-    return m_zrfxDatabase->GetBlockByID(ZRConvert::fromBlockType(type), id);
+    const ZRFxDatabase* const database = m_private->openDatabase();
+    if (!database) return nullptr;
+    return database->GetBlockByID(ZRConvert::fromBlockType(type), id);
 }
 
 }  // namespace nuo::zrfx

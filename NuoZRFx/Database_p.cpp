@@ -22,6 +22,7 @@
 #include "blocks/results/ZRFxTransformationResultValuesBlock.h"
 #include "blocks/results/ZRFxTransformationResultsBlock.h"
 #include "blocks/sets/ZRFxSetBlock.h"
+#include "nvf/Assert.h"
 
 namespace nuo::zrfx {
 
@@ -42,6 +43,11 @@ bool DatabasePrivate::flush() {
     if (!m_zrfxDatabase) return false;
     return !m_zrfxDatabase->IsTOCModified() || m_zrfxDatabase->WriteTOC() ||
            fail("Error writing database TOC. (database id %1).", m_id);
+}
+
+ZRFxDatabase* DatabasePrivate::openDatabase() const {
+    NVF_ASSERT(m_zrfxDatabase);
+    return m_zrfxDatabase.get();
 }
 
 bool DatabasePrivate::refresh(const ZRFxArchiveChanges& changes) {

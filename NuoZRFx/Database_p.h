@@ -20,6 +20,9 @@ public:
     /// Takes over what was committed since.
     bool refresh(const unstruct::ZRFxArchiveChanges& changes);
 
+    /// The block database; null after an assertion when the file is closed.
+    unstruct::ZRFxDatabase* openDatabase() const;
+
     /// The file is closing: nothing of the archive may be used any more.
     void detach() { m_zrfxDatabase.reset(); }
 

@@ -59,7 +59,7 @@ bool File::create(const Str& fileName, const FileSettings& settings) {
         if (fileName.isEmpty()) return fail("File name string is NULL.");
         m_private->reset();
         m_private->takeSettings(settings);
-        ZRFxAccess& access = *m_private->m_zrfxAccess;
+        ZRFxAccess& access = *m_private->access();
         if (!access.Open(ZRConvert::toZRString(fileName), ZRZipAccessMode::CREATE)) {
             return fail("Error creating file.");
         }
@@ -79,15 +79,14 @@ bool File::open(const Str& fileName) {
 bool File::open(const Str& fileName, const Str& password) {
     return opened([&] {
         if (!m_private->begin(fileName)) return false;
-        if (!m_private->m_zrfxAccess->Open(ZRConvert::toZRString(fileName),
-                                           ZRZipAccessMode::READ_ONLY)) {
+        if (!m_private->access()->Open(ZRConvert::toZRString(fileName),
+                                       ZRZipAccessMode::READ_ONLY)) {
             return fail("Error opening file.");
         }
         if (!m_private->takeFileProperties(fileName, password)) {
-            m_private->m_zrfxAccess->Abandon();
+            m_private->access()->Abandon();
             return fail("Error opening file.");
         }
-        m_private->m_openedForReading = true;
         return readRegistries();
     });
 }
@@ -100,12 +99,11 @@ bool File::openForAppend(const Str& fileName, const Str& password) {
     close();
     return opened([&] {
         if (!m_private->begin(fileName)) return false;
-        if (!m_private->m_zrfxAccess->Open(ZRConvert::toZRString(fileName),
-                                           ZRZipAccessMode::UPDATE)) {
+        if (!m_private->access()->Open(ZRConvert::toZRString(fileName), ZRZipAccessMode::UPDATE)) {
             return fail("Error creating file.");
         }
         if (!m_private->takeFileProperties(fileName, password) || !m_private->renewVendorInfo()) {
-            m_private->m_zrfxAccess->Abandon();
+            m_private->access()->Abandon();
             return fail("Error creating file.");
         }
         return readRegistries();
@@ -115,21 +113,21 @@ bool File::openForAppend(const Str& fileName, const Str& password) {
 bool File::flush() {
     return guarded([&] {
         if (!m_private->isOpen()) return false;
-        if (m_private->m_openedForReading) return fail("Error writing file.");
-        for (const auto& database : m_private->m_databases) {
+        if (m_private->isReadOnly()) return fail("Error writing file.");
+        for (const auto& database : m_private->databases()) {
             if (!database->m_private->flush()) {
                 return fail("Could not write database (id %1) to file.", database->id());
             }
         }
-        return writeCases() && (m_private->m_zrfxAccess->Commit() || fail("Error writing file."));
+        return writeCases() && (m_private->access()->Commit() || fail("Error writing file."));
     });
 }
 
 bool File::close() {
     return guarded([&] {
         if (!m_private->isOpen()) return false;
-        if (!m_private->m_openedForReading && !(writeDatabases() && writeCases())) return false;
-        if (!m_private->m_zrfxAccess->Close()) return fail("Error writing file.");
+        if (!m_private->isReadOnly() && !(writeDatabases() && writeCases())) return false;
+        if (!m_private->access()->Close()) return fail("Error writing file.");
         m_private->drop();
         return true;
     });
@@ -138,9 +136,9 @@ bool File::close() {
 bool File::closeAs(const Str& fileName) {
     return guarded([&] {
         if (!m_private->isOpen()) return false;
-        if (m_private->m_openedForReading) return fail("Error writing file.");
+        if (m_private->isReadOnly()) return fail("Error writing file.");
         if (!writeDatabases() || !writeCases()) return false;
-        if (!m_private->m_zrfxAccess->CloseAs(ZRConvert::toZRString(fileName))) {
+        if (!m_private->access()->CloseAs(ZRConvert::toZRString(fileName))) {
             return fail("Error writing file.");
         }
         m_private->drop();
@@ -151,7 +149,7 @@ bool File::closeAs(const Str& fileName) {
 void File::abandon() {
     guarded([&] {
         if (!m_private->isOpen()) return;
-        m_private->m_zrfxAccess->Abandon();
+        m_private->access()->Abandon();
         m_private->drop();
     });
 }
@@ -160,15 +158,15 @@ bool File::refresh(bool* isChanged) {
     return guarded([&] {
         if (isChanged) *isChanged = false;
         if (!m_private->isOpen()) return false;
-        if (!m_private->m_openedForReading) {
+        if (!m_private->isReadOnly()) {
             return fail("A file that is open for writing cannot be refreshed.");
         }
         unstruct::ZRFxArchiveChanges changes;
-        if (!m_private->m_zrfxAccess->Refresh(&changes)) return fail("Error refreshing file.");
+        if (!m_private->access()->Refresh(&changes)) return fail("Error refreshing file.");
         if (isChanged) *isChanged = changes.bAny;
         if (!changes.bAny) return true;
-        const ZRFxAccess::BoundedReading bounded(m_private->m_zrfxAccess.get());
-        m_private->m_userTextEntries.clear();
+        const ZRFxAccess::BoundedReading bounded(m_private->access());
+        m_private->forgetUserTextEntries();
         return refreshDatabases(changes) && refreshCases(changes);
     });
 }
@@ -178,26 +176,23 @@ bool File::isZRFxFile(const Str& fileName) {
 }
 
 std::size_t File::databaseCount() const {
-    return guarded([&] { return m_private->m_databases.size(); });
+    return guarded([&] { return m_private->databases().count(); });
 }
 
 Database* File::database(std::size_t index) {
-    return guarded(
-        [&] { return index < databaseCount() ? m_private->m_databases[index].p() : nullptr; });
+    return guarded([&] { return m_private->databases().at(index); });
 }
 
 std::size_t File::fileCaseCount() const {
-    return guarded([&] { return m_private->m_cases.size(); });
+    return guarded([&] { return m_private->cases().count(); });
 }
 
 Case* File::fileCase(std::size_t index) {
-    return guarded(
-        [&] { return index < fileCaseCount() ? m_private->m_cases[index].p() : nullptr; });
+    return guarded([&] { return m_private->cases().at(index); });
 }
 
 const Case* File::fileCase(std::size_t index) const {
-    return guarded(
-        [&] { return index < fileCaseCount() ? m_private->m_cases[index].p() : nullptr; });
+    return guarded([&] { return m_private->cases().at(index); });
 }
 
 int File::unusedDatabaseId() const {
@@ -206,24 +201,24 @@ int File::unusedDatabaseId() const {
             fail("Error writing file.");
             return -1;
         }
-        return unusedId(m_private->m_databaseIds);
+        return unusedId(m_private->databases().ids());
     });
 }
 
 int File::unusedFileCaseId() const {
-    return guarded(-1, [&] { return unusedId(m_private->m_caseIds); });
+    return guarded(-1, [&] { return unusedId(m_private->cases().ids()); });
 }
 
 bool File::addUserTextFile(const Str& fileName, const Str& content) {
     return guarded([&] {
-        NVF_ASSERT(m_private->m_zrfxAccess);
+        NVF_ASSERT(m_private->access());
         if (!m_private->isOpen()) return false;
         if (fileName.isEmpty()) return fail("Given file name string was empty.");
         if (content.isEmpty()) return fail("Given file content string was empty.");
         const std::string text = Convert::toUtf8(content);
         return (ZRConvert::isFileName(fileName) &&
-                m_private->m_zrfxAccess->WriteDataRaw(userEntry(fileName), text.data(), text.size(),
-                                                      true)) ||
+                m_private->access()->WriteDataRaw(userEntry(fileName), text.data(), text.size(),
+                                                  true)) ||
                fail("Error writing the user file to the ZRFx file.");
     });
 }
@@ -254,7 +249,7 @@ Str File::userTextFileContent(std::size_t index) const {
             return Str();
         }
         ZRString content;
-        if (!m_private->m_zrfxAccess->ReadDataString(entries[index], &content)) {
+        if (!m_private->access()->ReadDataString(entries[index], &content)) {
             fail("Not able to read user text file : %1", entries[index].FileName());
         }
         return ZRConvert::toStr(content);
@@ -263,56 +258,55 @@ Str File::userTextFileContent(std::size_t index) const {
 
 const FileSettings* File::settings() const {
     static const FileSettings kNone;
-    return m_private.isNull() ? &kNone : &m_private->m_settings;
+    return m_private.isNull() ? &kNone : &m_private->settings();
 }
 
 unstruct::ZRFxAccess* File::internal_access() const {
     const bool isOpen = !m_private.isNull() && m_private->isOpen();
-    return isOpen ? m_private->m_zrfxAccess.get() : nullptr;
+    return isOpen ? m_private->access() : nullptr;
 }
 
 unstruct::ZRFxAccess* File::writableAccess() const {
     unstruct::ZRFxAccess* const access = internal_access();
-    return access && !m_private->m_openedForReading ? access : nullptr;
+    return access && !m_private->isReadOnly() ? access : nullptr;
 }
 
-bool File::isNewDatabaseId(int id) const {
-    return m_private->m_databaseIds.count(id) == 0 ||
-           fail("Database with id %1 already registered.", id);
+bool File::checkNewDatabaseId(int id) const {
+    return !m_private->databases().hasId(id) || fail("Database with id %1 already registered.", id);
 }
 
 bool File::addDatabase(Database* database) {
     const int id = database->id();
-    if (!isNewDatabaseId(id)) return false;
-    FilePrivate::NewId(&m_private->m_databases, &m_private->m_databaseIds, id).giveTo(database);
+    if (!checkNewDatabaseId(id)) return false;
+    FilePrivate::Items<Database>::NewId(&m_private->databases(), id).giveTo(database);
     return true;
 }
 
 bool File::addCase(Case* fileCase) {
     const int id = fileCase->id();
-    if (m_private->m_caseIds.count(id) > 0) return fail("Case with id %1 already registered.", id);
-    FilePrivate::NewId(&m_private->m_cases, &m_private->m_caseIds, id).giveTo(fileCase);
+    if (m_private->cases().hasId(id)) return fail("Case with id %1 already registered.", id);
+    FilePrivate::Items<Case>::NewId(&m_private->cases(), id).giveTo(fileCase);
     return true;
 }
 
 // A file that could not be read completely is closed again: which ids it uses is not known.
 bool File::readRegistries() {
-    const ZRFxAccess::BoundedReading bounded(m_private->m_zrfxAccess.get());
+    const ZRFxAccess::BoundedReading bounded(m_private->access());
     if (readDatabases() && readCases()) return true;
     m_private->dropAll();
-    m_private->m_zrfxAccess->Abandon();
+    m_private->access()->Abandon();
     return false;
 }
 
 bool File::readDatabases() {
     int count = 0;
-    if (!m_private->m_zrfxAccess->GetNumDatabases(&count)) return fail("Error opening file.");
+    if (!m_private->access()->GetNumDatabases(&count)) return fail("Error opening file.");
     std::set<int> documents;
     for (int index = 0; index < count; ++index) {
         unstruct::ZRFxDatabaseInfo info;
-        m_private->m_zrfxAccess->GetDatabaseInfo(index, &info);
+        m_private->access()->GetDatabaseInfo(index, &info);
         // An id that is in use has a message of its own.
-        const bool isNewId = m_private->m_databaseIds.count(info.id) == 0;
+        const bool isNewId = !m_private->databases().hasId(info.id);
         const bool isTwice = isNewId && m_private->isRegisteredTwice(info.path, &documents);
         const PtrRef<Database> database = isTwice ? nullptr : new Database(this, info.id);
         if (!database || database->id() < 0 || !database->internal_parse()) {
@@ -325,34 +319,34 @@ bool File::readDatabases() {
 // A case that cannot be read has said so and is left out; its id stays its own.
 bool File::readCases() {
     int count = 0;
-    if (!m_private->m_zrfxAccess->GetNumCases(&count)) return fail("Error opening file.");
+    if (!m_private->access()->GetNumCases(&count)) return fail("Error opening file.");
     std::set<int> documents;
     std::set<int> registered;
     for (int index = 0; index < count; ++index) {
         unstruct::ZRFxCaseInfo info;
-        m_private->m_zrfxAccess->GetCaseInfo(index, &info);
+        m_private->access()->GetCaseInfo(index, &info);
         registered.insert(info.id);
-        const bool isNewId = m_private->m_caseIds.count(info.id) == 0;
+        const bool isNewId = !m_private->cases().hasId(info.id);
         if (isNewId && m_private->isRegisteredTwice(info.path, &documents)) continue;
         const PtrRef<Case> read = new Case(this, index);
     }
-    m_private->m_caseIds.merge(registered);
+    m_private->cases().useIds(std::move(registered));
     return true;
 }
 
 bool File::refreshDatabases(const unstruct::ZRFxArchiveChanges& changes) {
     int count = 0;
-    if (!m_private->m_zrfxAccess->GetNumDatabases(&count)) return fail("Error refreshing file.");
+    if (!m_private->access()->GetNumDatabases(&count)) return fail("Error refreshing file.");
     if (changes.bReplaced) m_private->dropUnregistered();
-    for (const auto& database : m_private->m_databases) {
+    for (const auto& database : m_private->databases()) {
         if (!database->m_private->refresh(changes)) {
             return fail("Error refreshing database (id %1).", database->id());
         }
     }
     for (int index = 0; index < count; ++index) {
         unstruct::ZRFxDatabaseInfo info;
-        m_private->m_zrfxAccess->GetDatabaseInfo(index, &info);
-        if (m_private->m_databaseIds.count(info.id) > 0) continue;
+        m_private->access()->GetDatabaseInfo(index, &info);
+        if (m_private->databases().hasId(info.id)) continue;
         const PtrRef<Database> database = new Database(this, info.id);
         if (database->id() >= 0 && database->internal_parse()) continue;
         if (database->id() >= 0) m_private->dropLastDatabase();
@@ -363,26 +357,26 @@ bool File::refreshDatabases(const unstruct::ZRFxArchiveChanges& changes) {
 
 bool File::refreshCases(const unstruct::ZRFxArchiveChanges& changes) {
     int count = 0;
-    if (!m_private->m_zrfxAccess->GetNumCases(&count)) return fail("Error refreshing file.");
+    if (!m_private->access()->GetNumCases(&count)) return fail("Error refreshing file.");
     std::map<int, Case*> known;
-    for (const auto& fileCase : m_private->m_cases) known[fileCase->id()] = fileCase.p();
+    for (const auto& fileCase : m_private->cases()) known[fileCase->id()] = fileCase.p();
     for (int index = 0; index < count; ++index) {
         unstruct::ZRFxCaseInfo info;
-        m_private->m_zrfxAccess->GetCaseInfo(index, &info);
+        m_private->access()->GetCaseInfo(index, &info);
         const auto found = known.find(info.id);
         if (found != known.end() && !found->second->m_private->refresh(index, changes)) {
             return fail("Error refreshing case (id %1).", info.id);
         }
-        if (m_private->m_caseIds.count(info.id) == 0) {
+        if (!m_private->cases().hasId(info.id)) {
             const PtrRef<Case> read = new Case(this, index);
-            m_private->m_caseIds.insert(info.id);
+            m_private->cases().useIds({info.id});
         }
     }
     return true;
 }
 
 bool File::writeDatabases() {
-    for (const auto& database : m_private->m_databases) {
+    for (const auto& database : m_private->databases()) {
         if (!database->m_private->writeDelayed()) {
             return fail("Could not write database (id %1) to file.", database->id());
         }
@@ -391,7 +385,7 @@ bool File::writeDatabases() {
 }
 
 bool File::writeCases() {
-    for (const auto& fileCase : m_private->m_cases) {
+    for (const auto& fileCase : m_private->cases()) {
         if (!fileCase->m_private->writeDelayed()) {
             return fail("Could not write case (id %1) to file.", fileCase->id());
         }

@@ -25,7 +25,6 @@ void FilePrivate::reset() {
     dropAll();
     m_zrfxAccess = std::make_unique<ZRFxAccess>();
     m_settings = FileSettings();
-    m_openedForReading = false;
 }
 
 bool FilePrivate::begin(const Str& fileName) {
@@ -96,7 +95,7 @@ bool FilePrivate::renewVendorInfo() {
 
 const ZRStringArray& FilePrivate::userTextEntries() {
     NVF_ASSERT(m_zrfxAccess);
-    if (isOpen() && m_openedForReading && !m_userTextEntries.empty()) return m_userTextEntries;
+    if (isReadOnly() && !m_userTextEntries.empty()) return m_userTextEntries;
     ZRStringArray found;
     if (isOpen()) m_zrfxAccess->FindFiles(unstruct::kUserDataFolder, false, &found);
     m_userTextEntries.swap(found);
@@ -111,36 +110,50 @@ bool FilePrivate::isRegisteredTwice(const ZRString& document, std::set<int>* doc
 }
 
 void FilePrivate::dropUnregistered() {
-    std::erase_if(m_databases, [&](const PtrRef<Database>& database) {
+    m_databases.dropUnless([&](int id) {
         unstruct::ZRFxDatabaseInfo info;
-        if (m_zrfxAccess->GetDatabaseByID(database->id(), &info)) return false;
-        m_databaseIds.erase(database->id());
-        database->m_private->detach();
-        return true;
+        return m_zrfxAccess->GetDatabaseByID(id, &info);
     });
-    std::erase_if(m_cases, [&](const PtrRef<Case>& fileCase) {
+    m_cases.dropUnless([&](int id) {
         unstruct::ZRFxCaseInfo info;
-        if (m_zrfxAccess->GetCaseByID(fileCase->id(), &info)) return false;
-        m_caseIds.erase(fileCase->id());
-        fileCase->m_private->detach();
-        return true;
+        return m_zrfxAccess->GetCaseByID(id, &info);
     });
 }
 
 void FilePrivate::dropLastDatabase() {
-    m_databaseIds.erase(m_databases.back()->id());
-    m_databases.back()->m_private->detach();
-    m_databases.pop_back();
+    m_databases.dropLast();
 }
 
 void FilePrivate::dropAll() {
-    for (const auto& database : m_databases) database->m_private->detach();
-    for (const auto& fileCase : m_cases) fileCase->m_private->detach();
-    m_databases.clear();
-    m_cases.clear();
+    m_databases.dropAll();
+    m_cases.dropAll();
     m_userTextEntries.clear();
-    m_databaseIds.clear();
-    m_caseIds.clear();
+}
+
+template <typename Item>
+template <typename IsRegistered>
+void FilePrivate::Items<Item>::dropUnless(IsRegistered isRegistered) {
+    std::erase_if(m_items, [&](const PtrRef<Item>& item) {
+        const int id = item->id();
+        if (isRegistered(id)) return false;
+        m_ids.erase(id);
+        item->m_private->detach();
+        return true;
+    });
+}
+
+template <typename Item>
+void FilePrivate::Items<Item>::dropLast() {
+    m_ids.erase(m_items.back()->id());
+    m_items.back()->m_private->detach();
+    m_items.pop_back();
+}
+
+template <typename Item>
+void FilePrivate::Items<Item>::dropAll() {
+    for (const PtrRef<Item>& item : m_items) item->m_private->detach();
+    m_items.clear();
+    m_ids.clear();
 }
 
 }  // namespace nuo::zrfx

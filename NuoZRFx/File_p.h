@@ -16,37 +16,73 @@ namespace nuo::zrfx {
 /// What a File holds. The archive is there exactly while a file is open, or failed to open.
 class FilePrivate {
 public:
-    /// An id taken for a new item of the file, and free again unless an item is given to it. All
-    /// memory that this needs is taken first, so that giving cannot fail.
+    /// The databases or cases of the file, with references to them and with their ids. An id may be
+    /// in use without an item.
     template <typename Item>
-    class NewId {
+    class Items {
     public:
-        NewId(std::vector<PtrRef<Item>>* items, std::set<int>* ids, int id)
-            : m_items(*items), m_ids(*ids), m_id(id) {
-            unstruct::MakeRoom(&m_items);
-            m_ids.insert(id);
-        }
-        NewId(const NewId&) = delete;
-        NewId& operator=(const NewId&) = delete;
-        ~NewId() {
-            if (!m_isGiven) m_ids.erase(m_id);
-        }
+        /// An id taken for a new item, and free again unless an item is given to it. All memory
+        /// that this needs is taken first, so that giving cannot fail.
+        class NewId {
+        public:
+            NewId(Items* items, int id) : m_items(*items), m_id(id) {
+                unstruct::MakeRoom(&m_items.m_items);
+                m_items.m_ids.insert(id);
+            }
+            NewId(const NewId&) = delete;
+            NewId& operator=(const NewId&) = delete;
+            ~NewId() {
+                if (!m_isGiven) m_items.m_ids.erase(m_id);
+            }
 
-        void giveTo(Item* item) {
-            m_items.emplace_back(item);
-            m_isGiven = true;
+            void giveTo(Item* item) {
+                m_items.m_items.emplace_back(item);
+                m_isGiven = true;
+            }
+
+        private:
+            Items& m_items;
+            int m_id;
+            bool m_isGiven = false;
+        };
+
+        std::size_t count() const { return m_items.size(); }
+
+        /// Null when there are not so many.
+        Item* at(std::size_t index) const {
+            return index < m_items.size() ? m_items[index].p() : nullptr;
         }
+        auto begin() const { return m_items.begin(); }
+        auto end() const { return m_items.end(); }
+
+        bool hasId(int id) const { return m_ids.count(id) > 0; }
+        const std::set<int>& ids() const { return m_ids; }
+        void useIds(std::set<int> ids) { m_ids.merge(ids); }
+
+        // An item that is dropped is detached from the archive first.
+
+        /// Drops those that are not registered in the archive.
+        template <typename IsRegistered>
+        void dropUnless(IsRegistered isRegistered);
+        void dropLast();
+        void dropAll();
 
     private:
-        std::vector<PtrRef<Item>>& m_items;
-        std::set<int>& m_ids;
-        int m_id;
-        bool m_isGiven = false;
+        std::vector<PtrRef<Item>> m_items;
+        std::set<int> m_ids;  // For looking up, as a file may hold very many.
     };
 
     ~FilePrivate();
 
     bool isOpen() const { return m_zrfxAccess && m_zrfxAccess->IsOpen(); }
+    bool isReadOnly() const { return isOpen() && m_zrfxAccess->IsReadOnly(); }
+
+    /// The archive, open or not; null while the file is closed.
+    unstruct::ZRFxAccess* access() const { return m_zrfxAccess.get(); }
+
+    Items<Database>& databases() { return m_databases; }
+    Items<Case>& cases() { return m_cases; }
+    const FileSettings& settings() const { return m_settings; }
 
     /// A new, closed archive and default settings, in place of what was there.
     void reset();
@@ -87,6 +123,7 @@ public:
 
     /// Names of the entries of the user's text files; of a file opened for reading, found once.
     const unstruct::ZRStringArray& userTextEntries();
+    void forgetUserTextEntries() { m_userTextEntries.clear(); }
 
     /// Whether the document is one of those asked about before, which is logged. With one for each
     /// database and case, what an open file keeps is bounded by its entries.
@@ -107,14 +144,12 @@ public:
     /// Detaches databases and cases from the archive and gives the references to them back.
     void dropAll();
 
-    std::vector<PtrRef<Database>> m_databases;
-    std::vector<PtrRef<Case>> m_cases;
+private:
+    Items<Database> m_databases;
+    Items<Case> m_cases;
     unstruct::ZRStringArray m_userTextEntries;
-    std::set<int> m_databaseIds;  // For looking up, as a file may hold very many.
-    std::set<int> m_caseIds;
     std::unique_ptr<unstruct::ZRFxAccess> m_zrfxAccess;
     FileSettings m_settings;
-    bool m_openedForReading = false;
 };
 
 }  // namespace nuo::zrfx

@@ -26,9 +26,9 @@
 
 namespace {
 
-using unstruct::ZRFxOpenMode;
 using unstruct::ZRFxZipArchive;
 using unstruct::ZRFxZipRawData;
+using unstruct::ZRZipAccessMode;
 
 struct Times {
     double dWall = 0;
@@ -140,7 +140,7 @@ private:
 void WriteOurs(const std::string& sPath, const std::vector<Field>& aFields, int nLevel,
                const char* sPassword = "") {
     ZRFxZipArchive archive;
-    Require(archive.Open(sPath, ZRFxOpenMode::kCreate), "create");
+    Require(archive.Open(sPath, ZRZipAccessMode::CREATE), "create");
     Require(archive.SetPassword(sPassword), "password");
     for (size_t i = 0; i < aFields.size(); ++i) {
         Require(archive.Add(NameOf(i), aFields[i].data(), Bytes(aFields[i]), nLevel),
@@ -152,7 +152,7 @@ void WriteOurs(const std::string& sPath, const std::vector<Field>& aFields, int 
 void ReadOurs(const std::string& sPath, const std::vector<Field>& aFields,
               const char* sPassword = "") {
     ZRFxZipArchive archive;
-    Require(archive.Open(sPath, ZRFxOpenMode::kReadOnly), archive.LastError());
+    Require(archive.Open(sPath, ZRZipAccessMode::READ_ONLY), archive.LastError());
     Require(archive.SetPassword(sPassword), "password");
     std::vector<ZRFxZipRawData> aKept(aFields.size());
     for (size_t i = 0; i < aFields.size(); ++i) {
@@ -353,12 +353,12 @@ void OpenMany() {
     for (size_t nEntries : {50000u, 100000u, 200000u}) {
         const std::string sPath = PathOf("many.zrfx");
         ZRFxZipArchive archive;
-        Require(archive.Open(sPath, ZRFxOpenMode::kCreate), "create");
+        Require(archive.Open(sPath, ZRZipAccessMode::CREATE), "create");
         for (size_t i = 0; i < nEntries; ++i) Require(archive.Add(NameOf(i), "x", 1, 0), "add");
         Require(archive.Close(), archive.LastError());
         const Times times = Measure([&] {
             ZRFxZipArchive reader;
-            Require(reader.Open(sPath, ZRFxOpenMode::kReadOnly), reader.LastError());
+            Require(reader.Open(sPath, ZRZipAccessMode::READ_ONLY), reader.LastError());
         });
         std::printf("open an archive of %zu entries: %.3f s\n", nEntries, times.dWall);
     }
@@ -367,7 +367,7 @@ void OpenMany() {
 void Commits() {
     const Field state = MakeField(250000, 1);
     ZRFxZipArchive archive;
-    Require(archive.Open(PathOf("commits.zrfx"), ZRFxOpenMode::kCreate), "create");
+    Require(archive.Open(PathOf("commits.zrfx"), ZRZipAccessMode::CREATE), "create");
     std::vector<double> adTimes;
     for (size_t i = 0; i < 200; ++i) {
         const Times times = Measure([&] {
@@ -409,7 +409,7 @@ void Memory() {
     const std::string sPath = PathOf("memory.zrfx");
     const long nPeak = PeakMemoryOf([&] {
         ZRFxZipArchive archive;
-        Require(archive.Open(sPath, ZRFxOpenMode::kCreate), "create");
+        Require(archive.Open(sPath, ZRZipAccessMode::CREATE), "create");
         for (size_t i = 0; i < 10000; ++i) {
             Require(archive.Add(NameOf(i), field.data(), Bytes(field), 1), archive.LastError());
         }
@@ -423,7 +423,7 @@ void Append() {
     const std::string sPath = PathOf("append.zrfx");
     {
         ZRFxZipArchive archive;
-        Require(archive.Open(sPath, ZRFxOpenMode::kCreate), "create");
+        Require(archive.Open(sPath, ZRZipAccessMode::CREATE), "create");
         for (size_t i = 0; i < 100; ++i) {
             Require(archive.Add(NameOf(i), field.data(), Bytes(field), 0), archive.LastError());
         }
@@ -434,7 +434,7 @@ void Append() {
         Case::kRead, "append 20 MiB to 2 GiB at level 5, those alone",
         [&] {
             ZRFxZipArchive archive;
-            Require(archive.Open(sPath, ZRFxOpenMode::kUpdate), archive.LastError());
+            Require(archive.Open(sPath, ZRZipAccessMode::UPDATE), archive.LastError());
             Require(archive.Add(NameOf(nNext++), field.data(), Bytes(field), 5), "add");
             Require(archive.Close(), archive.LastError());
         },

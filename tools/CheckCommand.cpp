@@ -218,7 +218,7 @@ int check(ToolContext& context, const Options& options) {
     if (!access.Open(options.file, ZRZipAccessMode::READ_ONLY) || !access.SetPassword(password)) {
         return context.fail(options.file);
     }
-    if (!archive.Open(options.file, ZRFxOpenMode::kReadOnly) || !archive.SetPassword(password)) {
+    if (!archive.Open(options.file, ZRZipAccessMode::READ_ONLY) || !archive.SetPassword(password)) {
         return context.fail(options.file, archive.LastError());
     }
     if (!isPasswordRight(archive)) return context.fail(options.file, "the password is wrong");

@@ -185,7 +185,7 @@ bool chooseForm(ToolContext& context, const Options& options, FileReader& in, Fo
 bool writeCopy(FileReader& in, const Form& form, const std::string& path) {
     ZRFxZipArchive archive;
     ZRFxAccess out;
-    if (!archive.Open(in.path(), ZRFxOpenMode::kReadOnly)) return false;
+    if (!archive.Open(in.path(), ZRZipAccessMode::READ_ONLY)) return false;
     const Entries entries(archive);
     if (!out.Open(path, ZRZipAccessMode::CREATE)) return false;
     out.SetCompression(form.level, ZRFxAccess::kDefaultSmartness, ZRFxAccess::kDefaultBufferSize,

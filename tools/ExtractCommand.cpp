@@ -198,7 +198,7 @@ int extract(ToolContext& context, const Options& options) {
     std::string password;
     if (!context.passwordFor(options.file, &password)) return ToolContext::FAILURE;
     ZRFxZipArchive archive;
-    if (!archive.Open(options.file, unstruct::ZRFxOpenMode::kReadOnly) ||
+    if (!archive.Open(options.file, unstruct::ZRZipAccessMode::READ_ONLY) ||
         !archive.SetPassword(password)) {
         return context.fail(options.file, archive.LastError());
     }

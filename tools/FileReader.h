@@ -7,6 +7,7 @@
 #include "NuoZRFx/Case.h"
 #include "NuoZRFx/File.h"
 #include "ToolContext.h"
+#include "access/ZROZRFxAccess.h"
 #include "database/ZROZRFxDatabase.h"
 
 namespace tools {

@@ -89,7 +89,7 @@ void printEntriesAsJson(const std::string& file, const Entries& entries) {
 
 int list(ToolContext& context, const Options& options) {
     ZRFxZipArchive archive;
-    if (!archive.Open(options.file, unstruct::ZRFxOpenMode::kReadOnly)) {
+    if (!archive.Open(options.file, unstruct::ZRZipAccessMode::READ_ONLY)) {
         return context.fail(options.file, archive.LastError());
     }
     Entries entries;

@@ -1,83 +1,24 @@
 #include "access/ZROZRFxAccess.h"
 
-#include <algorithm>
-#include <cstring>
 #include <new>
-#include <set>
 #include <string>
 
 #include "ZRByteOrder.h"
+#include "access/ZRFxCaseFiles.h"
+#include "access/ZRFxImageEntry.h"
+#include "access/ZRFxPropertiesEntry.h"
 #include "container/ZRFxSystem.h"
-#include "data/ZROZRFxImageJpeg.h"
-#include "documents/ZRFxXml.h"
 #include "nvf/Assert.h"
 #include "nvf/LogManager.h"
-#include "nvf/PropertyXmlSerializer.h"
 
 namespace unstruct {
 namespace {
 
 constexpr const char* kExtension = ".zrfx";
-constexpr std::size_t kRawImageHeader = 8;
-
-ZRString inFolder(const ZRString& folder, const ZRString& name) {
-    return folder + std::string(1, kFolderSeparator) + name;
-}
-
-// The same name as archives have it that were packed where folders are separated by slashes.
-std::string withSlashes(std::string name) {
-    std::replace(name.begin(), name.end(), kFolderSeparator, '/');
-    return name;
-}
-
-// What of a name lies below a folder; empty when the name does not lie there.
-std::string_view belowFolder(std::string_view name, const ZRString& folder) {
-    const std::size_t length = folder.Bytes().size();
-    if (length == 0) return name;
-    if (name.size() <= length || (name[length] != kFolderSeparator && name[length] != '/') ||
-        withSlashes(std::string(name.substr(0, length))) != withSlashes(folder.Bytes())) {
-        return {};
-    }
-    return name.substr(length + 1);
-}
-
-// What the names of all that lies in a folder begin with.
-std::string folderPrefix(const ZRString& folder) {
-    return folder.IsEmpty() ? std::string() : folder.Bytes() + kFolderSeparator;
-}
-
-std::uint64_t denseLengthOf(const ZRFxZipArchive::EntryInfo& entry) {
-    const bool isDense = ZRFxReadBounds::IsDense(entry.nSize, entry.nPackedSize) &&
-                         ZRString(entry.sName).Extension().ToLower() == ".xml";
-    return isDense ? entry.nSize : 0;
-}
-
-bool isRawImage(const ZRString& name) {
-    return name.Extension() == ".raw";
-}
 
 bool exists(const ZRString& path) {
     struct stat status {};
     return ZRFxSystem::Current().StatusOf(path.CStr(), &status) == 0;
-}
-
-bool encodeRaw(const nuo::Image& image, ZRUbyteArray* bytes) {
-    const std::size_t numPixelBytes = std::size_t{3} * image.width() * image.height();
-    if (!bytes->SetSize(static_cast<std::int64_t>(kRawImageHeader + numPixelBytes))) return false;
-    unsigned char* data = bytes->WritableData();
-    StoreLittleEndian<std::uint32_t>(data, image.width());
-    StoreLittleEndian<std::uint32_t>(data + 4, image.height());
-    return numPixelBytes == 0 || image.getAsRgb(data + kRawImageHeader, numPixelBytes);
-}
-
-bool decodeRaw(const ZRFxZipRawData& raw, nuo::Image* image) {
-    NVF_ASSERT(raw.Length() >= 2);
-    if (raw.Length() < kRawImageHeader) return false;
-    const std::uint32_t width = LoadLittleEndian<std::uint32_t>(raw.Buffer());
-    const std::uint32_t height = LoadLittleEndian<std::uint32_t>(raw.Buffer() + 4);
-    const std::uint64_t numPixels = std::uint64_t{width} * height;
-    if (numPixels > (raw.Length() - kRawImageHeader) / 3) return false;
-    return image->setFromRgb(raw.Buffer() + kRawImageHeader, width, height);
 }
 
 }  // namespace
@@ -91,12 +32,13 @@ ZRFxAccess::BoundedReading::~BoundedReading() {
 }
 
 ZRFxAccess::ZRFxAccess()
-    : m_pArchive(std::make_unique<ZRFxZipArchive>()), m_logger(nvf::archiveLogger()) {
-    SetCompression(kDefaultLevel, kDefaultSmartness, kDefaultBufferSize, kDefaultBufferSize);
-}
+    : m_pArchive(std::make_unique<ZRFxZipArchive>()),
+      m_names(*m_pArchive),
+      m_denseDocuments(*m_pArchive),
+      m_logger(nvf::archiveLogger()) {}
 
 ZRFxAccess::~ZRFxAccess() {
-    if (m_pMemFile || !m_pArchive->HasUncommitted()) return;
+    if (m_sFileName.IsEmpty() || !m_pArchive->HasUncommitted()) return;
     m_logger->warn("'%1' was not closed, what was written since the last flush is dropped.",
                    m_sFileName);
 }
@@ -109,8 +51,7 @@ bool ZRFxAccess::Open(const ZRString& name, ZRZipAccessMode mode) {
         return m_logger->fail("File not found. '%1'", name);
     }
     m_sFileName = name;
-    m_pMemFile = nullptr;
-    return TakeOpened(m_pArchive->Open(name.Bytes(), static_cast<ZRFxOpenMode>(mode)), mode);
+    return CheckOpened(m_pArchive->Open(name.Bytes(), mode));
 }
 
 bool ZRFxAccess::Open(ZRFxZipMemFile* memFile, ZRZipAccessMode mode) {
@@ -119,13 +60,12 @@ bool ZRFxAccess::Open(ZRFxZipMemFile* memFile, ZRZipAccessMode mode) {
     if (!memFile) return false;
     if (IsOpen()) return m_logger->fail("The archive is open, close it before opening.");
     m_sFileName = ZRString();
-    m_pMemFile = memFile;
-    return TakeOpened(m_pArchive->Open(memFile, static_cast<ZRFxOpenMode>(mode)), mode);
+    return CheckOpened(m_pArchive->Open(memFile, mode));
 }
 
 bool ZRFxAccess::Commit() {
     if (!IsOpen()) return m_logger->fail("Archive is not open.");
-    if (m_readOnly) return m_logger->fail("The file is read only.");
+    if (IsReadOnly()) return m_logger->fail("The file is read only.");
     Forget();
     return m_pArchive->Commit() || FailWithCause("Could not write archive '%1'", m_sFileName);
 }
@@ -158,21 +98,14 @@ bool ZRFxAccess::Refresh(ZRFxArchiveChanges* changes) {
     return true;
 }
 
-bool ZRFxAccess::IsOpen() const {
-    return m_pArchive->IsOpen();
-}
-
 bool ZRFxAccess::IsZRFxFile(const ZRString& name) {
     return name.Extension() == kExtension &&
            ZRFxZipArchive::Probe(name.Bytes(), ZRFxMainDocument::kEntryName);
 }
 
-void ZRFxAccess::SetCompression(int level, int smartness, std::uint32_t bufferSize,
-                                std::uint32_t fileBufferSize) {
+void ZRFxAccess::SetCompression(int level, int /*smartness*/, std::uint32_t /*bufferSize*/,
+                                std::uint32_t /*fileBufferSize*/) {
     m_compressionLevel = level;
-    m_compressionSmartness = smartness;
-    m_compressionBufferSize = bufferSize;
-    m_fileBufferSize = fileBufferSize;
 }
 
 bool ZRFxAccess::SetPassword(const ZRString& password) {
@@ -188,120 +121,42 @@ nvf::ref<nvf::XmlDocument> ZRFxAccess::CreateMainDocument(const ZRString& export
 }
 
 bool ZRFxAccess::ReadAndValidateMainDocumentFile(nvf::XmlDocument* doc) {
-    NVF_ASSERT(doc);
-    if (!doc) return false;
-    if (!InternalReadXmlFile(ZRFxMainDocument::kEntryName, LogMode::LOG, doc)) {
-        return m_logger->fail("Error reading main document (ZRF.xml) file.");
-    }
-    return ZRFxMainDocument(doc).Validate();
+    return m_mainDocument.Read(doc);
 }
 
 bool ZRFxAccess::SetVendorInfo(const ZRString& exportApplication, const ZRString& vendorName,
                                int vendorId) {
-    const nvf::ref<nvf::XmlDocument> doc = new nvf::XmlDocument;
-    if (!InternalReadXmlFile(ZRFxMainDocument::kEntryName, LogMode::LOG, doc.p())) {
-        return m_logger->fail("Main document file (ZRF.xml) is either missing or invalid");
-    }
-    if (!ZRFxMainDocument(doc).SetVendorInfo(exportApplication, vendorName, vendorId)) return false;
-    return WriteXmlFile(ZRFxMainDocument::kEntryName, *doc, true) ||
-           m_logger->fail("Could not overwrite main document with new database info");
+    return m_mainDocument.SetVendorInfo(exportApplication, vendorName, vendorId);
 }
 
 bool ZRFxAccess::GetVendorInfo(int* vendorId, ZRString* vendorName, ZRString* exportApplication) {
-    if (vendorId) *vendorId = -1;
-    if (vendorName) *vendorName = ZRString();
-    if (exportApplication) *exportApplication = ZRString();
-    if (!LoadMainDocument()) return false;
-    m_mainDocument->GetVendorInfo(vendorId, vendorName, exportApplication);
-    return true;
-}
-
-bool ZRFxAccess::GetExportDateTime(ZRFxDateTime* dateTime) {
-    return LoadMainDocument() && m_mainDocument->GetExportDateTime(dateTime);
-}
-
-bool ZRFxAccess::GetDisplayModelOnly(bool* displayModelOnly) {
-    return LoadMainDocument() && m_mainDocument->GetDisplayModelOnly(displayModelOnly);
+    return m_mainDocument.GetVendorInfo(vendorId, vendorName, exportApplication);
 }
 
 bool ZRFxAccess::AddDatabase(const nvf::XmlDocument& databaseDoc, bool overwrite) {
-    const nvf::ref<nvf::XmlDocument> doc = new nvf::XmlDocument;
-    if (!ReadAndValidateMainDocumentFile(doc.p())) return false;
-    const nvf::XmlElement root = databaseDoc.getRootElement("Database");
-    if (root.isNull()) return m_logger->fail("<Database> not found in database Xml document.");
-    if (!WriteXmlFile(inFolder(GetAttribute(root, "Folder"), "Database.xml"), databaseDoc,
-                      overwrite)) {
-        return m_logger->fail("Error writing Xml file.");
-    }
-    if (!ZRFxMainDocument(doc).RegisterDatabase(root, overwrite)) return false;
-    return WriteXmlFile(ZRFxMainDocument::kEntryName, *doc, true) ||
-           m_logger->fail("Could not overwrite main document with new database info");
+    return m_mainDocument.AddDatabase(databaseDoc, overwrite);
 }
 
 bool ZRFxAccess::AddCase(const nvf::XmlDocument& caseDoc, bool overwrite) {
-    const nvf::ref<nvf::XmlDocument> doc = new nvf::XmlDocument;
-    if (!ReadAndValidateMainDocumentFile(doc.p())) return false;
-    const nvf::XmlElement root = caseDoc.getRootElement("Case");
-    if (root.isNull()) return m_logger->fail("<Case> not found in case Xml document.");
-    if (!WriteXmlFile(inFolder(GetAttribute(root, "Folder"), "Case.xml"), caseDoc, overwrite)) {
-        return m_logger->fail("Error writing Xml file.");
-    }
-    if (!ZRFxMainDocument(doc).RegisterCase(root, overwrite)) return false;
-    return WriteXmlFile(ZRFxMainDocument::kEntryName, *doc, true) ||
-           m_logger->fail("Could not overwrite main document with new case info");
-}
-
-bool ZRFxAccess::GetNumDatabases(int* count) {
-    return LoadMainDocument() && m_mainDocument->GetNumDatabases(count);
-}
-
-bool ZRFxAccess::GetNumCases(int* count) {
-    return LoadMainDocument() && m_mainDocument->GetNumCases(count);
-}
-
-bool ZRFxAccess::GetDatabaseInfo(int index, ZRFxDatabaseInfo* info) {
-    return LoadMainDocument() && m_mainDocument->GetDatabaseInfo(index, info);
-}
-
-bool ZRFxAccess::GetDatabaseByID(int id, ZRFxDatabaseInfo* info) {
-    return LoadMainDocument() && m_mainDocument->GetDatabaseByID(id, info);
-}
-
-bool ZRFxAccess::GetCaseInfo(int index, ZRFxCaseInfo* info) {
-    return LoadMainDocument() && m_mainDocument->GetCaseInfo(index, info);
-}
-
-bool ZRFxAccess::GetCaseByID(int id, ZRFxCaseInfo* info) {
-    return LoadMainDocument() && m_mainDocument->GetCaseByID(id, info);
+    return m_mainDocument.AddCase(caseDoc, overwrite);
 }
 
 ZRString ZRFxAccess::CaseEntry(const ZRString& folder, const ZRString& file) const {
-    const ZRString entry = inFolder(folder, file);
-    return !Contains(entry) && Contains(file) ? file : entry;
+    return ZRFxCaseFiles::EntryOf(*this, folder, file);
 }
 
 bool ZRFxAccess::GetCaseSnapshot(int caseId, nuo::Image* image) {
-    ZRString fileName;
-    bool isGiven = false;
-    if (!GetCaseFile(caseId, "Snapshot", &fileName, &isGiven)) return false;
-    if (!isGiven) return m_logger->fail("Cannot find snapshot (case ID %1)", caseId);
-    return ReadImage(fileName, image) ||
-           m_logger->fail("Error reading snapshot (case ID %1)", caseId);
+    return ZRFxCaseFiles(*this).ReadSnapshot(caseId, image);
 }
 
 bool ZRFxAccess::GetCaseDescription(int caseId, ZRString* text) {
-    ZRString fileName;
-    bool isGiven = false;
-    if (!GetCaseFile(caseId, "Description", &fileName, &isGiven)) return false;
-    if (!isGiven) return m_logger->fail("Cannot find description (case ID %1)", caseId);
-    return ReadDataString(fileName, text) ||
-           m_logger->fail("Error reading description(case ID %1)", caseId);
+    return ZRFxCaseFiles(*this).ReadDescription(caseId, text);
 }
 
 bool ZRFxAccess::WriteXmlFile(const ZRString& name, const nvf::XmlDocument& doc, bool overwrite) {
     if (!CheckDocumentWritable(name)) return false;
     std::string entry;
-    const bool isThere = FindEntry(name, &entry);
+    const bool isThere = m_names.Find(name, &entry);
     if (isThere && !overwrite) {
         return m_logger->fail("Xml file '%1' exists in archive, and overwrite flag is not set",
                               name);
@@ -341,7 +196,7 @@ bool ZRFxAccess::GrowDocument(const ZRString& name, std::uint64_t kept, std::str
                               std::uint64_t* revision) {
     if (!CheckDocumentWritable(name)) return false;
     Forget();
-    const std::string slashed = withSlashes(name.Bytes());
+    const std::string slashed = WithSlashes(name.Bytes());
     const bool isGrown =
         m_pArchive->Grow(name.Bytes(), kept, tail, m_compressionLevel, revision) &&
         (slashed == name.Bytes() || !m_pArchive->Contains(slashed) || m_pArchive->Remove(slashed));
@@ -356,7 +211,7 @@ bool ZRFxAccess::ReadDocumentTail(const ZRString& name, std::uint64_t from, std:
     NVF_ASSERT(tail);
     std::string entry;
     if (!tail || !CheckReadable(name, LogMode::LOG)) return false;
-    if (!FindEntry(name, &entry) || !m_pArchive->ReadTail(entry, from, tail)) {
+    if (!m_names.Find(name, &entry) || !m_pArchive->ReadTail(entry, from, tail)) {
         return FailWithCause("Unable to read raw data from '%1'.", name);
     }
     return true;
@@ -364,32 +219,11 @@ bool ZRFxAccess::ReadDocumentTail(const ZRString& name, std::uint64_t from, std:
 
 bool ZRFxAccess::WriteProperties(const ZRString& fileName,
                                  const nvf::PropertySetCollection& collection) {
-    if (fileName.IsBlank()) return m_logger->fail("No file name.");
-    if (nvf::PropertyXmlSerializer::nestsTooDeep(collection)) {
-        m_logger->fail("'%1' in '%2': arrays nest deeper than %3 levels", fileName, m_sFileName,
-                       nvf::PropertyXmlSerializer::kDeepestArray);
-        return m_logger->fail("Unable to write properties Xml to archive");
-    }
-    nvf::XmlDocument doc;
-    nvf::XmlElement root = doc.createRootElement("ZRFxProperties", kNamespaceUri);
-    nvf::PropertyXmlSerializer::toXml(collection, &root);
-    return WriteXmlFile(fileName, doc, true) ||
-           m_logger->fail("Unable to write properties Xml to archive");
+    return WritePropertiesEntry(*this, fileName, collection);
 }
 
 bool ZRFxAccess::ReadProperties(const ZRString& fileName, nvf::PropertySetCollection* collection) {
-    NVF_ASSERT(collection);
-    if (!collection) return false;
-    nvf::XmlDocument doc;
-    if (!InternalReadXmlFile(fileName, LogMode::LOG, &doc)) {
-        return m_logger->fail("Unable to read properties Xml from archive");
-    }
-    const nvf::XmlElement root = doc.getRootElement("ZRFxProperties");
-    if (root.isNull()) return m_logger->fail("No valid root element found in Xml");
-    const nvf::XmlElement sets = root.firstChildElement("PropertySetCollection");
-    if (sets.isNull()) return m_logger->fail("No PropertySetCollection element found in Xml");
-    nvf::PropertyXmlSerializer::toPropertySetCollection(sets, collection);
-    return true;
+    return ReadPropertiesEntry(*this, fileName, collection);
 }
 
 bool ZRFxAccess::WriteDataRaw(const ZRString& name, const void* data, std::size_t numBytes,
@@ -457,7 +291,7 @@ bool ZRFxAccess::InternalReadDataRaw(const ZRString& name, LogMode logMode, ZRFx
     NVF_ASSERT(raw);
     if (!raw) return false;
     std::string entry;
-    if (!CheckReadable(name, logMode) || !FindEntry(name, &entry)) {
+    if (!CheckReadable(name, logMode) || !m_names.Find(name, &entry)) {
         if (logMode == LogMode::SILENT) return false;
         return m_logger->fail("Unable to read raw data from '%1', file not found.", name);
     }
@@ -488,49 +322,34 @@ bool ZRFxAccess::CloseNewFile() {
 }
 
 bool ZRFxAccess::WriteImage(const ZRString& name, const nuo::Image& image) {
-    ZRUbyteArray bytes;
-    if (isRawImage(name)) {
-        if (!encodeRaw(image, &bytes))
-            return m_logger->fail("Error writing snapshot image to ZRFx");
-    } else if (!ZRFxImageJpeg::Encode(image, &bytes)) {
-        return m_logger->fail("Error encoding JPEG image");
-    }
-    return WriteDataRaw(name, bytes.Data(), static_cast<std::size_t>(bytes.GetSize()), true) ||
-           m_logger->fail("Error writing snapshot image to ZRFx");
+    return WriteImageEntry(*this, name, image);
 }
 
 bool ZRFxAccess::ReadImage(const ZRString& name, nuo::Image* image) {
-    NVF_ASSERT(image);
-    if (!image) return false;
-    ZRFxZipRawData raw;
-    if (!InternalReadDataRaw(name, LogMode::LOG, &raw) || raw.Length() == 0) {
-        return m_logger->fail("Error reading JPEG image from archive");
-    }
-    const bool isDecoded = isRawImage(name)
-                               ? decodeRaw(raw, image)
-                               : ZRFxImageJpeg::Decode(raw.Buffer(), raw.Length(), image);
-    return isDecoded || m_logger->fail("Error decoding JPEG image '%1'", name);
+    return ReadImageEntry(*this, name, image);
 }
 
 std::int32_t ZRFxAccess::InternalFindFile(const ZRString& name, LogMode logMode) {
     std::string entry;
     if (!CheckReadable(name, logMode)) return -1;
-    if (FindEntry(name, &entry)) return static_cast<std::int32_t>(m_pArchive->IndexOf(entry));
+    if (m_names.Find(name, &entry)) return static_cast<std::int32_t>(m_pArchive->IndexOf(entry));
     if (logMode == LogMode::LOG) m_logger->fail("There is no file '%1' in the archive.", name);
     return -1;
 }
 
 bool ZRFxAccess::Contains(const ZRString& name) const {
     std::string entry;
-    return IsOpen() && !name.IsBlank() && FindEntry(name, &entry);
+    return IsOpen() && !name.IsBlank() && m_names.Find(name, &entry);
 }
 
 bool ZRFxAccess::RemoveFile(const ZRString& name) {
     if (!CheckWritable(name)) return false;
     Forget();
-    for (std::string entry; FindEntry(name, &entry);) {
-        if (m_denseDocuments) *m_denseDocuments -= DenseLength(entry);
-        if (!m_pArchive->Remove(entry)) {
+    for (std::string entry; m_names.Find(name, &entry);) {
+        m_denseDocuments.TakeOut(entry);
+        const bool isRemoved = m_pArchive->Remove(entry);
+        m_denseDocuments.TakeIn(entry);
+        if (!isRemoved) {
             return FailWithCause("Could not remove file '%1' from archive", name);
         }
     }
@@ -538,33 +357,21 @@ bool ZRFxAccess::RemoveFile(const ZRString& name) {
 }
 
 bool ZRFxAccess::FindFiles(const ZRString& folder, bool descend, ZRStringArray* names) {
-    return ForEachName(folderPrefix(folder), names, [&](const std::string& name) {
-        const std::string_view below = belowFolder(name, folder);
-        if (below.empty() || below.ends_with(kFolderSeparator) || below.ends_with('/')) return;
-        if (!descend && below.find_first_of("\\/") != std::string_view::npos) return;
-        names->push_back(name);
-    });
+    if (!CheckNames(names)) return false;
+    *names = m_names.FilesIn(folder, descend);
+    return true;
 }
 
 bool ZRFxAccess::FindFilesOfBase(const ZRString& base, ZRStringArray* names) {
-    return ForEachName(base.Bytes(), names, [&](const std::string& name) {
-        const char next = name.c_str()[base.Bytes().size()];
-        if (next == '.' || next == '-') names->push_back(name);
-    });
+    if (!CheckNames(names)) return false;
+    *names = m_names.FilesOfBase(base);
+    return true;
 }
 
 bool ZRFxAccess::FindSubFolders(const ZRString& folder, bool descend, ZRStringArray* names) {
-    std::set<std::string> found;
-    return ForEachName(folderPrefix(folder), names, [&](const std::string& name) {
-        const std::size_t below = name.size() - belowFolder(name, folder).size();
-        std::size_t depth = 0;
-        for (std::size_t at = name.find_first_of("\\/", below); at != std::string::npos;
-             at = name.find_first_of("\\/", at + 1)) {
-            const std::string subFolder = name.substr(0, at);
-            if (found.insert(subFolder).second) names->push_back(subFolder);
-            if (!descend || ++depth == kMostFolders) return;
-        }
-    });
+    if (!CheckNames(names)) return false;
+    *names = m_names.SubFoldersOf(folder, descend);
+    return true;
 }
 
 bool ZRFxAccess::GetArchiveInfo(ZRFxArchiveInfo* info) {
@@ -572,31 +379,34 @@ bool ZRFxAccess::GetArchiveInfo(ZRFxArchiveInfo* info) {
     if (!info) return false;
     if (!IsOpen()) return m_logger->fail("Archive is not open.");
     *info = ZRFxArchiveInfo();
+    ZRFxZipArchive::EntryInfo entry;
     for (std::size_t i = 0; i < m_pArchive->EntryCount(); ++i) {
-        const ZRFxZipArchive::EntryInfo entry = EntryAt(i);
-        const ZRString extension = ZRString(entry.sName).Extension().ToUpper();
+        if (!m_pArchive->GetEntry(i, &entry)) throw std::bad_alloc();
         info->compressed = info->compressed || entry.nPackedSize < entry.nSize;
         info->encrypted = info->encrypted || entry.bEncrypted;
-        info->binary = info->binary || extension == ".DAT";
-        info->text = info->text ||
-                     (extension == ".TXT" && belowFolder(entry.sName, kUserDataFolder).empty());
+        info->binary = info->binary || HasExtension(entry.sName, ".dat");
+        info->text = info->text || (HasExtension(entry.sName, ".txt") &&
+                                    BelowFolder(entry.sName, kUserDataFolder).empty());
         if (info->compressed && info->encrypted && info->binary && info->text) break;
     }
     return true;
 }
 
-bool ZRFxAccess::TakeOpened(bool isOpened, ZRZipAccessMode mode) {
-    if (!isOpened || !IsOpen()) {
-        return FailWithCause("File still closed after opening it.", m_sFileName);
-    }
-    m_readOnly = mode == ZRZipAccessMode::READ_ONLY;
-    m_denseDocuments.reset();
-    return true;
+bool ZRFxAccess::CheckOpened(bool isOpened) {
+    m_denseDocuments.Forget();
+    return (isOpened && IsOpen()) ||
+           FailWithCause("File still closed after opening it.", m_sFileName);
+}
+
+bool ZRFxAccess::CheckNames(const ZRStringArray* names) const {
+    NVF_ASSERT(names);
+    if (!names) return false;
+    return IsOpen() || m_logger->fail("Archive is not open.");
 }
 
 bool ZRFxAccess::CheckWritable(const ZRString& name) {
     if (!IsOpen()) return m_logger->fail("Archive is not open.");
-    if (m_readOnly) return m_logger->fail("The file is read only.");
+    if (IsReadOnly()) return m_logger->fail("The file is read only.");
     if (name.IsBlank()) return m_logger->fail("No filename specified.");
     return true;
 }
@@ -614,69 +424,31 @@ bool ZRFxAccess::CheckReadable(const ZRString& name, LogMode logMode) const {
     return false;
 }
 
-// Replacing takes the place of the entry under slashes too, and keeps what was there when it fails.
+// Replaces an entry under slashes too. When that fails, what was there stays.
 bool ZRFxAccess::Store(const ZRString& name, const void* data, std::size_t numBytes,
                        bool overwrite) {
     Forget();
-    const std::uint64_t replaced = m_denseDocuments ? DenseLength(name) : 0;
     const auto add = overwrite ? &ZRFxZipArchive::Replace : &ZRFxZipArchive::Add;
-    if (!(*m_pArchive.*add)(name.Bytes(), data, numBytes, m_compressionLevel)) return false;
-    if (m_denseDocuments) *m_denseDocuments += DenseLength(name) - replaced;
-    if (!overwrite) return true;
-    const std::string slashed = withSlashes(name.Bytes());
+    m_denseDocuments.TakeOut(name.Bytes());
+    const bool isAdded = (*m_pArchive.*add)(name.Bytes(), data, numBytes, m_compressionLevel);
+    m_denseDocuments.TakeIn(name.Bytes());
+    if (!isAdded || !overwrite) return isAdded;
+    const std::string slashed = WithSlashes(name.Bytes());
     return slashed == name.Bytes() || !m_pArchive->Contains(slashed) || m_pArchive->Remove(slashed);
 }
 
-// Where there are more dense documents than are read from any file, the next ones are stored
-// unpacked, so that the file has the length that reading them asks for.
+// Once there are more dense documents than are read from any file, further ones are stored
+// unpacked, so that the file is long enough for all of them to be read.
 bool ZRFxAccess::StoreDocument(const ZRString& name, const std::string& text, bool overwrite) {
     if (!Store(name, text.data(), text.size(), overwrite)) return false;
-    if (DenseLength(name) == 0 || DenseDocuments() <= ZRFxReadBounds::kMostDenseDocuments) {
+    if (m_denseDocuments.LengthOf(name.Bytes()) == 0 ||
+        m_denseDocuments.Total() <= ZRFxReadBounds::kMostDenseDocuments) {
         return true;
     }
-    if (!m_pArchive->Replace(name.Bytes(), text.data(), text.size(), 0)) return false;
-    *m_denseDocuments -= text.size();
-    return true;
-}
-
-// The length of a dense document; 0 of any other entry.
-std::uint64_t ZRFxAccess::DenseLength(const ZRString& name) {
-    ZRFxZipArchive::EntryInfo info;
-    return m_pArchive->Find(name.Bytes(), &info) ? denseLengthOf(info) : 0;
-}
-
-// Counted once for each opening, when there is the first one.
-std::uint64_t ZRFxAccess::DenseDocuments() {
-    if (m_denseDocuments) return *m_denseDocuments;
-    std::uint64_t length = 0;
-    for (std::size_t i = 0; i < m_pArchive->EntryCount(); ++i) length += denseLengthOf(EntryAt(i));
-    return m_denseDocuments.emplace(length);
-}
-
-bool ZRFxAccess::LoadMainDocument() {
-    if (m_mainDocument) return true;
-    const nvf::ref<nvf::XmlDocument> doc = new nvf::XmlDocument;
-    if (!ReadAndValidateMainDocumentFile(doc.p())) return false;
-    m_mainDocument.emplace(doc);
-    return true;
-}
-
-// The entry that an element of a case's document names.
-bool ZRFxAccess::GetCaseFile(int caseId, const char* element, ZRString* fileName, bool* isGiven) {
-    ZRFxCaseInfo info;
-    if (!GetCaseByID(caseId, &info)) {
-        return m_logger->fail("The specified case does not exist (case ID %1)", caseId);
-    }
-    nvf::XmlDocument doc;
-    if (!InternalReadXmlFile(info.path, LogMode::LOG, &doc)) {
-        return m_logger->fail("Cannot read Case.xml (case ID %1)", caseId);
-    }
-    const nvf::XmlElement root = doc.getRootElement("Case");
-    if (root.isNull()) return m_logger->fail("Invalid Case.xml file (case ID %1)", caseId);
-    const nvf::XmlElement file = root.firstChildElement(element);
-    *isGiven = file.notNull();
-    *fileName = CaseEntry(info.folder, GetText(file));
-    return true;
+    m_denseDocuments.TakeOut(name.Bytes());
+    const bool isReplaced = m_pArchive->Replace(name.Bytes(), text.data(), text.size(), 0);
+    m_denseDocuments.TakeIn(name.Bytes());
+    return isReplaced;
 }
 
 template <typename Item>
@@ -702,60 +474,13 @@ bool ZRFxAccess::ReadItems(const ZRString& name, ZRArray<Item>* data) {
     return true;
 }
 
-// Calls takeName, in the order of the archive, with the names that begin with a text, whatever
-// their separators are.
-template <typename TakeName>
-bool ZRFxAccess::ForEachName(const std::string& prefix, ZRStringArray* names, TakeName takeName) {
-    NVF_ASSERT(names);
-    if (!names) return false;
-    if (!IsOpen()) return m_logger->fail("Archive is not open.");
-    names->clear();
-    if (m_sortedNames.empty()) SortNames();
-    const std::string wanted = withSlashes(prefix);
-    std::vector<std::size_t> entries;
-    for (auto at = std::lower_bound(m_sortedNames.begin(), m_sortedNames.end(),
-                                    std::pair(wanted, std::size_t{0}));
-         at != m_sortedNames.end() && at->first.starts_with(wanted); ++at) {
-        entries.push_back(at->second);
-    }
-    std::sort(entries.begin(), entries.end());
-    for (const std::size_t entry : entries) takeName(EntryAt(entry).sName);
-    return true;
-}
-
-// The archive describes an entry as empty when there is no memory; what is asked about entries must
-// not miss any.
-ZRFxZipArchive::EntryInfo ZRFxAccess::EntryAt(std::size_t index) {
-    ZRFxZipArchive::EntryInfo entry = m_pArchive->EntryAt(index);
-    if (entry.sName.empty() && !m_pArchive->Contains(entry.sName)) throw std::bad_alloc();
-    return entry;
-}
-
-void ZRFxAccess::SortNames() {
-    decltype(m_sortedNames) names;
-    for (std::size_t i = 0; i < m_pArchive->EntryCount(); ++i) {
-        names.emplace_back(withSlashes(EntryAt(i).sName), i);
-    }
-    std::sort(names.begin(), names.end());
-    m_sortedNames.swap(names);
-}
-
-// What was found holds as long as the entries do.
+// To be called when entries change.
 void ZRFxAccess::Forget() {
-    m_mainDocument.reset();
-    m_sortedNames.clear();
+    m_mainDocument.Forget();
+    m_names.Forget();
 }
 
-// Gives the name that the archive has the entry under, with backslashes or with slashes.
-bool ZRFxAccess::FindEntry(const ZRString& name, std::string* entry) const {
-    *entry = name.Bytes();
-    if (m_pArchive->Contains(*entry)) return true;
-    if (!m_pArchive->HasSlashes()) return false;
-    *entry = withSlashes(name.Bytes());
-    return m_pArchive->Contains(*entry);
-}
-
-// The archive tells why in its own words, before the message of the operation.
+// Logs the cause as the archive puts it, then the message of the operation.
 bool ZRFxAccess::FailWithCause(nvf::LocatedText message, const ZRString& name) {
     m_logger->fail({"%1", message.where}, m_pArchive->LastError());
     return m_logger->fail(message, name);

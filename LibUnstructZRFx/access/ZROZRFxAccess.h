@@ -8,9 +8,13 @@
 #include "NuoCore/Image.h"
 #include "ZRArray.h"
 #include "ZRString.h"
+#include "access/ZRFxDenseDocuments.h"
+#include "access/ZRFxEntryNames.h"
+#include "access/ZRFxMainDocumentEntry.h"
 #include "container/ZRFxZipArchive.h"
 #include "container/ZRFxZipMemFile.h"
 #include "container/ZRFxZipRawData.h"
+#include "container/ZRZipAccessMode.h"
 #include "data/ZRFxReadBounds.h"
 #include "documents/ZRFxMainDocument.h"
 #include "nvf/Logger.h"
@@ -19,12 +23,10 @@
 
 namespace unstruct {
 
-enum class ZRZipAccessMode : int { UPDATE = 0, READ_ONLY = 1, CREATE = 2 };
-
 /// Whether a missing entry is an error or an answer.
 enum class LogMode { LOG, SILENT };
 
-/// How an archive was made, as far as its entries show it.
+/// How an archive was made, as far as its entries show.
 struct ZRFxArchiveInfo {
     bool compressed = false;
     bool encrypted = false;
@@ -43,8 +45,8 @@ inline constexpr const char* kUserDataFolder = "UserData";
 /// not committed, with a warning. Used by one thread at a time.
 class ZRFxAccess {
 public:
-    /// While it lives, what the access reads counts as one operation, which is bounded as
-    /// ZRFxReadBounds tells. Null is allowed, and bounds nothing.
+    /// While it lives, all that the access reads counts as one operation, within ZRFxReadBounds. A
+    /// null access is allowed, and bounds nothing.
     class BoundedReading {
     public:
         explicit BoundedReading(ZRFxAccess* access);
@@ -68,7 +70,7 @@ public:
     /// Opens or creates an archive file. Another archive must not be open.
     bool Open(const ZRString& name, ZRZipAccessMode mode);
 
-    /// The same on an archive in memory, which must outlive the opening.
+    /// The same for an archive in memory, which must outlive the opening.
     bool Open(ZRFxZipMemFile* memFile, ZRZipAccessMode mode);
 
     /// Brings all that was written so far into the file at once, durable and visible to new
@@ -87,24 +89,26 @@ public:
     /// Closes without committing what was written since the last commit.
     void Abandon();
 
-    /// Of an archive opened for reading, takes over what was committed since. Takes time with what
-    /// is new.
+    /// Takes over what was committed since an archive was opened for reading, or refreshed last.
+    /// The time it takes grows with what is new.
     bool Refresh(ZRFxArchiveChanges* changes);
 
-    bool IsOpen() const;
-    bool IsReadOnly() const { return m_readOnly; }
+    bool IsOpen() const { return m_pArchive->IsOpen(); }
+    bool IsReadOnly() const { return m_pArchive->IsReadOnly(); }
+    /// Empty for an archive in memory.
+    const ZRString& FileName() const { return m_sFileName; }
 
     /// Whether a path holds a ZRFx file: by extension, as an archive, and by its main document.
     /// Never alters anything and logs nothing.
     static bool IsZRFxFile(const ZRString& name);
 
-    /// Used by every later write: the level is 0 (stored) to 9, or -1 for the default. The
-    /// smartness flags ask for what is always done, an entry that does not shrink is stored; the
-    /// buffer sizes are kept for callers that set them, entries are compressed whole.
+    /// Used by every later write: the level is 0 (stored) to 9, or -1 for the default. The other
+    /// values change nothing: an entry that does not shrink is always stored, and entries are
+    /// compressed whole.
     void SetCompression(int level, int smartness, std::uint32_t bufferSize,
                         std::uint32_t fileBufferSize);
 
-    /// With it, writing a data file replaces the one of that name.
+    /// Whether writing a data file replaces the one of that name.
     void SetAlwaysOverwrite(bool alwaysOverwrite) { m_alwaysOverwrite = alwaysOverwrite; }
 
     /// Encrypts what is written from now on, and decrypts what is read, with WinZip AES-256.
@@ -119,8 +123,12 @@ public:
     bool ReadAndValidateMainDocumentFile(nvf::XmlDocument* doc);
     bool SetVendorInfo(const ZRString& exportApplication, const ZRString& vendorName, int vendorId);
     bool GetVendorInfo(int* vendorId, ZRString* vendorName, ZRString* exportApplication);
-    bool GetExportDateTime(ZRFxDateTime* dateTime);
-    bool GetDisplayModelOnly(bool* displayModelOnly);
+    bool GetExportDateTime(ZRFxDateTime* dateTime) {
+        return m_mainDocument.Ask(&ZRFxMainDocument::GetExportDateTime, dateTime);
+    }
+    bool GetDisplayModelOnly(bool* displayModelOnly) {
+        return m_mainDocument.Ask(&ZRFxMainDocument::GetDisplayModelOnly, displayModelOnly);
+    }
 
     // Registries of databases and cases.
 
@@ -129,43 +137,53 @@ public:
     bool AddDatabase(const nvf::XmlDocument& databaseDoc, bool overwrite);
     bool AddCase(const nvf::XmlDocument& caseDoc, bool overwrite);
 
-    bool GetNumDatabases(int* count);
-    bool GetNumCases(int* count);
+    bool GetNumDatabases(int* count) {
+        return m_mainDocument.Ask(&ZRFxMainDocument::GetNumDatabases, count);
+    }
+    bool GetNumCases(int* count) {
+        return m_mainDocument.Ask(&ZRFxMainDocument::GetNumCases, count);
+    }
 
     /// By position, or by id. False, without a message, when there is none.
-    bool GetDatabaseInfo(int index, ZRFxDatabaseInfo* info);
-    bool GetDatabaseByID(int id, ZRFxDatabaseInfo* info);
-    bool GetCaseInfo(int index, ZRFxCaseInfo* info);
-    bool GetCaseByID(int id, ZRFxCaseInfo* info);
+    bool GetDatabaseInfo(int index, ZRFxDatabaseInfo* info) {
+        return m_mainDocument.Ask(&ZRFxMainDocument::GetDatabaseInfo, index, info);
+    }
+    bool GetDatabaseByID(int id, ZRFxDatabaseInfo* info) {
+        return m_mainDocument.Ask(&ZRFxMainDocument::GetDatabaseByID, id, info);
+    }
+    bool GetCaseInfo(int index, ZRFxCaseInfo* info) {
+        return m_mainDocument.Ask(&ZRFxMainDocument::GetCaseInfo, index, info);
+    }
+    bool GetCaseByID(int id, ZRFxCaseInfo* info) {
+        return m_mainDocument.Ask(&ZRFxMainDocument::GetCaseByID, id, info);
+    }
 
-    /// The entry that a case's document names as one of its files: the one of that name in the
-    /// case's folder or, where there is none, the one of that whole name.
+    // Files of cases, see ZRFxCaseFiles.
+
     ZRString CaseEntry(const ZRString& folder, const ZRString& file) const;
-
-    /// Snapshot and description of a case, from the files that its "Case.xml" names.
     bool GetCaseSnapshot(int caseId, nuo::Image* image);
     bool GetCaseDescription(int caseId, ZRString* text);
 
     // Documents.
 
-    /// Whatever it holds, the document can be read again within ZRFxReadBounds.
+    /// Stores a document so that it can be read within ZRFxReadBounds, whatever it holds.
     bool WriteXmlFile(const ZRString& name, const nvf::XmlDocument& doc, bool overwrite);
     bool InternalReadXmlFile(const ZRString& name, LogMode logMode, nvf::XmlDocument* doc);
 
-    /// The text that a document is stored as under a name. In the place of characters that XML
-    /// cannot hold stands U+FFFD, with a warning. False, with a message, when memory was missing
-    /// for the document.
+    /// The text as which a document is stored; messages call it by the name. U+FFFD replaces
+    /// characters that XML cannot hold, with a warning. False, with a message, when memory ran out
+    /// while the document was built.
     bool MakeDocumentText(const ZRString& name, const nvf::XmlDocument& doc, std::string* text);
 
-    /// Changes a document from its byte `kept` on, as a text that its writer keeps well formed, and
-    /// gives the number of this revision. With 0 the document is made, or replaced as a whole.
+    /// Replaces the text of a document from byte `kept` on, and gives the number of this revision.
+    /// The caller keeps the text well formed. With 0 the document is made, or replaced as a whole.
     bool GrowDocument(const ZRString& name, std::uint64_t kept, std::string_view tail,
                       std::uint64_t* revision);
 
     /// The revision of a document that nothing but GrowDocument has changed since; 0 otherwise.
     std::uint64_t DocumentRevision(const ZRString& name) const;
 
-    /// The text of a document from a byte on; empty where it is shorter.
+    /// The text of a document from a byte on; empty when it is shorter.
     bool ReadDocumentTail(const ZRString& name, std::uint64_t from, std::string* tail);
     bool WriteProperties(const ZRString& fileName, const nvf::PropertySetCollection& collection);
     bool ReadProperties(const ZRString& fileName, nvf::PropertySetCollection* collection);
@@ -193,78 +211,55 @@ public:
     bool WriteNewFile(std::string_view text);
     bool CloseNewFile();
 
-    // Images: raw for names that end in ".raw", JPEG for all others. The extension is compared as
-    // it stands.
+    // Images, see ZRFxImageEntry.h.
 
-    /// Stores an image in place of the one of that name.
     bool WriteImage(const ZRString& name, const nuo::Image& image);
     bool ReadImage(const ZRString& name, nuo::Image* image);
 
     // Entries.
 
-    /// Index of an entry; -1 when absent, which is logged on demand.
+    /// Index of an entry; -1 when absent, which is logged unless SILENT.
     std::int32_t InternalFindFile(const ZRString& name, LogMode logMode);
-    /// Whether there is such an entry; says nothing.
+    /// Whether there is such an entry. Logs nothing.
     bool Contains(const ZRString& name) const;
 
     /// Removes an entry; one that is not there is no failure.
     bool RemoveFile(const ZRString& name);
 
-    /// Whole names of the entries in a folder, in archive order; with `descend`, also those of the
-    /// folders below it.
+    // Names, see ZRFxEntryNames. False, with a message, when the archive is not open.
+
+    static constexpr std::size_t kMostFolders = ZRFxEntryNames::kMostFolders;
     bool FindFiles(const ZRString& folder, bool descend, ZRStringArray* names);
-
-    /// Whole names of the entries that begin with a base name, which an extension or a dash
-    /// follows.
     bool FindFilesOfBase(const ZRString& base, ZRStringArray* names);
-
-    /// A name lies in no more folders than these; what else it tells of folders does not count.
-    static constexpr std::size_t kMostFolders = 1000;
-
-    /// Whole names of the folders in a folder; with `descend`, also those below them, kMostFolders
-    /// deep at most.
     bool FindSubFolders(const ZRString& folder, bool descend, ZRStringArray* names);
 
-    /// What the entries tell of how the archive was made.
+    /// Finds from the entries how the archive was made.
     bool GetArchiveInfo(ZRFxArchiveInfo* info);
 
 private:
-    bool TakeOpened(bool isOpened, ZRZipAccessMode mode);
+    bool CheckOpened(bool isOpened);
+    bool CheckNames(const ZRStringArray* names) const;
     bool CheckWritable(const ZRString& name);
     bool CheckDocumentWritable(const ZRString& name);
     bool CheckReadable(const ZRString& name, LogMode logMode) const;
     bool Store(const ZRString& name, const void* data, std::size_t numBytes, bool overwrite);
     bool StoreDocument(const ZRString& name, const std::string& text, bool overwrite);
-    std::uint64_t DenseLength(const ZRString& name);
-    std::uint64_t DenseDocuments();
-    bool LoadMainDocument();
-    bool GetCaseFile(int caseId, const char* element, ZRString* fileName, bool* isGiven);
     template <typename Item>
     bool WriteItems(const ZRString& name, const ZRArray<Item>& data);
     template <typename Item>
     bool ReadItems(const ZRString& name, ZRArray<Item>* data);
-    template <typename TakeName>
-    bool ForEachName(const std::string& prefix, ZRStringArray* names, TakeName takeName);
-    ZRFxZipArchive::EntryInfo EntryAt(std::size_t index);
-    void SortNames();
     void Forget();
-    bool FindEntry(const ZRString& name, std::string* entry) const;
     bool FailWithCause(nvf::LocatedText message, const ZRString& name);
 
     ZRString m_sFileName;
-    ZRFxZipMemFile* m_pMemFile = nullptr;
     const std::unique_ptr<ZRFxZipArchive> m_pArchive;
-    bool m_readOnly = false;
     bool m_alwaysOverwrite = false;
     int m_compressionLevel = kDefaultLevel;
-    int m_compressionSmartness = kDefaultSmartness;
-    std::uint32_t m_compressionBufferSize = kDefaultBufferSize;
-    std::uint32_t m_fileBufferSize = kDefaultBufferSize;
-    // Found once, as a file may list very many, and forgotten with the next write or commit.
-    std::optional<ZRFxMainDocument> m_mainDocument;
-    std::vector<std::pair<std::string, std::size_t>> m_sortedNames;  // With slashes; entry.
+    // What was found in them is forgotten with the next write or commit.
+    ZRFxMainDocumentEntry m_mainDocument{*this};
+    ZRFxEntryNames m_names;
+    ZRFxDenseDocuments m_denseDocuments;
     ZRFxReadBounds m_bounds;
-    std::optional<std::uint64_t> m_denseDocuments;  // Their length; counted when it matters.
     nvf::ref<nvf::Logger> m_logger;
 };
 

@@ -5,7 +5,8 @@
 #include <string>
 #include <utility>
 
-#include "database/ZROZRFxDatabase.h"
+#include "access/ZROZRFxAccess.h"
+#include "blocks/ZRFxBlockStore.h"
 #include "documents/ZRFxFileRecord.h"
 #include "documents/ZRFxXml.h"
 #include "nvf/Assert.h"
@@ -13,7 +14,7 @@
 
 namespace unstruct {
 
-ZRFxBlock::Writing::Writing(ZRFxBlock* pBlock, ZRFxDatabase* pDatabase)
+ZRFxBlock::Writing::Writing(ZRFxBlock* pBlock, ZRFxBlockStore* pDatabase)
     : m_block(*pBlock), m_sOwnFileName(pBlock->m_sFileName), m_pDatabase(pDatabase) {
     m_pOwnDatabase = std::exchange(m_block.m_pDatabase, pDatabase);
 }
@@ -31,7 +32,7 @@ void ZRFxBlock::Writing::Start() {
     m_pDatabase->SetReplacing(true);
 }
 
-ZRFxBlock::ZRFxBlock(ZRFxDatabase* pDatabase, int id, int type)
+ZRFxBlock::ZRFxBlock(ZRFxBlockStore* pDatabase, int id, int type)
     : m_pDatabase(pDatabase), m_iID(id), m_iType(type), m_logger(nvf::archiveLogger()) {}
 
 bool ZRFxBlock::ReadBlock() {
@@ -51,7 +52,7 @@ bool ZRFxBlock::WriteBlock() {
     return m_pDatabase && CheckContents() && WriteFiles();
 }
 
-bool ZRFxBlock::WriteBlock(ZRFxDatabase* pDatabase) {
+bool ZRFxBlock::WriteBlock(ZRFxBlockStore* pDatabase) {
     NVF_ASSERT(pDatabase);
     if (!pDatabase) return false;
     // Keeps this block alive where it is itself the entry that the database replaces.
@@ -184,7 +185,7 @@ bool ZRFxBlock::WriteFiles() {
 bool ZRFxBlock::WriteXml(const nvf::XmlDocument& doc) {
     const nvf::ref<ZRFxBlock> replaced = m_pDatabase->GetBlockByID(m_iType, m_iID);
     const ZRString fileName = m_pDatabase->EntryName(GetFilebase() + ".xml");
-    if (!m_pDatabase->WriteBlock(ZRFxBlockTypeName(m_iType), m_iID, fileName, doc, true)) {
+    if (!m_pDatabase->StoreBlock(ZRFxBlockTypeName(m_iType), m_iID, fileName, doc, true)) {
         return false;
     }
     m_sFileName = fileName;

@@ -12,7 +12,7 @@
 
 namespace unstruct {
 
-class ZRFxDatabase;
+class ZRFxBlockStore;
 
 /// Base of all blocks: a numbered unit of model or result data, stored as one XML document, whose
 /// root is named by the type and carries the id, and as data files beside it. Reading and writing
@@ -23,7 +23,7 @@ class ZRFxBlock : public nvf::Object {
 public:
     /// The block of a type, empty; null after an assertion when no class stores the type. The
     /// database must outlive the block.
-    static nvf::ref<ZRFxBlock> Create(int type, ZRFxDatabase* pDatabase, int id);
+    static nvf::ref<ZRFxBlock> Create(int type, ZRFxBlockStore* pDatabase, int id);
 
     /// Whether a class stores the blocks of a type.
     static bool IsStored(int type);
@@ -39,7 +39,7 @@ public:
     /// Writes into a database, in place of the block of this type and id that it may hold. The
     /// block stays attached to its own database. Contents that cannot be stored leave the database
     /// as it is; when its archive fails, neither the old nor the new block is in it.
-    virtual bool WriteBlock(ZRFxDatabase* pDatabase);
+    virtual bool WriteBlock(ZRFxBlockStore* pDatabase);
 
     /// Drops what was loaded, so that the next ReadBlock reads again.
     virtual void UnloadData();
@@ -49,7 +49,7 @@ public:
 
     int GetID() const { return m_iID; }
     int GetType() const { return m_iType; }
-    ZRFxDatabase* GetDatabase() const { return m_pDatabase; }
+    ZRFxBlockStore* GetDatabase() const { return m_pDatabase; }
     bool IsRead() const { return m_bRead; }
 
     /// The entry name of the block's document, as the table of contents has it.
@@ -64,7 +64,7 @@ protected:
     /// written of the block is taken out again, unless it ends well.
     class Writing {
     public:
-        Writing(ZRFxBlock* pBlock, ZRFxDatabase* pDatabase);
+        Writing(ZRFxBlock* pBlock, ZRFxBlockStore* pDatabase);
         Writing(const Writing&) = delete;
         Writing& operator=(const Writing&) = delete;
         ~Writing();
@@ -75,13 +75,13 @@ protected:
     private:
         ZRFxBlock& m_block;
         ZRString m_sOwnFileName;
-        ZRFxDatabase* m_pDatabase;
-        ZRFxDatabase* m_pOwnDatabase;
+        ZRFxBlockStore* m_pDatabase;
+        ZRFxBlockStore* m_pOwnDatabase;
         bool m_bStarted = false;
         bool m_bWritten = false;
     };
 
-    ZRFxBlock(ZRFxDatabase* pDatabase, int id, int type);
+    ZRFxBlock(ZRFxBlockStore* pDatabase, int id, int type);
 
     /// Reads what lies below the root, data files included.
     virtual bool DoReadBlock(const nvf::XmlElement& root) = 0;
@@ -144,7 +144,7 @@ protected:
     void SetRead(bool isRead) { m_bRead = isRead; }
     nvf::Logger& Log() const { return *m_logger; }
 
-    ZRFxDatabase* m_pDatabase;
+    ZRFxBlockStore* m_pDatabase;
 
 private:
     bool WriteFiles();

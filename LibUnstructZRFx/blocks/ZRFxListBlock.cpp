@@ -1,13 +1,13 @@
 #include "blocks/ZRFxListBlock.h"
 
-#include "database/ZROZRFxDatabase.h"
+#include "blocks/ZRFxBlockStore.h"
 #include "nvf/Assert.h"
 
 namespace unstruct {
 
 // A block that stands in another document, or under another name, is removed first; one that the
 // database has stays as it is when its archive fails.
-bool ZRFxListBlock::WriteBlock(ZRFxDatabase* pDatabase) {
+bool ZRFxListBlock::WriteBlock(ZRFxBlockStore* pDatabase) {
     NVF_ASSERT(pDatabase);
     if (!pDatabase) return false;
     // Keeps this block alive where it is itself the entry that the database replaces.
@@ -19,7 +19,7 @@ bool ZRFxListBlock::WriteBlock(ZRFxDatabase* pDatabase) {
     if (!CheckContents()) return false;
     if (written.isNull()) writing.Start();
     SetFileName(fileName);
-    return writing.End(pDatabase->WriteListBlock(*this, fileName, *this, &m_document)) ||
+    return writing.End(pDatabase->StoreListBlock(*this, fileName, *this, &m_document)) ||
            Log().fail("File write error");
 }
 

@@ -12,7 +12,7 @@ namespace unstruct {
 class ZRFxListBlock : public ZRFxBlock, private ZRFxListContent {
 public:
     using ZRFxBlock::WriteBlock;
-    bool WriteBlock(ZRFxDatabase* pDatabase) override;
+    bool WriteBlock(ZRFxBlockStore* pDatabase) override;
 
 protected:
     using ZRFxBlock::ZRFxBlock;

@@ -25,10 +25,10 @@
 namespace unstruct {
 namespace {
 
-using CreateBlock = nvf::ref<ZRFxBlock> (*)(ZRFxDatabase* pDatabase, int id);
+using CreateBlock = nvf::ref<ZRFxBlock> (*)(ZRFxBlockStore* pDatabase, int id);
 
 template <typename BlockClass>
-nvf::ref<ZRFxBlock> create(ZRFxDatabase* pDatabase, int id) {
+nvf::ref<ZRFxBlock> create(ZRFxBlockStore* pDatabase, int id) {
     return new BlockClass(pDatabase, id);
 }
 
@@ -71,7 +71,7 @@ CreateBlock classOf(int type) {
 
 }  // namespace
 
-nvf::ref<ZRFxBlock> ZRFxBlock::Create(int type, ZRFxDatabase* pDatabase, int id) {
+nvf::ref<ZRFxBlock> ZRFxBlock::Create(int type, ZRFxBlockStore* pDatabase, int id) {
     const CreateBlock createBlock = classOf(type);
     if (createBlock) return createBlock(pDatabase, id);
     NVF_FAIL("Block type not implemented");

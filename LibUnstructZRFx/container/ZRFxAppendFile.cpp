@@ -37,12 +37,12 @@ ZRFxAppendFile::~ZRFxAppendFile() {
     if (m_bMadeName && IsStillAtPath()) ZRFxSystem::Current().Remove(m_sPath.c_str());
 }
 
-bool ZRFxAppendFile::Open(const std::string& sPath, ZRFxOpenMode eMode) {
+bool ZRFxAppendFile::Open(const std::string& sPath, ZRZipAccessMode eMode) {
     if (!Resolve(sPath)) return false;
-    if (eMode == ZRFxOpenMode::kReadOnly) return OpenForReading();
-    if (!OpenForWriting(eMode == ZRFxOpenMode::kCreate)) return false;
+    if (eMode == ZRZipAccessMode::READ_ONLY) return OpenForReading();
+    if (!OpenForWriting(eMode == ZRZipAccessMode::CREATE)) return false;
     // Appended to an empty file, a torn first commit would leave nothing that can be opened.
-    m_bCreates = eMode == ZRFxOpenMode::kCreate || m_nSize == 0;
+    m_bCreates = eMode == ZRZipAccessMode::CREATE || m_nSize == 0;
     if (!m_bCreates) return true;
     m_replaced = std::move(m_file);
     CutTo(0);

@@ -5,6 +5,7 @@
 
 #include "container/ZRFxSystem.h"
 #include "container/ZRFxZipStorage.h"
+#include "container/ZRZipAccessMode.h"
 
 namespace unstruct {
 
@@ -29,7 +30,7 @@ public:
     ZRFxAppendFile& operator=(const ZRFxAppendFile&) = delete;
 
     /// REQUIRES: not opened before.
-    bool Open(const std::string& sPath, ZRFxOpenMode eMode);
+    bool Open(const std::string& sPath, ZRZipAccessMode eMode);
 
     uint64_t Size() const override { return m_nSize; }
     void CutTo(uint64_t nSize) override;

@@ -13,11 +13,11 @@ using Place = ZRFxArchiveItem::Place;
 constexpr uint64_t kMiB = uint64_t{1} << 20;
 // An ordinary archive is written when this many times as much was appended as it costs: 2.5 %.
 constexpr uint64_t kArchiveShare = 40;
-// So much may be left behind by archives in any case, so that small files are ordinary ones.
+// Ordinary archives may leave this many bytes unused in any case, so that small files are ordinary.
 constexpr uint64_t kFreeArchives = 16 * 1024;
 constexpr uint64_t kMostLeftShare = 8;
 constexpr uint64_t kMostLeftInRun = 16 * kMiB;
-// How much shorter a document gets that has not been packed yet, as documents go.
+// By this factor documents shrink when they are packed, as a rule.
 constexpr uint64_t kUsualPacking = 10;
 constexpr size_t kCopySize = size_t{1} << 20;
 
@@ -58,49 +58,49 @@ bool ZRFxArchiveCommit::WriteAnew(std::unique_ptr<ZRFxZipStorage> pStorage) {
         return false;
     }
     m_archive.pStorage.swap(pStorage);
-    m_archive.bFollowed = true;
-    m_archive.nLeftBytes = 0;
+    m_archive.last.bFollowed = true;
+    m_archive.bytes.nLeft = 0;
     ApplyArchive();
     ApplyCommon(eResult == ZRFxCommitResult::kDone);
     return eResult == ZRFxCommitResult::kDone || Fail(m_archive.pStorage->Error());
 }
 
 bool ZRFxArchiveCommit::IsRewriteDue(bool bClosing) const {
-    if (m_archive.place.nBase == 0) return false;
+    if (m_archive.last.place.nBase == 0) return false;
     const uint64_t nLength = m_pTarget->Position();
-    const uint64_t nLive = m_archive.nLiveBytes - OutgrownBytes();
+    const uint64_t nLive = m_archive.bytes.nLive - OutgrownBytes();
     const uint64_t nLeft = nLength - std::min(nLength, nLive);
     return bClosing ? nLeft > nLength / kMostLeftShare
-                    : nLeft > nLive + m_archive.nDirectoryBytes + DocumentBytes() + kMostLeftInRun;
+                    : nLeft > nLive + m_archive.bytes.nDirectory + DocumentBytes() + kMostLeftInRun;
 }
 
 bool ZRFxArchiveCommit::IsArchiveDue() const {
-    const ZRFxCommitPlace& place = m_archive.place;
-    if (place.nBase == 0 || (place.nRecord != 0 && !m_archive.bOwnChain)) return true;
-    const uint64_t nCost = m_archive.nDirectoryBytes + DocumentBytes();
+    const ZRFxCommitPlace& place = m_archive.last.place;
+    if (place.nBase == 0 || (place.nRecord != 0 && !m_archive.last.bOwnChain)) return true;
+    const uint64_t nCost = m_archive.bytes.nDirectory + DocumentBytes();
     return m_pTarget->Position() - place.nBase >= kArchiveShare * nCost ||
-           m_archive.nLeftBytes + nCost <= kFreeArchives;
+           m_archive.bytes.nLeft + nCost <= kFreeArchives;
 }
 
-// Behind a record the file does not end as an archive, so the walk must be able to find it.
+// A file that ends with a record does not end as an archive, so the walk must be able to find it.
 bool ZRFxArchiveCommit::IsFollowed() {
-    if (!m_archive.bFollowed) {
+    if (!m_archive.last.bFollowed) {
         const ZRFxArchiveWalk walk(m_pTarget, m_pCodec);
-        m_archive.bFollowed = walk.Reached() >= m_archive.place.nEnd;
+        m_archive.last.bFollowed = walk.Reached() >= m_archive.last.place.nEnd;
     }
-    return m_archive.bFollowed;
+    return m_archive.last.bFollowed;
 }
 
-// What the documents take as entries, about.
+// Roughly what the documents take as entries.
 uint64_t ZRFxArchiveCommit::DocumentBytes() const {
-    uint64_t nBytes = m_archive.nPendingBytes;
+    uint64_t nBytes = m_archive.bytes.nPending;
     for (const auto& pText : m_archive.apTexts) {
         if (!pText->bDropped) nBytes += pText->nLength / kUsualPacking;
     }
     return nBytes;
 }
 
-// What an ordinary archive leaves behind of the documents: their entries of before.
+// What is no longer used once the documents are stored as entries: their entries from before.
 uint64_t ZRFxArchiveCommit::OutgrownBytes() const {
     uint64_t nBytes = 0;
     for (const auto& pText : m_archive.apTexts) {
@@ -116,15 +116,15 @@ bool ZRFxArchiveCommit::AppendRecord() {
     ZRFxRewind rewind(m_pTarget);
     ZRFxCommitRecord record;
     ZRFxCommitResult eResult = ZRFxCommitResult::kFailed;
-    if (!PlaceItems(m_archive.nFirstNew, false) || !WriteRecord(&record, m_pTarget->Position()) ||
-        !End(&eResult)) {
+    if (!PlaceItems(m_archive.next.nFirstNew, false) ||
+        !WriteRecord(&record, m_pTarget->Position()) || !End(&eResult)) {
         return false;
     }
     rewind.Keep();
     ApplyPlaced();
-    m_archive.place.nRecord = record.nOffset;
-    m_archive.place.nEnd = m_pTarget->Size();
-    m_archive.bOwnChain = true;
+    m_archive.last.place.nRecord = record.nOffset;
+    m_archive.last.place.nEnd = m_pTarget->Size();
+    m_archive.last.bOwnChain = true;
     ApplyCommon(eResult == ZRFxCommitResult::kDone);
     return eResult == ZRFxCommitResult::kDone || Fail(m_archive.pStorage->Error());
 }
@@ -133,9 +133,9 @@ bool ZRFxArchiveCommit::AppendRecord() {
 // end with the last of them.
 bool ZRFxArchiveCommit::WriteRecord(ZRFxCommitRecord* pRecord, uint64_t nOffset) {
     pRecord->nOffset = nOffset;
-    pRecord->run = m_archive.run;
-    pRecord->nPrevious = m_archive.bOwnChain ? m_archive.place.nRecord : 0;
-    pRecord->nBase = m_archive.place.nBase;
+    pRecord->run = m_archive.next.run;
+    pRecord->nPrevious = m_archive.last.bOwnChain ? m_archive.last.place.nRecord : 0;
+    pRecord->nBase = m_archive.last.place.nBase;
     ListNew(pRecord);
     if (!pRecord->SetTails(ListEdits(pRecord), m_pCodec, m_pCipher)) return Fail(pRecord->Error());
     const std::string sBytes = pRecord->Bytes(nOffset, m_pCodec);
@@ -146,10 +146,10 @@ bool ZRFxArchiveCommit::WriteRecord(ZRFxCommitRecord* pRecord, uint64_t nOffset)
 }
 
 void ZRFxArchiveCommit::ListNew(ZRFxCommitRecord* pRecord) const {
-    for (const std::string& sName : m_archive.asRemoved) {
+    for (const std::string& sName : m_archive.next.asRemoved) {
         if (!m_archive.table.Find(sName)) pRecord->asRemoved.push_back(sName);
     }
-    for (size_t i = m_archive.nFirstNew; i < m_archive.table.SlotCount(); ++i) {
+    for (size_t i = m_archive.next.nFirstNew; i < m_archive.table.SlotCount(); ++i) {
         const ZRFxArchiveItem* pItem = m_archive.table.At(i);
         if (pItem && pItem->ePlace == Place::kInFile) pRecord->sLines += pItem->entry.sRecord;
     }
@@ -170,12 +170,12 @@ std::string ZRFxArchiveCommit::ListEdits(ZRFxCommitRecord* pRecord) const {
 bool ZRFxArchiveCommit::AppendArchive() {
     m_archive.Compact();
     ZRFxRewind rewind(m_pTarget);
-    const uint64_t nLeft = m_archive.nDirectoryBytes + DocumentBytes();
+    const uint64_t nLeft = m_archive.bytes.nDirectory + DocumentBytes();
     ZRFxCommitResult eResult = ZRFxCommitResult::kFailed;
     if (!PlaceItems(0, true) || !WriteDirectory() || !End(&eResult)) return false;
     rewind.Keep();
-    if (m_archive.place.nBase != 0) m_archive.nLeftBytes += nLeft;
-    m_archive.bFollowed = m_archive.bFollowed || m_archive.place.nBase == 0;
+    if (m_archive.last.place.nBase != 0) m_archive.bytes.nLeft += nLeft;
+    m_archive.last.bFollowed = m_archive.last.bFollowed || m_archive.last.place.nBase == 0;
     ApplyArchive();
     ApplyCommon(eResult == ZRFxCommitResult::kDone);
     return eResult == ZRFxCommitResult::kDone || Fail(m_archive.pStorage->Error());
@@ -248,7 +248,7 @@ bool ZRFxArchiveCommit::WriteDirectory() {
     const bool bAnew = m_pTarget != m_archive.pStorage.get();
     const uint64_t nStart = m_pTarget->Position();
     uint64_t nEntries = m_aPlaced.size();
-    const auto write = [&](const std::string& s) { return m_pTarget->Write(s.data(), s.size()); };
+    const auto write = [&](std::string_view s) { return m_pTarget->Write(s.data(), s.size()); };
     bool bWritten = true;
     for (size_t i = 0; !bAnew && i < m_archive.table.SlotCount(); ++i) {
         const ZRFxArchiveItem* pItem = m_archive.table.At(i);
@@ -269,7 +269,7 @@ bool ZRFxArchiveCommit::End(ZRFxCommitResult* pResult) {
     return *pResult != ZRFxCommitResult::kFailed || Fail(m_pTarget->Error());
 }
 
-// From here on nothing is allocated, so that it cannot fail.
+// From here on no memory is taken, so that nothing can fail.
 void ZRFxArchiveCommit::ApplyPlaced() {
     for (Placed& placed : m_aPlaced) {
         ZRFxArchiveItem& item = *placed.pItem;
@@ -282,7 +282,7 @@ void ZRFxArchiveCommit::ApplyPlaced() {
     }
 }
 
-// The library of foreign entries finds them by their place in the directory.
+// The library that reads foreign entries finds them by their index in the directory.
 void ZRFxArchiveCommit::ApplyArchive() {
     const bool bAnew = m_aPlaced.size() == m_archive.table.SlotCount();
     uint64_t nIndex = 0;
@@ -293,22 +293,22 @@ void ZRFxArchiveCommit::ApplyArchive() {
     for (const Placed& placed : m_aPlaced) placed.pItem->nIndex = nIndex++;
     ApplyPlaced();
     const uint64_t nEnd = m_archive.pStorage->Size();
-    m_archive.place = {nEnd, 0, nEnd, {}};
-    m_archive.bOwnChain = false;
+    m_archive.last.place = {nEnd, 0, nEnd, {}};
+    m_archive.last.bOwnChain = false;
 }
 
 void ZRFxArchiveCommit::ApplyCommon(bool bConfirmed) {
-    m_bApplied = m_archive.bCommitted = true;
-    m_archive.bTorn = false;
+    m_bApplied = m_archive.last.bOwn = true;
+    m_archive.last.bTorn = false;
     std::erase_if(m_archive.apTexts, [](const auto& pText) { return pText->bDropped; });
     for (const auto& pText : m_archive.apTexts) {
         pText->nUnchanged = pText->nLength;
         pText->bChanged = false;
     }
-    m_archive.asRemoved.clear();
+    m_archive.next.asRemoved.clear();
     if (m_archive.table.HasManyGaps()) m_archive.table.Compact();
-    m_archive.nFirstNew = m_archive.table.SlotCount();
-    m_archive.bChanged = !bConfirmed;
+    m_archive.next.nFirstNew = m_archive.table.SlotCount();
+    m_archive.next.bChanged = !bConfirmed;
 }
 
 }  // namespace unstruct

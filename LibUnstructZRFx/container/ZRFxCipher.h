@@ -47,6 +47,8 @@ public:
     /// password is found out before anything is written, but for one in 65536.
     /// REQUIRES: nEntrySize >= Overhead(eStrength).
     Result Decrypt(Strength eStrength, const uint8_t* pEntry, size_t nEntrySize, uint8_t* pData);
+    /// What went wrong; empty when nothing did.
+    static const char* MessageOf(Result eResult);
 
 private:
     struct Engine;  // The contexts of the library underneath.

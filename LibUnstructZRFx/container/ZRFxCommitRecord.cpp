@@ -114,18 +114,11 @@ bool ZRFxCommitRecord::GetTails(ZRFxCodec* pCodec, ZRFxCipher* pCipher, std::str
     const size_t nOverhead = ZRFxCipher::Overhead(ZRFxCipher::Strength::k256);
     if (m_sTails.size() < nOverhead) return Fail("the encrypted entry is cut");
     std::string sPlain(m_sTails.size() - nOverhead, '\0');
-    switch (pCipher->Decrypt(ZRFxCipher::Strength::k256, unstruct::Bytes(m_sTails), m_sTails.size(),
-                             unstruct::Bytes(&sPlain))) {
-        case ZRFxCipher::Result::kDone:
-            return Unpacked(sPlain, bPacked, m_nTails, pCodec, pTails) || Fail("damaged data");
-        case ZRFxCipher::Result::kWrongPassword:
-            return Fail("wrong password");
-        case ZRFxCipher::Result::kDamaged:
-            return Fail("damaged data, or wrong password");
-        case ZRFxCipher::Result::kFailed:
-            break;
-    }
-    return Fail("cannot decrypt");
+    const ZRFxCipher::Result eResult =
+        pCipher->Decrypt(ZRFxCipher::Strength::k256, unstruct::Bytes(m_sTails), m_sTails.size(),
+                         unstruct::Bytes(&sPlain));
+    if (eResult != ZRFxCipher::Result::kDone) return Fail(ZRFxCipher::MessageOf(eResult));
+    return Unpacked(sPlain, bPacked, m_nTails, pCodec, pTails) || Fail("damaged data");
 }
 
 std::string ZRFxCommitRecord::Bytes(uint64_t nOwnOffset, ZRFxCodec* pCodec) const {

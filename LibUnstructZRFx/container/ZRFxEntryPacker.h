@@ -33,7 +33,7 @@ public:
     bool Write(const ZRFxZipEntry& entry, std::time_t nTime, const uint8_t* pPacked,
                ZRFxZipStorage* pStorage);
 
-    /// Gives the memory back that packing has taken.
+    /// Frees the memory that packing has taken.
     void Clear() { m_scratch.Clear(); }
     const std::string& Error() const { return m_sError; }
 

@@ -10,6 +10,7 @@
 #include "container/ZRFxSystem.h"
 #include "container/ZRFxZipDirectory.h"
 #include "container/ZRFxZipStorage.h"
+#include "container/ZRZipAccessMode.h"
 
 namespace unstruct {
 
@@ -34,7 +35,7 @@ public:
     /// Takes a file as it was opened, and gives the storage that shows its last commit. False, with
     /// the cause in Error, when a writer is refused, or something cannot be read or put back; a
     /// later try finds what this one found.
-    bool Settle(std::unique_ptr<ZRFxAppendFile> pFile, ZRFxOpenMode eMode,
+    bool Settle(std::unique_ptr<ZRFxAppendFile> pFile, ZRZipAccessMode eMode,
                 std::unique_ptr<ZRFxZipStorage>* ppStorage);
     /// Removes the journal of what the file has replaced.
     static void RemoveBeside(const std::string& sPath, const ZRFxFile& file) noexcept;

@@ -6,7 +6,9 @@
 namespace unstruct {
 namespace {
 
-void Note(ZRFxArchiveChanges* pChanges, const std::string& sName, uint64_t nKept) {
+constexpr size_t kPrefetched = 8;
+
+void Note(ZRFxArchiveChanges* pChanges, std::string_view sName, uint64_t nKept) {
     const auto [change, bNew] = pChanges->kept.emplace(sName, nKept);
     if (!bNew) change->second = std::min(change->second, nKept);
 }
@@ -15,7 +17,7 @@ void Note(ZRFxArchiveChanges* pChanges, const std::string& sName, uint64_t nKept
 
 bool ZRFxOpenArchive::Take(ZRFxLastCommit* pCommit) {
     ZRFxArchiveChanges changes;
-    place = pCommit->Place();
+    last.place = pCommit->Place();
     sComment = std::move(pCommit->directory.sComment);
     table.Reserve(pCommit->directory.aEntries.size());
     TakeEntries(&pCommit->directory.aEntries, &changes);
@@ -27,8 +29,8 @@ bool ZRFxOpenArchive::TakeRecords(std::vector<ZRFxCommitRecord>* paRecords,
     const bool bTaken =
         std::all_of(paRecords->begin(), paRecords->end(),
                     [&](ZRFxCommitRecord& record) { return TakeRecord(&record, pChanges); });
-    nFirstNew = table.SlotCount();
-    asRemoved.clear();
+    next.nFirstNew = table.SlotCount();
+    next.asRemoved.clear();
     return bTaken;
 }
 
@@ -44,23 +46,23 @@ ZRFxArchiveItem* ZRFxOpenArchive::Add(std::unique_ptr<ZRFxArchiveItem> pItem, bo
 }
 
 void ZRFxOpenArchive::Remove(ZRFxArchiveItem* pItem) {
-    if (IsListed(*pItem)) asRemoved.push_back(pItem->entry.sName);
+    if (IsListed(*pItem)) next.asRemoved.emplace_back(std::string_view(pItem->entry.sName));
     Uncount(*pItem);
     if (pItem->pText) pItem->pText->bDropped = true;
     table.Remove(pItem);
-    bChanged = true;
+    next.bChanged = true;
 }
 
 void ZRFxOpenArchive::Count(const ZRFxArchiveItem& item) {
-    nLiveBytes += item.Span();
-    nDirectoryBytes += item.entry.sRecord.size();
-    nPendingBytes += item.packed.Length();
+    bytes.nLive += item.Span();
+    bytes.nDirectory += item.entry.sRecord.size();
+    bytes.nPending += item.packed.Length();
 }
 
 void ZRFxOpenArchive::Uncount(const ZRFxArchiveItem& item) {
-    nLiveBytes -= item.Span();
-    nDirectoryBytes -= item.entry.sRecord.size();
-    nPendingBytes -= item.packed.Length();
+    bytes.nLive -= item.Span();
+    bytes.nDirectory -= item.entry.sRecord.size();
+    bytes.nPending -= item.packed.Length();
 }
 
 ZRFxGrowingText* ZRFxOpenArchive::TextOf(ZRFxArchiveItem* pItem) {
@@ -79,7 +81,7 @@ void ZRFxOpenArchive::BecomeText(ZRFxArchiveItem* pItem, uint64_t nKept) {
     text.nLength = text.sText.size();
     text.nUnchanged = std::min(text.nUnchanged, nKept);
     text.bLoaded = text.bChanged = true;
-    // An entry that no commit knows, and a text that no entry begins, stand for themselves.
+    // Where no commit knows the entry, the text does not build on it and is stored whole.
     if (!IsListed(*pItem)) {
         Uncount(*pItem);
         pItem->packed.Clear();
@@ -87,7 +89,7 @@ void ZRFxOpenArchive::BecomeText(ZRFxArchiveItem* pItem, uint64_t nKept) {
         text.nUnchanged = 0;
     }
     pItem->ePlace = ZRFxArchiveItem::Place::kInRecords;
-    bChanged = true;
+    next.bChanged = true;
 }
 
 void ZRFxOpenArchive::NoteChangesSince(const ZRFxOpenArchive& earlier,
@@ -105,9 +107,9 @@ void ZRFxOpenArchive::NoteChangesSince(const ZRFxOpenArchive& earlier,
 void ZRFxOpenArchive::Compact() {
     if (!table.HasGaps()) return;
     size_t nCommitted = 0;
-    for (size_t i = 0; i < nFirstNew; ++i) nCommitted += table.At(i) ? 1 : 0;
+    for (size_t i = 0; i < next.nFirstNew; ++i) nCommitted += table.At(i) ? 1 : 0;
     table.Compact();
-    nFirstNew = nCommitted;
+    next.nFirstNew = nCommitted;
 }
 
 void ZRFxOpenArchive::Clear() {
@@ -150,6 +152,9 @@ bool ZRFxOpenArchive::TakeEdits(ZRFxCommitRecord* pRecord, ZRFxArchiveChanges* p
 void ZRFxOpenArchive::TakeEntries(std::vector<ZRFxZipEntry>* paEntries,
                                   ZRFxArchiveChanges* pChanges) {
     for (size_t i = 0; i < paEntries->size(); ++i) {
+        if (i + kPrefetched < paEntries->size()) {
+            table.Prefetch((*paEntries)[i + kPrefetched].sName);
+        }
         auto pItem = std::make_unique<ZRFxArchiveItem>();
         pItem->entry = std::move((*paEntries)[i]);
         pItem->nIndex = i;

@@ -1,7 +1,6 @@
 #include "container/ZRFxZipArchive.h"
 
 #include <algorithm>
-#include <atomic>
 #include <cstring>
 #include <exception>
 #include <new>
@@ -9,6 +8,7 @@
 
 #include "container/ZRFxAppendFile.h"
 #include "container/ZRFxArchiveCommit.h"
+#include "container/ZRFxDocumentTexts.h"
 #include "container/ZRFxOldJournal.h"
 
 namespace unstruct {
@@ -16,20 +16,15 @@ namespace {
 
 using Place = ZRFxArchiveItem::Place;
 
-// Documents are replaced more often than data, these with nearly every commit.
+// Documents are replaced more often than data, some of them with nearly every commit.
 enum DocumentKind { kNoDocument, kDocument, kOfEveryCommit };
 
-DocumentKind KindOf(const std::string& sName) {
+DocumentKind KindOf(std::string_view sName) {
     if (sName == "ZRF.xml" || sName.ends_with("-TOC.xml")) return kOfEveryCommit;
     return sName.ends_with(".xml") ? kDocument : kNoDocument;
 }
 
-uint64_t NewRevision() {
-    static std::atomic<uint64_t> nLast{0};
-    return ++nLast;
-}
-
-// How many bytes two texts begin with alike.
+// The length of what two texts have in common at their start.
 uint64_t CommonLength(std::string_view s, std::string_view t) {
     const auto differing = std::mismatch(s.begin(), s.end(), t.begin(), t.end());
     return static_cast<uint64_t>(differing.first - s.begin());
@@ -41,7 +36,7 @@ ZRFxZipArchive::ZRFxZipArchive() : m_pOpen(std::make_unique<ZRFxOpenArchive>()) 
 
 ZRFxZipArchive::~ZRFxZipArchive() = default;
 
-bool ZRFxZipArchive::Open(const std::string& sPath, ZRFxOpenMode eMode) {
+bool ZRFxZipArchive::Open(const std::string& sPath, ZRZipAccessMode eMode) {
     return Guarded({}, [&] {
         if (IsOpen()) return Fail({}, "another archive is open");
         m_sArchive = sPath;
@@ -50,30 +45,31 @@ bool ZRFxZipArchive::Open(const std::string& sPath, ZRFxOpenMode eMode) {
     });
 }
 
-bool ZRFxZipArchive::Open(ZRFxZipMemFile* pFile, ZRFxOpenMode eMode) {
+bool ZRFxZipArchive::Open(ZRFxZipMemFile* pFile, ZRZipAccessMode eMode) {
     return Guarded({}, [&] {
         if (IsOpen()) return Fail({}, "another archive is open");
         m_sArchive = "archive in memory";
         m_sPath.clear();
         std::unique_ptr<ZRFxOpenArchive> pOpen;
-        return OpenStorage(std::make_unique<ZRFxMemStorage>(pFile, eMode == ZRFxOpenMode::kCreate),
-                           eMode, &pOpen) &&
+        return OpenStorage(
+                   std::make_unique<ZRFxMemStorage>(pFile, eMode == ZRZipAccessMode::CREATE), eMode,
+                   &pOpen) &&
                Take(std::move(pOpen));
     });
 }
 
 bool ZRFxZipArchive::HasUncommitted() const {
-    return IsOpen() && !IsReadOnly() && (m_pOpen->bChanged || m_pOpen->pStream);
+    return IsOpen() && !IsReadOnly() && (m_pOpen->next.bChanged || m_pOpen->pStream);
 }
 
 uint64_t ZRFxZipArchive::Length() const {
-    return IsOpen() ? m_pOpen->pStorage->Position() + m_pOpen->nPendingBytes : 0;
+    return IsOpen() ? m_pOpen->pStorage->Position() + m_pOpen->bytes.nPending : 0;
 }
 
 bool ZRFxZipArchive::Commit() {
     return Guarded({}, [&] {
         if (!CheckWritable({})) return false;
-        return !m_pOpen->bChanged || CommitNow(false);
+        return !m_pOpen->next.bChanged || CommitNow(false);
     });
 }
 
@@ -81,8 +77,9 @@ bool ZRFxZipArchive::Close() {
     return Guarded({}, [&] {
         if (!IsOpen()) return Fail({}, "the archive is not open");
         if (m_pOpen->pStream && !CloseEntry()) return false;
-        // A state that ends with a record, or with what a killed writer left, is put in order.
-        const bool bCommits = m_pOpen->bCommitted || !m_pOpen->IsOrdinary();
+        // A file that ends with a record, or with what a killed writer left, becomes an ordinary
+        // one.
+        const bool bCommits = m_pOpen->last.bOwn || !m_pOpen->IsOrdinary();
         if (!IsReadOnly() && bCommits && !CommitNow(true)) return false;
         Reset();
         return true;
@@ -94,15 +91,15 @@ bool ZRFxZipArchive::CloseAs(const std::string& sPath) {
         if (!CheckWritable({})) return false;
         if (m_pOpen->pStream && !CloseEntry()) return false;
         auto pFile = std::make_unique<ZRFxAppendFile>();
-        if (!pFile->Open(sPath, ZRFxOpenMode::kCreate)) {
+        if (!pFile->Open(sPath, ZRZipAccessMode::CREATE)) {
             return Fail({}, "'" + sPath + "': " + pFile->Error());
         }
         if (!pFile->IsNew()) return Fail({}, "'" + sPath + "' exists");
         ZRFxArchiveCommit commit(m_pOpen.get(), &m_packer, &m_reader, &m_codec, &m_cipher);
         if (!LoadTexts()) return false;
         const bool bWritten = Guarded({}, [&] { return commit.WriteAnew(std::move(pFile)); });
-        // It may be the new file from here on, only not yet confirmed.
-        m_reader.Open(m_pOpen->pStorage.get(), m_pOpen->place.nBase);
+        // The archive may be in the new file from here on, only not confirmed yet.
+        m_reader.Open(m_pOpen->pStorage.get(), m_pOpen->last.place.nBase);
         if (!bWritten) return Fail({}, "'" + sPath + "': " + commit.Error());
         Reset();
         return true;
@@ -122,11 +119,11 @@ bool ZRFxZipArchive::Refresh(ZRFxArchiveChanges* pChanges) {
         if (!storage.Extend()) return Reopen(pChanges);
         const bool bRefreshed = Guarded({}, [&] {
             ZRFxLastCommit last(&m_codec);
-            return (last.LoadSince(&storage, &m_pOpen->place) || Fail({}, last.Error())) &&
+            return (last.LoadSince(&storage, &m_pOpen->last.place) || Fail({}, last.Error())) &&
                    RefreshFrom(&last, pChanges);
         });
-        m_pOpen->pStorage->CutTo(m_pOpen->place.nEnd);
-        m_reader.Open(m_pOpen->pStorage.get(), m_pOpen->place.nBase);
+        m_pOpen->pStorage->CutTo(m_pOpen->last.place.nEnd);
+        m_reader.Open(m_pOpen->pStorage.get(), m_pOpen->last.place.nBase);
         return bRefreshed;
     });
 }
@@ -145,12 +142,19 @@ size_t ZRFxZipArchive::EntryCount() {
 }
 
 ZRFxZipArchive::EntryInfo ZRFxZipArchive::EntryAt(size_t nIndex) {
-    m_pOpen->Compact();
     EntryInfo info;
-    if (nIndex < m_pOpen->table.SlotCount()) {
-        Guarded({}, [&] { return Describe(*m_pOpen->table.At(nIndex), &info); });
-    }
+    GetEntry(nIndex, &info);
     return info;
+}
+
+bool ZRFxZipArchive::GetEntry(size_t nIndex, EntryInfo* pInfo) {
+    return nIndex < EntryCount() &&
+           Guarded({}, [&] { return Describe(*m_pOpen->table.At(nIndex), pInfo); });
+}
+
+std::string_view ZRFxZipArchive::NameAt(size_t nIndex) {
+    return nIndex < EntryCount() ? std::string_view(m_pOpen->table.At(nIndex)->entry.sName)
+                                 : std::string_view();
 }
 
 int64_t ZRFxZipArchive::IndexOf(std::string_view sName) const {
@@ -188,21 +192,8 @@ bool ZRFxZipArchive::Grow(std::string_view sName, uint64_t nKept, std::string_vi
                           int nLevel, uint64_t* pRevision) {
     return Guarded(sName, [&] {
         if (!CheckWritable(sName) || !CheckName(sName) || !LoadTexts()) return false;
-        Item* pItem = FindItem(sName);
-        if (!pItem && nKept > 0) return Fail(sName, "no such entry");
-        if (pItem && nKept > 0 && !LoadForGrowth(pItem)) return false;
-        if (!pItem) pItem = AddDocument(sName, sTail.size());
-        ZRFxGrowingText& text = *m_pOpen->TextOf(pItem);
-        if (nKept > text.sText.size()) return Fail(sName, "the document is shorter");
-        text.sText.reserve(static_cast<size_t>(nKept) + sTail.size());
-        text.sText.resize(static_cast<size_t>(nKept));
-        text.sText.append(sTail);
-        text.sError.clear();
-        text.nLevel = nLevel;
-        text.nRevision = NewRevision();
-        m_pOpen->BecomeText(pItem, nKept);
-        *pRevision = pItem->pText->nRevision;
-        return true;
+        ZRFxDocumentTexts texts(m_pOpen.get(), &m_reader, &m_codec, &m_cipher);
+        return texts.Grow(sName, nKept, sTail, nLevel, pRevision) || Fail(sName, texts.Error());
     });
 }
 
@@ -285,7 +276,7 @@ bool ZRFxZipArchive::CloseEntry() {
 
 bool ZRFxZipArchive::Probe(const std::string& sPath, std::string_view sName) {
     ZRFxZipArchive archive;
-    return archive.Open(sPath, ZRFxOpenMode::kReadOnly) && archive.Contains(sName);
+    return archive.Open(sPath, ZRZipAccessMode::READ_ONLY) && archive.Contains(sName);
 }
 
 // Runs the operation and turns what the standard library throws into a failure.
@@ -314,7 +305,7 @@ bool ZRFxZipArchive::Fail(std::string_view sName, std::string_view sCause) {
     return false;
 }
 
-bool ZRFxZipArchive::OpenFile(const std::string& sPath, ZRFxOpenMode eMode,
+bool ZRFxZipArchive::OpenFile(const std::string& sPath, ZRZipAccessMode eMode,
                               std::unique_ptr<ZRFxOpenArchive>* ppOpen) {
     auto pFile = std::make_unique<ZRFxAppendFile>();
     if (!pFile->Open(sPath, eMode)) return Fail({}, pFile->Error());
@@ -325,28 +316,28 @@ bool ZRFxZipArchive::OpenFile(const std::string& sPath, ZRFxOpenMode eMode,
     return OpenStorage(std::move(pStorage), eMode, ppOpen);
 }
 
-bool ZRFxZipArchive::OpenStorage(std::unique_ptr<ZRFxZipStorage> pStorage, ZRFxOpenMode eMode,
+bool ZRFxZipArchive::OpenStorage(std::unique_ptr<ZRFxZipStorage> pStorage, ZRZipAccessMode eMode,
                                  std::unique_ptr<ZRFxOpenArchive>* ppOpen) {
     auto pOpen = std::make_unique<ZRFxOpenArchive>();
     ZRFxLastCommit last(&m_codec);
     if (!last.Load(pStorage.get())) return Fail({}, last.Error());
-    pOpen->bTorn = last.Place().nEnd < pStorage->Size();
+    pOpen->last.bTorn = last.Place().nEnd < pStorage->Size();
     if (!pOpen->Take(&last)) return Fail({}, "damaged commit record");
-    if (eMode == ZRFxOpenMode::kUpdate && pOpen->table.HasOverlaps()) {
+    if (eMode == ZRZipAccessMode::UPDATE && pOpen->table.HasOverlaps()) {
         return Fail({}, "entries overlap, the archive cannot be changed");
     }
-    pStorage->CutTo(pOpen->place.nEnd);
+    pStorage->CutTo(pOpen->last.place.nEnd);
     pOpen->pStorage = std::move(pStorage);
-    pOpen->bReadOnly = eMode == ZRFxOpenMode::kReadOnly;
-    pOpen->bChanged = eMode == ZRFxOpenMode::kCreate;
-    if (!pOpen->bReadOnly) pOpen->run = ZRFxCommitRecord::NewRun();
+    pOpen->bReadOnly = eMode == ZRZipAccessMode::READ_ONLY;
+    pOpen->next.bChanged = eMode == ZRZipAccessMode::CREATE;
+    if (!pOpen->bReadOnly) pOpen->next.run = ZRFxCommitRecord::NewRun();
     *ppOpen = std::move(pOpen);
     return true;
 }
 
 bool ZRFxZipArchive::Take(std::unique_ptr<ZRFxOpenArchive> pOpen) {
     m_pOpen = std::move(pOpen);
-    m_reader.Open(m_pOpen->pStorage.get(), m_pOpen->place.nBase);
+    m_reader.Open(m_pOpen->pStorage.get(), m_pOpen->last.place.nBase);
     return true;
 }
 
@@ -381,12 +372,12 @@ bool ZRFxZipArchive::Describe(const Item& item, EntryInfo* pInfo) const {
     pInfo->nPackedSize = entry.nPackedSize - std::min(entry.nPackedSize, nOverhead);
     pInfo->nMethod = entry.nMethod;
     pInfo->bEncrypted = entry.eEncryption != ZRFxZipEntry::Encryption::kNone;
-    // What a text takes in commit records is not known apart from what else they hold.
+    // How much of its commit records a text takes is not known.
     if (item.ePlace == Place::kInRecords) pInfo->nSize = pInfo->nPackedSize = item.pText->nLength;
     return true;
 }
 
-// Packs the entry and puts it where it waits for the commit.
+// Packs the entry and stores it until the commit, in the file or in memory.
 bool ZRFxZipArchive::MakeItem(std::string_view sName, const void* pData, uint64_t nSize, int nLevel,
                               ItemPtr* ppItem) {
     if (nSize > m_packer.MaxLength()) return Fail(sName, "the entry is larger than 4 GiB");
@@ -401,7 +392,7 @@ bool ZRFxZipArchive::MakeItem(std::string_view sName, const void* pData, uint64_
     const bool bPlaced = GoesToFile(pItem->entry) ? WriteNow(pItem.get(), pPacked)
                                                   : KeepPending(pItem.get(), pPacked);
     if (!bPlaced) return false;
-    m_pOpen->bChanged = true;
+    m_pOpen->next.bChanged = true;
     *ppItem = std::move(pItem);
     return true;
 }
@@ -409,7 +400,7 @@ bool ZRFxZipArchive::MakeItem(std::string_view sName, const void* pData, uint64_
 bool ZRFxZipArchive::GoesToFile(const ZRFxZipEntry& entry) const {
     const DocumentKind eKind = KindOf(entry.sName);
     if (eKind != kDocument) return eKind == kNoDocument;
-    return m_pOpen->nPendingBytes + entry.nPackedSize > m_nPendingLimit;
+    return m_pOpen->bytes.nPending + entry.nPackedSize > m_nPendingLimit;
 }
 
 bool ZRFxZipArchive::KeepPending(Item* pItem, const uint8_t* pPacked) {
@@ -428,94 +419,13 @@ bool ZRFxZipArchive::WriteNow(Item* pItem, const uint8_t* pPacked) {
            Fail(entry.sName, m_packer.Error());
 }
 
-// A document that is an entry so far is read.
-bool ZRFxZipArchive::LoadForGrowth(Item* pItem) {
-    if (pItem->pText && pItem->pText->bLoaded) {
-        return pItem->pText->sError.empty() || Fail(pItem->entry.sName, pItem->pText->sError);
-    }
-    ZRFxZipRawData raw;
-    if (!ReadItem(*pItem, &raw)) return false;
-    std::string sText(raw.Buffer(), raw.Buffer() + raw.Length());
-    ZRFxGrowingText& text = *m_pOpen->TextOf(pItem);
-    text.sText.swap(sText);
-    text.bLoaded = true;
-    return true;
-}
-
-// With room for its first text, so that it is not left without one.
-ZRFxArchiveItem* ZRFxZipArchive::AddDocument(std::string_view sName, size_t nLength) {
-    auto pText = std::make_shared<ZRFxGrowingText>();
-    pText->sName = sName;
-    pText->sText.reserve(nLength);
-    auto pNew = std::make_unique<Item>();
-    pNew->entry.sName = sName;
-    pNew->ePlace = Place::kInRecords;
-    pNew->pText = pText;
-    m_pOpen->table.MakeRoom();
-    m_pOpen->apTexts.push_back(std::move(pText));
-    return m_pOpen->Add(std::move(pNew));
-}
-
-// Puts what records have appended to the texts, all of them at once. A record whose tails are put
-// names no texts any more.
 bool ZRFxZipArchive::LoadTexts() {
-    for (ZRFxOpenArchive::UnreadRecord& unread : m_pOpen->aUnread) {
-        if (!unread.apTexts.empty() && !LoadTails(&unread)) return false;
-    }
-    m_pOpen->aUnread.clear();
-    return true;
-}
-
-// Puts the tails of a record to all of its texts or, where memory runs out, to none.
-bool ZRFxZipArchive::LoadTails(ZRFxOpenArchive::UnreadRecord* pUnread) {
-    auto& [record, apTexts] = *pUnread;
-    std::string sTails;
-    if (!record.GetTails(&m_codec, &m_cipher, &sTails)) return Fail({}, record.Error());
-    for (size_t i = 0; i < apTexts.size(); ++i) Prepare(record.aEdits[i], apTexts[i].get());
-    uint64_t nAt = 0;
-    for (size_t i = 0; i < apTexts.size(); ++i) {
-        const ZRFxCommitRecord::Edit& edit = record.aEdits[i];
-        Apply(edit, std::string_view(sTails).substr(static_cast<size_t>(nAt)), apTexts[i].get());
-        nAt += edit.nTail;
-    }
-    apTexts.clear();
-    return true;
-}
-
-// Takes all the memory that the edit needs. A text that cannot be had stays so until an edit begins
-// it anew; what its entry declares is not believed.
-void ZRFxZipArchive::Prepare(const ZRFxCommitRecord::Edit& edit, ZRFxGrowingText* pText) {
-    if (pText->bDropped) return;
-    if (edit.nKept > 0 && !pText->bLoaded && !LoadText(pText)) pText->sError = m_reader.Error();
-    pText->bLoaded = true;
-    if (edit.nKept > 0 && !pText->sError.empty()) return;
-    if (edit.nKept > pText->sText.size()) {
-        pText->sError = "damaged commit record";
-        return;
-    }
-    pText->sText.reserve(static_cast<size_t>(edit.nKept + edit.nTail));
-}
-
-// sTails begins with what the edit adds. Allocates nothing.
-void ZRFxZipArchive::Apply(const ZRFxCommitRecord::Edit& edit, std::string_view sTails,
-                           ZRFxGrowingText* pText) {
-    if (edit.nKept == 0) pText->sError.clear();
-    if (pText->bDropped || !pText->sError.empty()) return;
-    pText->sText.resize(static_cast<size_t>(edit.nKept));
-    pText->sText.append(sTails.substr(0, static_cast<size_t>(edit.nTail)));
-}
-
-// The entry that a text has outgrown.
-bool ZRFxZipArchive::LoadText(ZRFxGrowingText* pText) {
-    const Item* pItem = FindItem(pText->sName);
-    ZRFxZipRawData raw;
-    if (!pItem || !pItem->HasEntry() || !m_reader.Read(*pItem, &raw)) return false;
-    pText->sText.assign(raw.Buffer(), raw.Buffer() + raw.Length());
-    return true;
+    ZRFxDocumentTexts texts(m_pOpen.get(), &m_reader, &m_codec, &m_cipher);
+    return texts.Load() || Fail({}, texts.Error());
 }
 
 bool ZRFxZipArchive::ReadItem(const Item& item, ZRFxZipRawData* pRaw) {
-    const std::string& sName = item.entry.sName;
+    const std::string_view sName = item.entry.sName;
     if (item.ePlace != Place::kInRecords) {
         return m_reader.Read(item, pRaw) || Fail(sName, m_reader.Error());
     }
@@ -532,19 +442,19 @@ bool ZRFxZipArchive::CommitNow(bool bClosing) {
     ZRFxArchiveCommit commit(m_pOpen.get(), &m_packer, &m_reader, &m_codec, &m_cipher);
     const bool bCommitted =
         Guarded({}, [&] { return commit.Run(bClosing) || Fail({}, commit.Error()); });
-    m_reader.Open(m_pOpen->pStorage.get(), m_pOpen->place.nBase);
+    m_reader.Open(m_pOpen->pStorage.get(), m_pOpen->last.place.nBase);
     return bCommitted;
 }
 
 bool ZRFxZipArchive::RefreshFrom(ZRFxLastCommit* pCommit, ZRFxArchiveChanges* pChanges) {
     ZRFxOpenArchive& open = *m_pOpen;
     const ZRFxCommitPlace place = pCommit->Place();
-    pChanges->bAny = place.nEnd != open.place.nEnd;
+    pChanges->bAny = place.nEnd != open.last.place.nEnd;
     if (pCommit->IsSince()) {
         if (!open.TakeRecords(&pCommit->aRecords, pChanges)) {
             return Fail({}, "damaged commit record");
         }
-        open.place = place;
+        open.last.place = place;
         return true;
     }
     auto pNew = std::make_unique<ZRFxOpenArchive>();
@@ -569,8 +479,8 @@ bool ZRFxZipArchive::RefreshFrom(ZRFxLastCommit* pCommit, ZRFxArchiveChanges* pC
 bool ZRFxZipArchive::Reopen(ZRFxArchiveChanges* pChanges) {
     if (m_sPath.empty()) return Fail({}, m_pOpen->pStorage->Error());
     std::unique_ptr<ZRFxOpenArchive> pOpen;
-    if (!OpenFile(m_sPath, ZRFxOpenMode::kReadOnly, &pOpen)) return false;
-    // A new file that has no content yet: what was there is shown until there is.
+    if (!OpenFile(m_sPath, ZRZipAccessMode::READ_ONLY, &pOpen)) return false;
+    // As long as the new file has no content, what was there is shown.
     if (pOpen->table.SlotCount() == 0) return true;
     pChanges->bAny = pChanges->bReplaced = true;
     return Take(std::move(pOpen));

@@ -8,8 +8,6 @@
 
 namespace unstruct {
 
-enum class ZRFxOpenMode { kUpdate = 0, kReadOnly = 1, kCreate = 2 };
-
 enum class ZRFxCommitResult {
     kDone,
     /// Nothing of the commit holds; every opener sees the last committed state.
@@ -68,7 +66,7 @@ protected:
     bool m_bReadFailed = false;
 };
 
-/// Takes back what was written from its making on, unless it is told to keep it.
+/// Takes back what was written since it was made, unless `Keep` is called.
 class ZRFxRewind {
 public:
     explicit ZRFxRewind(ZRFxZipStorage* pStorage)

@@ -7,14 +7,15 @@
 #include <string>
 #include <utility>
 
-#include "ZRMakeRoom.h"
+#include "access/ZRFxListDocument.h"
+#include "access/ZROZRFxAccess.h"
+#include "database/ZRFxBlockFinder.h"
+#include "database/ZRFxTableOfContents.h"
 #include "documents/ZRFxXml.h"
 #include "nvf/Assert.h"
 
 namespace unstruct {
 namespace {
-
-constexpr const char* kTOCName = "Database-TOC.xml";
 
 ZRString folderOf(int id) {
     char folder[32];
@@ -25,12 +26,13 @@ ZRString folderOf(int id) {
 // Where a block of an id stands, or would be inserted, among blocks sorted by id.
 template <typename BlockArray>
 auto positionOf(BlockArray& blocks, int id) {
+    if (blocks.empty() || blocks.back()->GetID() < id) return blocks.end();
     return std::lower_bound(blocks.begin(), blocks.end(), id,
                             [](const auto& block, int wanted) { return block->GetID() < wanted; });
 }
 
-// The data files that an element and those below it record, as far as they are named as the files
-// of the block are: a document may refer to the files of another block, which stay.
+// The data files that an element and those below it record, if they are named like files of the
+// block: a document may refer to files of another block, which stay.
 void collectFiles(const nvf::XmlElement& element, const ZRString& base, ZRStringArray* names) {
     for (const char* attribute : {"Filename", "IDs"}) {
         const ZRString name = GetAttribute(element, attribute);
@@ -42,63 +44,22 @@ void collectFiles(const nvf::XmlElement& element, const ZRString& base, ZRString
     }
 }
 
-bool isBlockDocument(const ZRString& entry) {
-    const ZRString name = entry.FileName().ToLower();
-    return name.Extension() == ".xml" && name != "database.xml" && name != "database-toc.xml";
+// By id, so that each entry is added after the last one, whatever the order of the lines.
+std::vector<const ZRFxBlockLine*> sorted(const std::vector<ZRFxBlockLine>& lines,
+                                         std::size_t first) {
+    std::vector<const ZRFxBlockLine*> result;
+    result.reserve(lines.size() - first);
+    for (std::size_t i = first; i < lines.size(); ++i) result.push_back(&lines[i]);
+    std::stable_sort(result.begin(), result.end(),
+                     [](const ZRFxBlockLine* a, const ZRFxBlockLine* b) { return a->id < b->id; });
+    return result;
 }
 
 }  // namespace
 
-bool ZRFxDatabase::TOC::Enter(const BlockLine& line) {
-    const BlockKey key(ZRFxBlockTypeFromName(line.typeName), line.id);
-    const auto found = m_indices.find(key);
-    if (found == m_indices.end()) {
-        BlockLine added = line;
-        MakeRoom(&m_lines);
-        m_indices.emplace(key, m_lines.size());
-        m_lines.push_back(std::move(added));
-        return true;
-    }
-    BlockLine& entered = m_lines[found->second];
-    if (entered.fileName == line.fileName) return false;
-    entered.fileName = line.fileName;
-    m_document.Touch(static_cast<std::int64_t>(found->second));
-    return true;
-}
+ZRFxDatabase::ZRFxDatabase(ZRFxAccess* pAccess) : ZRFxBlockStore(pAccess) {}
 
-bool ZRFxDatabase::TOC::Remove(const BlockKey& key) {
-    const auto found = m_indices.find(key);
-    if (found == m_indices.end()) return false;
-    const std::size_t removed = found->second;
-    m_lines.erase(m_lines.begin() + static_cast<std::ptrdiff_t>(removed));
-    m_indices.erase(found);
-    for (auto& [other, index] : m_indices) index -= index > removed ? 1 : 0;
-    m_document.Touch(static_cast<std::int64_t>(removed));
-    return true;
-}
-
-bool ZRFxDatabase::TOC::Store(ZRFxAccess* pAccess, const ZRString& name) {
-    return m_document.Store(pAccess, name, *this);
-}
-
-nvf::XmlElement ZRFxDatabase::TOC::WriteHead(nvf::XmlDocument* pDoc) const {
-    nvf::XmlElement root = pDoc->createRootElement("DatabaseTOC", kNamespaceUri);
-    root.setAttributeInt("DatabaseID", m_databaseId);
-    return root;
-}
-
-void ZRFxDatabase::TOC::WriteItem(nvf::XmlElement root, std::int64_t index) const {
-    const BlockLine& line = m_lines[static_cast<std::size_t>(index)];
-    nvf::XmlElement element = root.addChildElement(line.typeName.CStr());
-    element.setAttributeInt("ID", line.id);
-    SetAttribute(element, "File", line.fileName);
-}
-
-std::int64_t ZRFxDatabase::TOC::GetItemCount() const {
-    return static_cast<std::int64_t>(m_lines.size());
-}
-
-ZRFxDatabase::ZRFxDatabase(ZRFxAccess* pAccess) : ZRFxDataFolder(pAccess) {}
+ZRFxDatabase::~ZRFxDatabase() = default;
 
 bool ZRFxDatabase::Create(const ZRString& name, int id, const ZRString& sourceName,
                           ZRFEMSimulationType simulationType, ZRFEMSolutionType solutionType,
@@ -122,7 +83,7 @@ bool ZRFxDatabase::Create(const ZRString& name, int id, const ZRString& sourceNa
     if (!GetAccess()->AddDatabase(*CreateDescription(), HasLeftDescription())) {
         return Log().fail("Error adding database.");
     }
-    m_bTOCModified = true;
+    m_pTOC->SetModified(true);
     return true;
 }
 
@@ -148,9 +109,9 @@ bool ZRFxDatabase::Refresh(const ZRFxArchiveChanges& changes) {
     const bool isDescriptionChanged =
         GetAccess()->GetDatabaseByID(m_iID, &info) && changes.kept.count(info.path.Bytes()) > 0;
     if (isDescriptionChanged && !ParseDescription(info)) return false;
-    const ZRString toc = EntryName(kTOCName);
+    const ZRString toc = EntryName(ZRFxTableOfContents::kName);
     const auto change = changes.kept.find(toc.Bytes());
-    // One that was not there when the blocks were found in the folder is new.
+    // It is new if the blocks were found in the folder before.
     const bool isNew = !m_bHasTOC && GetAccess()->Contains(toc);
     const bool isChanged = isNew || change != changes.kept.end();
     if (isChanged && !RefreshTOC(isNew ? 0 : change->second)) return false;
@@ -160,33 +121,38 @@ bool ZRFxDatabase::Refresh(const ZRFxArchiveChanges& changes) {
 bool ZRFxDatabase::WriteTOC() {
     NVF_ASSERT(m_pTOC);
     if (!m_pTOC || !GetAccess()) return false;
-    if (!m_pTOC->Store(GetAccess(), EntryName(kTOCName))) {
+    if (!m_pTOC->Store(GetAccess(), EntryName(ZRFxTableOfContents::kName))) {
         return Log().fail("Cannot write Database TOC to archive.");
     }
-    m_bTOCModified = false;
     return true;
 }
 
-bool ZRFxDatabase::WriteBlock(const ZRString& typeName, int id, const ZRString& fileName,
+bool ZRFxDatabase::IsTOCModified() const {
+    return m_pTOC && m_pTOC->IsModified();
+}
+
+bool ZRFxDatabase::StoreBlock(const ZRString& typeName, int id, const ZRString& fileName,
                               const nvf::XmlDocument& xmlDoc, bool overwrite) {
-    const bool isBlock = id >= 0 && ZRFxBlock::IsStored(ZRFxBlockTypeFromName(typeName));
+    const int type = ZRFxBlockTypeFromName(typeName);
+    const bool isBlock = id >= 0 && ZRFxBlock::IsStored(type);
     if (!isBlock || !GetAccess() || !GetAccess()->WriteXmlFile(fileName, xmlDoc, overwrite)) {
         return Log().fail("Error writing block xml file (type '%1' ID %2)", typeName, id);
     }
-    EnterInTOC({typeName, id, fileName});
+    const ZRFxBlockLine line{type, id, fileName};
+    EnterInTOC(line);
     bool isReplaced = false;
-    return AddBlock(CreateEntry(ZRFxBlockTypeFromName(typeName), id, fileName).p(), &isReplaced);
+    return AddBlock(CreateEntry(line).p(), &isReplaced);
 }
 
-bool ZRFxDatabase::WriteListBlock(const ZRFxBlock& block, const ZRString& fileName,
+bool ZRFxDatabase::StoreListBlock(const ZRFxBlock& block, const ZRString& fileName,
                                   const ZRFxListContent& content, ZRFxListDocument* document) {
-    const ZRString typeName = ZRFxBlockTypeName(block.GetType());
     // A block that the database has already takes no memory once its document is stored.
-    const BlockLine line{typeName, block.GetID(), fileName};
-    const nvf::ref<ZRFxBlock> entry = CreateEntry(block.GetType(), block.GetID(), fileName);
+    PrepareTOC();
+    const ZRFxBlockLine line{block.GetType(), block.GetID(), fileName};
+    const nvf::ref<ZRFxBlock> entry = CreateEntry(line);
     if (block.GetID() < 0 || !GetAccess() || !document->Store(GetAccess(), fileName, content)) {
-        return Log().fail("Error writing block xml file (type '%1' ID %2)", typeName,
-                          block.GetID());
+        return Log().fail("Error writing block xml file (type '%1' ID %2)",
+                          ZRFxBlockTypeName(block.GetType()), block.GetID());
     }
     EnterInTOC(line);
     bool isReplaced = false;
@@ -210,7 +176,7 @@ bool ZRFxDatabase::RemoveBlockFiles(const ZRFxBlock& block) {
 void ZRFxDatabase::RemoveBlock(const ZRFxBlock& block) {
     if (!GetAccess() || !GetAccess()->IsOpen() || GetAccess()->IsReadOnly()) return;
     RemoveEntry(block);
-    // Without its line a file is part of nothing.
+    // Files without a line in the table of contents belong to no block.
     try {
         ZRStringArray files;
         GetAccess()->FindFilesOfBase(EntryName(block.GetFilebase()), &files);
@@ -222,7 +188,7 @@ void ZRFxDatabase::RemoveBlock(const ZRFxBlock& block) {
 }
 
 void ZRFxDatabase::RemoveEntry(const ZRFxBlock& block) {
-    if (m_pTOC && m_pTOC->Remove({block.GetType(), block.GetID()})) m_bTOCModified = true;
+    if (m_pTOC) m_pTOC->Remove(block.GetType(), block.GetID());
     if (!GetBlockByID(block.GetType(), block.GetID())) return;
     BlockArray& blocks = m_apBlocks[static_cast<std::size_t>(block.GetType())];
     blocks.erase(positionOf(blocks, block.GetID()));
@@ -264,7 +230,7 @@ ZRFxBlock* ZRFxDatabase::GetBlockByID(int type, int id) const {
 
 nvf::ref<ZRFxBlock> ZRFxDatabase::OpenBlock(int type, int id) {
     const ZRFxBlock* entry = GetBlockByID(type, id);
-    return entry ? CreateEntry(type, id, entry->GetFileName()) : nullptr;
+    return entry ? CreateEntry({type, id, entry->GetFileName()}) : nullptr;
 }
 
 int ZRFxDatabase::GetNumBlocks() const {
@@ -307,7 +273,7 @@ bool ZRFxDatabase::FailID(int id) const {
     return Log().fail("Invalid Database ID %1 specified", id);
 }
 
-// A description of the id, which is not registered, is left of an attempt that failed.
+// Whether a failed attempt has left a description of this id, which is not registered.
 bool ZRFxDatabase::HasLeftDescription() const {
     ZRFxZipRawData raw;
     nvf::XmlDocument doc;
@@ -317,12 +283,17 @@ bool ZRFxDatabase::HasLeftDescription() const {
 }
 
 void ZRFxDatabase::StartTOC() {
-    m_pTOC = std::make_unique<TOC>(m_iID);
+    m_pTOC = std::make_unique<ZRFxTableOfContents>(m_iID);
 }
 
-void ZRFxDatabase::EnterInTOC(const BlockLine& line) {
+void ZRFxDatabase::PrepareTOC() {
     if (!m_pTOC) StartTOC();
-    if (m_pTOC->Enter(line)) m_bTOCModified = true;
+    m_pTOC->PrepareToEnter();
+}
+
+void ZRFxDatabase::EnterInTOC(const ZRFxBlockLine& line) {
+    PrepareTOC();
+    m_pTOC->Enter(line);
 }
 
 void ZRFxDatabase::Clear() {
@@ -355,92 +326,64 @@ bool ZRFxDatabase::ParseDescription(const ZRFxDatabaseInfo& info) {
 
 bool ZRFxDatabase::ParseBlocks() {
     StartTOC();
-    m_bHasTOC = GetAccess()->Contains(EntryName(kTOCName));
-    std::vector<BlockLine> lines;
-    if (m_bHasTOC) {
-        if (!ParseTOC(ZRFxParseMode::STRICT, &lines)) return false;
-        m_bTOCModified = false;
-        return AddParsedBlocks(lines, "Error reading block meta data.");
-    }
-    return ParseFolder(ZRFxParseMode::STRICT, &lines) &&
-           AddParsedBlocks(lines, "Error reading block meta data (type '%1', ID %2)");
+    m_bHasTOC = GetAccess()->Contains(EntryName(ZRFxTableOfContents::kName));
+    ZRFxBlockFinder finder(*this, ZRFxParseMode::STRICT);
+    if (!(m_bHasTOC ? finder.FindInTOC(m_iID) : finder.FindInFolder())) return false;
+    m_pTOC->Append(finder.TakeLines());
+    if (m_bHasTOC) m_pTOC->SetModified(false);
+    return AddNewBlocks(0, m_bHasTOC ? "Error reading block meta data."
+                                     : "Error reading block meta data (type '%1', ID %2)");
 }
 
-// Every step has said what did not fit.
+// Every step has reported what did not fit.
 bool ZRFxDatabase::ParseWhatFits(const ZRFxDatabaseInfo& info) {
     if (!ParseDescription(info)) {
         m_iID = info.id;
         SetFolder(info.folder);
     }
     StartTOC();
-    std::vector<BlockLine> lines;
-    const bool hasTOC = GetAccess()->Contains(EntryName(kTOCName));
-    if (!hasTOC || !ParseTOC(ZRFxParseMode::LENIENT, &lines)) {
-        ParseFolder(ZRFxParseMode::LENIENT, &lines);
-    }
-    m_bTOCModified = false;
-    AddAllBlocks(lines);
+    ZRFxBlockFinder finder(*this, ZRFxParseMode::LENIENT);
+    const bool hasTOC = GetAccess()->Contains(EntryName(ZRFxTableOfContents::kName));
+    if (!hasTOC || !finder.FindInTOC(m_iID)) finder.FindInFolder();
+    m_pTOC->Append(finder.TakeLines());
+    m_pTOC->SetModified(false);
+    AddAllBlocks();
     return true;
 }
 
-bool ZRFxDatabase::ParseTOC(ZRFxParseMode mode, std::vector<BlockLine>* lines) {
-    nvf::XmlDocument doc;
-    if (!GetAccess()->InternalReadXmlFile(EntryName(kTOCName), LogMode::LOG, &doc)) {
-        return Log().fail("Cannot find database TOC file.");
-    }
-    const nvf::XmlElement root = doc.getRootElement("DatabaseTOC");
-    if (root.isNull()) return Log().fail("Illegal root element in database TOC file.");
-    if (root.getAttributeInt("DatabaseID", -1) != m_iID) {
-        return Log().fail("Illegal database ID in TOC file.");
-    }
-    return TakeTOCLines(root, mode, lines);
-}
-
-bool ZRFxDatabase::TakeTOCLines(const nvf::XmlElement& root, ZRFxParseMode mode,
-                                std::vector<BlockLine>* lines) {
-    for (nvf::XmlElement element = root.firstChildElement(); element.notNull();
-         element = element.nextSiblingElement()) {
-        const BlockLine line{ZRString(element.nameUtf8()), element.getAttributeInt("ID", -1),
-                             GetAttribute(element, "File")};
-        if (!TakeTOCLine(line, lines) && mode == ZRFxParseMode::STRICT) return false;
-    }
-    return true;
-}
-
-// Where the lines that were there are kept, only those that follow them are read.
+// If the lines that were there have been kept, only those that follow them are read.
 bool ZRFxDatabase::RefreshTOC(std::uint64_t kept) {
     const bool isGrown = m_nTOCEnd > 0 && kept >= m_nTOCEnd;
     const std::uint64_t from = isGrown ? m_nTOCEnd : 0;
     std::string text;
-    if (!GetAccess()->ReadDocumentTail(EntryName(kTOCName), from, &text)) return false;
+    if (!GetAccess()->ReadDocumentTail(EntryName(ZRFxTableOfContents::kName), from, &text))
+        return false;
     const std::size_t end = text.rfind(ZRFxListDocument::kRootEnd);
     nvf::XmlDocument doc;
-    if (!doc.parse(isGrown ? "<DatabaseTOC>" + text : text)) {
+    const std::string rootStart = "<" + std::string(ZRFxTableOfContents::kRoot) + ">";
+    if (!doc.parse(isGrown ? rootStart + text : text)) {
         return Log().fail("Error parsing Xml contents");
     }
-    std::vector<BlockLine> lines;
+    ZRFxBlockFinder finder(*this, ZRFxParseMode::STRICT);
     if (!isGrown) StartTOC();
-    if (!TakeTOCLines(doc.getRootElement("DatabaseTOC"), ZRFxParseMode::STRICT, &lines)) {
+    if (!finder.FindInTOC(doc.getRootElement(ZRFxTableOfContents::kRoot))) return false;
+    const std::size_t firstLine = m_pTOC->Lines().size();
+    m_pTOC->Append(finder.TakeLines());
+    m_bHasTOC = true;
+    m_pTOC->SetModified(false);
+    if (!isGrown) KeepBlocksOfTOC();
+    if (!AddNewBlocks(firstLine, "Error reading block meta data.")) {
+        m_pTOC->PrepareToEnter();  // The next try appends the same lines again.
         return false;
     }
-    m_bHasTOC = true;
-    m_bTOCModified = false;
-    if (!isGrown) KeepBlocksOf(lines);
-    std::erase_if(lines, [&](const BlockLine& line) {
-        const ZRFxBlock* block = GetBlockByID(ZRFxBlockTypeFromName(line.typeName), line.id);
-        return block && block->GetFileName() == line.fileName;
-    });
-    if (!AddParsedBlocks(lines, "Error reading block meta data.")) return false;
     m_nTOCEnd = end == std::string::npos ? 0 : from + end;
     return true;
 }
 
 // Removes the entries of blocks that the table of contents no longer has.
-void ZRFxDatabase::KeepBlocksOf(const std::vector<BlockLine>& lines) {
-    std::set<BlockKey> keys;
-    for (const BlockLine& line : lines) {
-        keys.emplace(ZRFxBlockTypeFromName(line.typeName), line.id);
-    }
+void ZRFxDatabase::KeepBlocksOfTOC() {
+    std::set<std::pair<int, int>> keys;  // type and id
+    for (const ZRFxBlockLine& line : m_pTOC->Lines()) keys.emplace(line.type, line.id);
     for (BlockArray& blocks : m_apBlocks) {
         std::erase_if(blocks, [&](const nvf::ref<ZRFxBlock>& block) {
             return keys.count({block->GetType(), block->GetID()}) == 0;
@@ -448,11 +391,11 @@ void ZRFxDatabase::KeepBlocksOf(const std::vector<BlockLine>& lines) {
     }
 }
 
-// What a document has in front stays where it only grew.
+// The head of a document that only grew has not changed.
 bool ZRFxDatabase::RefreshMetaData(const ZRFxArchiveChanges& changes) {
     const bool isAnyReplaced =
         std::any_of(changes.kept.begin(), changes.kept.end(), [&](const auto& change) {
-            return change.second == 0 && isBlockDocument(ZRString(change.first));
+            return change.second == 0 && ZRFxBlockFinder::IsBlockDocument(ZRString(change.first));
         });
     for (int i = 0; isAnyReplaced && i < GetNumBlocks(); ++i) {
         ZRFxBlock* block = GetBlock(i);
@@ -464,84 +407,44 @@ bool ZRFxDatabase::RefreshMetaData(const ZRFxArchiveChanges& changes) {
     return true;
 }
 
-bool ZRFxDatabase::TakeTOCLine(const BlockLine& line, std::vector<BlockLine>* lines) {
-    if (line.fileName.IsBlank()) return Log().fail("No filename specified for block.");
-    if (line.id < 0) return Log().fail("Invalid ID %1 specified for block", line.id);
-    return TakeBlockLine(line, lines);
-}
-
-bool ZRFxDatabase::ParseFolder(ZRFxParseMode mode, std::vector<BlockLine>* lines) {
-    ZRStringArray files;
-    if (!GetAccess()->FindFiles(GetFolder(), true, &files)) return false;
-    for (const ZRString& file : files) {
-        if (!isBlockDocument(file)) continue;
-        if (!TakeDocument(file, lines) && mode == ZRFxParseMode::STRICT) return false;
-    }
-    return true;
-}
-
-bool ZRFxDatabase::TakeDocument(const ZRString& file, std::vector<BlockLine>* lines) {
-    nvf::XmlDocument doc;
-    if (!ReadXmlFile(file, &doc)) return false;
-    const nvf::XmlElement root = doc.getRootElement();
-    const BlockLine line{ZRString(root.nameUtf8()), root.getAttributeInt("ID", -1), file};
-    if (line.id < 0) {
-        return Log().fail("Invalid ID specified for block (type '%1', ID %2)", line.typeName,
-                          line.id);
-    }
-    return TakeBlockLine(line, lines);
-}
-
-bool ZRFxDatabase::TakeBlockLine(const BlockLine& line, std::vector<BlockLine>* lines) {
-    if (ZRFxBlockTypeFromName(line.typeName) == kInvalidBlockType) {
-        return Log().fail("Invalid block type '%1' specified", line.typeName);
-    }
-    EnterInTOC(line);
-    lines->push_back(line);
-    return true;
-}
-
-// In the order of their ids, so that each entry is added behind the last, whatever the order of a
-// file's lines.
-bool ZRFxDatabase::AddParsedBlocks(std::vector<BlockLine>& lines, const char* metaDataMessage) {
-    std::stable_sort(lines.begin(), lines.end(),
-                     [](const BlockLine& a, const BlockLine& b) { return a.id < b.id; });
-    for (const BlockLine& line : lines) {
-        const nvf::ref<ZRFxBlock> block =
-            CreateEntry(ZRFxBlockTypeFromName(line.typeName), line.id, line.fileName);
-        if (block.isNull()) {
-            return Log().fail("Error create block (type '%1', ID %2)", line.typeName, line.id);
-        }
-        if (!block->ReadMetaData()) return Log().fail(metaDataMessage, line.typeName, line.id);
+// Adds the blocks of the lines from the first on, unless they are there.
+bool ZRFxDatabase::AddNewBlocks(std::size_t firstLine, const char* metaDataMessage) {
+    for (const ZRFxBlockLine* line : sorted(m_pTOC->Lines(), firstLine)) {
+        const ZRFxBlock* known = GetBlockByID(line->type, line->id);
+        if (known && known->GetFileName() == line->fileName) continue;
+        const nvf::ref<ZRFxBlock> block = CreateEntry(*line);
+        if (block.isNull()) return FailBlock("Error create block (type '%1', ID %2)", *line);
+        if (!block->ReadMetaData()) return FailBlock(metaDataMessage, *line);
         bool isReplaced = false;
         if (!AddBlock(block.p(), &isReplaced)) {
-            return Log().fail("Error adding block (type '%1', ID %2)", line.typeName, line.id);
+            return FailBlock("Error adding block (type '%1', ID %2)", *line);
         }
     }
     return true;
 }
 
-void ZRFxDatabase::AddAllBlocks(std::vector<BlockLine>& lines) {
-    std::stable_sort(lines.begin(), lines.end(),
-                     [](const BlockLine& a, const BlockLine& b) { return a.id < b.id; });
-    for (const BlockLine& line : lines) {
-        const nvf::ref<ZRFxBlock> block =
-            CreateEntry(ZRFxBlockTypeFromName(line.typeName), line.id, line.fileName);
+void ZRFxDatabase::AddAllBlocks() {
+    for (const ZRFxBlockLine* line : sorted(m_pTOC->Lines(), 0)) {
+        const nvf::ref<ZRFxBlock> block = CreateEntry(*line);
         bool isReplaced = false;
         if (block.isNull()) {
-            Log().fail("Error create block (type '%1', ID %2)", line.typeName, line.id);
+            FailBlock("Error create block (type '%1', ID %2)", *line);
         } else if (AddBlock(block.p(), &isReplaced) && isReplaced) {
-            Log().fail("Block (type '%1', ID %2) is entered twice", line.typeName, line.id);
+            FailBlock("Block (type '%1', ID %2) is entered twice", *line);
         }
     }
 }
 
-// A type that no class stores makes no entry, nor an assertion: what a file holds is no programming
+bool ZRFxDatabase::FailBlock(nvf::LocatedText message, const ZRFxBlockLine& line) const {
+    return Log().fail(message, ZRFxBlockTypeName(line.type), line.id);
+}
+
+// Null, without an assertion, for a type that no class stores: what a file holds is no programming
 // error.
-nvf::ref<ZRFxBlock> ZRFxDatabase::CreateEntry(int type, int id, const ZRString& fileName) {
-    if (!ZRFxBlock::IsStored(type)) return nullptr;
-    nvf::ref<ZRFxBlock> block = ZRFxBlock::Create(type, this, id);
-    block->SetFileName(fileName);
+nvf::ref<ZRFxBlock> ZRFxDatabase::CreateEntry(const ZRFxBlockLine& line) {
+    if (!ZRFxBlock::IsStored(line.type)) return nullptr;
+    nvf::ref<ZRFxBlock> block = ZRFxBlock::Create(line.type, this, line.id);
+    block->SetFileName(line.fileName);
     return block;
 }
 

@@ -1,78 +1,69 @@
 #pragma once
 
 #include <array>
-#include <map>
+#include <cstdint>
 #include <memory>
-#include <utility>
 #include <vector>
 
 #include "ZRString.h"
-#include "access/ZRFxDataFolder.h"
-#include "access/ZRFxListDocument.h"
-#include "access/ZROZRFxAccess.h"
 #include "blocks/ZRFxBlock.h"
+#include "blocks/ZRFxBlockStore.h"
+#include "database/ZRFxParseMode.h"
+#include "nvf/Logger.h"
 #include "nvf/XmlDocument.h"
 #include "types/ZRFxBlockType.h"
 #include "types/ZRFxModelTypes.h"
 
 namespace unstruct {
 
-/// What becomes of a database with blocks that do not fit: it cannot be opened, or, for programs
-/// that examine files, it opens without them.
-enum class ZRFxParseMode { STRICT, LENIENT };
+class ZRFxTableOfContents;
+struct ZRFxArchiveChanges;
+struct ZRFxBlockLine;
+struct ZRFxDatabaseInfo;
 
 /// One model database of a ZRFx file: a folder of the archive with "Database.xml", the table of
 /// contents "Database-TOC.xml" and the documents and data files of its blocks. Holds an entry for
 /// each block, by type and sorted by id, but no block's data; data files are written and read
 /// through its base. Used by one thread at a time. Operations that fail log why and give false.
-class ZRFxDatabase : public ZRFxDataFolder {
+class ZRFxDatabase : public ZRFxBlockStore {
 public:
     explicit ZRFxDatabase(ZRFxAccess* pAccess);
+    ~ZRFxDatabase() override;
 
     /// Starts a new database and registers it. Its id must not be negative, nor in use.
     bool Create(const ZRString& name, int id, const ZRString& sourceName,
                 ZRFEMSimulationType simulationType, ZRFEMSolutionType solutionType,
                 const ZRString& description);
 
-    /// Opens the database of an id: its description, and the entries of its blocks from the table
-    /// of contents or, where a writer did not come to store one, from the documents in its folder.
-    /// The first block that does not fit ends it and leaves the database empty. The lenient mode
-    /// reports what does not fit and goes on, with the registry's folder for a missing description
-    /// and with the folder's documents for a missing table of contents; no block is looked into.
+    /// Opens the database of an id: reads its description, and the entries of its blocks from the
+    /// table of contents or, if the writer did not get to store one, from the documents in the
+    /// folder. The first block that does not fit ends this and leaves the database empty. The
+    /// lenient mode reports it and goes on; it does without a description, with the folder that the
+    /// registry names, and looks into no block.
     bool Parse(int id, ZRFxParseMode mode = ZRFxParseMode::STRICT);
 
-    /// Takes over what was committed since the database was parsed, or refreshed last, which the
-    /// archive has found. Takes time with what is new, where the table of contents only grew. A
-    /// failure may leave some of the new blocks out.
+    /// Takes over what was committed since the database was parsed or refreshed last, given the
+    /// changes that the archive has found. The time it takes grows with what is new, as long as the
+    /// table of contents only grew. After a failure some of the new blocks may be missing.
     bool Refresh(const ZRFxArchiveChanges& changes);
 
     /// Stores the table of contents in place of the one stored before.
     bool WriteTOC();
 
     /// Whether the table of contents has changed since it was stored or read.
-    bool IsTOCModified() const { return m_bTOCModified; }
+    bool IsTOCModified() const;
 
-    /// Stores a block's document and enters it in the table of contents, where each type and id
-    /// stands once. Fails for a type without blocks and for a negative id, with which the database
-    /// could not be opened again. Called by blocks.
-    bool WriteBlock(const ZRString& typeName, int id, const ZRString& fileName,
-                    const nvf::XmlDocument& xmlDoc, bool overwrite);
+    // Called by blocks. A block whose document is stored is entered in the table of contents, where
+    // each type and id stands once; a block that is removed is taken out of it.
+    bool StoreBlock(const ZRString& typeName, int id, const ZRString& fileName,
+                    const nvf::XmlDocument& xmlDoc, bool overwrite) override;
+    bool StoreListBlock(const ZRFxBlock& block, const ZRString& fileName,
+                        const ZRFxListContent& content, ZRFxListDocument* document) override;
+    bool RemoveBlockFiles(const ZRFxBlock& block) override;
+    void RemoveBlock(const ZRFxBlock& block) override;
 
-    /// The same for a block that is a list, of which only what has changed is stored. What the
-    /// database has of such a block stays as it is when that fails.
-    bool WriteListBlock(const ZRFxBlock& block, const ZRString& fileName,
-                        const ZRFxListContent& content, ZRFxListDocument* document);
-
-    /// Removes document and data files that the block of this type and id has in this database, so
-    /// that they can be written again; what a block takes to find them does not grow with the file.
-    bool RemoveBlockFiles(const ZRFxBlock& block);
-
-    /// Removes all that is left of the block of this type and id after it was written in part: its
-    /// files, its entry and its line in the table of contents. Throws nothing: files that there is
-    /// no memory to find stay, and belong to nothing.
-    void RemoveBlock(const ZRFxBlock& block);
-
-    /// Adds an entry, and takes out the one of the same type and id if there is one.
+    /// Adds an entry in place of the one of the same type and id; *replaced says whether there was
+    /// one.
     bool AddBlock(ZRFxBlock* block, bool* replaced);
 
     int GetID() const { return m_iID; }
@@ -85,8 +76,7 @@ public:
     int GetNumBlocks(int type) const;
     ZRFxBlock* GetBlock(int type, int index) const;
 
-    /// Null, without a message, when there is none.
-    ZRFxBlock* GetBlockByID(int type, int id) const;
+    ZRFxBlock* GetBlockByID(int type, int id) const override;
 
     /// A new object for the block of a type and id, with nothing loaded; null, without a message,
     /// when there is none.
@@ -96,66 +86,30 @@ public:
     int GetNumBlocks() const;
     ZRFxBlock* GetBlock(int globalIndex) const;
 
-    /// Reads a document by its entry name, whole or relative to the folder.
-    bool ReadXmlFile(const ZRString& fileName, nvf::XmlDocument* doc) const;
+    bool ReadXmlFile(const ZRString& fileName, nvf::XmlDocument* doc) const override;
 
 private:
     using BlockArray = std::vector<nvf::ref<ZRFxBlock>>;
-    using BlockKey = std::pair<int, int>;  // type and id
-
-    // What leads to one block: a line of the table of contents, or a document of the folder.
-    struct BlockLine {
-        ZRString typeName;
-        int id;
-        ZRString fileName;
-    };
-
-    // The lines of the table of contents, in the order in which they were entered.
-    class TOC : public ZRFxListContent {
-    public:
-        explicit TOC(int databaseId) : m_databaseId(databaseId) {}
-
-        /// False when the line is there already.
-        bool Enter(const BlockLine& line);
-        bool Remove(const BlockKey& key);
-        bool Store(ZRFxAccess* pAccess, const ZRString& name);
-
-    private:
-        nvf::XmlElement WriteHead(nvf::XmlDocument* pDoc) const override;
-        void WriteItem(nvf::XmlElement root, std::int64_t index) const override;
-        std::int64_t GetItemCount() const override;
-
-        const int m_databaseId;
-        std::vector<BlockLine> m_lines;
-        std::map<BlockKey, std::size_t> m_indices;
-        ZRFxListDocument m_document;
-    };
 
     nvf::ref<nvf::XmlDocument> CreateDescription() const;
     bool FailID(int id) const;
     bool HasLeftDescription() const;
     void StartTOC();
-    /// Takes a block out of the table of contents and of the entries.
     void RemoveEntry(const ZRFxBlock& block);
-    void EnterInTOC(const BlockLine& line);
+    void PrepareTOC();
+    void EnterInTOC(const ZRFxBlockLine& line);
 
     void Clear();
     bool ParseDescription(const ZRFxDatabaseInfo& info);
     bool ParseBlocks();
-    bool ParseTOC(ZRFxParseMode mode, std::vector<BlockLine>* lines);
+    bool ParseWhatFits(const ZRFxDatabaseInfo& info);
     bool RefreshTOC(std::uint64_t kept);
     bool RefreshMetaData(const ZRFxArchiveChanges& changes);
-    void KeepBlocksOf(const std::vector<BlockLine>& lines);
-    bool ParseFolder(ZRFxParseMode mode, std::vector<BlockLine>* lines);
-    bool TakeBlockLine(const BlockLine& line, std::vector<BlockLine>* lines);
-    bool TakeTOCLines(const nvf::XmlElement& root, ZRFxParseMode mode,
-                      std::vector<BlockLine>* lines);
-    bool TakeTOCLine(const BlockLine& line, std::vector<BlockLine>* lines);
-    bool TakeDocument(const ZRString& file, std::vector<BlockLine>* lines);
-    bool AddParsedBlocks(std::vector<BlockLine>& lines, const char* metaDataMessage);
-    void AddAllBlocks(std::vector<BlockLine>& lines);
-    bool ParseWhatFits(const ZRFxDatabaseInfo& info);
-    nvf::ref<ZRFxBlock> CreateEntry(int type, int id, const ZRString& fileName);
+    void KeepBlocksOfTOC();
+    bool AddNewBlocks(std::size_t firstLine, const char* metaDataMessage);
+    void AddAllBlocks();
+    nvf::ref<ZRFxBlock> CreateEntry(const ZRFxBlockLine& line);
+    bool FailBlock(nvf::LocatedText message, const ZRFxBlockLine& line) const;
 
     int m_iID = -1;
     ZRString m_sName;
@@ -164,10 +118,9 @@ private:
     ZRFEMSolutionType m_eSolutionType = ZRFEMSolutionType::OTHER;
     ZRString m_sDescription;
     std::array<BlockArray, kNumBlockTypes> m_apBlocks;
-    std::unique_ptr<TOC> m_pTOC;
-    bool m_bTOCModified = false;
-    bool m_bHasTOC = false;       // The blocks were found in one.
-    std::uint64_t m_nTOCEnd = 0;  // Of the lines that were taken from the stored one; 0 if unknown.
+    std::unique_ptr<ZRFxTableOfContents> m_pTOC;
+    bool m_bHasTOC = false;       // The blocks were found in a stored one.
+    std::uint64_t m_nTOCEnd = 0;  // Of the lines taken from the stored one, in bytes; 0 if unknown.
 };
 
 }  // namespace unstruct

@@ -9,9 +9,9 @@ namespace {
 
 using namespace nuo::zrfx;
 using nuo::PtrRef;
-using unstruct::ZRFxOpenMode;
 using unstruct::ZRFxZipArchive;
 using unstruct::ZRFxZipRawData;
+using unstruct::ZRZipAccessMode;
 
 int IdOf(size_t i) {
     return static_cast<int>(i) + 1;
@@ -258,7 +258,7 @@ private:
     static void WriteEntries(const std::string& sPath, const PeerPacking& packing,
                              const std::vector<std::vector<float>>& aaObjects) {
         ZRFxZipArchive archive;
-        Require(archive.Open(sPath, ZRFxOpenMode::kCreate), "Open");
+        Require(archive.Open(sPath, ZRZipAccessMode::CREATE), "Open");
         for (size_t i = 0; i < aaObjects.size(); ++i) {
             const PeerBytes bytes = BytesOf(aaObjects[i]);
             Require(archive.Add(ObjectName(i), bytes.data(), bytes.size(), packing.nLevel), "Add");
@@ -268,7 +268,7 @@ private:
 
     static void ReadEntries(const std::string& sPath, size_t nObjects, PeerReceived* pReceived) {
         ZRFxZipArchive archive;
-        Require(archive.Open(sPath, ZRFxOpenMode::kReadOnly), "Open");
+        Require(archive.Open(sPath, ZRZipAccessMode::READ_ONLY), "Open");
         for (size_t i = 0; i < nObjects; ++i) {
             const auto data = std::make_shared<ZRFxZipRawData>();
             Require(archive.Read(ObjectName(i), data.get()), "Read");

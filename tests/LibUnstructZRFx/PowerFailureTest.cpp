@@ -41,9 +41,9 @@ public:
         m_archive.SetPendingLimit(20000);
     }
 
-    void Open(ZRFxOpenMode eMode) {
+    void Open(ZRZipAccessMode eMode) {
         Expect(m_archive.Open(m_sPath, eMode));
-        if (eMode == ZRFxOpenMode::kCreate) m_model.clear();
+        if (eMode == ZRZipAccessMode::CREATE) m_model.clear();
     }
     void Put(const std::string& sName, const std::string& sData, int nLevel = 6) {
         Expect(ReplaceText(&m_archive, sName, sData, nLevel));
@@ -141,7 +141,7 @@ protected:
     }
     void Append(Writer* pWriter) {
         const bool bExists = std::filesystem::exists(Path());
-        pWriter->Open(bExists ? ZRFxOpenMode::kUpdate : ZRFxOpenMode::kCreate);
+        pWriter->Open(bExists ? ZRZipAccessMode::UPDATE : ZRZipAccessMode::CREATE);
         pWriter->ReadBack();
         pWriter->Put("Afterwards.dat", SmoothField(2000, 9));
         pWriter->Put(kMain, "<ZRF>afterwards</ZRF>");
@@ -189,13 +189,13 @@ void Fill(Writer* pWriter) {
 }
 
 void MakeNew(Writer* pWriter) {
-    pWriter->Open(ZRFxOpenMode::kCreate);
+    pWriter->Open(ZRZipAccessMode::CREATE);
     Fill(pWriter);
     pWriter->Close();
 }
 
 void AppendStates(Writer* pWriter) {
-    pWriter->Open(ZRFxOpenMode::kUpdate);
+    pWriter->Open(ZRZipAccessMode::UPDATE);
     for (unsigned nState = 1; nState < 6; ++nState) {
         pWriter->Put("State" + std::to_string(nState) + ".dat", Field(nState));
         pWriter->Put(kMain, "<ZRF>" + std::to_string(nState) + "</ZRF>");
@@ -205,7 +205,7 @@ void AppendStates(Writer* pWriter) {
 }
 
 void ReplaceAndRemove(Writer* pWriter) {
-    pWriter->Open(ZRFxOpenMode::kUpdate);
+    pWriter->Open(ZRZipAccessMode::UPDATE);
     pWriter->Put("Database001\\Random.dat", Field(3));
     pWriter->Remove("Database001\\Empty.dat");
     pWriter->Commit();
@@ -217,7 +217,7 @@ void ReplaceAndRemove(Writer* pWriter) {
 }
 
 void WriteAhead(Writer* pWriter) {
-    pWriter->Open(ZRFxOpenMode::kUpdate);
+    pWriter->Open(ZRZipAccessMode::UPDATE);
     for (unsigned nState = 1; nState < 4; ++nState) {
         pWriter->Put("Large" + std::to_string(nState) + ".dat", RandomBytes(30000, nState), 0);
         pWriter->ReadBack();
@@ -230,19 +230,19 @@ void WriteAhead(Writer* pWriter) {
 }
 
 void GiveUp(Writer* pWriter) {
-    pWriter->Open(ZRFxOpenMode::kUpdate);
+    pWriter->Open(ZRZipAccessMode::UPDATE);
     pWriter->Put("Large.dat", RandomBytes(30000), 0);
     pWriter->Remove("Database001\\Random.dat");
     pWriter->ReadBack();
     pWriter->Abandon();
-    pWriter->Open(ZRFxOpenMode::kUpdate);
+    pWriter->Open(ZRZipAccessMode::UPDATE);
     pWriter->Put("State.dat", Field(1));
     pWriter->Close();
 }
 
 void ReplaceOften(Writer* pWriter) {
     for (unsigned nRun = 0; nRun < 3; ++nRun) {
-        pWriter->Open(ZRFxOpenMode::kUpdate);
+        pWriter->Open(ZRZipAccessMode::UPDATE);
         pWriter->Put("Database001\\Nodes\\Nodes0001.dat", SmoothField(20000, nRun));
         pWriter->Commit();
         pWriter->Put("Database001\\Nodes\\Nodes0001.dat", SmoothField(20000, nRun + 10));
@@ -251,7 +251,7 @@ void ReplaceOften(Writer* pWriter) {
 }
 
 void RemoveFirst(Writer* pWriter) {
-    pWriter->Open(ZRFxOpenMode::kUpdate);
+    pWriter->Open(ZRZipAccessMode::UPDATE);
     pWriter->Remove("First.dat");
     pWriter->Commit();
     pWriter->Put(kMain, "<ZRF>removed</ZRF>");

@@ -27,7 +27,7 @@ protected:
     }
     std::string SeenByReader() {
         ZRFxAppendFile file;
-        EXPECT_TRUE(file.Open(m_sPath, ZRFxOpenMode::kReadOnly)) << file.Error();
+        EXPECT_TRUE(file.Open(m_sPath, ZRZipAccessMode::READ_ONLY)) << file.Error();
         return Committed(&file);
     }
 
@@ -40,9 +40,9 @@ protected:
 
 TEST_F(ZRFxAppendFileTest, CommittedBytesStayAndOthersAreTakenBack) {
     ZRFxAppendFile writer;
-    ASSERT_TRUE(writer.Open(m_sPath, ZRFxOpenMode::kUpdate)) << writer.Error();
+    ASSERT_TRUE(writer.Open(m_sPath, ZRZipAccessMode::UPDATE)) << writer.Error();
     ZRFxAppendFile reader;
-    ASSERT_TRUE(reader.Open(m_sPath, ZRFxOpenMode::kReadOnly));
+    ASSERT_TRUE(reader.Open(m_sPath, ZRZipAccessMode::READ_ONLY));
     std::string sExpected = m_sOld;
     for (const std::string& sNew : {m_sNew, std::string("short"), m_sNew + "x"}) {
         ASSERT_TRUE(WriteText(&writer, sNew + sNew));
@@ -65,7 +65,7 @@ TEST_F(ZRFxAppendFileTest, CommittedBytesStayAndOthersAreTakenBack) {
 
 TEST_F(ZRFxAppendFileTest, FileDoesNotEndWithWhatIsWrittenUntilMoreFollows) {
     ZRFxAppendFile writer;
-    ASSERT_TRUE(writer.Open(m_sPath, ZRFxOpenMode::kUpdate));
+    ASSERT_TRUE(writer.Open(m_sPath, ZRZipAccessMode::UPDATE));
     for (const size_t nSize :
          {size_t{1} << 20, (size_t{1} << 20) + 1, size_t{5} << 20, size_t{7}}) {
         ASSERT_TRUE(WriteText(&writer, std::string(nSize, 'x')));
@@ -74,13 +74,13 @@ TEST_F(ZRFxAppendFileTest, FileDoesNotEndWithWhatIsWrittenUntilMoreFollows) {
 }
 
 TEST_F(ZRFxAppendFileTest, TornEndIsCutOffByTheFirstWriteAndNotBefore) {
-    for (const ZRFxOpenMode eMode : {ZRFxOpenMode::kReadOnly, ZRFxOpenMode::kUpdate}) {
+    for (const ZRZipAccessMode eMode : {ZRZipAccessMode::READ_ONLY, ZRZipAccessMode::UPDATE}) {
         ZRFxAppendFile file;
         ASSERT_TRUE(file.Open(m_sPath, eMode));
         file.CutTo(60000);
         EXPECT_EQ(Committed(&file), m_sOld.substr(0, 60000));
         EXPECT_EQ(ReadWhole(m_sPath), m_sOld);
-        if (eMode == ZRFxOpenMode::kReadOnly) continue;
+        if (eMode == ZRZipAccessMode::READ_ONLY) continue;
         ASSERT_TRUE(WriteText(&file, "new"));
         EXPECT_EQ(ReadWhole(m_sPath), m_sOld.substr(0, 60000));
         ASSERT_EQ(file.EndCommit(), ZRFxCommitResult::kDone);
@@ -100,7 +100,7 @@ TEST_F(ZRFxAppendFileTest, CreatedFileIsPrivateUntilItTakesTheNameAndTheModeOfTh
     } system;
     chmod(m_sPath.c_str(), 0640);
     ZRFxAppendFile writer;
-    ASSERT_TRUE(writer.Open(m_sPath, ZRFxOpenMode::kCreate));
+    ASSERT_TRUE(writer.Open(m_sPath, ZRZipAccessMode::CREATE));
     ASSERT_TRUE(WriteText(&writer, m_sNew));
     EXPECT_EQ(system.nCreated, 0600u);
     EXPECT_EQ(SeenByReader(), m_sOld);
@@ -125,7 +125,7 @@ TEST_F(ZRFxAppendFileTest, WhatLiesUnderTheTemporaryNameDoesNotStopAWriter) {
         std::filesystem::remove(sTemporary);
         obstruct();
         ZRFxAppendFile writer;
-        ASSERT_TRUE(writer.Open(m_sPath, ZRFxOpenMode::kCreate)) << writer.Error();
+        ASSERT_TRUE(writer.Open(m_sPath, ZRZipAccessMode::CREATE)) << writer.Error();
         ASSERT_TRUE(WriteText(&writer, "new")) << writer.Error();
         ASSERT_EQ(writer.EndCommit(), ZRFxCommitResult::kDone) << writer.Error();
         EXPECT_EQ(SeenByReader(), "new");
@@ -137,8 +137,8 @@ TEST_F(ZRFxAppendFileTest, WhatIsNoRegularFileIsRefusedAtOnce) {
     const std::string sPipe = m_folder.File("pipe.zrfx");
     ASSERT_EQ(mkfifo(sPipe.c_str(), 0600), 0);
     for (const std::string& sPath : {sPipe, std::string("/dev/null"), std::string("/dev/tty")}) {
-        for (ZRFxOpenMode eMode :
-             {ZRFxOpenMode::kReadOnly, ZRFxOpenMode::kUpdate, ZRFxOpenMode::kCreate}) {
+        for (ZRZipAccessMode eMode :
+             {ZRZipAccessMode::READ_ONLY, ZRZipAccessMode::UPDATE, ZRZipAccessMode::CREATE}) {
             ZRFxAppendFile file;
             EXPECT_FALSE(file.Open(sPath, eMode)) << sPath;
             EXPECT_EQ(file.Error(), "not a regular file") << sPath;
@@ -151,8 +151,8 @@ TEST_F(ZRFxAppendFileTest, RelativeNameIsResolvedWhenItIsOpened) {
     std::filesystem::current_path(m_folder.File("."));
     for (const char* sName : {"model.zrfx", "new.zrfx"}) {
         ZRFxAppendFile writer;
-        const ZRFxOpenMode eMode =
-            ReadWhole(sName).empty() ? ZRFxOpenMode::kCreate : ZRFxOpenMode::kUpdate;
+        const ZRZipAccessMode eMode =
+            ReadWhole(sName).empty() ? ZRZipAccessMode::CREATE : ZRZipAccessMode::UPDATE;
         ASSERT_TRUE(writer.Open(sName, eMode)) << writer.Error();
         std::filesystem::current_path("/");
         EXPECT_TRUE(WriteText(&writer, "new"));
@@ -166,13 +166,13 @@ TEST_F(ZRFxAppendFileTest, RelativeNameIsResolvedWhenItIsOpened) {
 
 TEST_F(ZRFxAppendFileTest, SecondWriterIsRefusedAndReadersAreNot) {
     ZRFxAppendFile writer;
-    ASSERT_TRUE(writer.Open(m_sPath, ZRFxOpenMode::kCreate));
+    ASSERT_TRUE(writer.Open(m_sPath, ZRZipAccessMode::CREATE));
     for (const bool bCommitted : {false, true}) {
         if (bCommitted) {
             ASSERT_TRUE(WriteText(&writer, "new"));
             ASSERT_EQ(writer.EndCommit(), ZRFxCommitResult::kDone);
         }
-        for (ZRFxOpenMode eMode : {ZRFxOpenMode::kUpdate, ZRFxOpenMode::kCreate}) {
+        for (ZRZipAccessMode eMode : {ZRZipAccessMode::UPDATE, ZRZipAccessMode::CREATE}) {
             ZRFxAppendFile second;
             EXPECT_FALSE(second.Open(m_sPath, eMode));
             EXPECT_EQ(second.Error(), "the file is open for writing elsewhere");
@@ -185,7 +185,7 @@ TEST_F(ZRFxAppendFileTest, LinkLeadsToTheFileItself) {
     const std::string sLink = m_folder.File("link.zrfx");
     ASSERT_EQ(symlink(m_sPath.c_str(), sLink.c_str()), 0);
     ZRFxAppendFile writer;
-    ASSERT_TRUE(writer.Open(sLink, ZRFxOpenMode::kCreate));
+    ASSERT_TRUE(writer.Open(sLink, ZRZipAccessMode::CREATE));
     ASSERT_TRUE(WriteText(&writer, "new"));
     ASSERT_EQ(writer.EndCommit(), ZRFxCommitResult::kDone);
     EXPECT_EQ(SeenByReader(), "new");
@@ -194,7 +194,7 @@ TEST_F(ZRFxAppendFileTest, LinkLeadsToTheFileItself) {
 
 TEST_F(ZRFxAppendFileTest, VanishedOrReplacedFileFailsTheCommit) {
     ZRFxAppendFile writer;
-    ASSERT_TRUE(writer.Open(m_sPath, ZRFxOpenMode::kUpdate));
+    ASSERT_TRUE(writer.Open(m_sPath, ZRZipAccessMode::UPDATE));
     ASSERT_TRUE(WriteText(&writer, "new"));
     std::filesystem::remove(m_sPath);
     EXPECT_EQ(writer.EndCommit(), ZRFxCommitResult::kFailed);
@@ -208,7 +208,7 @@ TEST_F(ZRFxAppendFileTest, VanishedOrReplacedFileFailsTheCommit) {
 TEST_F(ZRFxAppendFileTest, NewFileThatWasNeverCommittedDisappears) {
     {
         ZRFxAppendFile writer;
-        ASSERT_TRUE(writer.Open(m_folder.File("new.zrfx"), ZRFxOpenMode::kCreate));
+        ASSERT_TRUE(writer.Open(m_folder.File("new.zrfx"), ZRZipAccessMode::CREATE));
         ASSERT_TRUE(WriteText(&writer, "x"));
     }
     EXPECT_EQ(m_folder.FileCount(), 1u);
@@ -226,7 +226,7 @@ TEST_F(ZRFxAppendFileTest, PagesWhoseFlushFailedAreWrittenAnew) {
         bool bFail = false;
     } system;
     ZRFxAppendFile writer;
-    ASSERT_TRUE(writer.Open(m_sPath, ZRFxOpenMode::kUpdate));
+    ASSERT_TRUE(writer.Open(m_sPath, ZRZipAccessMode::UPDATE));
     ASSERT_TRUE(WriteText(&writer, m_sNew));
     ASSERT_EQ(writer.EndCommit(), ZRFxCommitResult::kDone);
     system.bFail = true;

@@ -33,7 +33,7 @@ public:
     explicit Writer(const std::string& sPath, const std::string& sPassword = {})
         : m_sPath(sPath), m_sPassword(sPassword) {}
 
-    void Open(ZRFxOpenMode eMode) {
+    void Open(ZRZipAccessMode eMode) {
         ASSERT_TRUE(archive.Open(m_sPath, eMode)) << archive.LastError();
         ASSERT_TRUE(archive.SetPassword(m_sPassword));
     }
@@ -91,7 +91,7 @@ std::vector<size_t> RecordsIn(const std::string& sBytes) {
 
 // A file in memory, opened.
 struct Opened {
-    Opened(const std::string& sBytes, ZRFxOpenMode eMode) {
+    Opened(const std::string& sBytes, ZRZipAccessMode eMode) {
         file.Append(sBytes.data(), sBytes.size());
         bOpen = archive.Open(&file, eMode);
     }
@@ -121,7 +121,7 @@ protected:
     // fit the place where it comes to stand.
     void WriteHistory(Writer* pWriter) {
         WriteModel(m_folder.File("finished"), SmallModel());
-        pWriter->Open(ZRFxOpenMode::kCreate);
+        pWriter->Open(ZRZipAccessMode::CREATE);
         pWriter->Put("bulk.dat", RandomBytes(60000));
         pWriter->Put("first.dat", RandomBytes(500, 2));
         pWriter->Grow("Grown.xml", 0, LongText());
@@ -147,12 +147,12 @@ protected:
         pWriter->Commit();
         pWriter->Grow("Grown.xml", 1000, LongText(2));
         pWriter->Close();
-        pWriter->Open(ZRFxOpenMode::kUpdate);
+        pWriter->Open(ZRZipAccessMode::UPDATE);
         pWriter->Put("third.dat", RandomBytes(300, 4));
         pWriter->Append("Grown.xml", "last");
         pWriter->Commit();
         pWriter->archive.Abandon();
-        pWriter->Open(ZRFxOpenMode::kUpdate);
+        pWriter->Open(ZRZipAccessMode::UPDATE);
         pWriter->Put("fourth.dat", RandomBytes(300, 5));
         pWriter->Commit();
         pWriter->Close();
@@ -180,7 +180,7 @@ TEST_F(ZRFxCommitTest, FileThatIsTornAnywhereOpensAtTheLastCommitBefore) {
         const std::string asBehind[] = {"", std::string(40, '\0'), RandomBytes(70000)};
         const std::string& sBehind = asBehind[anForged.count(nCut) > 0 ? 0 : nCut % 3];
         const std::string sTorn = Truncated(sBytes, nCut) + sBehind;
-        Opened torn(sTorn, ZRFxOpenMode::kUpdate);
+        Opened torn(sTorn, ZRZipAccessMode::UPDATE);
         // Zeros may happen to be what was cut off.
         const auto nSame = std::mismatch(sTorn.begin(), sTorn.end(), sBytes.begin(), sBytes.end());
         const Model* pState = writer.At(static_cast<size_t>(nSame.first - sTorn.begin()));
@@ -190,7 +190,7 @@ TEST_F(ZRFxCommitTest, FileThatIsTornAnywhereOpensAtTheLastCommitBefore) {
         ASSERT_TRUE(AddText(&torn.archive, "new", "entry")) << nCut;
         ASSERT_TRUE(torn.archive.Close()) << torn.archive.LastError();
         const std::string sClosed(torn.file.Data(), torn.file.Data() + torn.file.Length());
-        Opened again(sClosed, ZRFxOpenMode::kReadOnly);
+        Opened again(sClosed, ZRZipAccessMode::READ_ONLY);
         Model expected = *pState;
         expected["new"] = "entry";
         ASSERT_EQ(ContentOf(&again.archive) == expected, true) << nCut;
@@ -235,7 +235,7 @@ protected:
     void Commit(Writer* pWriter) {
         if (Below(12) != 0) return pWriter->Commit();
         pWriter->Close();
-        pWriter->Open(ZRFxOpenMode::kUpdate);
+        pWriter->Open(ZRZipAccessMode::UPDATE);
     }
     // Refreshed, the reader is as one that opens anew, and what it is told of changes is true.
     void Refresh(Reader* pReader, const Model& now) {
@@ -268,7 +268,7 @@ TEST_P(GrowingDocuments, AreAlwaysWhatWasWrittenForReadersOldAndNew) {
         SCOPED_TRACE(nSeed);
         m_random.seed(nSeed);
         Writer writer(m_sPath, GetParam());
-        ASSERT_NO_FATAL_FAILURE(writer.Open(ZRFxOpenMode::kCreate));
+        ASSERT_NO_FATAL_FAILURE(writer.Open(ZRZipAccessMode::CREATE));
         if (nSeed % 4 != 0) writer.Grow("Long.xml", 0, LongText());
         if (nSeed % 2 != 0) writer.Put("Bulk.dat", RandomBytes(300000));
         ASSERT_NO_FATAL_FAILURE(writer.Commit());
@@ -285,7 +285,7 @@ TEST_P(GrowingDocuments, AreAlwaysWhatWasWrittenForReadersOldAndNew) {
                 ASSERT_NO_FATAL_FAILURE(Refresh(&reader, writer.model)) << nCommit;
             } else {
                 reader = {std::make_unique<ZRFxZipArchive>(), writer.model};
-                ASSERT_TRUE(reader.pArchive->Open(m_sPath, ZRFxOpenMode::kReadOnly));
+                ASSERT_TRUE(reader.pArchive->Open(m_sPath, ZRZipAccessMode::READ_ONLY));
                 ASSERT_TRUE(reader.pArchive->SetPassword(GetParam()));
             }
         }
@@ -302,7 +302,7 @@ INSTANTIATE_TEST_SUITE_P(Passwords, GrowingDocuments, testing::Values("", "gehei
 class CommitRecords : public ZRFxCommitTest {
 protected:
     void SetUp() override {
-        m_writer.Open(ZRFxOpenMode::kCreate);
+        m_writer.Open(ZRZipAccessMode::CREATE);
         m_writer.Put("data", RandomBytes(1000));
         m_writer.Grow("Grown.xml", 0, LongText());
         m_writer.Commit();
@@ -335,10 +335,10 @@ TEST_F(CommitRecords, DamagedOneIsTornAtTheEndAndRefusesTheFileBefore) {
     for (const long nField :
          {0, 8, 16, 32, 40, 48, 56, 64, 72, 80, 84, 88, 95, -30, -20, -12, -1}) {
         SCOPED_TRACE(nField);
-        Opened last(WithFlippedByte(m_sBytes, at(2, nField)), ZRFxOpenMode::kReadOnly);
+        Opened last(WithFlippedByte(m_sBytes, at(2, nField)), ZRZipAccessMode::READ_ONLY);
         ASSERT_TRUE(last.bOpen) << last.archive.LastError();
         EXPECT_EQ(ContentOf(&last.archive) == m_writer.aStates[2].second, true);
-        Opened middle(WithFlippedByte(m_sBytes, at(1, nField)), ZRFxOpenMode::kUpdate);
+        Opened middle(WithFlippedByte(m_sBytes, at(1, nField)), ZRZipAccessMode::UPDATE);
         EXPECT_EQ(middle.archive.LastError(),
                   "'archive in memory': damaged commit record: the one before it is missing.");
     }
@@ -365,7 +365,7 @@ TEST_F(CommitRecords, FalseClaimsAreRefusedWithoutBelievingThem) {
                 std::string sBytes = m_sBytes;
                 StoreAt(&sBytes, m_aRecords[nRecord] + nField, nValue);
                 SealRecordAt(&sBytes, m_aRecords[nRecord]);
-                Opened opened(sBytes, ZRFxOpenMode::kReadOnly);
+                Opened opened(sBytes, ZRZipAccessMode::READ_ONLY);
                 if (!opened.bOpen) {
                     EXPECT_NE(opened.archive.LastError().find("damaged"), std::string::npos)
                         << opened.archive.LastError();
@@ -382,7 +382,7 @@ TEST_F(CommitRecords, FalseClaimsAreRefusedWithoutBelievingThem) {
 
 TEST_F(CommitRecords, EditsKeepNoMoreThanThereIs) {
     Opened more(WithBase(Forged(m_nBase, m_nBase, {{"Grown.xml", 240001, 1}}, "x")),
-                ZRFxOpenMode::kReadOnly);
+                ZRZipAccessMode::READ_ONLY);
     EXPECT_EQ(more.archive.LastError(), "'archive in memory': damaged commit record.");
 
     // An entry that declares more than it can hold, and a document that does not need it.
@@ -393,7 +393,7 @@ TEST_F(CommitRecords, EditsKeepNoMoreThanThereIs) {
     Opened declared(
         WithBase(Forged(m_nBase, m_nBase, {{"Grown.xml", entry.nSize - 1, 1}, {"Other.xml", 0, 5}},
                         "xother", ZRFxZipDirectory::CentralRecord(entry, 0))),
-        ZRFxOpenMode::kUpdate);
+        ZRZipAccessMode::UPDATE);
     std::string sText;
     EXPECT_TRUE(ReadText(&declared.archive, "Other.xml", &sText)) << declared.archive.LastError();
     EXPECT_EQ(sText, "other");
@@ -415,8 +415,8 @@ TEST_F(CommitRecords, EntriesThatOverlapAreReadAndNotWrittenAnew) {
         sLines += ZRFxZipDirectory::CentralRecord(entry, 0);
     }
     const std::string sBytes = WithBase(Forged(m_nBase, m_nBase, {}, {}, sLines));
-    EXPECT_TRUE(Opened(sBytes, ZRFxOpenMode::kReadOnly).bOpen);
-    EXPECT_EQ(Opened(sBytes, ZRFxOpenMode::kUpdate).archive.LastError(),
+    EXPECT_TRUE(Opened(sBytes, ZRZipAccessMode::READ_ONLY).bOpen);
+    EXPECT_EQ(Opened(sBytes, ZRZipAccessMode::UPDATE).archive.LastError(),
               "'archive in memory': entries overlap, the archive cannot be changed.");
 }
 
@@ -461,11 +461,11 @@ protected:
 
 TEST_F(StreamedArchive, IsFoundBeforeWhatAKilledWriterLeft) {
     ZRFxZipArchive archive;
-    ASSERT_TRUE(archive.Open(m_sPath, ZRFxOpenMode::kUpdate));
+    ASSERT_TRUE(archive.Open(m_sPath, ZRZipAccessMode::UPDATE));
     ASSERT_TRUE(AddText(&archive, "large", RandomBytes(3 << 20), 0));
     const std::string sTorn = ReadWhole(m_sPath);
     ASSERT_GT(sTorn.size(), size_t{1} << 20);
-    Opened torn(sTorn, ZRFxOpenMode::kUpdate);
+    Opened torn(sTorn, ZRZipAccessMode::UPDATE);
     EXPECT_EQ(ContentOf(&torn.archive), (Model{{"a.xml", "<A/>"}})) << torn.archive.LastError();
     EXPECT_TRUE(torn.archive.Close());
 }
@@ -475,7 +475,7 @@ TEST_F(StreamedArchive, IsCommittedToWhereNoSecondFileCanBe) {
         std::filesystem::create_directory(m_sPath + ".rewrite" + sEnd);
     }
     Writer writer(m_sPath);
-    writer.Open(ZRFxOpenMode::kUpdate);
+    writer.Open(ZRZipAccessMode::UPDATE);
     writer.model["a.xml"] = "<A/>";
     for (int i = 0; i < 3; ++i) {
         writer.Grow("Long.xml", 0, LongText(static_cast<unsigned>(i)));
@@ -500,19 +500,19 @@ protected:
 // What follows the last commit is cut off by the next writer, and so not remembered.
 TEST_F(Refreshed, ReaderDoesNotKeepATornEnd) {
     Writer writer(m_sPath);
-    writer.Open(ZRFxOpenMode::kCreate);
+    writer.Open(ZRZipAccessMode::CREATE);
     writer.Put("bulk", RandomBytes(200000));
     for (char c = 'a'; c < 'q'; ++c) writer.Grow(std::string(1, c) + ".xml", 0, RandomBytes(400));
     writer.Grow("Long.xml", 0, LongText());
     writer.Commit();
     for (char c = 'a'; c < 'q'; ++c) writer.Append(std::string(1, c) + ".xml", "more");
     writer.Commit();
-    ASSERT_TRUE(m_reader.Open(m_sPath, ZRFxOpenMode::kReadOnly));
+    ASSERT_TRUE(m_reader.Open(m_sPath, ZRZipAccessMode::READ_ONLY));
     ASSERT_EQ(ContentOf(&m_reader), writer.model);
     writer.Close();
     WriteWhole(m_sPath, ReadWhole(m_sPath) + RandomBytes(100000));
     Refresh(writer.model);
-    writer.Open(ZRFxOpenMode::kUpdate);
+    writer.Open(ZRZipAccessMode::UPDATE);
     for (int i = 0; i < 20; ++i) writer.Put(std::to_string(i), RandomBytes(1000));
     writer.Commit();
     Refresh(writer.model);
@@ -520,10 +520,10 @@ TEST_F(Refreshed, ReaderDoesNotKeepATornEnd) {
 
 TEST_F(Refreshed, StateThatIsBeingWrittenCostsWhatIsNew) {
     Writer writer(m_sPath);
-    writer.Open(ZRFxOpenMode::kCreate);
+    writer.Open(ZRZipAccessMode::CREATE);
     for (int i = 0; i < 1000; ++i) writer.Put(std::to_string(i), RandomBytes(5000));
     writer.Commit();
-    ASSERT_TRUE(m_reader.Open(m_sPath, ZRFxOpenMode::kReadOnly));
+    ASSERT_TRUE(m_reader.Open(m_sPath, ZRZipAccessMode::READ_ONLY));
     writer.Put("large", RandomBytes(2 << 20));
     CountingSystem system;
     ASSERT_TRUE(m_reader.Refresh(&m_changes)) << m_reader.LastError();
@@ -534,7 +534,7 @@ TEST_F(Refreshed, StateThatIsBeingWrittenCostsWhatIsNew) {
 TEST_F(Refreshed, FileThatIsOverwrittenIsAnother) {
     WriteModel(m_sPath, {{"a", "old"}});
     WriteModel(m_folder.File("other"), {{"a", "new"}, {"b", ""}});
-    ASSERT_TRUE(m_reader.Open(m_sPath, ZRFxOpenMode::kReadOnly));
+    ASSERT_TRUE(m_reader.Open(m_sPath, ZRZipAccessMode::READ_ONLY));
     WriteWhole(m_sPath, ReadWhole(m_folder.File("other")));
     ASSERT_TRUE(m_reader.Refresh(&m_changes));
     EXPECT_EQ(m_changes.kept, (decltype(m_changes.kept){{"a", 0}}));
@@ -548,7 +548,7 @@ TEST_F(ZRFxCommitTest, CopyThatFailsAtAnyCallLeavesAnArchiveToUse) {
         WriteModel(m_sPath, model);
         ZRFxZipArchive archive;
         FaultySystem system;
-        ASSERT_TRUE(archive.Open(m_sPath, ZRFxOpenMode::kUpdate));
+        ASSERT_TRUE(archive.Open(m_sPath, ZRZipAccessMode::UPDATE));
         system.FailCall(nCall, EIO, FaultySystem::Failing::kOnce);
         const bool bCopied = archive.CloseAs(sCopy);
         if (!system.HasFailed()) break;
@@ -580,7 +580,7 @@ TEST_F(ZRFxCommitTest, SectorThatCannotBeReadIsNotTakenForATornEnd) {
     };
     {
         Writer writer(m_sPath);
-        writer.Open(ZRFxOpenMode::kCreate);
+        writer.Open(ZRZipAccessMode::CREATE);
         writer.Grow("Long.xml", 0, LongText());
         for (int i = 0; i < 4; ++i) {
             writer.Put("state" + std::to_string(i), RandomBytes(30000));
@@ -591,7 +591,7 @@ TEST_F(ZRFxCommitTest, SectorThatCannotBeReadIsNotTakenForATornEnd) {
     for (const uint64_t nFromEnd : {1u, 500u, 30200u}) {
         BadSector system;
         system.nAt = (sFile.size() - nFromEnd) / 512 * 512;
-        for (const ZRFxOpenMode eMode : {ZRFxOpenMode::kReadOnly, ZRFxOpenMode::kUpdate}) {
+        for (const ZRZipAccessMode eMode : {ZRZipAccessMode::READ_ONLY, ZRZipAccessMode::UPDATE}) {
             ZRFxZipArchive archive;
             // One within the data of an entry does not matter to opening.
             if (archive.Open(m_sPath, eMode)) {
@@ -641,7 +641,7 @@ TEST_P(BytesLeftBehind, AreBoundedDuringARunAndAfter) {
     WriteModel(m_sPath, {});
     int nStep = 0;
     for (int nRun = 0; nRun < GetParam().nRuns; ++nRun) {
-        writer.Open(ZRFxOpenMode::kUpdate);
+        writer.Open(ZRZipAccessMode::UPDATE);
         for (int i = 0; i < GetParam().nCommits; ++i) {
             GetParam().change(&writer, nStep++);
             ASSERT_NO_FATAL_FAILURE(writer.Commit());

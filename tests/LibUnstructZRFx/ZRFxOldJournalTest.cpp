@@ -78,7 +78,7 @@ protected:
         const TemporaryFolder folder;
         WriteModel(folder.File("old"), OldModel());
         ZRFxZipArchive archive;
-        EXPECT_TRUE(archive.Open(folder.File("old"), ZRFxOpenMode::kUpdate));
+        EXPECT_TRUE(archive.Open(folder.File("old"), ZRZipAccessMode::UPDATE));
         Change(&archive, OldModel(), to);
         EXPECT_TRUE(archive.CloseAs(folder.File("new"))) << archive.LastError();
         Commit commit{ReadWhole(folder.File("old")), ReadWhole(folder.File("new")), 0, {}};
@@ -95,7 +95,7 @@ protected:
         WriteWhole(m_sJournal, sJournal);
     }
     // Empty when it opens.
-    std::string OpenedBy(ZRFxOpenMode eMode, Model* pModel = nullptr) const {
+    std::string OpenedBy(ZRZipAccessMode eMode, Model* pModel = nullptr) const {
         ZRFxZipArchive archive;
         const bool bOpened = archive.Open(m_sPath, eMode);
         if (bOpened && pModel) *pModel = ContentOf(&archive);
@@ -112,7 +112,7 @@ protected:
     void ExpectGood(const Model& model, size_t nFilesLeft = 1) {
         EXPECT_EQ(ReadModel(m_sPath), model);
         ZRFxZipArchive archive;
-        ASSERT_TRUE(archive.Open(m_sPath, ZRFxOpenMode::kUpdate)) << archive.LastError();
+        ASSERT_TRUE(archive.Open(m_sPath, ZRZipAccessMode::UPDATE)) << archive.LastError();
         EXPECT_EQ(m_folder.FileCount(), nFilesLeft);
         ASSERT_TRUE(AddText(&archive, "more.dat", "more") && archive.Close());
         Model extended = model;
@@ -138,7 +138,7 @@ TEST_F(ZRFxOldJournalTest, TornFileShowsItsLastCommitAndIsRestoredByAWriter) {
             ASSERT_EQ(ReadModel(m_sPath), sTorn == commit.sNew ? to : OldModel()) << nWritten;
             ASSERT_EQ(ReadWhole(m_sPath) == sTorn, true) << nWritten;
             ASSERT_EQ(ReadWhole(m_sJournal) == commit.sJournal, true) << nWritten;
-            ASSERT_EQ(OpenedBy(ZRFxOpenMode::kUpdate), "");
+            ASSERT_EQ(OpenedBy(ZRZipAccessMode::UPDATE), "");
             ASSERT_EQ(ReadWhole(m_sPath) == (sTorn == commit.sNew ? sTorn : commit.sOld), true);
             ASSERT_EQ(m_folder.FileCount(), 1u);
         }
@@ -163,7 +163,7 @@ TEST_F(ZRFxOldJournalTest, RestoringThatFailsCanBeRepeated) {
             bool bFailed = true;
             for (int nCall = 1; bFailed; ++nCall) {
                 Put(commit.Torn(1000), commit.sJournal);
-                for (const auto eMode : {ZRFxOpenMode::kReadOnly, ZRFxOpenMode::kUpdate}) {
+                for (const auto eMode : {ZRZipAccessMode::READ_ONLY, ZRZipAccessMode::UPDATE}) {
                     FaultySystem system;
                     Model seen;
                     system.FailCall(nCall, EIO, eFailing);
@@ -175,7 +175,7 @@ TEST_F(ZRFxOldJournalTest, RestoringThatFailsCanBeRepeated) {
                     ASSERT_TRUE(!sError.empty() || seen.size() == OldModel().size()) << nCall;
                     ASSERT_EQ(ReadModel(m_sPath), OldModel()) << nCall << ": " << sError;
                 }
-                ASSERT_EQ(OpenedBy(ZRFxOpenMode::kUpdate), "") << nCall;
+                ASSERT_EQ(OpenedBy(ZRZipAccessMode::UPDATE), "") << nCall;
                 // Where the torn end could not be cut off, it is left to the first that writes.
                 ASSERT_EQ(ReadWhole(m_sPath).starts_with(commit.sOld), true) << nCall;
                 ASSERT_EQ(m_folder.FileCount(), 1u);
@@ -198,15 +198,15 @@ TEST_F(ZRFxOldJournalTest, JournalThatCannotBeUsedIsNamed) {
     RefusesJournals system;
     const std::string sRefused = Message("cannot open '" + m_sJournal + "': Permission denied");
     Put(commit.Torn(1000), commit.sJournal);
-    EXPECT_EQ(OpenedBy(ZRFxOpenMode::kReadOnly), sRefused);
-    EXPECT_EQ(OpenedBy(ZRFxOpenMode::kUpdate), sRefused);
+    EXPECT_EQ(OpenedBy(ZRZipAccessMode::READ_ONLY), sRefused);
+    EXPECT_EQ(OpenedBy(ZRZipAccessMode::UPDATE), sRefused);
     system.bJournals = false;
-    EXPECT_EQ(OpenedBy(ZRFxOpenMode::kUpdate), Message("cannot restore the last commit from '" +
-                                                       m_sJournal + "': Input/output error"));
+    EXPECT_EQ(OpenedBy(ZRZipAccessMode::UPDATE), Message("cannot restore the last commit from '" +
+                                                         m_sJournal + "': Input/output error"));
     Put(commit.sNew, commit.sJournal);
     system.bJournals = true;
     EXPECT_EQ(ReadModel(m_sPath), GrownModel());
-    EXPECT_EQ(OpenedBy(ZRFxOpenMode::kUpdate), sRefused);
+    EXPECT_EQ(OpenedBy(ZRZipAccessMode::UPDATE), sRefused);
 }
 
 // A file that cannot be read for once does not turn back.
@@ -217,7 +217,7 @@ TEST_F(ZRFxOldJournalTest, ReadErrorOfAGoodFileDoesNotRestoreAnOlderState) {
         Put(commit.sNew, commit.sJournal);
         FaultySystem system;
         system.FailCall(nCall, EIO, FaultySystem::Failing::kOnce);
-        OpenedBy(ZRFxOpenMode::kUpdate);
+        OpenedBy(ZRZipAccessMode::UPDATE);
         bFailed = system.HasFailed();
         system.Recover();
         ASSERT_EQ(ReadWhole(m_sPath) == commit.sNew, true) << nCall;
@@ -232,7 +232,7 @@ TEST_F(ZRFxOldJournalTest, JournalThatWasNotFinishedIsIgnoredAndRemoved) {
           sJournal.substr(0, sJournal.size() - 1), std::string(40, '\0') + sJournal.substr(40),
           WithFlippedByte(sJournal, 25), WithFlippedByte(sJournal, 60)}) {
         Put(commit.Torn(1000), sBroken);
-        for (const auto eMode : {ZRFxOpenMode::kReadOnly, ZRFxOpenMode::kUpdate}) {
+        for (const auto eMode : {ZRZipAccessMode::READ_ONLY, ZRZipAccessMode::UPDATE}) {
             EXPECT_EQ(OpenedBy(eMode), Message(kNoArchive));
             EXPECT_EQ(ReadWhole(m_sJournal) == sBroken, true);
         }
@@ -254,7 +254,7 @@ TEST_F(ZRFxOldJournalTest, GoodFileUnderTheNameIsReadAndAppendedToAsItStands) {
         const TemporaryFolder elsewhere;
         WriteWhole(elsewhere.File("run"), sFile);
         ZRFxZipArchive run;
-        ASSERT_TRUE(run.Open(elsewhere.File("run"), ZRFxOpenMode::kUpdate));
+        ASSERT_TRUE(run.Open(elsewhere.File("run"), ZRZipAccessMode::UPDATE));
         for (int i = 1; i <= 40; ++i) {
             const std::string sName = "S" + std::to_string(i) + ".dat";
             model[sName] = RandomBytes(3000, 8);
@@ -280,7 +280,7 @@ TEST_F(ZRFxOldJournalTest, GoodFileUnderTheNameIsReadAndAppendedToAsItStands) {
     }
     // One that went on from the old state has no need of the journal, damaged or not.
     Put(WithFlippedByte(sContinued, commit.sOld.size() + 300), commit.sJournal);
-    EXPECT_EQ(OpenedBy(ZRFxOpenMode::kUpdate), "");
+    EXPECT_EQ(OpenedBy(ZRZipAccessMode::UPDATE), "");
     for (const size_t nUnchanged : {size_t{0}, commit.nUnchanged}) {
         WriteModel(m_sPath, SmallModel());
         WriteWhole(m_sJournal, Journal(commit.sOld, nUnchanged));
@@ -312,7 +312,7 @@ TEST_F(ZRFxOldJournalTest, InDoubtAWriterIsRefusedAndNothingChanges) {
         const Model asItIs = ReadModel(m_sPath);
         WriteWhole(m_sJournal, sJournal);
         EXPECT_EQ(ReadModel(m_sPath), asItIs);
-        EXPECT_EQ(OpenedBy(ZRFxOpenMode::kUpdate), Refusal());
+        EXPECT_EQ(OpenedBy(ZRZipAccessMode::UPDATE), Refusal());
         EXPECT_EQ(ReadWhole(m_sPath) == sFile && ReadWhole(m_sJournal) == sJournal, true);
     }
 }
@@ -346,7 +346,7 @@ TEST_F(ZRFxOldJournalTest, WhatIsNoJournalOfTheOwnerIsLeftAlone) {
         const auto type = std::filesystem::symlink_status(m_sJournal).type();
         WatchesOpens system;
         WriteWhole(m_sPath, commit.Torn(1000));
-        for (const auto eMode : {ZRFxOpenMode::kReadOnly, ZRFxOpenMode::kUpdate}) {
+        for (const auto eMode : {ZRZipAccessMode::READ_ONLY, ZRZipAccessMode::UPDATE}) {
             EXPECT_EQ(OpenedBy(eMode), Message(kNoArchive));
         }
         WriteWhole(m_sPath, commit.sOld);
@@ -372,7 +372,7 @@ TEST_F(ZRFxOldJournalTest, TornFileThatIsReplacedStaysUntilTheFirstCommit) {
         const Commit commit = CommitTo(to);
         Put(commit.Torn(1000), commit.sJournal);
         ZRFxZipArchive archive;
-        ASSERT_TRUE(archive.Open(m_sPath, ZRFxOpenMode::kCreate)) << archive.LastError();
+        ASSERT_TRUE(archive.Open(m_sPath, ZRZipAccessMode::CREATE)) << archive.LastError();
         ASSERT_TRUE(AddText(&archive, "first.dat", "first"));
         EXPECT_EQ(ReadModel(m_sPath), OldModel());
         ASSERT_TRUE(archive.Commit());
@@ -386,7 +386,7 @@ TEST_F(ZRFxOldJournalTest, ReaderOfATornFileFollowsTheNextWriter) {
     Put(commit.Torn(1000), commit.sJournal);
     ZRFxZipArchive reader;
     ZRFxArchiveChanges changes;
-    ASSERT_TRUE(reader.Open(m_sPath, ZRFxOpenMode::kReadOnly)) << reader.LastError();
+    ASSERT_TRUE(reader.Open(m_sPath, ZRZipAccessMode::READ_ONLY)) << reader.LastError();
     ASSERT_TRUE(reader.Refresh(&changes)) << reader.LastError();
     EXPECT_FALSE(changes.bAny);
     ExpectGood(OldModel());

@@ -30,7 +30,7 @@ protected:
     };
 
     Work Create() const {
-        Work work = {{Opening(ZRFxOpenMode::kCreate)}, {Model{}, SmallModel(), Changed()}};
+        Work work = {{Opening(ZRZipAccessMode::CREATE)}, {Model{}, SmallModel(), Changed()}};
         for (const auto& [sName, sData] : SmallModel()) {
             work.aSteps.push_back([sName = sName, sData = sData](auto* p) {
                 return p->Contains(sName) || AddText(p, sName, sData);
@@ -40,9 +40,9 @@ protected:
         return WithChanges(std::move(work));
     }
     Work Append() const {
-        return WithChanges({{Opening(ZRFxOpenMode::kUpdate)}, {SmallModel(), Changed()}});
+        return WithChanges({{Opening(ZRZipAccessMode::UPDATE)}, {SmallModel(), Changed()}});
     }
-    Step Opening(ZRFxOpenMode eMode) const {
+    Step Opening(ZRZipAccessMode eMode) const {
         return [this, eMode](auto* p) { return p->Open(m_sPath, eMode); };
     }
     static Model Changed() {
@@ -99,7 +99,7 @@ protected:
             const Model seen = ReadModel(m_sPath);
             EXPECT_TRUE(IsOneOf(work.aStates, seen)) << testing::PrintToString(seen);
             ZRFxZipArchive archive;
-            EXPECT_TRUE(archive.Open(m_sPath, ZRFxOpenMode::kUpdate)) << archive.LastError();
+            EXPECT_TRUE(archive.Open(m_sPath, ZRZipAccessMode::UPDATE)) << archive.LastError();
             EXPECT_EQ(ContentOf(&archive), seen);
             EXPECT_TRUE(archive.Close());
             EXPECT_EQ(m_folder.FileCount(), 1u);
@@ -136,7 +136,7 @@ TEST_P(FailingCalls, ReadingReportsThemAndGivesNothingWrong) {
         ZRFxZipArchive archive;
         system.FailCall(nCall, EIO, GetParam().first);
         Model seen;
-        if (archive.Open(m_sPath, ZRFxOpenMode::kReadOnly)) seen = ContentOf(&archive);
+        if (archive.Open(m_sPath, ZRZipAccessMode::READ_ONLY)) seen = ContentOf(&archive);
         for (const auto& [sName, sData] : seen) {
             EXPECT_TRUE(sData == SmallModel()[sName] || sData == archive.LastError() ||
                         sData.find(sName) != std::string::npos)
@@ -157,7 +157,7 @@ TEST(FullDisk, EntryThatDoesNotFitIsRefusedAndTheOthersStay) {
     TemporaryFolder folder;
     FaultySystem system;
     ZRFxZipArchive archive;
-    ASSERT_TRUE(archive.Open(folder.File("m.zrfx"), ZRFxOpenMode::kCreate));
+    ASSERT_TRUE(archive.Open(folder.File("m.zrfx"), ZRZipAccessMode::CREATE));
     ASSERT_TRUE(AddText(&archive, "first", "waits"));
     const std::string sLarge = RandomBytes(2 << 20);
     system.FailCall(1, ENOSPC, FaultySystem::Failing::kFromThenOn);
@@ -183,7 +183,7 @@ public:
                            static_cast<unsigned>(nState) + 1);
     }
 
-    Solver(const std::string& sPath, ZRFxOpenMode eMode, int nFirst, int nStates) {
+    Solver(const std::string& sPath, ZRZipAccessMode eMode, int nFirst, int nStates) {
         int anPipe[2];
         if (pipe(anPipe) != 0) return;
         m_nProgress = anPipe[0];
@@ -212,7 +212,7 @@ public:
     }
 
 private:
-    static int Work(const std::string& sPath, ZRFxOpenMode eMode, int nFirst, int nStates,
+    static int Work(const std::string& sPath, ZRZipAccessMode eMode, int nFirst, int nStates,
                     int nProgress) {
         ZRFxZipArchive archive;
         archive.SetPendingLimit(50000);  // Most states are written ahead of their commit.
@@ -255,7 +255,7 @@ protected:
         const Model seen = ReadModel(m_sPath);
         ExpectStates(seen, nAtLeast);
         ZRFxZipArchive archive;
-        ASSERT_TRUE(archive.Open(m_sPath, ZRFxOpenMode::kUpdate)) << archive.LastError();
+        ASSERT_TRUE(archive.Open(m_sPath, ZRZipAccessMode::UPDATE)) << archive.LastError();
         EXPECT_EQ(ContentOf(&archive), seen);
         ASSERT_TRUE(archive.Close());
         EXPECT_EQ(m_folder.FileCount(), 1u);
@@ -272,7 +272,7 @@ protected:
 TEST_F(KilledWriter, NewFileOpensWithEverythingCommitted) {
     for (int i = 0; i < Rounds(); ++i) {
         std::filesystem::remove(m_sPath);
-        Solver solver(m_sPath, ZRFxOpenMode::kCreate, 0, 1000);
+        Solver solver(m_sPath, ZRZipAccessMode::CREATE, 0, 1000);
         usleep(m_random() % 40000);
         solver.Kill();
         const int nSteps = solver.StepsDone();
@@ -286,13 +286,13 @@ TEST_F(KilledWriter, NewFileOpensWithEverythingCommitted) {
 
 TEST_F(KilledWriter, AppendedFileKeepsAllItHeld) {
     {
-        Solver solver(m_sPath, ZRFxOpenMode::kCreate, 0, 5);
+        Solver solver(m_sPath, ZRZipAccessMode::CREATE, 0, 5);
         ASSERT_EQ(solver.StepsDone(), 6);
     }
     const std::string sBefore = ReadWhole(m_sPath);
     for (int i = 0; i < Rounds(); ++i) {
         WriteWhole(m_sPath, sBefore);
-        Solver solver(m_sPath, ZRFxOpenMode::kUpdate, 5, 1000);
+        Solver solver(m_sPath, ZRZipAccessMode::UPDATE, 5, 1000);
         usleep(m_random() % 40000);
         solver.Kill();
         ExpectWhole(5 + std::max(0, solver.StepsDone() - 1));
@@ -302,12 +302,12 @@ TEST_F(KilledWriter, AppendedFileKeepsAllItHeld) {
 
 // A reader that comes again and again while a writer commits sees whole states, and never waits.
 TEST_F(KilledWriter, ReadersBesideALivingWriterSeeWholeStates) {
-    Solver solver(m_sPath, ZRFxOpenMode::kCreate, 0, 150);
+    Solver solver(m_sPath, ZRZipAccessMode::CREATE, 0, 150);
     int nOpened = 0;
     size_t nLast = 0;
     while (!solver.IsDone()) {
         ZRFxZipArchive reader;
-        if (!reader.Open(m_sPath, ZRFxOpenMode::kReadOnly)) {
+        if (!reader.Open(m_sPath, ZRZipAccessMode::READ_ONLY)) {
             ASSERT_EQ(nOpened, 0) << reader.LastError();
             continue;
         }
@@ -371,12 +371,12 @@ protected:
     }
     int ExpectState(const std::string& sPath) {
         ZRFxZipArchive reader;
-        EXPECT_TRUE(reader.Open(sPath, ZRFxOpenMode::kReadOnly)) << reader.LastError();
+        EXPECT_TRUE(reader.Open(sPath, ZRZipAccessMode::READ_ONLY)) << reader.LastError();
         return ExpectState(&reader);
     }
     static int CountStates(const std::string& sPath) {
         ZRFxZipArchive reader;
-        return reader.Open(sPath, ZRFxOpenMode::kReadOnly)
+        return reader.Open(sPath, ZRZipAccessMode::READ_ONLY)
                    ? static_cast<int>(reader.EntryCount()) - 1
                    : 0;
     }
@@ -406,7 +406,7 @@ private:
         ZRFxZipArchive archive;
         uint64_t nRevision = 0;
         uint64_t nLog = Line(0).size();
-        if (!archive.Open(m_sPath, ZRFxOpenMode::kCreate) ||
+        if (!archive.Open(m_sPath, ZRZipAccessMode::CREATE) ||
             !archive.Grow("Log.xml", 0, Line(0), 6, &nRevision)) {
             return 1;
         }
@@ -429,8 +429,8 @@ private:
 TEST_F(BesideAWriter, ReadersSeeWholeStatesAndKeepThemUntilTheyRefresh) {
     ZRFxZipArchive staying;
     ZRFxZipArchive refreshing;
-    ASSERT_TRUE(staying.Open(m_sPath, ZRFxOpenMode::kReadOnly));
-    ASSERT_TRUE(refreshing.Open(m_sPath, ZRFxOpenMode::kReadOnly));
+    ASSERT_TRUE(staying.Open(m_sPath, ZRZipAccessMode::READ_ONLY));
+    ASSERT_TRUE(refreshing.Open(m_sPath, ZRZipAccessMode::READ_ONLY));
     const int nFirst = ExpectState(&staying);
     int nLast = nFirst;
     for (bool bDone = false; !bDone && !HasFailure();) {

@@ -28,7 +28,7 @@ TEST_F(ZRFxZipArchiveTest, WhatIsWrittenIsReadAtEveryLevelWithAndWithoutPassword
 }
 
 TEST_F(ZRFxZipArchiveTest, ReplacingThatFailsKeepsTheOldEntry) {
-    ASSERT_TRUE(m_archive.Open(m_sPath, ZRFxOpenMode::kCreate));
+    ASSERT_TRUE(m_archive.Open(m_sPath, ZRZipAccessMode::CREATE));
     for (const bool bCommitted : {false, true}) {
         ASSERT_TRUE(ReplaceText(&m_archive, "ZRF.xml", "<old/>"));
         ASSERT_TRUE(!bCommitted || m_archive.Commit());
@@ -47,10 +47,10 @@ TEST_F(ZRFxZipArchiveTest, BadUseIsAnsweredWithItsCause) {
     ZRFxZipRawData raw;
     EXPECT_FALSE(m_archive.Commit());
     EXPECT_FALSE(m_archive.Read("a", &raw));
-    EXPECT_FALSE(m_archive.Open(m_sPath, ZRFxOpenMode::kUpdate));
+    EXPECT_FALSE(m_archive.Open(m_sPath, ZRZipAccessMode::UPDATE));
     EXPECT_EQ(m_archive.LastError(), sAt + ": cannot open: No such file or directory.");
-    ASSERT_TRUE(m_archive.Open(m_sPath, ZRFxOpenMode::kCreate));
-    EXPECT_FALSE(m_archive.Open(m_sPath, ZRFxOpenMode::kReadOnly));
+    ASSERT_TRUE(m_archive.Open(m_sPath, ZRZipAccessMode::CREATE));
+    EXPECT_FALSE(m_archive.Open(m_sPath, ZRZipAccessMode::READ_ONLY));
     EXPECT_FALSE(AddText(&m_archive, "", "x"));
     EXPECT_EQ(m_archive.LastError(), sAt + ": the entry has no name.");
     ASSERT_TRUE(AddText(&m_archive, "a", "x"));
@@ -61,7 +61,7 @@ TEST_F(ZRFxZipArchiveTest, BadUseIsAnsweredWithItsCause) {
     EXPECT_FALSE(m_archive.Add("huge", "x", uint64_t{0xFFFFFFFF}));
     EXPECT_EQ(m_archive.LastError(), sAt + ", entry 'huge': the entry is larger than 4 GiB.");
     ASSERT_TRUE(m_archive.Close());
-    ASSERT_TRUE(m_archive.Open(m_sPath, ZRFxOpenMode::kReadOnly));
+    ASSERT_TRUE(m_archive.Open(m_sPath, ZRZipAccessMode::READ_ONLY));
     EXPECT_FALSE(m_archive.Remove("a"));
     EXPECT_EQ(m_archive.LastError(), sAt + ", entry 'a': the archive is open for reading only.");
     EXPECT_EQ(ReadModel(m_sPath), (Model{{"a", "x"}}));
@@ -69,7 +69,7 @@ TEST_F(ZRFxZipArchiveTest, BadUseIsAnsweredWithItsCause) {
 
 TEST_F(ZRFxZipArchiveTest, StreamedEntryIsTheSumOfItsPieces) {
     std::string sAll;
-    ASSERT_TRUE(m_archive.Open(m_sPath, ZRFxOpenMode::kCreate));
+    ASSERT_TRUE(m_archive.Open(m_sPath, ZRZipAccessMode::CREATE));
     ASSERT_TRUE(m_archive.OpenEntry("ids.txt"));
     EXPECT_FALSE(m_archive.OpenEntry("other.txt"));
     for (int i = 0; i < 20000; ++i) {
@@ -84,7 +84,7 @@ TEST_F(ZRFxZipArchiveTest, StreamedEntryIsTheSumOfItsPieces) {
 }
 
 TEST_F(ZRFxZipArchiveTest, StreamedEntryThatCannotTakeAPieceIsGivenUp) {
-    ASSERT_TRUE(m_archive.Open(m_sPath, ZRFxOpenMode::kCreate));
+    ASSERT_TRUE(m_archive.Open(m_sPath, ZRZipAccessMode::CREATE));
     ASSERT_TRUE(m_archive.OpenEntry("ids.txt"));
     ASSERT_TRUE(m_archive.WriteEntry("1 \n", 3));
     {
@@ -100,7 +100,7 @@ TEST_F(ZRFxZipArchiveTest, StreamedEntryThatCannotTakeAPieceIsGivenUp) {
 
 TEST_F(ZRFxZipArchiveTest, ArchiveDestroyedWithoutCloseLeavesWhatWasCommitted) {
     WriteModel(m_sPath, SmallModel());
-    for (const ZRFxOpenMode eMode : {ZRFxOpenMode::kCreate, ZRFxOpenMode::kUpdate}) {
+    for (const ZRZipAccessMode eMode : {ZRZipAccessMode::CREATE, ZRZipAccessMode::UPDATE}) {
         ZRFxZipArchive archive;
         ASSERT_TRUE(archive.Open(m_sPath, eMode));
         ASSERT_TRUE(AddText(&archive, "large", RandomBytes(65 << 20), 0));
@@ -111,13 +111,13 @@ TEST_F(ZRFxZipArchiveTest, ArchiveDestroyedWithoutCloseLeavesWhatWasCommitted) {
 
 TEST_F(ZRFxZipArchiveTest, CreatingKeepsTheOldContentUntilTheFirstCommit) {
     WriteModel(m_sPath, SmallModel());
-    ASSERT_TRUE(m_archive.Open(m_sPath, ZRFxOpenMode::kCreate));
+    ASSERT_TRUE(m_archive.Open(m_sPath, ZRZipAccessMode::CREATE));
     EXPECT_EQ(m_archive.EntryCount(), 0u);
     ASSERT_TRUE(AddText(&m_archive, "a", "data"));
     EXPECT_EQ(ReadModel(m_sPath), SmallModel());
     m_archive.Abandon();
     EXPECT_EQ(ReadModel(m_sPath), SmallModel());
-    ASSERT_TRUE(m_archive.Open(m_sPath, ZRFxOpenMode::kCreate));
+    ASSERT_TRUE(m_archive.Open(m_sPath, ZRZipAccessMode::CREATE));
     ASSERT_TRUE(m_archive.Close());
     EXPECT_EQ(ReadModel(m_sPath), Model{});
     EXPECT_EQ(ReadWhole(m_sPath).size(), 22u);
@@ -126,7 +126,7 @@ TEST_F(ZRFxZipArchiveTest, CreatingKeepsTheOldContentUntilTheFirstCommit) {
 TEST_F(ZRFxZipArchiveTest, EntriesWrittenAheadOrPendingAreReadReplacedAndRemovedLikeOthers) {
     for (const auto& [sPassword, nLimit] :
          {std::pair("", 1000), {"geheim", 1000}, {"", 1 << 20}, {"geheim", 1 << 20}}) {
-        ASSERT_TRUE(m_archive.Open(m_sPath, ZRFxOpenMode::kCreate));
+        ASSERT_TRUE(m_archive.Open(m_sPath, ZRZipAccessMode::CREATE));
         ASSERT_TRUE(m_archive.SetPassword(sPassword));
         m_archive.SetPendingLimit(static_cast<uint64_t>(nLimit));
         Model expected;
@@ -156,7 +156,7 @@ TEST_F(ZRFxZipArchiveTest, EntriesWrittenAheadOrPendingAreReadReplacedAndRemoved
 TEST_F(ZRFxZipArchiveTest, DocumentsReplacedAgainAndAgainCostWhatIsNew) {
     Model expected;
     FaultySystem system;
-    ASSERT_TRUE(m_archive.Open(m_sPath, ZRFxOpenMode::kCreate));
+    ASSERT_TRUE(m_archive.Open(m_sPath, ZRZipAccessMode::CREATE));
     uint64_t nData = 0;
     for (unsigned i = 0; i < 40; ++i) {
         const std::string sState = "Database001\\State" + std::to_string(i);
@@ -181,12 +181,12 @@ TEST_F(ZRFxZipArchiveTest, DocumentsReplacedAgainAndAgainCostWhatIsNew) {
 
 TEST_F(ZRFxZipArchiveTest, EntryReplacedFarAheadRewritesTheArchive) {
     const std::string sBulk = RandomBytes(30 << 20);
-    ASSERT_TRUE(m_archive.Open(m_sPath, ZRFxOpenMode::kCreate));
+    ASSERT_TRUE(m_archive.Open(m_sPath, ZRZipAccessMode::CREATE));
     for (const char* sName : {"first", "a", "b", "c"}) {
         ASSERT_TRUE(AddText(&m_archive, sName, sBulk, 0)) << m_archive.LastError();
     }
     ASSERT_TRUE(m_archive.Close());
-    ASSERT_TRUE(m_archive.Open(m_sPath, ZRFxOpenMode::kUpdate));
+    ASSERT_TRUE(m_archive.Open(m_sPath, ZRZipAccessMode::UPDATE));
     ASSERT_TRUE(m_archive.Remove("first"));
     ASSERT_TRUE(AddText(&m_archive, "ZRF.xml", "<ZRF/>"));
     ASSERT_TRUE(m_archive.Close()) << m_archive.LastError();
@@ -197,12 +197,12 @@ TEST_F(ZRFxZipArchiveTest, EntryReplacedFarAheadRewritesTheArchive) {
 }
 
 TEST_F(ZRFxZipArchiveTest, SeventyThousandEntries) {
-    ASSERT_TRUE(m_archive.Open(m_sPath, ZRFxOpenMode::kCreate));
+    ASSERT_TRUE(m_archive.Open(m_sPath, ZRZipAccessMode::CREATE));
     for (int i = 0; i < 70000; ++i) {
         ASSERT_TRUE(AddText(&m_archive, "Blocks\\" + std::to_string(i), std::to_string(i)));
     }
     ASSERT_TRUE(m_archive.Close()) << m_archive.LastError();
-    ASSERT_TRUE(m_archive.Open(m_sPath, ZRFxOpenMode::kUpdate)) << m_archive.LastError();
+    ASSERT_TRUE(m_archive.Open(m_sPath, ZRZipAccessMode::UPDATE)) << m_archive.LastError();
     EXPECT_EQ(m_archive.EntryCount(), 70000u);
     std::string sData;
     for (int i : {0, 1, 65535, 65536, 69999}) {
@@ -230,14 +230,14 @@ TEST_F(ZRFxZipArchiveTest, ArchiveAboveFourGigabytesIsExtendedAndReadByOthers) {
     std::filesystem::resize_file(m_sPath, nDirectory);
     std::ofstream(m_sPath, std::ios::binary | std::ios::app)
         << sRecord << ZRFxZipDirectory::End(1, nDirectory, sRecord.size(), "");
-    ASSERT_TRUE(m_archive.Open(m_sPath, ZRFxOpenMode::kUpdate)) << m_archive.LastError();
+    ASSERT_TRUE(m_archive.Open(m_sPath, ZRZipAccessMode::UPDATE)) << m_archive.LastError();
     ASSERT_TRUE(AddText(&m_archive, "behind.dat", SmoothField(1000)));
     ASSERT_TRUE(AddText(&m_archive, "ZRF.xml", "<ZRF/>"));
     ASSERT_TRUE(m_archive.Commit()) << m_archive.LastError();
     ASSERT_TRUE(m_archive.Remove("behind.dat"));
     ASSERT_TRUE(AddText(&m_archive, "more.dat", SmoothField(500)));
     ASSERT_TRUE(m_archive.Close()) << m_archive.LastError();
-    ASSERT_TRUE(m_archive.Open(m_sPath, ZRFxOpenMode::kReadOnly)) << m_archive.LastError();
+    ASSERT_TRUE(m_archive.Open(m_sPath, ZRZipAccessMode::READ_ONLY)) << m_archive.LastError();
     std::string sData;
     EXPECT_TRUE(ReadText(&m_archive, "more.dat", &sData)) << m_archive.LastError();
     EXPECT_EQ(sData == SmoothField(500), true);
@@ -265,7 +265,7 @@ TEST_F(ZRFxZipArchiveTest, NothingOfAnEncryptedModelIsWrittenInTheClear) {
     const std::string sMarker = "recognizable-node-label ";
     std::string sText;
     for (int i = 0; i < 2000; ++i) sText += sMarker;
-    ASSERT_TRUE(m_archive.Open(m_sPath, ZRFxOpenMode::kCreate));
+    ASSERT_TRUE(m_archive.Open(m_sPath, ZRZipAccessMode::CREATE));
     ASSERT_TRUE(m_archive.SetPassword("geheim"));
     for (int i = 0; i < 5; ++i) {
         ASSERT_TRUE(ReplaceText(&m_archive, "labels.dat", sText, 0));

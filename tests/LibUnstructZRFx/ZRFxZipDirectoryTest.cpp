@@ -44,7 +44,8 @@ protected:
         }
         return nIntact;
     }
-    std::string OpenError(const std::string& sBytes, ZRFxOpenMode eMode = ZRFxOpenMode::kReadOnly) {
+    std::string OpenError(const std::string& sBytes,
+                          ZRZipAccessMode eMode = ZRZipAccessMode::READ_ONLY) {
         WriteWhole(m_sPath, sBytes);
         ZRFxZipArchive archive;
         if (archive.Open(m_sPath, eMode)) return "opened";
@@ -76,7 +77,7 @@ TEST_F(DamagedArchive, EveryFlippedByteOfTheDirectoryIsSurvived) {
         IntactEntries(sBytes);
         WriteWhole(m_sPath, sBytes);
         ZRFxZipArchive archive;
-        if (!archive.Open(m_sPath, ZRFxOpenMode::kUpdate)) {
+        if (!archive.Open(m_sPath, ZRZipAccessMode::UPDATE)) {
             EXPECT_FALSE(archive.LastError().empty()) << i;
             continue;
         }
@@ -93,7 +94,7 @@ TEST_F(DamagedArchive, FlippedDataCostsItsEntryOnly) {
     const std::string sName = "Database001\\Nodes\\Nodes0001.dat";
     WriteWhole(m_sPath, WithFlippedByte(m_sGood, m_sGood.find(sName) + 5000));
     ZRFxZipArchive archive;
-    ASSERT_TRUE(archive.Open(m_sPath, ZRFxOpenMode::kReadOnly));
+    ASSERT_TRUE(archive.Open(m_sPath, ZRZipAccessMode::READ_ONLY));
     ZRFxZipRawData raw;
     EXPECT_FALSE(archive.Read(sName, &raw));
     EXPECT_EQ(raw.Length(), 0u);
@@ -142,7 +143,7 @@ TEST_F(DamagedArchive, OverlappingEntriesAreReadButNeverChanged) {
     const uint32_t nOffset =
         LoadLittleEndian<uint32_t>(reinterpret_cast<const uint8_t*>(m_sGood.data()) + nFirst + 42);
     const std::string sBytes = Patched(m_sGood, nSecond + 42, nOffset);
-    EXPECT_EQ(OpenError(sBytes, ZRFxOpenMode::kUpdate),
+    EXPECT_EQ(OpenError(sBytes, ZRZipAccessMode::UPDATE),
               "entries overlap, the archive cannot be changed.");
     EXPECT_EQ(IntactEntries(sBytes), m_model.size() - 1);
 }
@@ -154,7 +155,7 @@ TEST_F(DamagedArchive, OfDuplicateNamesTheLastCounts) {
               0);
     EXPECT_EQ(ReadModel(m_sPath), (Model{{"a.dat", "three"}, {"../../etc/b.dat", "up"}}));
     ZRFxZipArchive archive;
-    ASSERT_TRUE(archive.Open(m_sPath, ZRFxOpenMode::kUpdate));
+    ASSERT_TRUE(archive.Open(m_sPath, ZRZipAccessMode::UPDATE));
     ASSERT_TRUE(archive.Remove("a.dat"));
     EXPECT_FALSE(archive.Contains("a.dat"));
     ASSERT_TRUE(archive.Close());
@@ -185,7 +186,7 @@ protected:
         ASSERT_EQ(Shell("cd " + m_folder.File("in") + " && " + sCommand), 0);
         EXPECT_EQ(ReadModel(m_sPath, sPassword), m_model);
         ZRFxZipArchive archive;
-        ASSERT_TRUE(archive.Open(m_sPath, ZRFxOpenMode::kUpdate)) << archive.LastError();
+        ASSERT_TRUE(archive.Open(m_sPath, ZRZipAccessMode::UPDATE)) << archive.LastError();
         ASSERT_TRUE(archive.SetPassword(sPassword));
         ASSERT_TRUE(ReplaceText(&archive, "ZRF.xml", "<ZRF>new</ZRF>"));
         ASSERT_TRUE(ReplaceText(&archive, archive.EntryAt(0).sName, "new"));

@@ -233,7 +233,7 @@ TEST_F(ZRFxDatabaseTest, WhatCouldNotBeOpenedAgainIsNotWritten) {
     nvf::XmlDocument doc;
     doc.createRootElement("Nodes", "");
     for (const auto& [type, id] : kBlocks) {
-        ExpectRefused(m_database.WriteBlock(type, id, "Database001\\x.xml", doc, true),
+        ExpectRefused(m_database.StoreBlock(type, id, "Database001\\x.xml", doc, true),
                       {"Error writing block xml file (type '" + std::string(type) + "' ID " +
                        std::to_string(id) + ")"});
     }

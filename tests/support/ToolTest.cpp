@@ -202,7 +202,7 @@ void ToolTest::Edit(const std::string& name, const std::string& entry, const std
                     const char* to) {
     ZRFxZipArchive archive;
     unstruct::ZRFxZipRawData raw;
-    ASSERT_TRUE(archive.Open(Path(name), unstruct::ZRFxOpenMode::kUpdate)) << archive.LastError();
+    ASSERT_TRUE(archive.Open(Path(name), unstruct::ZRZipAccessMode::UPDATE)) << archive.LastError();
     ASSERT_TRUE(archive.Read(entry, &raw)) << archive.LastError();
     if (!to) {
         ASSERT_TRUE(archive.Remove(entry) && archive.Close());

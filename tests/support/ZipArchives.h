@@ -47,7 +47,7 @@ inline bool ReadText(unstruct::ZRFxZipArchive* pArchive, const std::string& sNam
 inline void WriteModel(const std::string& sPath, const Model& model,
                        const std::string& sPassword = {}, int nLevel = 6) {
     unstruct::ZRFxZipArchive archive;
-    ASSERT_TRUE(archive.Open(sPath, unstruct::ZRFxOpenMode::kCreate)) << archive.LastError();
+    ASSERT_TRUE(archive.Open(sPath, unstruct::ZRZipAccessMode::CREATE)) << archive.LastError();
     ASSERT_TRUE(archive.SetPassword(sPassword));
     for (const auto& [sName, sData] : model) {
         ASSERT_TRUE(AddText(&archive, sName, sData, nLevel)) << archive.LastError();
@@ -67,7 +67,7 @@ inline Model ContentOf(unstruct::ZRFxZipArchive* pArchive) {
 
 inline Model ReadModel(const std::string& sPath, const std::string& sPassword = {}) {
     unstruct::ZRFxZipArchive archive;
-    if (!archive.Open(sPath, unstruct::ZRFxOpenMode::kReadOnly)) {
+    if (!archive.Open(sPath, unstruct::ZRZipAccessMode::READ_ONLY)) {
         return {{"not opened", archive.LastError()}};
     }
     archive.SetPassword(sPassword);

@@ -198,7 +198,7 @@ TEST_F(ZrfxTest, CheckReportsEverythingAndEachOfItsKindOnlySoOften) {
 TEST_F(ZrfxTest, CheckFindsDamagedBytesInEveryEntry) {
     WriteSound("sound.zrfx");
     unstruct::ZRFxZipArchive archive;
-    ASSERT_TRUE(archive.Open(Path("sound.zrfx"), unstruct::ZRFxOpenMode::kReadOnly));
+    ASSERT_TRUE(archive.Open(Path("sound.zrfx"), unstruct::ZRZipAccessMode::READ_ONLY));
     std::ifstream file(Path("sound.zrfx"), std::ios::binary);
     const std::string sound(std::istreambuf_iterator<char>(file), {});
     for (std::size_t i = 0; i < archive.EntryCount(); ++i) {
@@ -308,7 +308,7 @@ TEST_F(ZrfxTest, CopyOntoItselfReclaimsSpace) {
     {
         unstruct::ZRFxZipArchive archive;
         const std::string waste(50000, '\0');
-        ASSERT_TRUE(archive.Open(Path("a.zrfx"), unstruct::ZRFxOpenMode::kUpdate));
+        ASSERT_TRUE(archive.Open(Path("a.zrfx"), unstruct::ZRZipAccessMode::UPDATE));
         ASSERT_TRUE(archive.Add("Database000\\Waste.dat", waste.data(), waste.size(), 0) &&
                     archive.Close());
     }
@@ -359,7 +359,7 @@ TEST_F(ZrfxTest, ExtractNeverLeavesItsFolder) {
     EXPECT_FALSE(std::filesystem::exists(Path("some/Database000")));
 
     unstruct::ZRFxZipArchive archive;
-    ASSERT_TRUE(archive.Open(Path("evil.zrfx"), unstruct::ZRFxOpenMode::kCreate));
+    ASSERT_TRUE(archive.Open(Path("evil.zrfx"), unstruct::ZRZipAccessMode::CREATE));
     const char* const names[] = {"..\\evil", "a/../../evil", "/evil", "\\evil",
                                  "C:\\evil", "link\\evil",   "file",  "good\\file"};
     for (const char* name : names) ASSERT_TRUE(archive.Add(name, "evil", 4));
@@ -383,7 +383,7 @@ TEST_F(ZrfxTest, ExtractMakesNoFoldersWithoutEnd) {
         return path + "\\file";
     };
     unstruct::ZRFxZipArchive archive;
-    ASSERT_TRUE(archive.Open(Path("deep.zrfx"), unstruct::ZRFxOpenMode::kCreate));
+    ASSERT_TRUE(archive.Open(Path("deep.zrfx"), unstruct::ZRZipAccessMode::CREATE));
     for (const std::string& name : {folders(30000, "a"), folders(1001, "b"), folders(1000, "c"),
                                     folders(30, "d"), std::string("ZRF.xml"), folders(2, "c")}) {
         ASSERT_TRUE(archive.Add(name, "1", 1));

@@ -61,7 +61,7 @@ bool ZRFxCrossSection::SetParameters(const ZRStringArray& names, const std::vect
     return true;
 }
 
-ZRFxCrossSectionsBlock::ZRFxCrossSectionsBlock(ZRFxDatabase* pDatabase, int id)
+ZRFxCrossSectionsBlock::ZRFxCrossSectionsBlock(ZRFxBlockStore* pDatabase, int id)
     : ZRFxBlock(pDatabase, id, BLOCK_CROSS_SECTIONS) {}
 
 void ZRFxCrossSectionsBlock::AddCrossSection(const ZRFxCrossSection& crossSection) {

@@ -53,7 +53,7 @@ private:
 /// The cross sections that the beams of element blocks are expanded with.
 class ZRFxCrossSectionsBlock : public ZRFxBlock {
 public:
-    ZRFxCrossSectionsBlock(ZRFxDatabase* pDatabase, int id);
+    ZRFxCrossSectionsBlock(ZRFxBlockStore* pDatabase, int id);
 
     void AddCrossSection(const ZRFxCrossSection& crossSection);
     std::int64_t GetCrossSectionCount() const { return m_apCrossSections.GetSize(); }

@@ -6,7 +6,7 @@
 #include <numeric>
 #include <utility>
 
-#include "database/ZROZRFxDatabase.h"
+#include "blocks/ZRFxBlockStore.h"
 #include "documents/ZRFxFileRecord.h"
 #include "documents/ZRFxXml.h"
 
@@ -53,7 +53,7 @@ bool addToAll(std::int64_t value, ZRIntArray* items) {
 
 }  // namespace
 
-ZRFxElementBlock::ZRFxElementBlock(ZRFxDatabase* pDatabase, int id)
+ZRFxElementBlock::ZRFxElementBlock(ZRFxBlockStore* pDatabase, int id)
     : ZRFxBlock(pDatabase, id, BLOCK_ELEMENTS) {}
 
 bool ZRFxElementBlock::AddElementGroup(std::unique_ptr<ZRFxElementBlockGroup>& pGroup) {

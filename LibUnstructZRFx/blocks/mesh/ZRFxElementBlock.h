@@ -14,7 +14,7 @@ namespace unstruct {
 /// node block, and any number of integer properties, each with one value an element.
 class ZRFxElementBlock : public ZRFxBlock {
 public:
-    ZRFxElementBlock(ZRFxDatabase* pDatabase, int id);
+    ZRFxElementBlock(ZRFxBlockStore* pDatabase, int id);
 
     /// Takes the group over. False, with a message and the group left to the caller, when it has
     /// ids and the groups before it have none, or the reverse.

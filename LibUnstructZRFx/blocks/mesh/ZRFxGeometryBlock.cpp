@@ -115,7 +115,7 @@ bool ZRFxGeometryState::IsGeometry(int iGlobalGeometryIndex) const {
     return iGlobalGeometryIndex >= 0 && iGlobalGeometryIndex < GetGeometryCountPerState();
 }
 
-ZRFxGeometryBlock::ZRFxGeometryBlock(ZRFxDatabase* pDatabase, int id)
+ZRFxGeometryBlock::ZRFxGeometryBlock(ZRFxBlockStore* pDatabase, int id)
     : ZRFxBlock(pDatabase, id, BLOCK_GEOMETRY) {}
 
 ZRFxGeometryState* ZRFxGeometryBlock::AddState(int stateID) {

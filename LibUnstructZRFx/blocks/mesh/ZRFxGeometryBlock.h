@@ -89,7 +89,7 @@ struct ZRFxGeometryInfo {
 /// Which blocks make up the model, as geometries made of parts: for each state, or once for all.
 class ZRFxGeometryBlock : public ZRFxBlock {
 public:
-    ZRFxGeometryBlock(ZRFxDatabase* pDatabase, int id);
+    ZRFxGeometryBlock(ZRFxBlockStore* pDatabase, int id);
 
     int GetGeometryCountPerState() const { return m_iGeometryCountPerState; }
     void SetGeometryCountPerState(int count) { m_iGeometryCountPerState = count; }

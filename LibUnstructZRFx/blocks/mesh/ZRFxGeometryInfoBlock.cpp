@@ -18,7 +18,7 @@ ZRFxPartInfo ZRFxPartInfos::GetPartInfo(int iIndex) const {
     return isPart ? m_partInfos[static_cast<std::size_t>(iIndex)] : ZRFxPartInfo();
 }
 
-ZRFxGeometryInfoBlock::ZRFxGeometryInfoBlock(ZRFxDatabase* pDatabase, int id)
+ZRFxGeometryInfoBlock::ZRFxGeometryInfoBlock(ZRFxBlockStore* pDatabase, int id)
     : ZRFxBlock(pDatabase, id, BLOCK_GEOMETRY_INFO) {}
 
 void ZRFxGeometryInfoBlock::SetGeometryCountPerState(int count) {

@@ -33,7 +33,7 @@ private:
 /// Names, parents and kinds of the parts of each geometry.
 class ZRFxGeometryInfoBlock : public ZRFxBlock {
 public:
-    ZRFxGeometryInfoBlock(ZRFxDatabase* pDatabase, int id);
+    ZRFxGeometryInfoBlock(ZRFxBlockStore* pDatabase, int id);
 
     int GetGeometryCountPerState() const { return static_cast<int>(m_geometries.size()); }
 

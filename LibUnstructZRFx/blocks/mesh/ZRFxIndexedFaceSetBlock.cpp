@@ -1,11 +1,11 @@
 #include "blocks/mesh/ZRFxIndexedFaceSetBlock.h"
 
-#include "database/ZROZRFxDatabase.h"
+#include "blocks/ZRFxBlockStore.h"
 #include "documents/ZRFxFileRecord.h"
 
 namespace unstruct {
 
-ZRFxIndexedFaceSetBlock::ZRFxIndexedFaceSetBlock(ZRFxDatabase* pDatabase, int id)
+ZRFxIndexedFaceSetBlock::ZRFxIndexedFaceSetBlock(ZRFxBlockStore* pDatabase, int id)
     : ZRFxBlock(pDatabase, id, BLOCK_INDEXED_FACE_SET) {}
 
 bool ZRFxIndexedFaceSetBlock::SetConnects(const std::int32_t* paiConnects,

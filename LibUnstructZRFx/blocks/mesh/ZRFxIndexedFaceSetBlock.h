@@ -12,7 +12,7 @@ namespace unstruct {
 /// of its nodes and then the nodes: indices from 1, or node ids.
 class ZRFxIndexedFaceSetBlock : public ZRFxBlock {
 public:
-    ZRFxIndexedFaceSetBlock(ZRFxDatabase* pDatabase, int id);
+    ZRFxIndexedFaceSetBlock(ZRFxBlockStore* pDatabase, int id);
 
     /// Replaces the nodes of all polygons, polygon after polygon, by a copy.
     bool SetConnects(const std::int32_t* paiConnects, std::int64_t iNumConnects);

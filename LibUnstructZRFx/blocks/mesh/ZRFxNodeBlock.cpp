@@ -3,12 +3,12 @@
 #include <algorithm>
 #include <utility>
 
-#include "database/ZROZRFxDatabase.h"
+#include "blocks/ZRFxBlockStore.h"
 #include "documents/ZRFxFileRecord.h"
 
 namespace unstruct {
 
-ZRFxNodeBlock::ZRFxNodeBlock(ZRFxDatabase* pDatabase, int id)
+ZRFxNodeBlock::ZRFxNodeBlock(ZRFxBlockStore* pDatabase, int id)
     : ZRFxBlock(pDatabase, id, BLOCK_NODES) {}
 
 bool ZRFxNodeBlock::SetNodes(const nuo::Vec3f* pfNodes, std::int64_t iNumNodes,

@@ -12,7 +12,7 @@ namespace unstruct {
 /// The nodes of a model: positions and, optionally, one user id a node.
 class ZRFxNodeBlock : public ZRFxBlock {
 public:
-    ZRFxNodeBlock(ZRFxDatabase* pDatabase, int id);
+    ZRFxNodeBlock(ZRFxBlockStore* pDatabase, int id);
 
     /// Replaces the nodes by a copy of `iNumNodes` positions and, unless null, as many ids.
     bool SetNodes(const nuo::Vec3f* pfNodes, std::int64_t iNumNodes, const std::int32_t* piNodeIDs);

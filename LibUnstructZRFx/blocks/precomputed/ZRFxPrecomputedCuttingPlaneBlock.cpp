@@ -4,7 +4,8 @@
 
 namespace unstruct {
 
-ZRFxPrecomputedCuttingPlaneBlock::ZRFxPrecomputedCuttingPlaneBlock(ZRFxDatabase* pDatabase, int id)
+ZRFxPrecomputedCuttingPlaneBlock::ZRFxPrecomputedCuttingPlaneBlock(ZRFxBlockStore* pDatabase,
+                                                                   int id)
     : ZRFxPrecomputedBlock(pDatabase, id, BLOCK_PRECOMPUTED_CUTTING_PLANE) {}
 
 void ZRFxPrecomputedCuttingPlaneBlock::ReadAttributes(const nvf::XmlElement& root) {

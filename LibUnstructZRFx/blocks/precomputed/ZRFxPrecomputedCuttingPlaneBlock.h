@@ -9,7 +9,7 @@ namespace unstruct {
 /// A ready-made cutting plane of a case.
 class ZRFxPrecomputedCuttingPlaneBlock : public ZRFxPrecomputedBlock {
 public:
-    ZRFxPrecomputedCuttingPlaneBlock(ZRFxDatabase* pDatabase, int id);
+    ZRFxPrecomputedCuttingPlaneBlock(ZRFxBlockStore* pDatabase, int id);
 
     int m_iCaseID = -1;
     int m_iCuttingPlaneID = -1;

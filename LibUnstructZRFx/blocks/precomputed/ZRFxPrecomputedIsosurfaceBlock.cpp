@@ -4,7 +4,7 @@
 
 namespace unstruct {
 
-ZRFxPrecomputedIsosurfaceBlock::ZRFxPrecomputedIsosurfaceBlock(ZRFxDatabase* pDatabase, int id)
+ZRFxPrecomputedIsosurfaceBlock::ZRFxPrecomputedIsosurfaceBlock(ZRFxBlockStore* pDatabase, int id)
     : ZRFxPrecomputedBlock(pDatabase, id, BLOCK_PRECOMPUTED_ISOSURFACE) {}
 
 void ZRFxPrecomputedIsosurfaceBlock::ReadAttributes(const nvf::XmlElement& root) {

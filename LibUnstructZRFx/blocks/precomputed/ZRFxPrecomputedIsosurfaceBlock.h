@@ -8,7 +8,7 @@ namespace unstruct {
 /// A ready-made iso-surface of a case.
 class ZRFxPrecomputedIsosurfaceBlock : public ZRFxPrecomputedBlock {
 public:
-    ZRFxPrecomputedIsosurfaceBlock(ZRFxDatabase* pDatabase, int id);
+    ZRFxPrecomputedIsosurfaceBlock(ZRFxBlockStore* pDatabase, int id);
 
     int m_iCaseID = -1;
     int m_iIsosurfaceID = -1;

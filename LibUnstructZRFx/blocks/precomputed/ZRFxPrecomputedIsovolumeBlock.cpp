@@ -4,7 +4,7 @@
 
 namespace unstruct {
 
-ZRFxPrecomputedIsovolumeBlock::ZRFxPrecomputedIsovolumeBlock(ZRFxDatabase* pDatabase, int id)
+ZRFxPrecomputedIsovolumeBlock::ZRFxPrecomputedIsovolumeBlock(ZRFxBlockStore* pDatabase, int id)
     : ZRFxPrecomputedBlock(pDatabase, id, BLOCK_PRECOMPUTED_ISOVOLUME) {}
 
 void ZRFxPrecomputedIsovolumeBlock::ReadAttributes(const nvf::XmlElement& root) {

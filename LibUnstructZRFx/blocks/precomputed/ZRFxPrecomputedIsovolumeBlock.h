@@ -8,7 +8,7 @@ namespace unstruct {
 /// A ready-made iso-volume of a case.
 class ZRFxPrecomputedIsovolumeBlock : public ZRFxPrecomputedBlock {
 public:
-    ZRFxPrecomputedIsovolumeBlock(ZRFxDatabase* pDatabase, int id);
+    ZRFxPrecomputedIsovolumeBlock(ZRFxBlockStore* pDatabase, int id);
 
     int m_iCaseID = -1;
     int m_iIsovolumeID = -1;

@@ -24,7 +24,7 @@ int PrecomputedItemTypeFromName(const ZRString& name) {
     return kItemTypeUnnamed;
 }
 
-ZRFxPrecomputedItemBlock::ZRFxPrecomputedItemBlock(ZRFxDatabase* pDatabase, int id)
+ZRFxPrecomputedItemBlock::ZRFxPrecomputedItemBlock(ZRFxBlockStore* pDatabase, int id)
     : ZRFxPrecomputedBlock(pDatabase, id, BLOCK_PRECOMPUTED_ITEM) {}
 
 void ZRFxPrecomputedItemBlock::ReadAttributes(const nvf::XmlElement& root) {

@@ -13,7 +13,7 @@ int PrecomputedItemTypeFromName(const ZRString& name);
 /// A ready-made item of a case, of any kind: surfaces, grids and particle traces for each state.
 class ZRFxPrecomputedItemBlock : public ZRFxPrecomputedBlock {
 public:
-    ZRFxPrecomputedItemBlock(ZRFxDatabase* pDatabase, int id);
+    ZRFxPrecomputedItemBlock(ZRFxBlockStore* pDatabase, int id);
 
     int m_iItemType = kItemTypeUnnamed;
     int m_iItemID = -1;

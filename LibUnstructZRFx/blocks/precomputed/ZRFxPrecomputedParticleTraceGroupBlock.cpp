@@ -5,7 +5,7 @@
 namespace unstruct {
 
 ZRFxPrecomputedParticleTraceGroupBlock::ZRFxPrecomputedParticleTraceGroupBlock(
-    ZRFxDatabase* pDatabase, int id)
+    ZRFxBlockStore* pDatabase, int id)
     : ZRFxBlock(pDatabase, id, BLOCK_PRECOMPUTED_PARTICLE_TRACE_GROUP) {}
 
 void ZRFxPrecomputedParticleTraceGroupBlock::AddTrace(const ZRFxParticleTrace& trace) {

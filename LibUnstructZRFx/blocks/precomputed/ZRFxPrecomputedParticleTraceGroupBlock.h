@@ -17,7 +17,7 @@ struct ZRFxParticleTrace {
 /// The ready-made particle traces of a group of a case.
 class ZRFxPrecomputedParticleTraceGroupBlock : public ZRFxBlock {
 public:
-    ZRFxPrecomputedParticleTraceGroupBlock(ZRFxDatabase* pDatabase, int id);
+    ZRFxPrecomputedParticleTraceGroupBlock(ZRFxBlockStore* pDatabase, int id);
 
     void AddTrace(const ZRFxParticleTrace& trace);
     std::int64_t GetTraceCount() const { return m_apTraces.GetSize(); }

@@ -6,7 +6,7 @@
 
 namespace unstruct {
 
-ZRFx2DPlotDataBlock::ZRFx2DPlotDataBlock(ZRFxDatabase* pDatabase, int id)
+ZRFx2DPlotDataBlock::ZRFx2DPlotDataBlock(ZRFxBlockStore* pDatabase, int id)
     : ZRFxBlock(pDatabase, id, BLOCK_PLOT_2D) {}
 
 void ZRFx2DPlotDataBlock::AddVariable(std::unique_ptr<ZRFxPlotVariable> pVariable) {

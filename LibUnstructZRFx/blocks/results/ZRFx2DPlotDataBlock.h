@@ -18,7 +18,7 @@ struct ZRFxPlotVariable {
 /// The data of a 2D plot: named columns of floats.
 class ZRFx2DPlotDataBlock : public ZRFxBlock {
 public:
-    ZRFx2DPlotDataBlock(ZRFxDatabase* pDatabase, int id);
+    ZRFx2DPlotDataBlock(ZRFxBlockStore* pDatabase, int id);
 
     void AddVariable(std::unique_ptr<ZRFxPlotVariable> pVariable);
     std::int64_t GetVariableCount() const { return m_apVariables.GetSize(); }

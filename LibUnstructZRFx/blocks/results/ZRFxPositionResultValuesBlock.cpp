@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "database/ZROZRFxDatabase.h"
+#include "blocks/ZRFxBlockStore.h"
 #include "documents/ZRFxFileRecord.h"
 #include "documents/ZRFxXml.h"
 #include "types/ZRFxResultTypes.h"
@@ -31,7 +31,7 @@ bool typesOf(std::string_view names, ZRIntArray* vectorTypes) {
 
 }  // namespace
 
-ZRFxPositionResultValuesBlock::ZRFxPositionResultValuesBlock(ZRFxDatabase* pDatabase, int id)
+ZRFxPositionResultValuesBlock::ZRFxPositionResultValuesBlock(ZRFxBlockStore* pDatabase, int id)
     : ZRFxBlock(pDatabase, id, BLOCK_POSITION_RESULT_VALUES) {}
 
 void ZRFxPositionResultValuesBlock::SetDimension(int iDimension) {

@@ -10,7 +10,7 @@ namespace unstruct {
 /// given points.
 class ZRFxPositionResultValuesBlock : public ZRFxBlock {
 public:
-    ZRFxPositionResultValuesBlock(ZRFxDatabase* pDatabase, int id);
+    ZRFxPositionResultValuesBlock(ZRFxBlockStore* pDatabase, int id);
 
     /// 1 for scalars or 3 for vectors; anything else is an assertion and is kept for WriteBlock to
     /// refuse.

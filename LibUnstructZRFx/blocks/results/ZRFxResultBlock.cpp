@@ -4,7 +4,7 @@
 
 namespace unstruct {
 
-ZRFxResultBlock::ZRFxResultBlock(ZRFxDatabase* pDatabase, int id)
+ZRFxResultBlock::ZRFxResultBlock(ZRFxBlockStore* pDatabase, int id)
     : ZRFxStatesBlock(pDatabase, id, BLOCK_RESULTS) {}
 
 void ZRFxResultBlock::DoWriteHead(nvf::XmlElement root) const {

@@ -27,7 +27,7 @@ struct ZRFxResultDescription {
 /// One result of a model: what it is, and which values blocks hold it in each state.
 class ZRFxResultBlock : public ZRFxStatesBlock {
 public:
-    ZRFxResultBlock(ZRFxDatabase* pDatabase, int id);
+    ZRFxResultBlock(ZRFxBlockStore* pDatabase, int id);
 
     const ZRFxResultDescription& GetDescription() const { return m_description; }
     ZRFxResultDescription& GetDescription() { return m_description; }

@@ -1,11 +1,11 @@
 #include "blocks/results/ZRFxResultValuesBlock.h"
 
-#include "database/ZROZRFxDatabase.h"
+#include "blocks/ZRFxBlockStore.h"
 #include "documents/ZRFxFileRecord.h"
 
 namespace unstruct {
 
-ZRFxResultValuesBlock::ZRFxResultValuesBlock(ZRFxDatabase* pDatabase, int id)
+ZRFxResultValuesBlock::ZRFxResultValuesBlock(ZRFxBlockStore* pDatabase, int id)
     : ZRFxBlock(pDatabase, id, BLOCK_RESULT_VALUES) {}
 
 bool ZRFxResultValuesBlock::SetScalars(const float* pfResult, std::int64_t count) {

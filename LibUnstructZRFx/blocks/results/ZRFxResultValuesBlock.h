@@ -14,7 +14,7 @@ namespace unstruct {
 /// 3 (vector) or 6 (tensor).
 class ZRFxResultValuesBlock : public ZRFxBlock {
 public:
-    ZRFxResultValuesBlock(ZRFxDatabase* pDatabase, int id);
+    ZRFxResultValuesBlock(ZRFxBlockStore* pDatabase, int id);
 
     /// Replaces the values by a copy: scalars, or six floats a tensor.
     bool SetScalars(const float* pfResult, std::int64_t count);

@@ -7,7 +7,7 @@
 
 namespace unstruct {
 
-ZRFxStateInfoBlock::ZRFxStateInfoBlock(ZRFxDatabase* pDatabase, int id)
+ZRFxStateInfoBlock::ZRFxStateInfoBlock(ZRFxBlockStore* pDatabase, int id)
     : ZRFxListBlock(pDatabase, id, BLOCK_STATE_INFO) {}
 
 ZRFxStateInfo* ZRFxStateInfoBlock::AddState(ZRFxStateInfo info) {

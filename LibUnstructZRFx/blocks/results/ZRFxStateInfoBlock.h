@@ -33,7 +33,7 @@ struct ZRFxStateInfo {
 /// The states of a model.
 class ZRFxStateInfoBlock : public ZRFxListBlock {
 public:
-    ZRFxStateInfoBlock(ZRFxDatabase* pDatabase, int id);
+    ZRFxStateInfoBlock(ZRFxBlockStore* pDatabase, int id);
 
     ZRFxStateInfo* AddState(ZRFxStateInfo info);
     ZRFxStateInfo* AddState(std::unique_ptr<ZRFxStateInfo> pInfo);

@@ -4,7 +4,7 @@
 
 namespace unstruct {
 
-ZRFxTransformationResultValuesBlock::ZRFxTransformationResultValuesBlock(ZRFxDatabase* pDatabase,
+ZRFxTransformationResultValuesBlock::ZRFxTransformationResultValuesBlock(ZRFxBlockStore* pDatabase,
                                                                          int id)
     : ZRFxBlock(pDatabase, id, BLOCK_TRANSFORMATION_RESULT_VALUES) {}
 

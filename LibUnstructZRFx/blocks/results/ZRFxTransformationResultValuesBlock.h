@@ -8,7 +8,7 @@ namespace unstruct {
 /// The matrix by which one block is moved in one state. Documents keep six decimals of it.
 class ZRFxTransformationResultValuesBlock : public ZRFxBlock {
 public:
-    ZRFxTransformationResultValuesBlock(ZRFxDatabase* pDatabase, int id);
+    ZRFxTransformationResultValuesBlock(ZRFxBlockStore* pDatabase, int id);
 
     const nuo::Mat4d& GetMatrix() const { return m_matrix; }
     void SetMatrix(const nuo::Mat4d& matrix);

@@ -4,7 +4,7 @@
 
 namespace unstruct {
 
-ZRFxTransformationResultsBlock::ZRFxTransformationResultsBlock(ZRFxDatabase* pDatabase, int id)
+ZRFxTransformationResultsBlock::ZRFxTransformationResultsBlock(ZRFxBlockStore* pDatabase, int id)
     : ZRFxStatesBlock(pDatabase, id, BLOCK_TRANSFORMATION_RESULTS) {}
 
 void ZRFxTransformationResultsBlock::DoWriteHead(nvf::XmlElement root) const {

@@ -7,7 +7,7 @@ namespace unstruct {
 /// A rigid-body result: which transformation result values blocks hold it in each state.
 class ZRFxTransformationResultsBlock : public ZRFxStatesBlock {
 public:
-    ZRFxTransformationResultsBlock(ZRFxDatabase* pDatabase, int id);
+    ZRFxTransformationResultsBlock(ZRFxBlockStore* pDatabase, int id);
 
     const ZRString& GetName() const { return m_sName; }
     void SetName(const ZRString& name) { m_sName = name; }

@@ -7,7 +7,8 @@
 
 namespace unstruct {
 
-ZRFxSetBlock::ZRFxSetBlock(ZRFxDatabase* pDatabase, int id) : ZRFxBlock(pDatabase, id, BLOCK_SET) {}
+ZRFxSetBlock::ZRFxSetBlock(ZRFxBlockStore* pDatabase, int id)
+    : ZRFxBlock(pDatabase, id, BLOCK_SET) {}
 
 bool ZRFxSetBlock::ReadMetaData() {
     nvf::XmlDocument doc;

@@ -23,7 +23,7 @@ struct ZRFxSetBlockItems {
 /// A named set of elements, given by indices or by ids.
 class ZRFxSetBlock : public ZRFxBlock {
 public:
-    ZRFxSetBlock(ZRFxDatabase* pDatabase, int id);
+    ZRFxSetBlock(ZRFxBlockStore* pDatabase, int id);
 
     bool ReadMetaData() override;
 

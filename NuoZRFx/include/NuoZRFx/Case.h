@@ -77,8 +77,8 @@ private:
     friend class File;
     friend class FilePrivate;
     Case(File* file, int index);
-    bool isCreated(File* file, const Str& name, int id, int databaseId);
-    bool isRead(File* file, int index);
+    bool create(File* file, const Str& name, int id, int databaseId);
+    bool read(File* file, int index);
     void refuse();
 
     PrivatePtr<class CasePrivate> m_private;

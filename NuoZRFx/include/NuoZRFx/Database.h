@@ -92,9 +92,9 @@ private:
     friend class FilePrivate;
     Database(File* file, int id);
     bool internal_parse();
-    bool isCreated(File* file, const Str& name, int id, SimulationType simulationType,
-                   SolutionType solutionType, const Str& description);
-    bool isTaken(File* file, int id);
+    bool create(File* file, const Str& name, int id, SimulationType simulationType,
+                SolutionType solutionType, const Str& description);
+    bool attach(File* file, int id);
     void refuse();
     const unstruct::ZRFxBlock* entryAt(Block::BlockType type, std::size_t index) const;
     const unstruct::ZRFxBlock* entryOf(Block::BlockType type, int id) const;

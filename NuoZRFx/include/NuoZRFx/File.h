@@ -128,7 +128,7 @@ private:
     friend class Database;
     friend class Case;
     unstruct::ZRFxAccess* writableAccess() const;
-    bool isNewDatabaseId(int id) const;
+    bool checkNewDatabaseId(int id) const;
     bool addDatabase(Database* database);
     bool addCase(Case* fileCase);
     template <typename Open>
