@@ -62,7 +62,7 @@ bool ZRFxCrossSection::SetParameters(const ZRStringArray& names, const std::vect
 }
 
 ZRFxCrossSectionsBlock::ZRFxCrossSectionsBlock(ZRFxDatabase* pDatabase, int id)
-    : ZRFxBlock(pDatabase, id, BLOCK_CROSS_SECTIONS) {}
+    : ZRFxBlock(pDatabase, id, kType) {}
 
 void ZRFxCrossSectionsBlock::AddCrossSection(const ZRFxCrossSection& crossSection) {
     m_apCrossSections.Add(std::make_unique<ZRFxCrossSection>(crossSection));

@@ -53,6 +53,8 @@ private:
 /// The cross sections that the beams of element blocks are expanded with.
 class ZRFxCrossSectionsBlock : public ZRFxBlock {
 public:
+    static constexpr ZRFxBlockType kType = BLOCK_CROSS_SECTIONS;
+
     ZRFxCrossSectionsBlock(ZRFxDatabase* pDatabase, int id);
 
     void AddCrossSection(const ZRFxCrossSection& crossSection);

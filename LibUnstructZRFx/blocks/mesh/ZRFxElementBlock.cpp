@@ -54,7 +54,7 @@ bool addToAll(std::int64_t value, ZRIntArray* items) {
 }  // namespace
 
 ZRFxElementBlock::ZRFxElementBlock(ZRFxDatabase* pDatabase, int id)
-    : ZRFxBlock(pDatabase, id, BLOCK_ELEMENTS) {}
+    : ZRFxBlock(pDatabase, id, kType) {}
 
 bool ZRFxElementBlock::AddElementGroup(std::unique_ptr<ZRFxElementBlockGroup>& pGroup) {
     NVF_ASSERT(pGroup);

@@ -14,6 +14,8 @@ namespace unstruct {
 /// node block, and any number of integer properties, each with one value an element.
 class ZRFxElementBlock : public ZRFxBlock {
 public:
+    static constexpr ZRFxBlockType kType = BLOCK_ELEMENTS;
+
     ZRFxElementBlock(ZRFxDatabase* pDatabase, int id);
 
     /// Takes the group over. False, with a message and the group left to the caller, when it has

@@ -116,7 +116,7 @@ bool ZRFxGeometryState::IsGeometry(int iGlobalGeometryIndex) const {
 }
 
 ZRFxGeometryBlock::ZRFxGeometryBlock(ZRFxDatabase* pDatabase, int id)
-    : ZRFxBlock(pDatabase, id, BLOCK_GEOMETRY) {}
+    : ZRFxBlock(pDatabase, id, kType) {}
 
 ZRFxGeometryState* ZRFxGeometryBlock::AddState(int stateID) {
     return AddState(std::make_unique<ZRFxGeometryState>(stateID, m_iGeometryCountPerState));

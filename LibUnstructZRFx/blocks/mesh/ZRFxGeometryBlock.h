@@ -89,6 +89,8 @@ struct ZRFxGeometryInfo {
 /// Which blocks make up the model, as geometries made of parts: for each state, or once for all.
 class ZRFxGeometryBlock : public ZRFxBlock {
 public:
+    static constexpr ZRFxBlockType kType = BLOCK_GEOMETRY;
+
     ZRFxGeometryBlock(ZRFxDatabase* pDatabase, int id);
 
     int GetGeometryCountPerState() const { return m_iGeometryCountPerState; }

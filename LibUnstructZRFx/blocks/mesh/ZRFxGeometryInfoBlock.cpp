@@ -19,7 +19,7 @@ ZRFxPartInfo ZRFxPartInfos::GetPartInfo(int iIndex) const {
 }
 
 ZRFxGeometryInfoBlock::ZRFxGeometryInfoBlock(ZRFxDatabase* pDatabase, int id)
-    : ZRFxBlock(pDatabase, id, BLOCK_GEOMETRY_INFO) {}
+    : ZRFxBlock(pDatabase, id, kType) {}
 
 void ZRFxGeometryInfoBlock::SetGeometryCountPerState(int count) {
     m_geometries.assign(static_cast<std::size_t>(std::max(count, 0)), {});

@@ -33,6 +33,8 @@ private:
 /// Names, parents and kinds of the parts of each geometry.
 class ZRFxGeometryInfoBlock : public ZRFxBlock {
 public:
+    static constexpr ZRFxBlockType kType = BLOCK_GEOMETRY_INFO;
+
     ZRFxGeometryInfoBlock(ZRFxDatabase* pDatabase, int id);
 
     int GetGeometryCountPerState() const { return static_cast<int>(m_geometries.size()); }

@@ -6,7 +6,7 @@
 namespace unstruct {
 
 ZRFxIndexedFaceSetBlock::ZRFxIndexedFaceSetBlock(ZRFxDatabase* pDatabase, int id)
-    : ZRFxBlock(pDatabase, id, BLOCK_INDEXED_FACE_SET) {}
+    : ZRFxBlock(pDatabase, id, kType) {}
 
 bool ZRFxIndexedFaceSetBlock::SetConnects(const std::int32_t* paiConnects,
                                           std::int64_t iNumConnects) {

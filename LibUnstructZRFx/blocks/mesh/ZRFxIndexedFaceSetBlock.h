@@ -12,6 +12,8 @@ namespace unstruct {
 /// of its nodes and then the nodes: indices from 1, or node ids.
 class ZRFxIndexedFaceSetBlock : public ZRFxBlock {
 public:
+    static constexpr ZRFxBlockType kType = BLOCK_INDEXED_FACE_SET;
+
     ZRFxIndexedFaceSetBlock(ZRFxDatabase* pDatabase, int id);
 
     /// Replaces the nodes of all polygons, polygon after polygon, by a copy.

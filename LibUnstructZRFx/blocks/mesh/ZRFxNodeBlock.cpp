@@ -8,8 +8,7 @@
 
 namespace unstruct {
 
-ZRFxNodeBlock::ZRFxNodeBlock(ZRFxDatabase* pDatabase, int id)
-    : ZRFxBlock(pDatabase, id, BLOCK_NODES) {}
+ZRFxNodeBlock::ZRFxNodeBlock(ZRFxDatabase* pDatabase, int id) : ZRFxBlock(pDatabase, id, kType) {}
 
 bool ZRFxNodeBlock::SetNodes(const nuo::Vec3f* pfNodes, std::int64_t iNumNodes,
                              const std::int32_t* piNodeIDs) {

@@ -12,6 +12,8 @@ namespace unstruct {
 /// The nodes of a model: positions and, optionally, one user id a node.
 class ZRFxNodeBlock : public ZRFxBlock {
 public:
+    static constexpr ZRFxBlockType kType = BLOCK_NODES;
+
     ZRFxNodeBlock(ZRFxDatabase* pDatabase, int id);
 
     /// Replaces the nodes by a copy of `iNumNodes` positions and, unless null, as many ids.

@@ -5,7 +5,7 @@
 namespace unstruct {
 
 ZRFxPrecomputedCuttingPlaneBlock::ZRFxPrecomputedCuttingPlaneBlock(ZRFxDatabase* pDatabase, int id)
-    : ZRFxPrecomputedBlock(pDatabase, id, BLOCK_PRECOMPUTED_CUTTING_PLANE) {}
+    : ZRFxPrecomputedBlock(pDatabase, id, kType) {}
 
 void ZRFxPrecomputedCuttingPlaneBlock::ReadAttributes(const nvf::XmlElement& root) {
     m_iCaseID = root.getAttributeInt("CaseID", -1);

@@ -9,6 +9,8 @@ namespace unstruct {
 /// A ready-made cutting plane of a case.
 class ZRFxPrecomputedCuttingPlaneBlock : public ZRFxPrecomputedBlock {
 public:
+    static constexpr ZRFxBlockType kType = BLOCK_PRECOMPUTED_CUTTING_PLANE;
+
     ZRFxPrecomputedCuttingPlaneBlock(ZRFxDatabase* pDatabase, int id);
 
     int m_iCaseID = -1;

@@ -5,7 +5,7 @@
 namespace unstruct {
 
 ZRFxPrecomputedIsosurfaceBlock::ZRFxPrecomputedIsosurfaceBlock(ZRFxDatabase* pDatabase, int id)
-    : ZRFxPrecomputedBlock(pDatabase, id, BLOCK_PRECOMPUTED_ISOSURFACE) {}
+    : ZRFxPrecomputedBlock(pDatabase, id, kType) {}
 
 void ZRFxPrecomputedIsosurfaceBlock::ReadAttributes(const nvf::XmlElement& root) {
     m_iCaseID = root.getAttributeInt("CaseID", -1);

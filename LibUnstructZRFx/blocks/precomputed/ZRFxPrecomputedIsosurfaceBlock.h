@@ -8,6 +8,8 @@ namespace unstruct {
 /// A ready-made iso-surface of a case.
 class ZRFxPrecomputedIsosurfaceBlock : public ZRFxPrecomputedBlock {
 public:
+    static constexpr ZRFxBlockType kType = BLOCK_PRECOMPUTED_ISOSURFACE;
+
     ZRFxPrecomputedIsosurfaceBlock(ZRFxDatabase* pDatabase, int id);
 
     int m_iCaseID = -1;

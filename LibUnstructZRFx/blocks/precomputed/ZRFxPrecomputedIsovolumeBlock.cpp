@@ -5,7 +5,7 @@
 namespace unstruct {
 
 ZRFxPrecomputedIsovolumeBlock::ZRFxPrecomputedIsovolumeBlock(ZRFxDatabase* pDatabase, int id)
-    : ZRFxPrecomputedBlock(pDatabase, id, BLOCK_PRECOMPUTED_ISOVOLUME) {}
+    : ZRFxPrecomputedBlock(pDatabase, id, kType) {}
 
 void ZRFxPrecomputedIsovolumeBlock::ReadAttributes(const nvf::XmlElement& root) {
     m_iCaseID = root.getAttributeInt("CaseID", -1);

@@ -8,6 +8,8 @@ namespace unstruct {
 /// A ready-made iso-volume of a case.
 class ZRFxPrecomputedIsovolumeBlock : public ZRFxPrecomputedBlock {
 public:
+    static constexpr ZRFxBlockType kType = BLOCK_PRECOMPUTED_ISOVOLUME;
+
     ZRFxPrecomputedIsovolumeBlock(ZRFxDatabase* pDatabase, int id);
 
     int m_iCaseID = -1;

@@ -6,7 +6,7 @@ namespace unstruct {
 
 ZRFxPrecomputedParticleTraceGroupBlock::ZRFxPrecomputedParticleTraceGroupBlock(
     ZRFxDatabase* pDatabase, int id)
-    : ZRFxBlock(pDatabase, id, BLOCK_PRECOMPUTED_PARTICLE_TRACE_GROUP) {}
+    : ZRFxBlock(pDatabase, id, kType) {}
 
 void ZRFxPrecomputedParticleTraceGroupBlock::AddTrace(const ZRFxParticleTrace& trace) {
     m_apTraces.Add(std::make_unique<ZRFxParticleTrace>(trace));

@@ -17,6 +17,8 @@ struct ZRFxParticleTrace {
 /// The ready-made particle traces of a group of a case.
 class ZRFxPrecomputedParticleTraceGroupBlock : public ZRFxBlock {
 public:
+    static constexpr ZRFxBlockType kType = BLOCK_PRECOMPUTED_PARTICLE_TRACE_GROUP;
+
     ZRFxPrecomputedParticleTraceGroupBlock(ZRFxDatabase* pDatabase, int id);
 
     void AddTrace(const ZRFxParticleTrace& trace);

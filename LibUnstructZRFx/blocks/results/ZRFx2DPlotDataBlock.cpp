@@ -7,7 +7,7 @@
 namespace unstruct {
 
 ZRFx2DPlotDataBlock::ZRFx2DPlotDataBlock(ZRFxDatabase* pDatabase, int id)
-    : ZRFxBlock(pDatabase, id, BLOCK_PLOT_2D) {}
+    : ZRFxBlock(pDatabase, id, kType) {}
 
 void ZRFx2DPlotDataBlock::AddVariable(std::unique_ptr<ZRFxPlotVariable> pVariable) {
     NVF_ASSERT(pVariable);

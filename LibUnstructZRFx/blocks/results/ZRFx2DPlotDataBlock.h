@@ -18,6 +18,8 @@ struct ZRFxPlotVariable {
 /// The data of a 2D plot: named columns of floats.
 class ZRFx2DPlotDataBlock : public ZRFxBlock {
 public:
+    static constexpr ZRFxBlockType kType = BLOCK_PLOT_2D;
+
     ZRFx2DPlotDataBlock(ZRFxDatabase* pDatabase, int id);
 
     void AddVariable(std::unique_ptr<ZRFxPlotVariable> pVariable);

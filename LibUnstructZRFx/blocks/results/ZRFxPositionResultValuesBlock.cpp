@@ -32,7 +32,7 @@ bool typesOf(std::string_view names, ZRIntArray* vectorTypes) {
 }  // namespace
 
 ZRFxPositionResultValuesBlock::ZRFxPositionResultValuesBlock(ZRFxDatabase* pDatabase, int id)
-    : ZRFxBlock(pDatabase, id, BLOCK_POSITION_RESULT_VALUES) {}
+    : ZRFxBlock(pDatabase, id, kType) {}
 
 void ZRFxPositionResultValuesBlock::SetDimension(int iDimension) {
     NVF_ASSERT(iDimension == 1 || iDimension == 3);

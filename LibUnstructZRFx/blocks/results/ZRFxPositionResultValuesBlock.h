@@ -10,6 +10,8 @@ namespace unstruct {
 /// given points.
 class ZRFxPositionResultValuesBlock : public ZRFxBlock {
 public:
+    static constexpr ZRFxBlockType kType = BLOCK_POSITION_RESULT_VALUES;
+
     ZRFxPositionResultValuesBlock(ZRFxDatabase* pDatabase, int id);
 
     /// 1 for scalars or 3 for vectors; anything else is an assertion and is kept for WriteBlock to

@@ -6,7 +6,7 @@
 namespace unstruct {
 
 ZRFxResultValuesBlock::ZRFxResultValuesBlock(ZRFxDatabase* pDatabase, int id)
-    : ZRFxBlock(pDatabase, id, BLOCK_RESULT_VALUES) {}
+    : ZRFxBlock(pDatabase, id, kType) {}
 
 bool ZRFxResultValuesBlock::SetScalars(const float* pfResult, std::int64_t count) {
     NVF_ASSERT(pfResult);

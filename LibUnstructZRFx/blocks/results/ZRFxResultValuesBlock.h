@@ -14,6 +14,8 @@ namespace unstruct {
 /// 3 (vector) or 6 (tensor).
 class ZRFxResultValuesBlock : public ZRFxBlock {
 public:
+    static constexpr ZRFxBlockType kType = BLOCK_RESULT_VALUES;
+
     ZRFxResultValuesBlock(ZRFxDatabase* pDatabase, int id);
 
     /// Replaces the values by a copy: scalars, or six floats a tensor.

@@ -8,7 +8,7 @@
 namespace unstruct {
 
 ZRFxStateInfoBlock::ZRFxStateInfoBlock(ZRFxDatabase* pDatabase, int id)
-    : ZRFxListBlock(pDatabase, id, BLOCK_STATE_INFO) {}
+    : ZRFxListBlock(pDatabase, id, kType) {}
 
 ZRFxStateInfo* ZRFxStateInfoBlock::AddState(ZRFxStateInfo info) {
     return AddState(std::make_unique<ZRFxStateInfo>(std::move(info)));

@@ -33,6 +33,8 @@ struct ZRFxStateInfo {
 /// The states of a model.
 class ZRFxStateInfoBlock : public ZRFxListBlock {
 public:
+    static constexpr ZRFxBlockType kType = BLOCK_STATE_INFO;
+
     ZRFxStateInfoBlock(ZRFxDatabase* pDatabase, int id);
 
     ZRFxStateInfo* AddState(ZRFxStateInfo info);

@@ -8,6 +8,8 @@ namespace unstruct {
 /// The matrix by which one block is moved in one state. Documents keep six decimals of it.
 class ZRFxTransformationResultValuesBlock : public ZRFxBlock {
 public:
+    static constexpr ZRFxBlockType kType = BLOCK_TRANSFORMATION_RESULT_VALUES;
+
     ZRFxTransformationResultValuesBlock(ZRFxDatabase* pDatabase, int id);
 
     const nuo::Mat4d& GetMatrix() const { return m_matrix; }

@@ -7,7 +7,7 @@
 
 namespace unstruct {
 
-ZRFxSetBlock::ZRFxSetBlock(ZRFxDatabase* pDatabase, int id) : ZRFxBlock(pDatabase, id, BLOCK_SET) {}
+ZRFxSetBlock::ZRFxSetBlock(ZRFxDatabase* pDatabase, int id) : ZRFxBlock(pDatabase, id, kType) {}
 
 bool ZRFxSetBlock::ReadMetaData() {
     nvf::XmlDocument doc;

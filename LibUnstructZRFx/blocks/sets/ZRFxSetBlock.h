@@ -23,6 +23,8 @@ struct ZRFxSetBlockItems {
 /// A named set of elements, given by indices or by ids.
 class ZRFxSetBlock : public ZRFxBlock {
 public:
+    static constexpr ZRFxBlockType kType = BLOCK_SET;
+
     ZRFxSetBlock(ZRFxDatabase* pDatabase, int id);
 
     bool ReadMetaData() override;
