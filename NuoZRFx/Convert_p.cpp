@@ -19,7 +19,7 @@ struct Pair {
     int zrValue;
 };
 
-constexpr std::array kBlockTypes{
+constexpr std::array kPublicBlockTypes{
     Pair{Block::NODES, BLOCK_NODES},
     Pair{Block::ELEMENTS, BLOCK_ELEMENTS},
     Pair{Block::GEOMETRY, BLOCK_GEOMETRY},
@@ -31,6 +31,14 @@ constexpr std::array kBlockTypes{
     Pair{Block::STATE_INFO, BLOCK_STATE_INFO},
     Pair{Block::SET, BLOCK_SET},
     Pair{Block::INVALID_BLOCK, kInvalidBlockType}};
+
+constexpr bool hasAllPublicBlockTypes() {
+    return std::ranges::all_of(kBlockTypes, [](const ZRFxBlockTypeRecord& record) {
+        const auto pairs = std::ranges::count(kPublicBlockTypes, int{record.type}, &Pair::zrValue);
+        return pairs == (record.IsPublic() ? 1 : 0);
+    });
+}
+static_assert(hasAllPublicBlockTypes());
 
 constexpr std::array kElementTypes{Pair{ElementBlock::POINTS, ELEMENT_POINT},
                                    Pair{ElementBlock::BEAMS, ELEMENT_BEAM},
@@ -111,16 +119,16 @@ bool ZRConvert::isFileName(const Str& name) {
 }
 
 int ZRConvert::fromBlockType(Block::BlockType type) {
-    return toZR(kBlockTypes, type, kInvalidBlockType,
+    return toZR(kPublicBlockTypes, type, kInvalidBlockType,
                 "Invalid type id %1 given (Block::BlockType).");
 }
 
 // Not every kind of block has a public class, so that none is no failure.
 Block::BlockType ZRConvert::toBlockType(int zrType) {
-    const auto found = std::find_if(kBlockTypes.begin(), kBlockTypes.end(),
+    const auto found = std::find_if(kPublicBlockTypes.begin(), kPublicBlockTypes.end(),
                                     [&](const Pair& pair) { return pair.zrValue == zrType; });
-    return found == kBlockTypes.end() ? Block::INVALID_BLOCK
-                                      : static_cast<Block::BlockType>(found->publicValue);
+    return found == kPublicBlockTypes.end() ? Block::INVALID_BLOCK
+                                            : static_cast<Block::BlockType>(found->publicValue);
 }
 
 int ZRConvert::fromElementType(ElementBlock::ElementType type) {
