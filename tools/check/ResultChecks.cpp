@@ -68,21 +68,6 @@ void checkReals(const std::string& place, const Reals& reals, Reporter& reporter
     }
 }
 
-// Values an item; none for types that say nothing about it.
-std::optional<int> dimensionsOf(int resultType) {
-    switch (resultType) {
-        case RESULT_SCALAR:
-            return 1;
-        case RESULT_VECTOR:
-        case RESULT_DISPLACEMENT:
-            return 3;
-        case RESULT_TENSOR:
-            return 6;
-        default:
-            return std::nullopt;
-    }
-}
-
 // How many values a mapping asks for, one an item. An id may be that of elements and of a face set,
 // either of which may be meant; nothing when it cannot be told.
 std::vector<std::int64_t> expectedCounts(int mapping, int targetId,
@@ -211,11 +196,11 @@ void checkResult(const ZRFxResultBlock& result, CheckedDatabase& checked) {
         description.resultMapping != MAPPING_NODE) {
         checked.reporter("mapping", result).error("", "displacements belong to nodes");
     }
-    const std::optional<int> dimensions = dimensionsOf(description.resultType);
+    const ZRFxValueKind* kind = ZRFxValueKindOfResult(description.resultType);
     for (std::int64_t s = 0; s < result.GetStateCount(); ++s) {
         for (const int id : itemsOf(result.GetState(s)->m_aiValuesBlockIDs)) {
             checked.mappingOfValues[id] = description.resultMapping;
-            if (dimensions) checked.dimensionsOfValues[id] = *dimensions;
+            if (kind) checked.dimensionsOfValues[id] = kind->Dimension();
         }
     }
 }

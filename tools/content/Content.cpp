@@ -6,12 +6,12 @@ using namespace unstruct;
 
 Reals realsOf(const ZRVec3fArray& vectors) {
     return {{reinterpret_cast<const float*>(vectors.Data()),
-             3 * static_cast<std::size_t>(vectors.GetSize())},
-            3};
+             static_cast<std::size_t>(kVectorKind.Dimension() * vectors.GetSize())},
+            kVectorKind.Dimension()};
 }
 
 Reals realsOf(const ZRFxResultValuesBlock& block) {
-    if (block.GetNumDimensions() == 3) return realsOf(block.GetVectors());
+    if (block.GetNumDimensions() == kVectorKind.Dimension()) return realsOf(block.GetVectors());
     return {itemsOf(block.GetScalars()), block.GetNumDimensions()};
 }
 

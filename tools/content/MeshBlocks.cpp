@@ -19,7 +19,7 @@ void describe(const ZRFxNodeBlock& block, Content& content) {
 void collect(const ZRFxNodeBlock&, References&) {}
 
 void write(const ZRFxNodeBlock& block, Table& table) {
-    table.header(block.GetNodeIDs() ? "id" : nullptr, {"x", "y", "z"});
+    table.header(block.GetNodeIDs() ? "id" : nullptr, kVectorKind.components);
     writeItems(realsOf(block.GetNodes()), block.GetNodeIDs(), table);
 }
 

@@ -120,17 +120,8 @@ void collect(const ZRFxResultValuesBlock& block, References& references) {
 }
 
 void write(const ZRFxResultValuesBlock& block, Table& table) {
-    const char* id = block.GetIDs() ? "item_id" : nullptr;
-    switch (block.GetNumDimensions()) {
-        case 3:
-            table.header(id, {"x", "y", "z"});
-            break;
-        case 6:
-            table.header(id, {"xx", "yy", "zz", "xy", "yz", "zx"});
-            break;
-        default:
-            table.header(id, {"value"});
-    }
+    const ZRFxValueKind& kind = *ZRFxValueKindOf(block.GetNumDimensions());
+    table.header(block.GetIDs() ? "item_id" : nullptr, kind.components);
     writeItems(realsOf(block), block.GetIDs(), table);
 }
 

@@ -12,6 +12,10 @@
 namespace unstruct {
 namespace {
 
+bool isDimension(int dimension) {
+    return dimension == kScalarKind.Dimension() || dimension == kVectorKind.Dimension();
+}
+
 // One name a line, in the order of the vectors.
 ZRString namesOf(const ZRIntArray& vectorTypes) {
     std::string names;
@@ -35,7 +39,7 @@ ZRFxPositionResultValuesBlock::ZRFxPositionResultValuesBlock(ZRFxDatabase* pData
     : ZRFxBlock(pDatabase, id, kType) {}
 
 void ZRFxPositionResultValuesBlock::SetDimension(int iDimension) {
-    NVF_ASSERT(iDimension == 1 || iDimension == 3);
+    NVF_ASSERT(isDimension(iDimension));
     m_iDimension = iDimension;
 }
 
@@ -47,7 +51,7 @@ bool ZRFxPositionResultValuesBlock::DoReadBlock(const nvf::XmlElement& root) {
     m_bGlobalResults = root.getAttributeBool("GlobalResults", false);
     m_vectorColor = GetColor(root, "VectorColor");
     m_fScalingFactor = root.getAttributeFloat("ScalingFactor", 1);
-    if (m_iDimension != 1 && m_iDimension != 3) return Log().fail("Result has illegal dimension.");
+    if (!CheckDimension()) return false;
     if (root.firstChildElement("ElementIndices").isNull()) {
         return Log().fail("No element indices specified for position result values");
     }
@@ -66,7 +70,7 @@ bool ZRFxPositionResultValuesBlock::DoReadBlock(const nvf::XmlElement& root) {
 }
 
 bool ZRFxPositionResultValuesBlock::CheckContents() const {
-    if (m_iDimension != 1 && m_iDimension != 3) return Log().fail("Result has illegal dimension.");
+    if (!CheckDimension()) return false;
     if (m_iMapToBlockID < 0) return Log().fail("No map to block ID (element) specified.");
     if (m_aiElementIndices.GetSize() != m_positions.GetSize()) {
         return Log().fail("Num IDs differs from num. results");
@@ -97,8 +101,7 @@ void ZRFxPositionResultValuesBlock::DoUnloadData() {
 
 bool ZRFxPositionResultValuesBlock::WriteResults(nvf::XmlElement root) {
     const ZRString base = GetFilebase();
-    if (m_iDimension == 1)
-        return WriteFile(root, "ScalarResult", base + "-ScalarResult", m_afScalars);
+    if (AreScalars()) return WriteFile(root, "ScalarResult", base + "-ScalarResult", m_afScalars);
     const ZRString types = base + "-VectorTypes";
     return WriteFile(root, "VectorResult", base + "-VectorResult", m_vectors) &&
            m_pDatabase->WriteDataString(types, namesOf(m_aiVectorTypes)) &&
@@ -106,7 +109,7 @@ bool ZRFxPositionResultValuesBlock::WriteResults(nvf::XmlElement root) {
 }
 
 bool ZRFxPositionResultValuesBlock::ReadResults(const nvf::XmlElement& root) {
-    if (m_iDimension == 1) {
+    if (AreScalars()) {
         if (root.firstChildElement("ScalarResult").isNull()) {
             return Log().fail("No scalar values specified for position result values");
         }
@@ -129,9 +132,13 @@ bool ZRFxPositionResultValuesBlock::ReadResults(const nvf::XmlElement& root) {
     return CheckNumber("recorded vector types", types.numItems);
 }
 
+bool ZRFxPositionResultValuesBlock::CheckDimension() const {
+    return isDimension(m_iDimension) || Log().fail("Result has illegal dimension.");
+}
+
 bool ZRFxPositionResultValuesBlock::CheckResults() const {
     if (!CheckIndices(GetDocumentName(), "element index", m_aiElementIndices)) return false;
-    if (m_iDimension == 1) return CheckNumber("scalar values", m_afScalars.GetSize());
+    if (AreScalars()) return CheckNumber("scalar values", m_afScalars.GetSize());
     return CheckNumber("vector values", m_vectors.GetSize()) &&
            CheckNumber("vector types", m_aiVectorTypes.GetSize());
 }

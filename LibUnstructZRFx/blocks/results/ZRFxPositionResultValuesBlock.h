@@ -3,6 +3,7 @@
 #include "NuoCore/Color3f.h"
 #include "ZRArray.h"
 #include "blocks/ZRFxBlock.h"
+#include "types/ZRFxValueKind.h"
 
 namespace unstruct {
 
@@ -14,7 +15,7 @@ public:
 
     ZRFxPositionResultValuesBlock(ZRFxDatabase* pDatabase, int id);
 
-    /// 1 for scalars or 3 for vectors; anything else is an assertion and is kept for WriteBlock to
+    /// That of scalars or of vectors; anything else is an assertion and is kept for WriteBlock to
     /// refuse.
     void SetDimension(int iDimension);
     int GetDimension() const { return m_iDimension; }
@@ -26,9 +27,9 @@ public:
     float m_fScalingFactor = 1;
     ZRVec3fArray m_positions;
     ZRIntArray m_aiElementIndices;  ///< For each position the element that it lies in.
-    ZRFloatArray m_afScalars;       ///< For one dimension.
-    ZRVec3fArray m_vectors;         ///< For three dimensions.
-    ZRIntArray m_aiVectorTypes;     ///< For three dimensions, of ZRVectorType.
+    ZRFloatArray m_afScalars;
+    ZRVec3fArray m_vectors;
+    ZRIntArray m_aiVectorTypes;  ///< For each vector one of ZRVectorType.
 
 protected:
     bool DoReadBlock(const nvf::XmlElement& root) override;
@@ -37,12 +38,14 @@ protected:
     void DoUnloadData() override;
 
 private:
+    bool AreScalars() const { return m_iDimension == kScalarKind.Dimension(); }
+    bool CheckDimension() const;
     bool WriteResults(nvf::XmlElement root);
     bool ReadResults(const nvf::XmlElement& root);
     bool CheckResults() const;
     bool CheckNumber(const char* what, std::int64_t count) const;
 
-    int m_iDimension = 3;
+    int m_iDimension = kVectorKind.Dimension();
 };
 
 }  // namespace unstruct
