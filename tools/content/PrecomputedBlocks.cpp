@@ -114,9 +114,7 @@ void check(const ZRFxPrecomputedItemBlock& block, CheckedDatabase& checked) {
     checkPrecomputed(block, checked);
 }
 
-// What cutting planes, iso-surfaces and iso-volumes have in common.
-template <typename Surface>
-void describeSurface(const Surface& block, Content& content) {
+void describeSurface(const ZRFxPrecomputedSurfaceBlock& block, Content& content) {
     content.add("case", block.m_iCaseID);
     content.add("scalar result id", block.m_iMapScalarResultId);
     content.add("vector result id", block.m_iMapVectorResultId);
@@ -128,15 +126,10 @@ void describeSurface(const Surface& block, Content& content) {
     describeStates(block, content);
 }
 
-template <typename Surface>
-void collectSurface(const Surface& surface, References& references) {
-    references.optionalCase(surface.m_iCaseID);
-    references.optionalResult(surface.m_iMapScalarResultId, "scalar result");
-    references.optionalResult(surface.m_iMapVectorResultId, "vector result");
-    if constexpr (!std::is_same_v<Surface, ZRFxPrecomputedCuttingPlaneBlock>) {
-        references.optionalResult(surface.m_iIsoScalarResultId, "iso result");
-    }
-    collectStates(surface, references);
+void collectSurface(const ZRFxPrecomputedSurfaceBlock& block, References& references) {
+    references.optionalCase(block.m_iCaseID);
+    references.optionalResult(block.m_iMapScalarResultId, "scalar result");
+    references.optionalResult(block.m_iMapVectorResultId, "vector result");
 }
 
 void describe(const ZRFxPrecomputedCuttingPlaneBlock& block, Content& content) {
@@ -151,6 +144,7 @@ void describe(const ZRFxPrecomputedCuttingPlaneBlock& block, Content& content) {
 
 void collect(const ZRFxPrecomputedCuttingPlaneBlock& block, References& references) {
     collectSurface(block, references);
+    collectStates(block, references);
 }
 
 void write(const ZRFxPrecomputedCuttingPlaneBlock& block, Table& table) {
@@ -170,6 +164,8 @@ void describe(const ZRFxPrecomputedIsosurfaceBlock& block, Content& content) {
 
 void collect(const ZRFxPrecomputedIsosurfaceBlock& block, References& references) {
     collectSurface(block, references);
+    references.optionalResult(block.m_iIsoScalarResultId, "iso result");
+    collectStates(block, references);
 }
 
 void write(const ZRFxPrecomputedIsosurfaceBlock& block, Table& table) {
@@ -192,6 +188,8 @@ void describe(const ZRFxPrecomputedIsovolumeBlock& block, Content& content) {
 
 void collect(const ZRFxPrecomputedIsovolumeBlock& block, References& references) {
     collectSurface(block, references);
+    references.optionalResult(block.m_iIsoScalarResultId, "iso result");
+    collectStates(block, references);
 }
 
 void write(const ZRFxPrecomputedIsovolumeBlock& block, Table& table) {
