@@ -68,6 +68,7 @@ protected:
 
 private:
     bool ReadCrossSection(const nvf::XmlElement& element);
+    void WriteCrossSection(nvf::XmlElement root, const ZRFxCrossSection& crossSection);
 
     ZRPtrArray<ZRFxCrossSection> m_apCrossSections;
 };

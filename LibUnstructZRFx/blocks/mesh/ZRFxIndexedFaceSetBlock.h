@@ -41,9 +41,10 @@ protected:
     void DoUnloadData() override;
 
 private:
-    bool CheckPolygons(const ZRString& file) const;
-    bool Pack(ZRIntArray* packed) const;
     bool Unpack(const ZRString& file, const ZRIntArray& packed, std::int64_t numPolygons);
+    bool CheckPolygons(const ZRString& file) const;
+    bool WritePolygons(nvf::XmlElement root);
+    bool Pack(ZRIntArray* packed) const;
 
     int m_iNodeBlockID = -1;
     bool m_bMapToNodeIDs = false;

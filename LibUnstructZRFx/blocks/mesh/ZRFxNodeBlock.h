@@ -46,6 +46,8 @@ protected:
     void DoUnloadData() override;
 
 private:
+    bool WriteNodes(nvf::XmlElement root);
+
     ZRVec3fArray m_nodes;
     std::unique_ptr<ZRIntArray> m_paiNodeIDs;
     mutable ZRIDLookup m_indices;  // Of the nodes that were there when one was last asked for.

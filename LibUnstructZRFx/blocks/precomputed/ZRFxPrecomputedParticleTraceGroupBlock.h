@@ -36,6 +36,8 @@ protected:
     void DoUnloadData() override;
 
 private:
+    void WriteTrace(nvf::XmlElement root, const ZRFxParticleTrace& trace);
+
     ZRPtrArray<ZRFxParticleTrace> m_apTraces;
 };
 

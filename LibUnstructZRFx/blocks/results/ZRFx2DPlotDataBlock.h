@@ -34,6 +34,9 @@ protected:
     void DoUnloadData() override;
 
 private:
+    bool ReadVariable(const nvf::XmlElement& element);
+    bool WriteVariable(nvf::XmlElement root, const ZRFxPlotVariable& variable, std::int64_t number);
+
     ZRString m_sName;
     ZRPtrArray<ZRFxPlotVariable> m_apVariables;
 };

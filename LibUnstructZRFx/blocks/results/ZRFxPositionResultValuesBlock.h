@@ -39,11 +39,16 @@ protected:
 
 private:
     bool AreScalars() const { return m_iDimension == kScalarKind.Dimension(); }
-    bool CheckDimension() const;
-    bool WriteResults(nvf::XmlElement root);
+    void ReadAttributes(const nvf::XmlElement& root);
+    bool ReadPositions(const nvf::XmlElement& root);
     bool ReadResults(const nvf::XmlElement& root);
+    bool ReadVectors(const nvf::XmlElement& root);
+    bool CheckDimension() const;
     bool CheckResults() const;
     bool CheckNumber(const char* what, std::int64_t count) const;
+    void WriteAttributes(nvf::XmlElement root);
+    bool WritePositions(nvf::XmlElement root);
+    bool WriteResults(nvf::XmlElement root);
 
     int m_iDimension = kVectorKind.Dimension();
 };

@@ -114,25 +114,13 @@ bool ZRFxResultValuesBlock::DoWriteBlock(nvf::XmlElement root) {
     root.setAttributeInt("MapToBlockID", m_iMapToBlockID);
     root.setAttributeInt("NumDimensions", m_iNumDimensions);
     root.setAttributeBool("WithID", m_paiIDs != nullptr);
-    ZRFxFileRecord file{GetFilebase(), GetNumItems(), ZRString()};
-    if (!WriteValues(file.filename)) return false;
-    if (m_paiIDs) {
-        file.ids = file.filename + "-IDs";
-        if (!m_pDatabase->WriteDataInt(file.ids, *m_paiIDs, 1)) return false;
-    }
-    return AddFileRecord(root, "File", file);
+    return WriteItems(root);
 }
 
 void ZRFxResultValuesBlock::DoUnloadData() {
     m_afResults.RemoveAll();
     m_avResults.RemoveAll();
     SetIDs(nullptr);
-}
-
-bool ZRFxResultValuesBlock::WriteValues(const ZRString& name) {
-    if (AreVectors()) return m_pDatabase->WriteDataVector(name, m_avResults);
-    if (AreTensors()) return m_pDatabase->WriteDataTensor(name, m_afResults);
-    return m_pDatabase->WriteDataFloat(name, m_afResults);
 }
 
 bool ZRFxResultValuesBlock::ReadValues(const ZRString& name, std::int64_t numItems) {
@@ -153,6 +141,22 @@ bool ZRFxResultValuesBlock::CheckComponents(const ZRString& file, const ZRFxValu
 
 bool ZRFxResultValuesBlock::FailDimensions() const {
     return Log().fail("Illegal number of dimensions for result values");
+}
+
+bool ZRFxResultValuesBlock::WriteItems(nvf::XmlElement root) {
+    ZRFxFileRecord file{GetFilebase(), GetNumItems(), ZRString()};
+    if (!WriteValues(file.filename)) return false;
+    if (m_paiIDs) {
+        file.ids = file.filename + "-IDs";
+        if (!m_pDatabase->WriteDataInt(file.ids, *m_paiIDs, 1)) return false;
+    }
+    return AddFileRecord(root, "File", file);
+}
+
+bool ZRFxResultValuesBlock::WriteValues(const ZRString& name) {
+    if (AreVectors()) return m_pDatabase->WriteDataVector(name, m_avResults);
+    if (AreTensors()) return m_pDatabase->WriteDataTensor(name, m_afResults);
+    return m_pDatabase->WriteDataFloat(name, m_afResults);
 }
 
 }  // namespace unstruct

@@ -63,11 +63,12 @@ private:
     bool AreTensors() const { return m_iNumDimensions == kTensorKind.Dimension(); }
     template <typename Value>
     bool AddWithID(const Value& value, std::int32_t id, ZRArray<Value>* values);
-    bool WriteValues(const ZRString& name);
     bool ReadValues(const ZRString& name, std::int64_t numItems);
     bool ReadData(const ZRString& name, std::int64_t numItems);
     bool CheckComponents(const ZRString& file, const ZRFxValueKind& kind) const;
     bool FailDimensions() const;
+    bool WriteItems(nvf::XmlElement root);
+    bool WriteValues(const ZRString& name);
 
     int m_iMapToBlockID = -1;
     int m_iNumDimensions = kScalarKind.Dimension();

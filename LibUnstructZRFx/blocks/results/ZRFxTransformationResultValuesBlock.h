@@ -12,11 +12,12 @@ public:
 
     ZRFxTransformationResultValuesBlock(ZRFxDatabase* pDatabase, int id);
 
-    const nuo::Mat4d& GetMatrix() const { return m_matrix; }
     void SetMatrix(const nuo::Mat4d& matrix);
+    void SetMapToBlock(int id, int type);
+
+    const nuo::Mat4d& GetMatrix() const { return m_matrix; }
     int GetMapToBlockID() const { return m_iMapToBlockID; }
     int GetMapToBlockType() const { return m_iMapToBlockType; }
-    void SetMapToBlock(int id, int type);
 
 protected:
     bool DoReadBlock(const nvf::XmlElement& root) override;
