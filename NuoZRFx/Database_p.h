@@ -34,6 +34,9 @@ public:
     bool m_isReadFromFile = false;
     bool m_isStateInfoBlockWritten = false;
     bool m_isGeometryBlockWritten = false;
+
+private:
+    class Wrapping;
 };
 
 }  // namespace nuo::zrfx

@@ -14,9 +14,12 @@ using unstruct::ZRFxResultValuesBlock;
 using unstruct::ZRIntArray;
 using unstruct::ZRVec3fArray;
 
+static_assert(ResultValuesBlock::SCALAR1D == unstruct::kScalarKind.Dimension());
+static_assert(ResultValuesBlock::VECTOR3D == unstruct::kVectorKind.Dimension());
+static_assert(ResultValuesBlock::TENSOR6D == unstruct::kTensorKind.Dimension());
+
 bool isValidDimension(int dimension) {
-    return dimension == ResultValuesBlock::SCALAR1D || dimension == ResultValuesBlock::VECTOR3D ||
-           dimension == ResultValuesBlock::TENSOR6D;
+    return unstruct::ZRFxValueKindOf(dimension) != nullptr;
 }
 
 }  // namespace
@@ -114,7 +117,8 @@ bool ResultValuesBlock::setResultValues(const std::vector<float>& resultValues,
         ZRFxResultValuesBlock& block = *m_private->m_resultValuesBlock;
         const bool isSet =
             dimension() == VECTOR3D
-                ? block.SetVectors(reinterpret_cast<const Vec3f*>(resultValues.data()), count / 3)
+                ? block.SetVectors(reinterpret_cast<const Vec3f*>(resultValues.data()),
+                                   count / VECTOR3D)
                 : block.SetScalars(resultValues.data(), count);
         if (isSet) block.SetIDs(std::move(ids));
         return isSet;
