@@ -3,28 +3,28 @@
 #include <fstream>
 
 #include "ReadEverything.h"
-#include "frd/FrdImport.h"
-#include "frd/FrdReader.h"
+#include "import/ImportWriter.h"
+#include "import/frd/FrdImporter.h"
 
 namespace {
 
-using tools::FrdImport;
-using tools::FrdReader;
+using tools::FrdImporter;
+using tools::ImportWriter;
 
 // Reads to the end, or to what cannot be imported.
-bool readAll(FrdReader& reader, FrdImport& import) {
+bool readAll(FrdImporter& reader, ImportWriter& import) {
     for (;;) {
         switch (reader.next()) {
-            case FrdReader::NODES:
-                if (!import.addNodes(reader.nodes())) return false;
+            case FrdImporter::NODES:
+                if (!import.addNodes(reader.data().nodes)) return false;
                 break;
-            case FrdReader::ELEMENTS:
-                if (!import.addElements(reader.elements())) return false;
+            case FrdImporter::ELEMENTS:
+                if (!import.addElements(reader.data().elements)) return false;
                 break;
-            case FrdReader::RESULT:
-                if (!import.addResult(reader.result(), reader.header())) return false;
+            case FrdImporter::RESULT:
+                if (!import.addValues(reader.data().values, reader.data().header)) return false;
                 break;
-            case FrdReader::DAMAGE:
+            case FrdImporter::DAMAGE:
                 if (!import.hasMesh()) return true;
                 break;
             default:
@@ -41,15 +41,15 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     static const std::string output = fuzz::scratchPath("zrfx");
     std::ofstream(input, std::ios::binary)
         .write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(size));
-    FrdReader reader;
+    FrdImporter reader;
     fuzz::require(reader.open(input));
-    FrdImport::Target target;
+    ImportWriter::Target target;
     target.file = output;
     target.name = "fuzz";
     {
-        FrdImport import(target);
+        ImportWriter import(target);
         const bool isFinished =
-            readAll(reader, import) && import.hasMesh() && import.finish(reader.header());
+            readAll(reader, import) && import.hasMesh() && import.finish(reader.data().header);
         fuzz::require(!isFinished || fuzz::isWhole(output));
     }
     std::filesystem::remove(input);

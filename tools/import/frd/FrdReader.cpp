@@ -1,4 +1,4 @@
-#include "frd/FrdReader.h"
+#include "import/frd/FrdReader.h"
 
 #include <algorithm>
 #include <array>
@@ -6,8 +6,8 @@
 #include <cerrno>
 #include <cstring>
 
-#include "frd/FrdElementType.h"
-#include "frd/FrdText.h"
+#include "import/frd/FrdElementType.h"
+#include "import/frd/FrdText.h"
 
 namespace tools {
 namespace {
@@ -176,7 +176,7 @@ bool FrdReader::readFormat(std::string_view line, std::size_t column) {
 FrdReader::Event FrdReader::readNodes(std::string_view line) {
     m_block = "the block of nodes";
     const std::uint64_t count = numberOf(frdField(line, 24, 12));
-    m_nodes = FrdNodes();
+    m_nodes = ImportNodes();
     if (!readFormat(line, 73)) return damaged("the form of its numbers is not known");
     if (!isText()) return readBinaryNodes(count);
     reserve(m_nodes.ids, count, m_file.size() / 40);

@@ -5,8 +5,9 @@
 #include <string>
 #include <string_view>
 
-#include "frd/FrdData.h"
-#include "frd/FrdFile.h"
+#include "import/ImportFile.h"
+#include "import/ImportReader.h"
+#include "import/frd/FrdData.h"
 
 namespace tools {
 
@@ -18,14 +19,8 @@ namespace tools {
 ///     for (auto event = reader.next(); event != FrdReader::END; event = reader.next()) ...
 class FrdReader {
 public:
-    enum Event {
-        NODES,       ///< nodes() has them.
-        ELEMENTS,    ///< elements() has them.
-        RESULT,      ///< result() has one result of one state.
-        DAMAGE,      ///< damage() says what is wrong; the next block that is found comes after it.
-        INCOMPLETE,  ///< The file ends without its end marker; asked again, what was added is read.
-        END          ///< The end marker, or nothing that could be read after damage.
-    };
+    using enum ImportReader::Event;
+    using Event = ImportReader::Event;
 
     /// Opens a file, or anew one of which nothing was read. False, with errno, when it cannot be
     /// read.
@@ -35,7 +30,7 @@ public:
     Event next();
 
     const FrdHeader& header() const { return m_header; }
-    FrdNodes& nodes() { return m_nodes; }
+    ImportNodes& nodes() { return m_nodes; }
     FrdElements& elements() { return m_elements; }
     FrdResult& result() { return m_result; }
 
@@ -91,9 +86,9 @@ private:
     bool readValueLine(std::string_view line, std::size_t count);
     Event readBinaryValues(std::uint64_t count);
 
-    FrdFile m_file;
+    ImportFile m_file;
     FrdHeader m_header;
-    FrdNodes m_nodes;
+    ImportNodes m_nodes;
     FrdElements m_elements;
     FrdResult m_result;
     FrdStep m_step;  // as the parameter lines before a result say
@@ -101,7 +96,7 @@ private:
     std::string m_damage;
     Format m_format = LONG_TEXT;
     std::size_t m_elementCount = 0;  // as the file says, so far as it can hold them
-    FrdFile::Place m_begin;          // of the block that is read
+    ImportFile::Place m_begin;       // of the block that is read
     bool m_isBinary = false;
     bool m_isBetweenBlocks = true;
     bool m_hasBegun = false;

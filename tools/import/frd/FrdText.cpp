@@ -1,4 +1,4 @@
-#include "frd/FrdText.h"
+#include "import/frd/FrdText.h"
 
 #include <charconv>
 #include <cmath>
