@@ -42,6 +42,10 @@ std::string_view frdField(std::string_view line, std::size_t column, std::size_t
     return column < line.size() ? line.substr(column, width) : std::string_view();
 }
 
+bool isFrdItem(std::string_view line, const char* key) {
+    return line.size() >= 3 && line[0] == ' ' && line[1] == key[0] && line[2] == key[1];
+}
+
 std::string_view frdTrimmed(std::string_view text) {
     while (!text.empty() && text.front() == ' ') text.remove_prefix(1);
     while (!text.empty() && text.back() == ' ') text.remove_suffix(1);
