@@ -99,6 +99,15 @@ std::optional<std::string_view> ImportFile::readLine() {
     return withoutReturn(*line);
 }
 
+std::optional<std::string_view> ImportFile::readLastLine() {
+    if (available() == 0) return std::nullopt;
+    const std::string_view line = unfinishedLine();
+    m_place.offset += line.size();
+    ++m_place.line;
+    m_begin = m_end;
+    return withoutReturn(line);
+}
+
 const char* ImportFile::readBytes(std::size_t count) {
     while (available() < count) {
         if (!fill()) return nullptr;

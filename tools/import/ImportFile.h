@@ -40,6 +40,9 @@ public:
     /// What follows the last whole line, valid until the next call.
     std::string_view unfinishedLine() const { return {m_window.data() + m_begin, available()}; }
 
+    /// The last line, where it has no end. None after the last end of a line.
+    std::optional<std::string_view> readLastLine();
+
     /// The next bytes, valid until the next call; null, and nothing consumed, when there are not so
     /// many. Up to 1 MiB.
     const char* readBytes(std::size_t count);
