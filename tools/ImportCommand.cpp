@@ -231,11 +231,26 @@ int runImport(const ImportOptions& options, ToolContext& context) {
         context.fail(options.output, "is the file to be imported");
         return ToolContext::WRONG_USAGE;
     }
+    if (options.isFollowing && !importFormatOf(options.input).canBeFollowed) {
+        context.fail(options.input, "files of this format cannot be followed");
+        return ToolContext::WRONG_USAGE;
+    }
     return ImportRun(options, context).run();
+}
+
+// "the results of CalculiX (.frd) or ...".
+std::string formatsText() {
+    std::string text;
+    for (const ImportFormat& format : importFormats()) {
+        text += (text.empty() ? "" : " or ") + std::string(format.content) + " (" +
+                format.extension + ")";
+    }
+    return text;
 }
 
 constexpr const char* kExamples =
     "  zrfx import beam.frd beam.zrfx\n"
+    "  zrfx import mesh.msh mesh.zrfx\n"
     "  zrfx import beam.frd beam.zrfx --name \"Beam, load case 2\" --level 9\n"
     "  ccx beam & zrfx import --follow beam.frd beam.zrfx   # readable while the solver runs\n";
 
@@ -244,9 +259,10 @@ constexpr const char* kExamples =
 void addImportCommand(CLI::App& application, ToolContext& context) {
     auto options = std::make_shared<ImportOptions>();
     CLI::App* command =
-        context.addCommand(application, "import", "Makes a ZRFx file of the results of CalculiX",
+        context.addCommand(application, "import", "Makes a ZRFx file of " + formatsText(),
                            kExamples, [options, &context] { return runImport(*options, context); });
-    command->add_option("RESULTS.frd", options->input, "Result file of CalculiX")->required();
+    command->add_option("FILE", options->input, "File to import; its extension says what it is")
+        ->required();
     command->add_option("OUT.zrfx", options->output, "File to make; an existing one is replaced")
         ->required();
     command->add_option("--name", options->name,

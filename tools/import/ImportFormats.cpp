@@ -6,6 +6,7 @@
 #include <filesystem>
 
 #include "import/frd/FrdImporter.h"
+#include "import/gmsh/GmshReader.h"
 
 namespace tools {
 namespace {
@@ -17,6 +18,7 @@ std::unique_ptr<ImportReader> make() {
 
 constexpr ImportFormat kFormats[] = {
     {".frd", "the results of CalculiX", true, make<FrdImporter>},
+    {".msh", "a mesh of gmsh with its views", false, make<GmshReader>},
 };
 
 }  // namespace
