@@ -13,6 +13,7 @@ import sys
 import tempfile
 import unittest
 
+sys.dont_write_bytecode = True  # the sources stay as they are
 import calculix
 
 ZRFX = sys.argv.pop(1)

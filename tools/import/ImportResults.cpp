@@ -4,7 +4,6 @@
 #include <cmath>
 
 #include "Text.h"
-#include "import/ImportElementValues.h"
 
 namespace tools {
 namespace {
@@ -38,12 +37,8 @@ bool ImportResults::add(ImportValues& values, Database& database) {
     if (values.mapping == ResultBlock::NODE_MAPPING) dropStrayNodes(values);
     makeUndefined(values.values);
     if (values.ids.empty()) return true;
-    std::size_t first = 0;
-    for (const ImportField& field : values.fields) {
-        if (!addField(values, first, field, database)) return false;
-        first += field.size();
-    }
-    return true;
+    return values.mapping == ResultBlock::NODE_MAPPING ? addNodeValues(values, database)
+                                                       : addElementValues(values, database);
 }
 
 bool ImportResults::beginState(const ImportState& state) {
@@ -69,16 +64,35 @@ bool ImportResults::writeLists(Database& database) const {
                        [&](const Series& series) { return database.writeBlock(series.block.p()); });
 }
 
-bool ImportResults::addField(const ImportValues& values, std::size_t first,
-                             const ImportField& field, Database& database) {
-    Series& series = seriesOf(values, field);
-    if (values.mapping != ResultBlock::NODE_MAPPING) {
-        return writeElementValues(values, first, field, series, database);
+bool ImportResults::addNodeValues(const ImportValues& values, Database& database) {
+    std::size_t first = 0;
+    for (const ImportField& field : values.fields) {
+        Series& series = seriesOf(values, field);
+        if (field.type == ResultBlock::DISPLACEMENT && series.block->stateCount() == 0) {
+            scaleModeShape(values, first, series);
+        }
+        if (!writeNodeValues(values, first, field, series, database)) return false;
+        first += field.size();
     }
-    if (field.type == ResultBlock::DISPLACEMENT && series.block->stateCount() == 0) {
-        scaleModeShape(values, first, series);
+    return true;
+}
+
+// A block for each part that has values.
+bool ImportResults::addElementValues(const ImportValues& values, Database& database) {
+    const ImportElementValues sorted(m_mesh, values);
+    m_strayElementCount += sorted.strayCount();
+    std::size_t first = 0;
+    for (const ImportField& field : values.fields) {
+        Series& series = seriesOf(values, field);
+        for (const ImportMesh::Part& part : m_mesh.parts()) {
+            const auto own = sorted.ofPart(part, first, field.size());
+            if (!own.values.empty() && !writePartValues(part, own, field, series, database)) {
+                return false;
+            }
+        }
+        first += field.size();
     }
-    return writeNodeValues(values, first, field, series, database);
+    return true;
 }
 
 ImportResults::Series& ImportResults::seriesOf(const ImportValues& values,
@@ -162,34 +176,24 @@ bool ImportResults::writeNodeValues(const ImportValues& values, std::size_t firs
     return block->setMapToBlockId(ImportMesh::kNodeBlockId, Block::NODES) &&
            block->setResultValueData(data, values.ids.size(),
                                      hasIds ? values.ids.data() : nullptr) &&
-           writeBlock(series, values.state.id, *block, database);
+           writeBlock(*block, series, database);
 }
 
-// A block for each part that has values.
-bool ImportResults::writeElementValues(const ImportValues& values, std::size_t first,
-                                       const ImportField& field, Series& series,
-                                       Database& database) {
-    const ImportElementValues sorted(m_mesh, values);
-    m_strayElementCount += sorted.strayCount();
-    for (const ImportMesh::Part& part : m_mesh.parts()) {
-        const auto own = sorted.ofPart(part, first, field.size());
-        if (own.values.empty()) continue;
-        PtrRef<ResultValuesBlock> block =
-            new ResultValuesBlock(++m_valuesBlockCount, dimensionOf(field), !own.ids.empty());
-        if (!block->setMapToBlockId(part.blockId, Block::ELEMENTS) ||
-            !block->setResultValueData(own.values.data(), own.values.size() / field.size(),
-                                       own.ids.empty() ? nullptr : own.ids.data()) ||
-            !writeBlock(series, values.state.id, *block, database)) {
-            return false;
-        }
-    }
-    return true;
+bool ImportResults::writePartValues(const ImportMesh::Part& part,
+                                    const ImportElementValues::PartValues& own,
+                                    const ImportField& field, Series& series, Database& database) {
+    const bool hasIds = !own.ids.empty();
+    PtrRef<ResultValuesBlock> block =
+        new ResultValuesBlock(++m_valuesBlockCount, dimensionOf(field), hasIds);
+    return block->setMapToBlockId(part.blockId, Block::ELEMENTS) &&
+           block->setResultValueData(own.values.data(), own.values.size() / field.size(),
+                                     hasIds ? own.ids.data() : nullptr) &&
+           writeBlock(*block, series, database);
 }
 
-bool ImportResults::writeBlock(Series& series, int state, const ResultValuesBlock& block,
-                               Database& database) {
+bool ImportResults::writeBlock(const ResultValuesBlock& block, Series& series, Database& database) {
     return database.writeBlock(&block) &&
-           series.block->addResultValuesBlock(block.blockId(), state);
+           series.block->addResultValuesBlock(block.blockId(), m_lastState);
 }
 
 std::vector<std::string> ImportResults::notes() const {

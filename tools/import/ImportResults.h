@@ -11,6 +11,7 @@
 #include "NuoZRFx/ResultValuesBlock.h"
 #include "NuoZRFx/StateInfoBlock.h"
 #include "import/ImportData.h"
+#include "import/ImportElementValues.h"
 #include "import/ImportMesh.h"
 
 namespace tools {
@@ -56,8 +57,8 @@ public:
 private:
     bool beginState(const ImportState& state);
     void makeUndefined(std::vector<float>& values);
-    bool addField(const ImportValues& values, std::size_t first, const ImportField& field,
-                  nuo::zrfx::Database& database);
+    bool addNodeValues(const ImportValues& values, nuo::zrfx::Database& database);
+    bool addElementValues(const ImportValues& values, nuo::zrfx::Database& database);
     Series& seriesOf(const ImportValues& values, const ImportField& field);
     nuo::zrfx::ResultBlock* newBlock(const ImportField& field,
                                      nuo::zrfx::ResultBlock::ResultMapping mapping) const;
@@ -66,9 +67,9 @@ private:
     void dropStrayNodes(ImportValues& values);
     bool writeNodeValues(const ImportValues& values, std::size_t first, const ImportField& field,
                          Series& series, nuo::zrfx::Database& database);
-    bool writeElementValues(const ImportValues& values, std::size_t first, const ImportField& field,
-                            Series& series, nuo::zrfx::Database& database);
-    bool writeBlock(Series& series, int state, const nuo::zrfx::ResultValuesBlock& block,
+    bool writePartValues(const ImportMesh::Part& part, const ImportElementValues::PartValues& own,
+                         const ImportField& field, Series& series, nuo::zrfx::Database& database);
+    bool writeBlock(const nuo::zrfx::ResultValuesBlock& block, Series& series,
                     nuo::zrfx::Database& database);
 
     const ImportMesh& m_mesh;
