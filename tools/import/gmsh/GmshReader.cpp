@@ -16,7 +16,7 @@ namespace {
 using nuo::zrfx::ResultBlock;
 using nuo::zrfx::StateInfoBlock;
 
-constexpr int kMostRows = 1000;  // of an element; gmsh has up to 1000 nodes in one
+constexpr int kMostRows = 1000;  // of an element; the largest of gmsh has as many nodes
 
 std::string_view unquoted(std::string_view text) {
     const std::size_t first = text.find('"');
@@ -67,7 +67,8 @@ const GmshReader::Section* GmshReader::sectionOf(std::string_view name) {
 // ---- Sections
 
 GmshReader::Event GmshReader::next() {
-    for (m_begin = m_file.place(); readLine(); m_begin = m_file.place()) {
+    while (readLine()) {
+        m_begin = m_line;
         const std::string word(m_words.next());
         const bool isHead = word.starts_with('$') && !word.starts_with("$End");
         if (m_isSkipping && !isHead) continue;
@@ -107,6 +108,7 @@ bool GmshReader::readEnd(const std::string& end) {
 bool GmshReader::readLine() {
     m_reason.clear();
     for (;;) {
+        m_line = m_file.place();
         auto line = m_file.readLine();
         if (!line && !m_file.hasFailed()) line = m_file.readLastLine();
         if (!line) return false;
@@ -121,10 +123,13 @@ bool GmshReader::fail(const std::string& reason) {
 }
 
 GmshReader::Event GmshReader::failure() {
-    const bool isEnd = m_reason.empty() && !m_file.hasFailed();
-    if (m_file.hasFailed()) m_reason = std::string("cannot be read: ") + std::strerror(errno);
-    if (isEnd) m_reason = "the file ends within it";
-    m_data.damage = "line " + std::to_string(m_file.place().line - 1) + ": " +
+    const bool isEnd = m_reason.empty();
+    if (isEnd) {
+        m_reason = m_file.hasFailed() ? std::string("cannot be read: ") + std::strerror(errno)
+                                      : "the file ends within it";
+    }
+    const std::uint64_t line = std::max<std::uint64_t>(m_file.place().line, 2) - 1;
+    m_data.damage = "line " + std::to_string(line) + ": " +
                     (m_section.empty() ? "" : m_section + ": ") + m_reason;
     if (isEnd) return INCOMPLETE;
     m_file.unreadLine(m_begin);  // it may begin the next section

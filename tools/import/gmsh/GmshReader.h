@@ -74,6 +74,7 @@ private:
     ImportFile m_file;
     GmshWords m_words;          // of the line that was read last
     int m_version = 0;          // 2 or 4
+    ImportFile::Place m_line;   // that was read last
     ImportFile::Place m_begin;  // of the section
     std::string m_section;
     std::string m_reason;       // why reading a section failed; empty when the file ends
