@@ -238,12 +238,20 @@ int runImport(const ImportOptions& options, ToolContext& context) {
     return ImportRun(options, context).run();
 }
 
-// "the results of CalculiX (.frd) or ...".
-std::string formatsText() {
+// "the results of CalculiX or ...".
+std::string contentsText() {
     std::string text;
     for (const ImportFormat& format : importFormats()) {
-        text += (text.empty() ? "" : " or ") + std::string(format.content) + " (" +
-                format.extension + ")";
+        text += (text.empty() ? "" : " or ") + std::string(format.content);
+    }
+    return text;
+}
+
+std::string formatsText() {
+    std::string text = "\nFormats:\n";
+    for (const ImportFormat& format : importFormats()) {
+        text += std::string("  ") + format.extension + "  " + format.content + ": " +
+                format.limits + "\n";
     }
     return text;
 }
@@ -258,9 +266,9 @@ constexpr const char* kExamples =
 
 void addImportCommand(CLI::App& application, ToolContext& context) {
     auto options = std::make_shared<ImportOptions>();
-    CLI::App* command =
-        context.addCommand(application, "import", "Makes a ZRFx file of " + formatsText(),
-                           kExamples, [options, &context] { return runImport(*options, context); });
+    CLI::App* command = context.addCommand(
+        application, "import", "Makes a ZRFx file of " + contentsText(), kExamples + formatsText(),
+        [options, &context] { return runImport(*options, context); });
     command->add_option("FILE", options->input, "File to import; its extension says what it is")
         ->required();
     command->add_option("OUT.zrfx", options->output, "File to make; an existing one is replaced")

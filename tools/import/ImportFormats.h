@@ -12,6 +12,7 @@ namespace tools {
 struct ImportFormat {
     const char* extension;
     const char* content;  ///< As in "Makes a ZRFx file of ...".
+    const char* limits;   ///< What is read of it, and what is left out.
     bool canBeFollowed;   ///< While a program writes the file.
     std::unique_ptr<ImportReader> (*makeReader)();
 };
