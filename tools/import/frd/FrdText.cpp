@@ -1,8 +1,8 @@
-#include "frd/FrdText.h"
+#include "import/frd/FrdText.h"
 
-#include <charconv>
-#include <cmath>
-#include <limits>
+#include <string>
+
+#include "import/ImportNumbers.h"
 
 namespace tools {
 namespace {
@@ -22,15 +22,6 @@ std::string withExponent(std::string_view text) {
     return plain;
 }
 
-bool readPlainDouble(std::string_view text, double* value) {
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), *value);
-    if (end != text.data() + text.size()) return false;
-    if (error != std::errc::result_out_of_range) return error == std::errc();
-    const bool isSmall = text.find("e-") != text.npos || text.find("E-") != text.npos;
-    *value = isSmall ? 0 : std::numeric_limits<double>::infinity();
-    return true;
-}
-
 std::string_view withoutPlus(std::string_view text) {
     if (text.size() > 1 && text[0] == '+' && text[1] != '-') text.remove_prefix(1);
     return text;
@@ -42,6 +33,10 @@ std::string_view frdField(std::string_view line, std::size_t column, std::size_t
     return column < line.size() ? line.substr(column, width) : std::string_view();
 }
 
+bool isFrdItem(std::string_view line, const char* key) {
+    return line.size() >= 3 && line[0] == ' ' && line[1] == key[0] && line[2] == key[1];
+}
+
 std::string_view frdTrimmed(std::string_view text) {
     while (!text.empty() && text.front() == ' ') text.remove_prefix(1);
     while (!text.empty() && text.back() == ' ') text.remove_suffix(1);
@@ -51,24 +46,17 @@ std::string_view frdTrimmed(std::string_view text) {
 bool readFrdInteger(std::string_view field, int* value) {
     const std::string_view text = withoutPlus(frdTrimmed(field));
     *value = 0;
-    if (text.empty()) return true;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), *value);
-    return error == std::errc() && end == text.data() + text.size();
+    return text.empty() || readInteger(text, value);
 }
 
 bool readFrdDouble(std::string_view field, double* value) {
     const std::string_view text = withoutPlus(frdTrimmed(field));
-    return readPlainDouble(text, value) || readPlainDouble(withExponent(text), value);
+    return readDouble(text, value) || readDouble(withExponent(text), value);
 }
 
 bool readFrdFloat(std::string_view field, float* value) {
     const std::string_view text = withoutPlus(frdTrimmed(field));
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), *value);
-    if (error == std::errc() && end == text.data() + text.size()) return true;
-    double wide = 0;
-    if (!readFrdDouble(text, &wide)) return false;
-    *value = static_cast<float>(wide);
-    return true;
+    return readFloat(text, value) || readFloat(withExponent(text), value);
 }
 
 }  // namespace tools

@@ -2,14 +2,14 @@
 
 #include "NuoCore/PropertySetCollection.h"
 #include "NuoCore/PtrRef.h"
-#include "frd/FrdMesh.h"
-#include "frd/FrdResults.h"
+#include "import/ImportMesh.h"
+#include "import/ImportResults.h"
 
 namespace tools {
 
 /// How an imported model is shown at first: its parts with their mesh, the most telling result, the
 /// displacements, and all states, or the first mode shape as it swings.
-nuo::PtrRef<nuo::PropertySetCollection> frdViewSettings(const FrdMesh& mesh,
-                                                        const FrdResults& results);
+nuo::PtrRef<nuo::PropertySetCollection> importViewSettings(const ImportMesh& mesh,
+                                                           const ImportResults& results);
 
 }  // namespace tools

@@ -11,17 +11,17 @@ namespace tools {
 
 /// A file that is read once from front to back, by lines or by bytes, through a window of memory.
 /// It may grow meanwhile. One thread.
-class FrdFile {
+class ImportFile {
 public:
     struct Place {
         std::uint64_t offset = 0;
         std::uint64_t line = 1;  ///< Of the line that begins here.
     };
 
-    FrdFile() = default;
-    ~FrdFile();
-    FrdFile(const FrdFile&) = delete;
-    FrdFile& operator=(const FrdFile&) = delete;
+    ImportFile() = default;
+    ~ImportFile();
+    ImportFile(const ImportFile&) = delete;
+    ImportFile& operator=(const ImportFile&) = delete;
 
     /// Opens the file from its beginning, in place of the one before. False, with errno, when it
     /// cannot be read.
@@ -39,6 +39,9 @@ public:
 
     /// What follows the last whole line, valid until the next call.
     std::string_view unfinishedLine() const { return {m_window.data() + m_begin, available()}; }
+
+    /// The last line, where it has no end. None after the last end of a line.
+    std::optional<std::string_view> readLastLine();
 
     /// The next bytes, valid until the next call; null, and nothing consumed, when there are not so
     /// many. Up to 1 MiB.

@@ -1,4 +1,4 @@
-#include "frd/FrdView.h"
+#include "import/ImportView.h"
 
 #include <algorithm>
 #include <functional>
@@ -15,24 +15,28 @@ using nuo::zrfx::StateInfoBlock;
 
 constexpr int kModeShapeFrames = 24;
 
-using Series = FrdResults::Series;
+using Series = ImportResults::Series;
 
-const Series* findSeries(const FrdResults& results,
+const Series* findSeries(const ImportResults& results,
                          const std::function<bool(const Series&)>& isWanted) {
     const auto& all = results.series();
     const auto found = std::find_if(all.begin(), all.end(), isWanted);
     return found == all.end() ? nullptr : &*found;
 }
 
-const Series* displacement(const FrdResults& results) {
+const Series* displacement(const ImportResults& results) {
     return findSeries(results,
                       [](const Series& s) { return s.type() == ResultBlock::DISPLACEMENT; });
 }
 
+const Series* seriesOfRole(const ImportResults& results, ImportField::Role role) {
+    return findSeries(results, [role](const Series& s) { return s.role == role; });
+}
+
 // Stresses, else temperatures, else what there is.
-const Series* fringes(const FrdResults& results) {
-    const Series* found = findSeries(results, [](const Series& s) { return s.source == "STRESS"; });
-    if (!found) found = findSeries(results, [](const Series& s) { return s.source == "NDTEMP"; });
+const Series* fringes(const ImportResults& results) {
+    const Series* found = seriesOfRole(results, ImportField::STRESS);
+    if (!found) found = seriesOfRole(results, ImportField::TEMPERATURE);
     if (!found) {
         found =
             findSeries(results, [](const Series& s) { return s.type() == ResultBlock::SCALAR; });
@@ -49,7 +53,7 @@ PtrRef<PropertySet> partSettings(int partId) {
     return set;
 }
 
-PtrRef<PropertySet> resultSelection(const FrdResults& results) {
+PtrRef<PropertySet> resultSelection(const ImportResults& results) {
     PtrRef<PropertySet> set = new PropertySet("result_selection");
     if (const Series* shown = fringes(results)) set->setValue("fringes_result_id", shown->id());
     if (const Series* shown = displacement(results)) {
@@ -77,12 +81,13 @@ PtrRef<PropertySet> stateSelection(const StateInfoBlock& states) {
 
 }  // namespace
 
-PtrRef<PropertySetCollection> frdViewSettings(const FrdMesh& mesh, const FrdResults& results) {
+PtrRef<PropertySetCollection> importViewSettings(const ImportMesh& mesh,
+                                                 const ImportResults& results) {
     PtrRef<PropertySetCollection> settings = new PropertySetCollection;
     settings->addPropertySet(resultSelection(results).p());
     settings->addPropertySet(stateSelection(results.states()).p());
-    for (const FrdMesh::Part& part : mesh.parts()) {
-        settings->addPropertySet(partSettings(part.material).p());
+    for (const ImportMesh::Part& part : mesh.parts()) {
+        settings->addPropertySet(partSettings(part.id).p());
     }
     return settings;
 }

@@ -9,6 +9,9 @@ namespace tools {
 /// What stands in `width` columns from `column` on, of a line that may be shorter.
 std::string_view frdField(std::string_view line, std::size_t column, std::size_t width);
 
+/// Whether a line within a block has a key, which is two characters such as "-1".
+bool isFrdItem(std::string_view line, const char* key);
+
 std::string_view frdTrimmed(std::string_view text);
 
 /// A number in a field of fixed width, with blanks around it; false when there is none. A blank

@@ -1,4 +1,4 @@
-#include "frd/FrdFile.h"
+#include "import/ImportFile.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -20,11 +20,11 @@ std::string_view withoutReturn(std::string_view line) {
 
 }  // namespace
 
-FrdFile::~FrdFile() {
+ImportFile::~ImportFile() {
     close();
 }
 
-bool FrdFile::open(const std::string& path) {
+bool ImportFile::open(const std::string& path) {
     close();
     returnTo({});
     m_descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
@@ -39,24 +39,24 @@ bool FrdFile::open(const std::string& path) {
     return true;
 }
 
-bool FrdFile::isReplacedAt(const std::string& path) const {
+bool ImportFile::isReplacedAt(const std::string& path) const {
     struct stat opened {};
     struct stat found {};
     return fstat(m_descriptor, &opened) == 0 && stat(path.c_str(), &found) == 0 &&
            (opened.st_ino != found.st_ino || opened.st_dev != found.st_dev);
 }
 
-std::uint64_t FrdFile::size() const {
+std::uint64_t ImportFile::size() const {
     struct stat status {};
     return fstat(m_descriptor, &status) == 0 ? static_cast<std::uint64_t>(status.st_size) : 0;
 }
 
-void FrdFile::close() {
+void ImportFile::close() {
     if (m_descriptor >= 0) ::close(m_descriptor);
     m_descriptor = -1;
 }
 
-bool FrdFile::fill() {
+bool ImportFile::fill() {
     if (m_begin > 0) {
         std::memmove(m_window.data(), m_window.data() + m_begin, available());
         m_end -= m_begin;
@@ -74,7 +74,7 @@ bool FrdFile::fill() {
     return true;
 }
 
-std::optional<std::string_view> FrdFile::peekLine() {
+std::optional<std::string_view> ImportFile::peekLine() {
     std::size_t searched = 0;
     for (;;) {
         const char* begin = m_window.data() + m_begin;
@@ -88,7 +88,7 @@ std::optional<std::string_view> FrdFile::peekLine() {
     }
 }
 
-std::optional<std::string_view> FrdFile::readLine() {
+std::optional<std::string_view> ImportFile::readLine() {
     const auto line = peekLine();
     if (!line) return line;
     const std::size_t length = std::min(line->size() + 1, available());
@@ -99,7 +99,16 @@ std::optional<std::string_view> FrdFile::readLine() {
     return withoutReturn(*line);
 }
 
-const char* FrdFile::readBytes(std::size_t count) {
+std::optional<std::string_view> ImportFile::readLastLine() {
+    if (available() == 0) return std::nullopt;
+    const std::string_view line = unfinishedLine();
+    m_place.offset += line.size();
+    ++m_place.line;
+    m_begin = m_end;
+    return withoutReturn(line);
+}
+
+const char* ImportFile::readBytes(std::size_t count) {
     while (available() < count) {
         if (!fill()) return nullptr;
     }
@@ -109,12 +118,12 @@ const char* FrdFile::readBytes(std::size_t count) {
     return bytes;
 }
 
-void FrdFile::returnTo(const Place& place) {
+void ImportFile::returnTo(const Place& place) {
     m_place = place;
     m_begin = m_end = 0;
 }
 
-void FrdFile::unreadLine(const Place& first) {
+void ImportFile::unreadLine(const Place& first) {
     if (m_lastLine.offset > first.offset) returnTo(m_lastLine);
 }
 

@@ -1,4 +1,4 @@
-#include "frd/FrdElementType.h"
+#include "import/frd/FrdElementType.h"
 
 #include <array>
 

@@ -16,11 +16,6 @@ struct FrdHeader {
     std::map<int, std::string> materialNames;  ///< By material number.
 };
 
-struct FrdNodes {
-    std::vector<int> ids;
-    std::vector<float> coordinates;  ///< x y z of each node.
-};
-
 /// Elements of one material and one .frd element type, which is 1 to 12.
 struct FrdElementGroup {
     std::vector<int> ids;
