@@ -19,7 +19,7 @@ struct Pair {
     int zrValue;
 };
 
-constexpr std::array kBlockTypes{
+constexpr std::array kPublicBlockTypes{
     Pair{Block::NODES, BLOCK_NODES},
     Pair{Block::ELEMENTS, BLOCK_ELEMENTS},
     Pair{Block::GEOMETRY, BLOCK_GEOMETRY},
@@ -31,6 +31,14 @@ constexpr std::array kBlockTypes{
     Pair{Block::STATE_INFO, BLOCK_STATE_INFO},
     Pair{Block::SET, BLOCK_SET},
     Pair{Block::INVALID_BLOCK, kInvalidBlockType}};
+
+constexpr bool hasAllPublicBlockTypes() {
+    return std::ranges::all_of(kBlockTypes, [](const ZRFxBlockTypeRecord& record) {
+        const auto pairs = std::ranges::count(kPublicBlockTypes, int{record.type}, &Pair::zrValue);
+        return pairs == (record.IsPublic() ? 1 : 0);
+    });
+}
+static_assert(hasAllPublicBlockTypes());
 
 constexpr std::array kElementTypes{Pair{ElementBlock::POINTS, ELEMENT_POINT},
                                    Pair{ElementBlock::BEAMS, ELEMENT_BEAM},
@@ -51,10 +59,18 @@ constexpr std::array kElementTypes{Pair{ElementBlock::POINTS, ELEMENT_POINT},
                                    Pair{ElementBlock::POLYHEDRONS, ELEMENT_POLYHEDRON},
                                    Pair{ElementBlock::UNKNOWN, ELEMENT_UNKNOWN}};
 
-constexpr std::array kResultTypes{
-    Pair{ResultBlock::UNDEFINED_TYPE, RESULT_NONE}, Pair{ResultBlock::SCALAR, RESULT_SCALAR},
-    Pair{ResultBlock::VECTOR, RESULT_VECTOR}, Pair{ResultBlock::DISPLACEMENT, RESULT_DISPLACEMENT},
-    Pair{ResultBlock::TENSOR, RESULT_TENSOR}};
+// The types that have a kind of values are public, under the numbers of their order.
+constexpr auto kPublicResultTypes = [] {
+    constexpr auto kCount = std::ranges::count_if(kResultTypes, &ZRFxResultTypeRecord::kind);
+    std::array<Pair, kCount> pairs{};
+    int number = 0;
+    for (const ZRFxResultTypeRecord& record : kResultTypes) {
+        if (!record.kind) continue;
+        pairs[static_cast<std::size_t>(number)] = {number, record.code};
+        ++number;
+    }
+    return pairs;
+}();
 
 constexpr std::array kMappings{Pair{ResultBlock::UNDEFINED_MAPPING, MAPPING_UNKNOWN},
                                Pair{ResultBlock::NODE_MAPPING, MAPPING_NODE},
@@ -111,16 +127,16 @@ bool ZRConvert::isFileName(const Str& name) {
 }
 
 int ZRConvert::fromBlockType(Block::BlockType type) {
-    return toZR(kBlockTypes, type, kInvalidBlockType,
+    return toZR(kPublicBlockTypes, type, kInvalidBlockType,
                 "Invalid type id %1 given (Block::BlockType).");
 }
 
 // Not every kind of block has a public class, so that none is no failure.
 Block::BlockType ZRConvert::toBlockType(int zrType) {
-    const auto found = std::find_if(kBlockTypes.begin(), kBlockTypes.end(),
+    const auto found = std::find_if(kPublicBlockTypes.begin(), kPublicBlockTypes.end(),
                                     [&](const Pair& pair) { return pair.zrValue == zrType; });
-    return found == kBlockTypes.end() ? Block::INVALID_BLOCK
-                                      : static_cast<Block::BlockType>(found->publicValue);
+    return found == kPublicBlockTypes.end() ? Block::INVALID_BLOCK
+                                            : static_cast<Block::BlockType>(found->publicValue);
 }
 
 int ZRConvert::fromElementType(ElementBlock::ElementType type) {
@@ -133,17 +149,17 @@ ElementBlock::ElementType ZRConvert::toElementType(int zrType) {
                     "Invalid type enum %1 given (ZRFEMElementType)");
 }
 
+bool ZRConvert::isResultType(ResultBlock::ResultType type) {
+    return std::ranges::count(kPublicResultTypes, int{type}, &Pair::publicValue) > 0;
+}
+
 int ZRConvert::fromResultType(ResultBlock::ResultType type) {
-    return toZR(kResultTypes, type, RESULT_SCALAR,
+    return toZR(kPublicResultTypes, type, RESULT_SCALAR,
                 "Invalid type id %1 given (ResultBlock::ResultType).");
 }
 
 ResultBlock::ResultType ZRConvert::toResultType(int zrType) {
-    if (zrType == RESULT_NONE) {
-        fail("Invalid type enum %1 given (ZRFEMResultType).", zrType);
-        return ResultBlock::SCALAR;
-    }
-    return toPublic(kResultTypes, zrType, ResultBlock::SCALAR,
+    return toPublic(kPublicResultTypes, zrType, ResultBlock::SCALAR,
                     "Invalid type enum %1 given (ZRFEMResultType).");
 }
 

@@ -25,8 +25,10 @@ public:
 
     static int fromBlockType(Block::BlockType type);  ///< the invalid block type
     static Block::BlockType toBlockType(int zrType);  ///< INVALID_BLOCK, without a message
-    static int fromElementType(ElementBlock::ElementType type);             ///< unknown
-    static ElementBlock::ElementType toElementType(int zrType);             ///< UNKNOWN
+    static int fromElementType(ElementBlock::ElementType type);  ///< unknown
+    static ElementBlock::ElementType toElementType(int zrType);  ///< UNKNOWN
+    /// Whether a result can be of this type, which UNDEFINED_TYPE is not.
+    static bool isResultType(ResultBlock::ResultType type);
     static int fromResultType(ResultBlock::ResultType type);                ///< scalar
     static ResultBlock::ResultType toResultType(int zrType);                ///< SCALAR
     static int fromResultMapping(ResultBlock::ResultMapping type);          ///< unknown

@@ -12,16 +12,7 @@
 #include "NuoZRFx/StateInfoBlock.h"
 #include "NuoZRFx/TransformationResultBlock.h"
 #include "NuoZRFx/TransformationResultValuesBlock.h"
-#include "blocks/mesh/ZRFxElementBlock.h"
-#include "blocks/mesh/ZRFxGeometryBlock.h"
-#include "blocks/mesh/ZRFxGeometryInfoBlock.h"
-#include "blocks/mesh/ZRFxNodeBlock.h"
-#include "blocks/results/ZRFxResultBlock.h"
-#include "blocks/results/ZRFxResultValuesBlock.h"
-#include "blocks/results/ZRFxStateInfoBlock.h"
-#include "blocks/results/ZRFxTransformationResultValuesBlock.h"
-#include "blocks/results/ZRFxTransformationResultsBlock.h"
-#include "blocks/sets/ZRFxSetBlock.h"
+#include "blocks/ZROZRFxBlocks.h"
 #include "nvf/Assert.h"
 
 namespace nuo::zrfx {
@@ -61,34 +52,43 @@ bool DatabasePrivate::refresh(const ZRFxArchiveChanges& changes) {
     return m_zrfxDatabase && m_zrfxDatabase->Refresh(changes);
 }
 
-PtrRef<Block> DatabasePrivate::wrap(ZRFxBlock* block) {
-    const int id = block->GetID();
-    switch (block->GetType()) {
-        case BLOCK_NODES:
-            return new NodeBlock(static_cast<ZRFxNodeBlock*>(block));
-        case BLOCK_ELEMENTS:
-            return new ElementBlock(static_cast<ZRFxElementBlock*>(block));
-        case BLOCK_GEOMETRY:
-            return new GeometryBlock(static_cast<ZRFxGeometryBlock*>(block), id);
-        case BLOCK_GEOMETRY_INFO:
-            return new GeometryInfoBlock(static_cast<ZRFxGeometryInfoBlock*>(block), id);
-        case BLOCK_RESULTS:
-            return new ResultBlock(static_cast<ZRFxResultBlock*>(block));
-        case BLOCK_RESULT_VALUES:
-            return new ResultValuesBlock(static_cast<ZRFxResultValuesBlock*>(block));
-        case BLOCK_TRANSFORMATION_RESULTS:
-            return new TransformationResultBlock(
-                static_cast<ZRFxTransformationResultsBlock*>(block));
-        case BLOCK_TRANSFORMATION_RESULT_VALUES:
-            return new TransformationResultValuesBlock(
-                static_cast<ZRFxTransformationResultValuesBlock*>(block));
-        case BLOCK_STATE_INFO:
-            return new StateInfoBlock(static_cast<ZRFxStateInfoBlock*>(block), id);
-        case BLOCK_SET:
-            return new SetBlock(static_cast<ZRFxSetBlock*>(block));
-        default:
-            return nullptr;
+// The public object of each class that has one.
+class DatabasePrivate::Wrapping {
+public:
+    static Block* wrap(ZRFxNodeBlock& block) { return new NodeBlock(&block); }
+    static Block* wrap(ZRFxElementBlock& block) { return new ElementBlock(&block); }
+    static Block* wrap(ZRFxGeometryBlock& block) {
+        return new GeometryBlock(&block, block.GetID());
     }
+    static Block* wrap(ZRFxGeometryInfoBlock& block) {
+        return new GeometryInfoBlock(&block, block.GetID());
+    }
+    static Block* wrap(ZRFxResultBlock& block) { return new ResultBlock(&block); }
+    static Block* wrap(ZRFxResultValuesBlock& block) { return new ResultValuesBlock(&block); }
+    static Block* wrap(ZRFxTransformationResultsBlock& block) {
+        return new TransformationResultBlock(&block);
+    }
+    static Block* wrap(ZRFxTransformationResultValuesBlock& block) {
+        return new TransformationResultValuesBlock(&block);
+    }
+    static Block* wrap(ZRFxStateInfoBlock& block) {
+        return new StateInfoBlock(&block, block.GetID());
+    }
+    static Block* wrap(ZRFxSetBlock& block) { return new SetBlock(&block); }
+};
+
+PtrRef<Block> DatabasePrivate::wrap(ZRFxBlock* block) {
+    return Visit(*block, []<typename BlockClass>(BlockClass& own) -> PtrRef<Block> {
+        constexpr bool kIsPublic = kBlockTypes[BlockClass::kType].IsPublic();
+        static_assert(
+            requires { Wrapping::wrap(own); } == kIsPublic,
+            "just the public types of the table are wrapped");
+        if constexpr (kIsPublic) {
+            return Wrapping::wrap(own);
+        } else {
+            return nullptr;
+        }
+    });
 }
 
 }  // namespace nuo::zrfx

@@ -37,6 +37,9 @@ public:
     bool m_isReadFromFile = false;
     bool m_isStateInfoBlockWritten = false;
     bool m_isGeometryBlockWritten = false;
+
+private:
+    class Wrapping;
 };
 
 }  // namespace nuo::zrfx

@@ -14,17 +14,14 @@ namespace {
 
 using unstruct::ZRFxResultBlock;
 
-bool isValidType(ResultBlock::ResultType type) {
-    return type >= ResultBlock::SCALAR && type <= ResultBlock::TENSOR;
-}
-
 bool isValidMapping(ResultBlock::ResultMapping mapping) {
     return mapping == ResultBlock::NODE_MAPPING || mapping == ResultBlock::ELEMENT_MAPPING ||
            mapping == ResultBlock::ELEMENT_NODE_MAPPING || mapping == ResultBlock::SURFACE_MAPPING;
 }
 
 void checkArguments(ResultBlock::ResultType type, ResultBlock::ResultMapping mapping) {
-    if (!isValidType(type)) fail("Invalid result type %1 supplied.", static_cast<int>(type));
+    if (!ZRConvert::isResultType(type))
+        fail("Invalid result type %1 supplied.", static_cast<int>(type));
     if (!isValidMapping(mapping)) {
         fail("Invalid result mapping type %1 supplied.", static_cast<int>(mapping));
     }
@@ -56,8 +53,9 @@ ResultBlock::ResultBlock(int blockId, ResultType resultType, ResultMapping resul
         auto made = std::make_unique<ResultBlockPrivate>();
         checkArguments(resultType, resultMapping);
         made->m_resultBlock = new ZRFxResultBlock(nullptr, blockId);
-        made->description().resultType =
-            isValidType(resultType) ? ZRConvert::fromResultType(resultType) : unstruct::RESULT_NONE;
+        made->description().resultType = ZRConvert::isResultType(resultType)
+                                             ? ZRConvert::fromResultType(resultType)
+                                             : unstruct::RESULT_NONE;
         made->description().resultMapping = isValidMapping(resultMapping)
                                                 ? ZRConvert::fromResultMapping(resultMapping)
                                                 : unstruct::MAPPING_UNKNOWN;

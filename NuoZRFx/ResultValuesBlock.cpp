@@ -17,9 +17,12 @@ using unstruct::ZRFxResultValuesBlock;
 using unstruct::ZRIntArray;
 using unstruct::ZRVec3fArray;
 
+static_assert(ResultValuesBlock::SCALAR1D == unstruct::kScalarKind.Dimension());
+static_assert(ResultValuesBlock::VECTOR3D == unstruct::kVectorKind.Dimension());
+static_assert(ResultValuesBlock::TENSOR6D == unstruct::kTensorKind.Dimension());
+
 bool isValidDimension(int dimension) {
-    return dimension == ResultValuesBlock::SCALAR1D || dimension == ResultValuesBlock::VECTOR3D ||
-           dimension == ResultValuesBlock::TENSOR6D;
+    return unstruct::ZRFxValueKindOf(dimension) != nullptr;
 }
 
 // Empty when there is no memory.

@@ -103,7 +103,7 @@ private:
         m_used.insert(withBackslashes(database.EntryName("Database-TOC.xml").Bytes()));
         CheckedDatabase checked(database, m_findings, m_caseIds);
         m_log.takeMessages();  // comes again when the blocks are read
-        for (const int type : checkOrder()) {
+        for (const int type : kStoredBlockTypes) {
             for (const int id : blockIds(database, type)) checkBlockOf(database, type, id, checked);
         }
         checkWhole(checked);

@@ -6,12 +6,12 @@
 #include <memory>
 #include <set>
 
-#include "BlockContent.h"
 #include "FileReader.h"
 #include "Progress.h"
 #include "PropertyJson.h"
 #include "Text.h"
 #include "ZRUndefined.h"
+#include "content/BlockGroup.h"
 
 namespace tools {
 namespace {

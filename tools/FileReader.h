@@ -47,6 +47,18 @@ private:
 /// The block of an entry with its data; null, with the library's messages, when it cannot be read.
 nvf::ref<unstruct::ZRFxBlock> readBlock(unstruct::ZRFxDatabase& database, int type, int id);
 
+/// The same as its class, which says the type.
+template <typename BlockClass>
+nvf::ref<BlockClass> readBlock(unstruct::ZRFxDatabase& database, int id) {
+    return static_cast<BlockClass*>(readBlock(database, BlockClass::kType, id).p());
+}
+
+/// The block of an entry, with nothing loaded, as its class; null when there is none.
+template <typename BlockClass>
+nvf::ref<BlockClass> openBlock(unstruct::ZRFxDatabase& database, int id) {
+    return static_cast<BlockClass*>(database.OpenBlock(BlockClass::kType, id).p());
+}
+
 /// The ids of the blocks of a type, in rising order.
 std::vector<int> blockIds(const unstruct::ZRFxDatabase& database, int type);
 

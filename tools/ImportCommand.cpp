@@ -14,8 +14,8 @@
 
 #include "NuoZRFx/ZRFxComponent.h"
 #include "Progress.h"
-#include "frd/FrdImport.h"
-#include "frd/FrdReader.h"
+#include "import/ImportFormats.h"
+#include "import/ImportWriter.h"
 
 namespace tools {
 namespace {
@@ -50,9 +50,9 @@ void catchInterrupts() {
     sigaction(SIGTERM, &action, nullptr);
 }
 
-FrdImport::Target targetOf(const ImportOptions& options) {
+ImportWriter::Target targetOf(const ImportOptions& options) {
     const std::filesystem::path input = options.input;
-    FrdImport::Target target;
+    ImportWriter::Target target;
     target.file = options.output;
     target.name = options.name.empty() ? input.stem().string() : options.name;
     target.description = "Imported from " + input.filename().string();
@@ -67,14 +67,17 @@ FrdImport::Target targetOf(const ImportOptions& options) {
 class ImportRun {
 public:
     ImportRun(const ImportOptions& options, ToolContext& context)
-        : m_options(options), m_context(context), m_import(targetOf(options)) {}
+        : m_options(options),
+          m_context(context),
+          m_reader(importFormatOf(options.input).makeReader()),
+          m_writer(targetOf(options)) {}
 
     int run();
 
 private:
     bool open();
     bool readNext();
-    bool addResult();
+    bool addValues();
     bool wait(Clock::duration needed);
     bool reopen();
     bool isStateFinished() const;
@@ -85,8 +88,8 @@ private:
 
     const ImportOptions& m_options;
     ToolContext& m_context;
-    FrdReader m_reader;
-    FrdImport m_import;
+    const std::unique_ptr<ImportReader> m_reader;
+    ImportWriter m_writer;
     std::unique_ptr<Progress> m_progress;
     Clock::time_point m_lastGrowth = Clock::now();
     std::uint64_t m_lastSize = 0;
@@ -107,7 +110,7 @@ int ImportRun::run() {
 }
 
 bool ImportRun::open() {
-    while (!m_reader.open(m_options.input)) {
+    while (!m_reader->open(m_options.input)) {
         if (!m_options.isFollowing || errno != ENOENT) {
             m_context.fail(m_options.input, std::strerror(errno));
             return false;
@@ -118,7 +121,7 @@ bool ImportRun::open() {
         }
         std::this_thread::sleep_for(kPoll);
     }
-    const std::uint64_t total = m_options.isFollowing ? 0 : m_reader.fileSize();
+    const std::uint64_t total = m_options.isFollowing ? 0 : m_reader->fileSize();
     m_progress = std::make_unique<Progress>("importing", Progress::Unit::BYTES, total);
     return true;
 }
@@ -126,56 +129,59 @@ bool ImportRun::open() {
 // False at the end, be it a good one or not.
 bool ImportRun::readNext() {
     const Clock::time_point begin = Clock::now();
-    const FrdReader::Event event = m_reader.next();
-    m_progress->setDone(m_reader.position());
+    const ImportReader::Event event = m_reader->next();
+    m_progress->setDone(m_reader->position());
     switch (event) {
-        case FrdReader::NODES:
-            return m_import.addNodes(m_reader.nodes()) || failImport();
-        case FrdReader::ELEMENTS:
-            return m_import.addElements(m_reader.elements()) || failImport();
-        case FrdReader::RESULT:
-            return addResult() || failImport();
-        case FrdReader::DAMAGE:
-            reportDamage(m_reader.damage());
-            return m_import.hasMesh();
-        case FrdReader::INCOMPLETE:
+        case ImportReader::NODES:
+            return m_writer.addNodes(m_reader->data().nodes) || failImport();
+        case ImportReader::ELEMENTS:
+            return m_writer.addElements(m_reader->data().elements) || failImport();
+        case ImportReader::RESULT:
+            return addValues() || failImport();
+        case ImportReader::DAMAGE:
+            reportDamage(m_reader->data().damage);
+            return m_writer.hasMesh();
+        case ImportReader::INCOMPLETE:
             if (m_options.isFollowing) return wait(Clock::now() - begin);
-            return reportDamage(m_reader.damage());
+            return reportDamage(m_reader->data().damage);
         default:
             return false;
     }
 }
 
-bool ImportRun::addResult() {
-    if (m_options.isFollowing && m_import.completesState(m_reader.result()) && !m_import.commit()) {
+bool ImportRun::addValues() {
+    ImportData& data = m_reader->data();
+    if (m_options.isFollowing && m_writer.completesState(data.values.state.id) &&
+        !m_writer.commit()) {
         return false;
     }
-    return m_import.addResult(m_reader.result(), m_reader.header());
+    return m_writer.addValues(data.values, data.header);
 }
 
 // Waits for more to be written. A block that is half there is read again, but not so often that
 // nothing else is done.
 bool ImportRun::wait(Clock::duration needed) {
-    if (m_reader.wasWrittenAnew(m_options.input)) return reopen();
-    if (m_reader.fileSize() != m_lastSize) m_lastGrowth = Clock::now();
-    m_lastSize = m_reader.fileSize();
-    if (isStateFinished() && !m_import.commit()) return failImport();
-    if (isOverdue()) return reportDamage(m_reader.damage() + ", and nothing more was written");
+    if (m_reader->wasWrittenAnew(m_options.input)) return reopen();
+    if (m_reader->fileSize() != m_lastSize) m_lastGrowth = Clock::now();
+    m_lastSize = m_reader->fileSize();
+    if (isStateFinished() && !m_writer.commit()) return failImport();
+    if (isOverdue())
+        return reportDamage(m_reader->data().damage + ", and nothing more was written");
     m_pause = std::max<Clock::duration>(kPoll, 4 * needed);
     return true;
 }
 
 // A solver may make its file more than once before it writes the first results.
 bool ImportRun::reopen() {
-    if (m_reader.position() > 0) return reportDamage("the file was written anew meanwhile");
-    return m_reader.open(m_options.input) || reportDamage(std::strerror(errno));
+    if (m_reader->position() > 0) return reportDamage("the file was written anew meanwhile");
+    return m_reader->open(m_options.input) || reportDamage(std::strerror(errno));
 }
 
 // When the next one has begun, or nothing more of it was written for a while.
 bool ImportRun::isStateFinished() const {
-    const FrdResult* next = m_reader.begunResult();
+    const int next = m_reader->begunState();
     const bool isSettled = Clock::now() - m_lastGrowth > kSettled;
-    return m_import.hasNews() && (isSettled || (next && m_import.completesState(*next)));
+    return m_writer.hasNews() && (isSettled || (next > 0 && m_writer.completesState(next)));
 }
 
 bool ImportRun::isOverdue() const {
@@ -186,9 +192,9 @@ bool ImportRun::isOverdue() const {
 bool ImportRun::failImport() {
     m_progress->finish();
     m_hasFailed = true;
-    const bool isOfInput = !m_import.inputError().empty();
+    const bool isOfInput = !m_writer.inputError().empty();
     m_context.fail(isOfInput ? m_options.input : m_options.output,
-                   isOfInput ? m_import.inputError() : m_import.outputError());
+                   isOfInput ? m_writer.inputError() : m_writer.outputError());
     return false;
 }
 
@@ -202,14 +208,16 @@ bool ImportRun::reportDamage(const std::string& damage) {
 }
 
 int ImportRun::finish() {
-    const bool isExplained = m_damageCount > 0 && !m_import.hasMesh();
+    const bool isExplained = m_damageCount > 0 && !m_writer.hasMesh();
     if (isExplained) return ToolContext::FAILURE;
-    if (!m_import.finish(m_reader.header())) {
+    if (!m_writer.finish(m_reader->data().header)) {
         failImport();
         return ToolContext::FAILURE;
     }
-    std::printf("%s: %s\n%s", m_options.output.c_str(), m_import.summary().c_str(),
-                m_import.notes().c_str());
+    std::printf("%s: %s\n", m_options.output.c_str(), m_writer.summary().c_str());
+    for (const auto& notes : {m_writer.notes(), m_reader->data().notes}) {
+        for (const std::string& note : notes) std::puts(note.c_str());
+    }
     return m_damageCount > 0 ? ToolContext::FAILURE : ToolContext::FINE;
 }
 
@@ -223,11 +231,34 @@ int runImport(const ImportOptions& options, ToolContext& context) {
         context.fail(options.output, "is the file to be imported");
         return ToolContext::WRONG_USAGE;
     }
+    if (options.isFollowing && !importFormatOf(options.input).canBeFollowed) {
+        context.fail(options.input, "files of this format cannot be followed");
+        return ToolContext::WRONG_USAGE;
+    }
     return ImportRun(options, context).run();
+}
+
+// "the results of CalculiX or ...".
+std::string contentsText() {
+    std::string text;
+    for (const ImportFormat& format : importFormats()) {
+        text += (text.empty() ? "" : " or ") + std::string(format.content);
+    }
+    return text;
+}
+
+std::string formatsText() {
+    std::string text = "\nFormats:\n";
+    for (const ImportFormat& format : importFormats()) {
+        text += std::string("  ") + format.extension + "  " + format.content + ": " +
+                format.limits + "\n";
+    }
+    return text;
 }
 
 constexpr const char* kExamples =
     "  zrfx import beam.frd beam.zrfx\n"
+    "  zrfx import mesh.msh mesh.zrfx\n"
     "  zrfx import beam.frd beam.zrfx --name \"Beam, load case 2\" --level 9\n"
     "  ccx beam & zrfx import --follow beam.frd beam.zrfx   # readable while the solver runs\n";
 
@@ -235,10 +266,11 @@ constexpr const char* kExamples =
 
 void addImportCommand(CLI::App& application, ToolContext& context) {
     auto options = std::make_shared<ImportOptions>();
-    CLI::App* command =
-        context.addCommand(application, "import", "Makes a ZRFx file of the results of CalculiX",
-                           kExamples, [options, &context] { return runImport(*options, context); });
-    command->add_option("RESULTS.frd", options->input, "Result file of CalculiX")->required();
+    CLI::App* command = context.addCommand(
+        application, "import", "Makes a ZRFx file of " + contentsText(), kExamples + formatsText(),
+        [options, &context] { return runImport(*options, context); });
+    command->add_option("FILE", options->input, "File to import; its extension says what it is")
+        ->required();
     command->add_option("OUT.zrfx", options->output, "File to make; an existing one is replaced")
         ->required();
     command->add_option("--name", options->name,

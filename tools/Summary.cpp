@@ -4,7 +4,6 @@
 #include <limits>
 #include <set>
 
-#include "BlockContent.h"
 #include "Text.h"
 #include "ZRUndefined.h"
 #include "blocks/mesh/ZRFxGeometryBlock.h"
@@ -15,6 +14,7 @@
 #include "blocks/results/ZRFxStateInfoBlock.h"
 #include "blocks/results/ZRFxTransformationResultsBlock.h"
 #include "blocks/sets/ZRFxSetBlock.h"
+#include "content/Content.h"
 #include "documents/ZRFxXml.h"
 #include "types/ZRFxElementType.h"
 
@@ -23,15 +23,15 @@ namespace {
 
 using namespace unstruct;
 
-// Calls `take` with each block of a type that can be read, with its data.
+// Calls `take` with each block of a class that can be read, with its data.
 template <typename BlockClass, typename Take>
-void forEachBlock(ZRFxDatabase& database, int type, bool* isComplete, Take take) {
-    for (const int id : blockIds(database, type)) {
-        const auto block = readBlock(database, type, id);
+void forEachBlock(ZRFxDatabase& database, bool* isComplete, Take take) {
+    for (const int id : blockIds(database, BlockClass::kType)) {
+        const auto block = readBlock<BlockClass>(database, id);
         if (block.isNull()) {
             *isComplete = false;
         } else {
-            take(static_cast<const BlockClass&>(*block));
+            take(*block);
         }
     }
 }
@@ -46,8 +46,7 @@ void summarizeBlocks(const ZRFxDatabase& database, DatabaseSummary& summary) {
 // Block documents tell how many nodes and elements there are.
 void summarizeGeometry(ZRFxDatabase& database, DatabaseSummary& summary) {
     for (const int id : blockIds(database, BLOCK_NODES)) {
-        const auto nodes = database.OpenBlock(BLOCK_NODES, id);
-        summary.nodes += static_cast<const ZRFxNodeBlock&>(*nodes).GetNumNodes();
+        summary.nodes += openBlock<ZRFxNodeBlock>(database, id)->GetNumNodes();
     }
     for (const int id : blockIds(database, BLOCK_ELEMENTS)) {
         nvf::XmlDocument document;
@@ -67,7 +66,7 @@ void summarizeGeometry(ZRFxDatabase& database, DatabaseSummary& summary) {
 
 void summarizeStates(ZRFxDatabase& database, DatabaseSummary& summary) {
     forEachBlock<ZRFxStateInfoBlock>(
-        database, BLOCK_STATE_INFO, &summary.isComplete, [&](const ZRFxStateInfoBlock& block) {
+        database, &summary.isComplete, [&](const ZRFxStateInfoBlock& block) {
             for (std::int64_t i = 0; i < block.GetStateCount(); ++i) {
                 const ZRFxStateInfo& state = *block.GetState(i);
                 summary.states.push_back({state.stateID, state.name.Bytes(), state.referenceValue,
@@ -87,9 +86,8 @@ void summarizeParts(ZRFxDatabase& database, DatabaseSummary& summary) {
             }
         }
     };
-    forEachBlock<ZRFxGeometryInfoBlock>(database, BLOCK_GEOMETRY_INFO, &summary.isComplete,
-                                        takeNames);
-    forEachBlock<ZRFxGeometryBlock>(database, BLOCK_GEOMETRY, &summary.isComplete,
+    forEachBlock<ZRFxGeometryInfoBlock>(database, &summary.isComplete, takeNames);
+    forEachBlock<ZRFxGeometryBlock>(database, &summary.isComplete,
                                     [&](const ZRFxGeometryBlock& block) {
                                         ZRFxGeometryInfoBlock legacy(&database, block.GetID());
                                         if (names.empty() && !block.HasGeometryCountPerState() &&
@@ -119,11 +117,11 @@ ValueRange rangeOf(ZRFxDatabase& database, const ZRFxResultBlock& block, bool* i
     ValueRange range;
     for (std::int64_t i = 0; i < block.GetStateCount(); ++i) {
         for (const int id : itemsOf(block.GetState(i)->m_aiValuesBlockIDs)) {
-            const auto values = readBlock(database, BLOCK_RESULT_VALUES, id);
+            const auto values = readBlock<ZRFxResultValuesBlock>(database, id);
             if (values.isNull()) {
                 *isComplete = false;
             } else {
-                range.take(realsOf(static_cast<const ZRFxResultValuesBlock&>(*values)).values);
+                range.take(realsOf(*values).values);
             }
         }
     }
@@ -136,26 +134,24 @@ std::size_t valuesBlockCount(const ZRFxDatabase& database) {
 
 void summarizeResults(ZRFxDatabase& database, bool withRanges, DatabaseSummary& summary) {
     Progress progress("reading results", Progress::Unit::STEPS, valuesBlockCount(database));
-    forEachBlock<ZRFxResultBlock>(
-        database, BLOCK_RESULTS, &summary.isComplete, [&](const ZRFxResultBlock& block) {
-            const ZRFxResultDescription& result = block.GetDescription();
-            summary.results.push_back({block.GetID(),
-                                       result.resultID,
-                                       result.name.Bytes(),
-                                       ResultTypeName(result.resultType).Bytes(),
-                                       ResultMappingName(result.resultMapping).Bytes(),
-                                       stateIds(block),
-                                       {}});
-            if (withRanges) {
-                summary.results.back().range = rangeOf(database, block, &summary.isComplete);
-                for (std::int64_t i = 0; i < block.GetStateCount(); ++i) {
-                    progress.advance(block.GetState(i)->m_aiValuesBlockIDs.GetSize());
-                }
+    forEachBlock<ZRFxResultBlock>(database, &summary.isComplete, [&](const ZRFxResultBlock& block) {
+        const ZRFxResultDescription& result = block.GetDescription();
+        summary.results.push_back({block.GetID(),
+                                   result.resultID,
+                                   result.name.Bytes(),
+                                   ResultTypeName(result.resultType).Bytes(),
+                                   ResultMappingName(result.resultMapping).Bytes(),
+                                   stateIds(block),
+                                   {}});
+        if (withRanges) {
+            summary.results.back().range = rangeOf(database, block, &summary.isComplete);
+            for (std::int64_t i = 0; i < block.GetStateCount(); ++i) {
+                progress.advance(block.GetState(i)->m_aiValuesBlockIDs.GetSize());
             }
-        });
+        }
+    });
     forEachBlock<ZRFxTransformationResultsBlock>(
-        database, BLOCK_TRANSFORMATION_RESULTS, &summary.isComplete,
-        [&](const ZRFxTransformationResultsBlock& block) {
+        database, &summary.isComplete, [&](const ZRFxTransformationResultsBlock& block) {
             summary.transformations.push_back(
                 {block.GetID(), block.GetResultID(), block.GetName().Bytes(), stateIds(block)});
         });
@@ -163,13 +159,12 @@ void summarizeResults(ZRFxDatabase& database, bool withRanges, DatabaseSummary& 
 
 void summarizeSets(ZRFxDatabase& database, DatabaseSummary& summary) {
     for (const int id : blockIds(database, BLOCK_SET)) {
-        const auto block = database.OpenBlock(BLOCK_SET, id);
-        if (!block->ReadMetaData()) {
+        const auto set = openBlock<ZRFxSetBlock>(database, id);
+        if (!set->ReadMetaData()) {
             summary.isComplete = false;
             continue;
         }
-        const auto& set = static_cast<const ZRFxSetBlock&>(*block);
-        summary.sets.push_back({set.GetSetID(), set.GetName().Bytes(), set.GetTotalNumItems()});
+        summary.sets.push_back({set->GetSetID(), set->GetName().Bytes(), set->GetTotalNumItems()});
     }
 }
 

@@ -27,7 +27,7 @@ bool hasDataExtension(const ZRString& name) {
     return isTextEntry(name) || name.Extension().ToUpper() == ".DAT";
 }
 
-// What a message shows of a line: enough to find it.
+// The part of a line that messages show: enough to find it.
 ZRString startOf(std::string_view line) {
     return ZRString(line.substr(0, 40));
 }
@@ -225,7 +225,7 @@ ZRString ZRFxDataFolder::EntryToRead(const ZRString& name) const {
     return m_pAccess->Contains(second) ? second : first;
 }
 
-// `appendLine` appends the line that begins with an item and tells how many items it took.
+// `appendLine` appends the line that begins with an item and returns how many items it took.
 template <typename Item, typename AppendLine>
 bool ZRFxDataFolder::WriteItems(const ZRString& name, const ZRArray<Item>& data,
                                 WriteBinary<Item> writeBinary, const WriteMessages& messages,

@@ -11,10 +11,11 @@ namespace unstruct {
 class ZRFxAccess;
 
 /// The data files of one folder of the archive, in binary or text form. Names are base names,
-/// without folder and extension. Writing does not replace a file, unless told to. Reading finds a
-/// file in either form, takes a name with extension as it stands, and fails, with the array empty,
-/// when it does not hold the number of items that is expected. Every operation that fails logs why
-/// and gives false. Uses an archive that its owner keeps open. Used by one thread at a time.
+/// without folder and extension. Writing replaces a file only while SetReplacing is on. Reading
+/// finds a file in either form, takes a name with extension as it stands, and fails, with the array
+/// empty, when it does not hold the number of items that is expected. Every operation that fails
+/// logs why and gives false. Uses an archive that its owner keeps open. Used by one thread at a
+/// time.
 class ZRFxDataFolder {
 public:
     /// The most integers that a line of a text data file takes.

@@ -15,7 +15,7 @@ public:
     /// REQUIRES: the archive outlives this.
     explicit ZRFxDenseDocuments(ZRFxZipArchive& archive) : m_archive(archive) {}
 
-    /// Another archive is open.
+    /// To be called when another archive is opened.
     void Forget() { m_total.reset(); }
 
     /// The length of a dense document; 0 of any other entry.

@@ -29,7 +29,7 @@ bool HasExtension(std::string_view name, std::string_view extension);
 /// by another program may have slashes instead. Used by one thread at a time.
 class ZRFxEntryNames {
 public:
-    /// A name lies in no more folders than these; what else it tells of folders does not count.
+    /// The most folders that a name is seen to lie in; separators that follow do not count.
     static constexpr std::size_t kMostFolders = 1000;
 
     /// REQUIRES: the archive outlives this.

@@ -12,7 +12,7 @@ namespace {
 constexpr std::string_view kItemStart = "\n <";
 constexpr std::string_view kEmptyEnd = " />";
 
-int CountChildren(const nvf::XmlElement& element) {
+int countChildren(const nvf::XmlElement& element) {
     int count = 0;
     for (nvf::XmlElement child = element.firstChildElement(); child.notNull();
          child = child.nextSiblingElement()) {
@@ -22,7 +22,7 @@ int CountChildren(const nvf::XmlElement& element) {
 }
 
 // The end of a root without elements is written as that of others.
-void SeparateRootEnd(const nvf::XmlElement& root, std::string* pText) {
+void separateRootEnd(const nvf::XmlElement& root, std::string* pText) {
     if (!pText->ends_with(std::string(kEmptyEnd) + "\n")) return;
     pText->replace(
         pText->size() - kEmptyEnd.size() - 1, kEmptyEnd.size(),
@@ -66,12 +66,12 @@ bool ZRFxListDocument::Store(ZRFxAccess* pAccess, const ZRString& name,
     return true;
 }
 
-// Whether what stands in front of the items is as it was stored.
+// Whether the head is as it was stored.
 bool ZRFxListDocument::HasHead(const ZRFxListContent& content) const {
     nvf::XmlDocument doc;
     const nvf::XmlElement root = content.WriteHead(&doc);
     std::string text = doc.toUtf8();
-    SeparateRootEnd(root, &text);
+    separateRootEnd(root, &text);
     return text.compare(0, text.rfind(kRootEnd), m_sHead) == 0;
 }
 
@@ -81,10 +81,10 @@ bool ZRFxListDocument::MakeText(ZRFxAccess* pAccess, const ZRString& name,
                                 std::string* pText, std::vector<std::uint64_t>* pStarts) {
     nvf::XmlDocument doc;
     const nvf::XmlElement root = content.WriteHead(&doc);
-    int numBefore = CountChildren(root);
+    int numBefore = countChildren(root);
     for (std::int64_t i = iFrom; i < content.GetItemCount(); ++i) content.WriteItem(root, i);
     if (!pAccess->MakeDocumentText(name, doc, pText)) return false;
-    SeparateRootEnd(root, pText);
+    separateRootEnd(root, pText);
     for (std::size_t at = pText->find(kItemStart); at != std::string::npos;
          at = pText->find(kItemStart, at + 1)) {
         if ((*pText)[at + kItemStart.size()] == '/') continue;

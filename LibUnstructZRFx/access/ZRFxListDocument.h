@@ -12,26 +12,27 @@ namespace unstruct {
 
 class ZRFxAccess;
 
-/// What a document lists: some attributes and elements in front, then items, one element each.
+/// The contents of a list document: some attributes and elements as a head, then items, one element
+/// each.
 class ZRFxListContent {
 public:
     virtual ~ZRFxListContent() = default;
 
-    /// Makes the root, with what stands in front of the items.
+    /// Makes the root with the head.
     virtual nvf::XmlElement WriteHead(nvf::XmlDocument* pDoc) const = 0;
     virtual void WriteItem(nvf::XmlElement root, std::int64_t index) const = 0;
     virtual std::int64_t GetItemCount() const = 0;
 };
 
-/// A document that mostly grows at its end. Storing it again makes only the items that are new, or
-/// have changed, and those after them; what the archive has is kept up to there. Remembers a number
-/// an item for that. Used by one thread at a time.
+/// A document that mostly grows at its end. Storing it again writes only from the first item on
+/// that is new or has changed; the archive keeps what comes before. Remembers one number per item
+/// for that. Used by one thread at a time.
 class ZRFxListDocument {
 public:
-    /// What follows the last item.
+    /// The text that follows the last item, up to the name of the root.
     static constexpr std::string_view kRootEnd = "\n</";
 
-    /// The item is another one than when it was stored.
+    /// Notes that an item has changed since it was stored.
     void Touch(std::int64_t index);
 
     /// Stores the document in place of the entry of that name. False, with a message, when that

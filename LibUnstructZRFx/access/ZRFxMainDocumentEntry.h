@@ -18,7 +18,7 @@ public:
     /// REQUIRES: the access outlives this.
     explicit ZRFxMainDocumentEntry(ZRFxAccess& access);
 
-    /// The entry is another one than when it was read.
+    /// To be called when the entry may have changed.
     void Forget() { m_document.reset(); }
 
     /// Reads the entry. REQUIRES: the document is held by a reference.

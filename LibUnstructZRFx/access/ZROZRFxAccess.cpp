@@ -431,7 +431,7 @@ bool ZRFxAccess::CheckReadable(const ZRString& name, LogMode logMode) const {
     return false;
 }
 
-// Replacing takes the place of the entry under slashes too, and keeps what was there when it fails.
+// Replaces an entry under slashes too. When that fails, what was there stays.
 bool ZRFxAccess::Store(const ZRString& name, const void* data, std::size_t numBytes,
                        bool overwrite) {
     Forget();
@@ -444,8 +444,8 @@ bool ZRFxAccess::Store(const ZRString& name, const void* data, std::size_t numBy
     return slashed == name.Bytes() || !m_pArchive->Contains(slashed) || m_pArchive->Remove(slashed);
 }
 
-// Where there are more dense documents than are read from any file, the next ones are stored
-// unpacked, so that the file has the length that reading them asks for.
+// Once there are more dense documents than are read from any file, further ones are stored
+// unpacked, so that the file is long enough for all of them to be read.
 bool ZRFxAccess::StoreDocument(const ZRString& name, const std::string& text, bool overwrite) {
     if (!Store(name, text.data(), text.size(), overwrite)) return false;
     if (m_denseDocuments.LengthOf(name.Bytes()) == 0 ||
@@ -481,13 +481,13 @@ bool ZRFxAccess::ReadItems(const ZRString& name, ZRArray<Item>* data) {
     return true;
 }
 
-// What was found holds as long as the entries do.
+// To be called when entries change.
 void ZRFxAccess::Forget() {
     m_mainDocument.Forget();
     m_names.Forget();
 }
 
-// The archive tells why in its own words, before the message of the operation.
+// Logs the cause as the archive puts it, then the message of the operation.
 bool ZRFxAccess::FailWithCause(nvf::LocatedText message, const ZRString& name) {
     m_logger->failBecause(m_pArchive->LastReason(), {"%1", message.where}, m_pArchive->LastError());
     return m_logger->fail(message, name);

@@ -26,7 +26,7 @@ namespace unstruct {
 /// Whether a missing entry is an error or an answer.
 enum class LogMode { LOG, SILENT };
 
-/// How an archive was made, as far as its entries show it.
+/// How an archive was made, as far as its entries show.
 struct ZRFxArchiveInfo {
     bool compressed = false;
     bool encrypted = false;
@@ -45,8 +45,8 @@ inline constexpr const char* kUserDataFolder = "UserData";
 /// not committed, with a warning. Used by one thread at a time.
 class ZRFxAccess {
 public:
-    /// While it lives, what the access reads counts as one operation, which is bounded as
-    /// ZRFxReadBounds tells. Null is allowed, and bounds nothing.
+    /// While it lives, all that the access reads counts as one operation, within ZRFxReadBounds. A
+    /// null access is allowed, and bounds nothing.
     class BoundedReading {
     public:
         explicit BoundedReading(ZRFxAccess* access);
@@ -70,7 +70,7 @@ public:
     /// Opens or creates an archive file. Another archive must not be open.
     bool Open(const ZRString& name, ZRZipAccessMode mode);
 
-    /// The same on an archive in memory, which must outlive the opening.
+    /// The same for an archive in memory, which must outlive the opening.
     bool Open(ZRFxZipMemFile* memFile, ZRZipAccessMode mode);
 
     /// Brings all that was written so far into the file at once, durable and visible to new
@@ -89,8 +89,8 @@ public:
     /// Closes without committing what was written since the last commit.
     void Abandon();
 
-    /// Of an archive opened for reading, takes over what was committed since. Takes time with what
-    /// is new.
+    /// Takes over what was committed since an archive was opened for reading, or refreshed last.
+    /// The time it takes grows with what is new.
     bool Refresh(ZRFxArchiveChanges* changes);
 
     bool IsOpen() const { return m_pArchive->IsOpen(); }
@@ -108,7 +108,7 @@ public:
     void SetCompression(int level, int smartness, std::uint32_t bufferSize,
                         std::uint32_t fileBufferSize);
 
-    /// With it, writing a data file replaces the one of that name.
+    /// Whether writing a data file replaces the one of that name.
     void SetAlwaysOverwrite(bool alwaysOverwrite) { m_alwaysOverwrite = alwaysOverwrite; }
 
     /// Encrypts what is written from now on, and decrypts what is read, with WinZip AES-256.
@@ -166,24 +166,24 @@ public:
 
     // Documents.
 
-    /// Whatever it holds, the document can be read again within ZRFxReadBounds.
+    /// Stores a document so that it can be read within ZRFxReadBounds, whatever it holds.
     bool WriteXmlFile(const ZRString& name, const nvf::XmlDocument& doc, bool overwrite);
     bool InternalReadXmlFile(const ZRString& name, LogMode logMode, nvf::XmlDocument* doc);
 
-    /// The text that a document is stored as under a name. In the place of characters that XML
-    /// cannot hold stands U+FFFD, with a warning. False, with a message, when memory was missing
-    /// for the document.
+    /// The text as which a document is stored; messages call it by the name. U+FFFD replaces
+    /// characters that XML cannot hold, with a warning. False, with a message, when memory ran out
+    /// while the document was built.
     bool MakeDocumentText(const ZRString& name, const nvf::XmlDocument& doc, std::string* text);
 
-    /// Changes a document from its byte `kept` on, as a text that its writer keeps well formed, and
-    /// gives the number of this revision. With 0 the document is made, or replaced as a whole.
+    /// Replaces the text of a document from byte `kept` on, and gives the number of this revision.
+    /// The caller keeps the text well formed. With 0 the document is made, or replaced as a whole.
     bool GrowDocument(const ZRString& name, std::uint64_t kept, std::string_view tail,
                       std::uint64_t* revision);
 
     /// The revision of a document that nothing but GrowDocument has changed since; 0 otherwise.
     std::uint64_t DocumentRevision(const ZRString& name) const;
 
-    /// The text of a document from a byte on; empty where it is shorter.
+    /// The text of a document from a byte on; empty when it is shorter.
     bool ReadDocumentTail(const ZRString& name, std::uint64_t from, std::string* tail);
     bool WriteProperties(const ZRString& fileName, const nvf::PropertySetCollection& collection);
     bool ReadProperties(const ZRString& fileName, nvf::PropertySetCollection* collection);
@@ -218,9 +218,9 @@ public:
 
     // Entries.
 
-    /// Index of an entry; -1 when absent, which is logged on demand.
+    /// Index of an entry; -1 when absent, which is logged unless SILENT.
     std::int32_t InternalFindFile(const ZRString& name, LogMode logMode);
-    /// Whether there is such an entry; says nothing.
+    /// Whether there is such an entry. Logs nothing.
     bool Contains(const ZRString& name) const;
 
     /// Removes an entry; one that is not there is no failure.
@@ -233,7 +233,7 @@ public:
     bool FindFilesOfBase(const ZRString& base, ZRStringArray* names);
     bool FindSubFolders(const ZRString& folder, bool descend, ZRStringArray* names);
 
-    /// What the entries tell of how the archive was made.
+    /// Finds from the entries how the archive was made.
     bool GetArchiveInfo(ZRFxArchiveInfo* info);
 
 private:

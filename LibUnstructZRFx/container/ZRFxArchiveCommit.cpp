@@ -13,11 +13,11 @@ using Place = ZRFxArchiveItem::Place;
 constexpr uint64_t kMiB = uint64_t{1} << 20;
 // An ordinary archive is written when this many times as much was appended as it costs: 2.5 %.
 constexpr uint64_t kArchiveShare = 40;
-// So much may be left behind by archives in any case, so that small files are ordinary ones.
+// Ordinary archives may leave this many bytes unused in any case, so that small files are ordinary.
 constexpr uint64_t kFreeArchives = 16 * 1024;
 constexpr uint64_t kMostLeftShare = 8;
 constexpr uint64_t kMostLeftInRun = 16 * kMiB;
-// How much shorter a document gets that has not been packed yet, as documents go.
+// By this factor documents shrink when they are packed, as a rule.
 constexpr uint64_t kUsualPacking = 10;
 constexpr size_t kCopySize = size_t{1} << 20;
 
@@ -82,7 +82,7 @@ bool ZRFxArchiveCommit::IsArchiveDue() const {
            m_archive.bytes.nLeft + nCost <= kFreeArchives;
 }
 
-// Behind a record the file does not end as an archive, so the walk must be able to find it.
+// A file that ends with a record does not end as an archive, so the walk must be able to find it.
 bool ZRFxArchiveCommit::IsFollowed() {
     if (!m_archive.last.bFollowed) {
         const ZRFxArchiveWalk walk(m_pTarget, m_pCodec);
@@ -91,7 +91,7 @@ bool ZRFxArchiveCommit::IsFollowed() {
     return m_archive.last.bFollowed;
 }
 
-// What the documents take as entries, about.
+// Roughly what the documents take as entries.
 uint64_t ZRFxArchiveCommit::DocumentBytes() const {
     uint64_t nBytes = m_archive.bytes.nPending;
     for (const auto& pText : m_archive.apTexts) {
@@ -100,7 +100,7 @@ uint64_t ZRFxArchiveCommit::DocumentBytes() const {
     return nBytes;
 }
 
-// What an ordinary archive leaves behind of the documents: their entries of before.
+// What is no longer used once the documents are stored as entries: their entries from before.
 uint64_t ZRFxArchiveCommit::OutgrownBytes() const {
     uint64_t nBytes = 0;
     for (const auto& pText : m_archive.apTexts) {
@@ -248,7 +248,7 @@ bool ZRFxArchiveCommit::WriteDirectory() {
     const bool bAnew = m_pTarget != m_archive.pStorage.get();
     const uint64_t nStart = m_pTarget->Position();
     uint64_t nEntries = m_aPlaced.size();
-    const auto write = [&](const std::string& s) { return m_pTarget->Write(s.data(), s.size()); };
+    const auto write = [&](std::string_view s) { return m_pTarget->Write(s.data(), s.size()); };
     bool bWritten = true;
     for (size_t i = 0; !bAnew && i < m_archive.table.SlotCount(); ++i) {
         const ZRFxArchiveItem* pItem = m_archive.table.At(i);
@@ -269,7 +269,7 @@ bool ZRFxArchiveCommit::End(ZRFxCommitResult* pResult) {
     return *pResult != ZRFxCommitResult::kFailed || Fail(m_pTarget->Error());
 }
 
-// From here on nothing is allocated, so that it cannot fail.
+// From here on no memory is taken, so that nothing can fail.
 void ZRFxArchiveCommit::ApplyPlaced() {
     for (Placed& placed : m_aPlaced) {
         ZRFxArchiveItem& item = *placed.pItem;
@@ -282,7 +282,7 @@ void ZRFxArchiveCommit::ApplyPlaced() {
     }
 }
 
-// The library of foreign entries finds them by their place in the directory.
+// The library that reads foreign entries finds them by their index in the directory.
 void ZRFxArchiveCommit::ApplyArchive() {
     const bool bAnew = m_aPlaced.size() == m_archive.table.SlotCount();
     uint64_t nIndex = 0;

@@ -13,12 +13,12 @@
 namespace unstruct {
 
 /// One commit of an open archive, in one of three forms:
-/// - a record behind the new entries, which costs what is new;
+/// - a record after the new entries, at the cost of what is new;
 /// - an ordinary archive: documents that have grown as entries, the whole directory and its end.
-///   This happens when an archive is closed, and whenever what it costs is small beside what was
+///   This happens when an archive is closed, and whenever it costs little compared to what was
 ///   appended since the last time;
-/// - an archive written anew in place of the file, when what was left behind passes an eighth of it
-///   on closing, or half of it during a run.
+/// - an archive written anew in place of the file, when more than an eighth of it is no longer
+///   used on closing, or more than half of it during a run.
 /// A commit that fails leaves the archive as it was, to be committed again.
 class ZRFxArchiveCommit {
 public:

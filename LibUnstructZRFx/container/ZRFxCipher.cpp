@@ -164,7 +164,7 @@ struct ZRFxCipher::Engine {
     }
 };
 
-// Encryption key, authentication key and verifier, one behind the other.
+// Encryption key, authentication key and verifier, one after the other.
 struct ZRFxCipher::Keys {
     uint8_t aBytes[4 * kDigestSize] = {};
     size_t nKeySize = 0;
@@ -216,7 +216,7 @@ ZRFxCipher::Result ZRFxCipher::Decrypt(Strength eStrength, const uint8_t* pEntry
     const size_t nSaltSize = SaltSize(eStrength);
     const size_t nDataSize = nEntrySize - Overhead(eStrength);
     const uint8_t* pPacked = pEntry + nSaltSize + 2;
-    // pData may lie over the entry, but not over the code behind its data.
+    // pData may lie over the entry, but not over the code that follows its data.
     const uint8_t* pCode = pPacked + nDataSize;
     Keys keys;
     if (!Prepare()) return Result::kFailed;

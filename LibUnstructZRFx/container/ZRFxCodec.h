@@ -20,18 +20,18 @@ public:
 
     static constexpr int kDefaultLevel = 6;
 
-    /// Compresses pData into pPacked and returns the packed size, or 0 when it does not fit
-    /// nCapacity; a capacity below nSize thus finds in the one pass that nothing was gained.
+    /// Compresses pData into pPacked. *pPackedSize becomes the packed size, or 0 when that exceeds
+    /// nCapacity; with a capacity below nSize, one pass thus tells whether anything is gained.
     /// REQUIRES: 1 <= nLevel <= 9. False only when there is no memory.
     bool Deflate(int nLevel, const void* pData, size_t nSize, void* pPacked, size_t nCapacity,
                  size_t* pPackedSize);
 
     /// Inflates into exactly nSize bytes; false on damaged data, on any other size, and when packed
-    /// bytes are left over. Throws std::bad_alloc when there is no memory to do it, so that it is
-    /// not taken for a damage.
+    /// bytes are left over. Throws std::bad_alloc when there is no memory, which must not pass
+    /// for damage.
     bool Inflate(const void* pPacked, size_t nPackedSize, void* pData, size_t nSize);
 
-    /// Whether deflate can expand nPackedSize bytes to nSize; what it cannot is not worth a buffer.
+    /// Whether nPackedSize bytes of deflated data can expand to nSize.
     static bool IsReachable(uint64_t nPackedSize, uint64_t nSize);
 
     /// Continues nCrc over the data; starts at 0.

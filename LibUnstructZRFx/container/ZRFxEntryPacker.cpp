@@ -8,7 +8,7 @@ namespace {
 // Below this length, a checksum beside encrypted data would tell too much of it. Other programs
 // draw the line here too, and some take no encrypted data of more without a checksum.
 constexpr uint64_t kSmallestWithCrc = 20;
-// Large stored entries begin this far behind a multiple of that number: the system copies twice as
+// Large stored entries begin this far after a multiple of that number: the system copies twice as
 // fast between places of equal alignment.
 constexpr uint64_t kAlignment = 64;
 constexpr uint64_t kArrayStart = 16;

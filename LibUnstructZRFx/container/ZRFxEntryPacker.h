@@ -34,7 +34,7 @@ public:
     bool Write(const ZRFxZipEntry& entry, std::time_t nTime, const uint8_t* pPacked,
                ZRFxZipStorage* pStorage);
 
-    /// Gives the memory back that packing has taken.
+    /// Frees the memory that packing has taken.
     void Clear() { m_scratch.Clear(); }
     const ZRFxCause& Error() const { return m_cause; }
 

@@ -56,7 +56,7 @@ bool ZRFxEntryReader::FindEnd(const ZRFxZipEntry& entry, uint64_t nLimit, uint64
     if (!LocateData(entry, &nData)) return false;
     const uint64_t nDataEnd = nData + entry.nPackedSize;
     if (nDataEnd > nLimit) return Fail("the entry reaches too far");
-    // A descriptor may stand behind the data.
+    // A descriptor may follow the data.
     std::string sBytes(static_cast<size_t>(std::min<uint64_t>(ZRFxZipDirectory::kMaxDescriptorSize,
                                                               nLimit - nDataEnd)),
                        '\0');
@@ -65,7 +65,7 @@ bool ZRFxEntryReader::FindEnd(const ZRFxZipEntry& entry, uint64_t nLimit, uint64
     return *pEnd <= nLimit || Fail("the entry reaches too far");
 }
 
-// Nothing is allocated for a size that the packed bytes cannot give.
+// No memory is taken for a size that the packed bytes cannot have.
 bool ZRFxEntryReader::CheckDeclared(const ZRFxZipEntry& entry) {
     uint64_t nPacked = entry.nPackedSize;
     if (entry.eEncryption == ZRFxZipEntry::Encryption::kAes) {
@@ -182,8 +182,8 @@ bool ZRFxEntryReader::ReadForeign(const ZRFxArchiveItem& item, ZRFxZipRawData* p
            Fail(m_library.Error());
 }
 
-// The library takes the missing CRC of authenticated entries for a damage, so it gets the decrypted
-// data as an archive of this one entry.
+// The library takes the missing CRC of authenticated entries for damage, so it is given the
+// decrypted data as an archive of this one entry.
 bool ZRFxEntryReader::ReadForeignAes(const ZRFxZipEntry& entry, ZRFxZipRawData* pRaw) {
     const uint8_t* pPacked = nullptr;
     if (!CheckAes(entry) || !FetchPacked(entry, &pPacked)) return false;

@@ -23,14 +23,14 @@ public:
     ZRFxEntryReader(ZRFxCodec* pCodec, ZRFxCipher* pCipher)
         : m_pCodec(pCodec), m_pCipher(pCipher) {}
 
-    /// Reads from that storage, whose ordinary archive ends at nArchiveEnd, from now on. Needed
-    /// anew when either has changed. REQUIRES: the storage outlives the reader, or `Close`.
+    /// Reads from that storage, whose ordinary archive ends at nArchiveEnd, from now on. To be
+    /// called again when either has changed. REQUIRES: the storage outlives the reader, or `Close`.
     void Open(ZRFxZipStorage* pStorage, uint64_t nArchiveEnd);
     void Close();
 
     /// The data of an item that is in the file or pending.
     bool Read(const ZRFxArchiveItem& item, ZRFxZipRawData* pRaw);
-    /// Where the entry ends: behind its data and, when there is one, the descriptor.
+    /// Where the entry ends: after its data and, when there is one, the descriptor.
     bool FindEnd(const ZRFxZipEntry& entry, uint64_t nLimit, uint64_t* pEnd);
 
     const ZRFxCause& Error() const { return m_cause; }

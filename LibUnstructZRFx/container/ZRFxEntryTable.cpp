@@ -14,7 +14,8 @@ ZRFxArchiveItem* ZRFxEntryTable::Add(std::unique_ptr<Item> pItem) {
     m_apItems.emplace_back();
     ++m_nGaps;
     m_byName.Insert(pItem.get());
-    m_bHasSlashes = m_bHasSlashes || pItem->entry.sName.find('/') != std::string::npos;
+    m_bHasSlashes =
+        m_bHasSlashes || std::string_view(pItem->entry.sName).find('/') != std::string_view::npos;
     pItem->nSlot = m_apItems.size() - 1;
     m_apItems.back() = std::move(pItem);
     --m_nGaps;

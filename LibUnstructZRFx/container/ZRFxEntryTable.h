@@ -22,11 +22,11 @@ struct ZRFxGrowingText {
     ZRFxCause cause;          ///< Why the text cannot be had, if it cannot.
     uint64_t nLength = 0;     ///< Of the text, also before it is loaded.
     uint64_t nUnchanged = 0;  ///< What the last commit has of it.
-    uint64_t nRevision = 0;   ///< Another one with each change, in all archives of the process.
+    uint64_t nRevision = 0;   ///< Changes with each change, and is never used twice in the process.
     int nLevel = -1;          ///< At which it is packed when it becomes an entry.
     bool bLoaded = false;
     bool bChanged = false;  ///< Since the last commit.
-    bool bDropped = false;  ///< The document is gone, or is an entry of its own again.
+    bool bDropped = false;  ///< The document was removed, or replaced by an entry.
 };
 
 /// One entry of an open archive.
@@ -51,13 +51,16 @@ struct ZRFxArchiveItem {
     uint64_t Span() const;
 };
 
-/// The entries of an open archive, by name and in the order in which they were added. What an
-/// operation takes does not grow with the table.
+/// The entries of an open archive, by name and in the order in which they were added. The time of
+/// finding, adding and removing does not grow with the table.
 class ZRFxEntryTable {
 public:
     using Item = ZRFxArchiveItem;
 
     Item* Find(std::string_view sName) const { return m_byName.Find(sName); }
+    /// Speeds up a Find or Add of the name that follows soon: in a large table, either mostly waits
+    /// for memory.
+    void Prefetch(std::string_view sName) const { m_byName.Prefetch(sName); }
     /// Lets the next Add do without memory.
     void MakeRoom();
     /// REQUIRES: there is no item of its name.

@@ -26,13 +26,13 @@ public:
     explicit ZRFxLastCommit(ZRFxCodec* pCodec) : m_pCodec(pCodec) {}
 
     bool Load(ZRFxZipStorage* pStorage) { return LoadSince(pStorage, nullptr); }
-    /// Reads only what was committed since a known state, where the last one builds on it; *pSince
-    /// says whether it does. False, with the cause in Error, when there is no archive.
+    /// Reads only what was committed since a known state, if the last one builds on it, which
+    /// IsSince tells. False, with the cause in Error, when there is no archive.
     bool LoadSince(ZRFxZipStorage* pStorage, const ZRFxCommitPlace* pKnown);
     bool IsSince() const { return m_bSince; }
 
     const ZRFxCommitPlace& Place() const { return m_place; }
-    /// Of the ordinary archive, and behind them those of the records; unless IsSince.
+    /// That of the ordinary archive; unread when IsSince.
     ZRFxZipDirectory directory;
     /// In the order of their commits.
     std::vector<ZRFxCommitRecord> aRecords;

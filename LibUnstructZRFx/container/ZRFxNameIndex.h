@@ -27,6 +27,11 @@ public:
         return nullptr;
     }
 
+    /// Has the memory fetched that a Find or Insert of the name needs soon.
+    void Prefetch(std::string_view sName) const {
+        if (!m_aSlots.empty()) __builtin_prefetch(&m_aSlots[Hash(sName) & Mask()]);
+    }
+
     /// Lets the next Insert do without memory.
     void MakeRoom() {
         if (2 * (m_nCount + 1) > m_aSlots.size()) Grow(2 * (m_nCount + 1));
@@ -45,7 +50,7 @@ public:
         while (m_aSlots[nHole].pObject != pObject) nHole = (nHole + 1) & Mask();
         m_aSlots[nHole] = Slot();
         --m_nCount;
-        // What stood behind may have been put there because the hole was taken.
+        // The slots that follow may have been used because the hole was taken.
         for (size_t i = (nHole + 1) & Mask(); m_aSlots[i].pObject; i = (i + 1) & Mask()) {
             Put(std::exchange(m_aSlots[i], Slot()));
         }

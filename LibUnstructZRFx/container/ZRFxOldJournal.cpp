@@ -36,10 +36,11 @@ bool ForEachPart(uint64_t nOffset, uint64_t nEnd, Part part) {
     return true;
 }
 
-/// A file up to some byte and behind it, where a journal is given, the saved end.
+/// A file up to some byte and, after it, the saved end of a journal, if one is given.
 class View : public ZRFxZipStorage {
 public:
-    /// What cannot be read is told in *pFailure, if given. REQUIRES: all outlive the view.
+    /// *pFailure, if given, gets the cause when something cannot be read. REQUIRES: all outlive the
+    /// view.
     View(ZRFxZipStorage* pFile, uint64_t nFromFile, const ZRFxFile* pJournal, uint64_t nSize,
          ZRFxCause* pFailure)
         : m_pFile(pFile),
@@ -279,7 +280,7 @@ bool ZRFxOldJournal::HoldsSaved(ZRFxZipStorage* pFile, uint64_t nFrom) {
     });
 }
 
-// Whether the entries that lie behind the unchanged bytes are what their directory says. Without a
+// Whether the entries that follow the unchanged bytes are what their directory says. Without a
 // password encrypted ones show their headers only.
 bool ZRFxOldJournal::AreIntact(ZRFxZipStorage* pFile, const ZRFxZipDirectory& directory) {
     ZRFxCipher cipher;

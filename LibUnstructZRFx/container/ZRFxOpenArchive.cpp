@@ -6,7 +6,9 @@
 namespace unstruct {
 namespace {
 
-void Note(ZRFxArchiveChanges* pChanges, const std::string& sName, uint64_t nKept) {
+constexpr size_t kPrefetched = 8;
+
+void Note(ZRFxArchiveChanges* pChanges, std::string_view sName, uint64_t nKept) {
     const auto [change, bNew] = pChanges->kept.emplace(sName, nKept);
     if (!bNew) change->second = std::min(change->second, nKept);
 }
@@ -44,7 +46,7 @@ ZRFxArchiveItem* ZRFxOpenArchive::Add(std::unique_ptr<ZRFxArchiveItem> pItem, bo
 }
 
 void ZRFxOpenArchive::Remove(ZRFxArchiveItem* pItem) {
-    if (IsListed(*pItem)) next.asRemoved.push_back(pItem->entry.sName);
+    if (IsListed(*pItem)) next.asRemoved.emplace_back(std::string_view(pItem->entry.sName));
     Uncount(*pItem);
     if (pItem->pText) pItem->pText->bDropped = true;
     table.Remove(pItem);
@@ -79,7 +81,7 @@ void ZRFxOpenArchive::BecomeText(ZRFxArchiveItem* pItem, uint64_t nKept) {
     text.nLength = text.sText.size();
     text.nUnchanged = std::min(text.nUnchanged, nKept);
     text.bLoaded = text.bChanged = true;
-    // An entry that no commit knows, and a text that no entry begins, stand for themselves.
+    // Where no commit knows the entry, the text does not build on it and is stored whole.
     if (!IsListed(*pItem)) {
         Uncount(*pItem);
         pItem->packed.Clear();
@@ -150,6 +152,9 @@ bool ZRFxOpenArchive::TakeEdits(ZRFxCommitRecord* pRecord, ZRFxArchiveChanges* p
 void ZRFxOpenArchive::TakeEntries(std::vector<ZRFxZipEntry>* paEntries,
                                   ZRFxArchiveChanges* pChanges) {
     for (size_t i = 0; i < paEntries->size(); ++i) {
+        if (i + kPrefetched < paEntries->size()) {
+            table.Prefetch((*paEntries)[i + kPrefetched].sName);
+        }
         auto pItem = std::make_unique<ZRFxArchiveItem>();
         pItem->entry = std::move((*paEntries)[i]);
         pItem->nIndex = i;

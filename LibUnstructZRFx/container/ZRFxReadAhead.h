@@ -10,7 +10,7 @@
 namespace unstruct {
 
 /// Reads small pieces of a storage's committed state with few calls: a piece that follows the one
-/// before is taken together with what lies behind it, twice as much each time. Two streams may be
+/// before is read together with what follows it, twice as much each time. Two streams may be
 /// read in turn, as documents and data are. Takes 512 KiB at most. Used by one thread at a time.
 class ZRFxReadAhead {
 public:

@@ -16,15 +16,15 @@ namespace {
 
 using Place = ZRFxArchiveItem::Place;
 
-// Documents are replaced more often than data, these with nearly every commit.
+// Documents are replaced more often than data, some of them with nearly every commit.
 enum DocumentKind { kNoDocument, kDocument, kOfEveryCommit };
 
-DocumentKind KindOf(const std::string& sName) {
+DocumentKind KindOf(std::string_view sName) {
     if (sName == "ZRF.xml" || sName.ends_with("-TOC.xml")) return kOfEveryCommit;
     return sName.ends_with(".xml") ? kDocument : kNoDocument;
 }
 
-// How many bytes two texts begin with alike.
+// The length of what two texts have in common at their start.
 uint64_t CommonLength(std::string_view s, std::string_view t) {
     const auto differing = std::mismatch(s.begin(), s.end(), t.begin(), t.end());
     return static_cast<uint64_t>(differing.first - s.begin());
@@ -77,7 +77,8 @@ bool ZRFxZipArchive::Close() {
     return Guarded({}, [&] {
         if (!IsOpen()) return Fail({}, {"the archive is not open", nvf::Reason::NOT_OPEN});
         if (m_pOpen->pStream && !CloseEntry()) return false;
-        // A state that ends with a record, or with what a killed writer left, is put in order.
+        // A file that ends with a record, or with what a killed writer left, becomes an ordinary
+        // one.
         const bool bCommits = m_pOpen->last.bOwn || !m_pOpen->IsOrdinary();
         if (!IsReadOnly() && bCommits && !CommitNow(true)) return false;
         Reset();
@@ -97,7 +98,7 @@ bool ZRFxZipArchive::CloseAs(const std::string& sPath) {
         ZRFxArchiveCommit commit(m_pOpen.get(), &m_packer, &m_reader, &m_codec, &m_cipher);
         if (!LoadTexts()) return false;
         const bool bWritten = Guarded({}, [&] { return commit.WriteAnew(std::move(pFile)); });
-        // It may be the new file from here on, only not yet confirmed.
+        // The archive may be in the new file from here on, only not confirmed yet.
         m_reader.Open(m_pOpen->pStorage.get(), m_pOpen->last.place.nBase);
         if (!bWritten) return Fail({}, commit.Error().Of(sPath));
         Reset();
@@ -380,12 +381,12 @@ bool ZRFxZipArchive::Describe(const Item& item, EntryInfo* pInfo) const {
     pInfo->nPackedSize = entry.nPackedSize - std::min(entry.nPackedSize, nOverhead);
     pInfo->nMethod = entry.nMethod;
     pInfo->bEncrypted = entry.eEncryption != ZRFxZipEntry::Encryption::kNone;
-    // What a text takes in commit records is not known apart from what else they hold.
+    // How much of its commit records a text takes is not known.
     if (item.ePlace == Place::kInRecords) pInfo->nSize = pInfo->nPackedSize = item.pText->nLength;
     return true;
 }
 
-// Packs the entry and puts it where it waits for the commit.
+// Packs the entry and stores it until the commit, in the file or in memory.
 bool ZRFxZipArchive::MakeItem(std::string_view sName, const void* pData, uint64_t nSize, int nLevel,
                               ItemPtr* ppItem) {
     if (nSize > m_packer.MaxLength()) return Fail(sName, ZRFxCause::TooLarge());
@@ -433,7 +434,7 @@ bool ZRFxZipArchive::LoadTexts() {
 }
 
 bool ZRFxZipArchive::ReadItem(const Item& item, ZRFxZipRawData* pRaw) {
-    const std::string& sName = item.entry.sName;
+    const std::string_view sName = item.entry.sName;
     if (item.ePlace != Place::kInRecords) {
         return m_reader.Read(item, pRaw) || Fail(sName, m_reader.Error());
     }
@@ -488,7 +489,7 @@ bool ZRFxZipArchive::Reopen(ZRFxArchiveChanges* pChanges) {
     if (m_sPath.empty()) return Fail({}, m_pOpen->pStorage->Error());
     std::unique_ptr<ZRFxOpenArchive> pOpen;
     if (!OpenFile(m_sPath, ZRZipAccessMode::READ_ONLY, &pOpen)) return false;
-    // A new file that has no content yet: what was there is shown until there is.
+    // As long as the new file has no content, what was there is shown.
     if (pOpen->table.SlotCount() == 0) return true;
     pChanges->bAny = pChanges->bReplaced = true;
     return Take(std::move(pOpen));

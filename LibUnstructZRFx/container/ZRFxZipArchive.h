@@ -60,11 +60,11 @@ public:
     bool IsReadOnly() const { return m_pOpen->bReadOnly; }
     /// Whether closing has something to write.
     bool HasUncommitted() const;
-    /// Bytes that the archive takes, those of uncommitted entries included; 0 when it is not open.
+    /// The bytes that the archive takes, uncommitted entries included; 0 when it is not open.
     uint64_t Length() const;
 
     bool Commit();
-    /// Uncommitted bytes of documents that wait in memory; what passes them goes to the file.
+    /// How many uncommitted bytes of documents may wait in memory; more go to the file.
     void SetPendingLimit(uint64_t nBytes) { m_nPendingLimit = nBytes; }
     /// Commits and closes, and leaves an ordinary archive. When the commit fails the archive stays
     /// open with all that it was given, for another try, `CloseAs` or `Abandon`.
@@ -75,8 +75,9 @@ public:
     /// Closes without committing.
     void Abandon();
 
-    /// Shows a reader what was committed since it opened the archive or refreshed it last. Takes
-    /// time with what is new. A failure leaves the state that was shown, or a later one.
+    /// Shows a reader what was committed since it opened the archive or refreshed it last. The
+    /// time it takes grows with what is new. After a failure it shows the state from before, or a
+    /// later one.
     bool Refresh(ZRFxArchiveChanges* pChanges);
 
     /// Encrypts entries added from now on, and decrypts; an empty password ends encryption.
@@ -86,8 +87,8 @@ public:
     /// next change, commit or refresh. An index from EntryCount() on gives an empty description.
     size_t EntryCount();
     EntryInfo EntryAt(size_t nIndex);
-    /// The same into a description that is there, whose memory is used again. False when there is
-    /// no memory, or no such entry.
+    /// The same into an existing description, whose memory is reused. False when there is no
+    /// memory, or no such entry.
     bool GetEntry(size_t nIndex, EntryInfo* pInfo);
     /// The name alone, until the next change, commit or refresh.
     std::string_view NameAt(size_t nIndex);
@@ -107,10 +108,10 @@ public:
     /// The same in place of the entry of that name, if there is one, which stays when this fails.
     bool Replace(std::string_view sName, const void* pData, uint64_t nSize,
                  int nLevel = kDefaultLevel);
-    /// Changes a document at its end: of its nKept first bytes on it becomes sTail. A document that
-    /// is not there is made when nKept is 0. The archive keeps the text in memory, and commits
-    /// store the tails alone. *pRevision, on success, is another number for each change of any
-    /// document in the process; see `RevisionOf`.
+    /// Changes a document at its end: sTail replaces all that follows its first nKept bytes. A
+    /// document that is not there is made when nKept is 0. The archive keeps the text in memory,
+    /// and commits store the tails alone. *pRevision, on success, is a number that no other change
+    /// of a document in the process has; see `RevisionOf`.
     bool Grow(std::string_view sName, uint64_t nKept, std::string_view sTail, int nLevel,
               uint64_t* pRevision);
     /// That of the last `Grow` of a document which nothing else has changed since; 0 otherwise.
@@ -119,7 +120,7 @@ public:
     /// Reads the whole entry; what it declares is checked against its length in the archive before
     /// memory is taken, and its data against CRC or authentication code before it is given.
     bool Read(std::string_view sName, ZRFxZipRawData* pRaw);
-    /// Reads a document from byte nFrom on; shorter ones give nothing.
+    /// Reads a document from byte nFrom on; nothing when it is shorter.
     bool ReadTail(std::string_view sName, uint64_t nFrom, std::string* pTail);
 
     /// One entry written piece by piece: gathered in memory, added by CloseEntry. When a piece

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 #include "ZRByteOrder.h"
 #include "container/ZRFxCodec.h"
@@ -49,7 +50,7 @@ uint64_t Capped32(uint64_t n) {
     return std::min<uint64_t>(n, kIn64);
 }
 
-const uint8_t* Bytes(const std::string& s) {
+const uint8_t* Bytes(std::string_view s) {
     return reinterpret_cast<const uint8_t*>(s.data());
 }
 
@@ -79,7 +80,7 @@ bool ReplaceBy64(const uint8_t* pField, size_t nField, std::initializer_list<uin
     return true;
 }
 
-bool IsAscii(const std::string& s) {
+bool IsAscii(std::string_view s) {
     return std::all_of(s.begin(), s.end(), [](char c) { return (c & 0x80) == 0; });
 }
 
@@ -201,14 +202,14 @@ bool ZRFxZipDirectory::Load(ZRFxZipStorage* pStorage) {
     std::string sRecords(static_cast<size_t>(m_nSize), '\0');
     if (!pStorage->Read(nOffset, sRecords.data(), sRecords.size())) return Fail(pStorage->Error());
     aEntries.reserve(static_cast<size_t>(m_nCount));
-    if (!ParseRecords(sRecords, nOffset)) return false;
+    if (!ParseRecords(std::move(sRecords), nOffset)) return false;
     // Without the 64-bit form some programs write the count modulo 65536.
     const uint64_t nFound = m_bZip64 ? aEntries.size() : aEntries.size() & 0xFFFF;
     return nFound == m_nCount || Fail("damaged directory of the archive: wrong number of entries");
 }
 
 bool ZRFxZipDirectory::AddRecords(std::string_view sRecords, uint64_t nEnd) {
-    return ParseRecords(sRecords, nEnd);
+    return ParseRecords(std::string(sRecords), nEnd);
 }
 
 uint64_t ZRFxZipDirectory::LocalSize(const uint8_t* pHeader, size_t nSize) {
@@ -278,7 +279,7 @@ std::string ZRFxZipDirectory::LocalHeader(const ZRFxZipEntry& entry, std::time_t
     Put32(&s, bZip64 ? kIn64 : entry.nSize);
     Put16(&s, entry.sName.size());
     Put16(&s, sExtra.size());
-    return s + entry.sName + sExtra;
+    return s.append(entry.sName).append(sExtra);
 }
 
 // The extra field by which other ZIP programs align data, too: its multiple, then zeros.
@@ -312,18 +313,19 @@ std::string ZRFxZipDirectory::CentralRecord(const ZRFxZipEntry& entry, std::time
     Put16(&s, 0);  // Internal attributes
     Put32(&s, kRegularFile);
     Put32(&s, Capped32(entry.nOffset));
-    return s + entry.sName + sExtra;
+    return s.append(entry.sName).append(sExtra);
 }
 
 std::string ZRFxZipDirectory::MovedRecord(const ZRFxZipEntry& entry, uint64_t nNewOffset) {
-    const uint8_t* pOld = Bytes(entry.sRecord);
+    const std::string_view sOld = entry.sRecord;
+    const uint8_t* pOld = Bytes(sOld);
     const size_t nExtraAt = kRecordSize + Load16(pOld + 28);
     const size_t nExtra = Load16(pOld + 30);
     std::string sExtra = Extra64({entry.nSize, entry.nPackedSize, nNewOffset});
     AppendExtrasBut(kExtraZip64, pOld + nExtraAt, nExtra, &sExtra);
 
-    std::string sRecord =
-        entry.sRecord.substr(0, nExtraAt) + sExtra + entry.sRecord.substr(nExtraAt + nExtra);
+    std::string sRecord(sOld.substr(0, nExtraAt));
+    sRecord.append(sExtra).append(sOld.substr(nExtraAt + nExtra));
     uint8_t* pRecord = reinterpret_cast<uint8_t*>(sRecord.data());
     StoreLittleEndian(pRecord + 20, static_cast<uint32_t>(Capped32(entry.nPackedSize)));
     StoreLittleEndian(pRecord + 24, static_cast<uint32_t>(Capped32(entry.nSize)));
@@ -410,12 +412,12 @@ bool ZRFxZipDirectory::ReadEnd64(ZRFxZipStorage* pStorage, uint64_t nLocator) {
     return nOffset <= nEnd64 && m_nSize <= nEnd64 - nOffset;
 }
 
-bool ZRFxZipDirectory::ParseRecords(std::string_view sRecords, uint64_t nEnd) {
-    const uint8_t* pRecords = reinterpret_cast<const uint8_t*>(sRecords.data());
+bool ZRFxZipDirectory::ParseRecords(std::string sRecords, uint64_t nEnd) {
+    const auto pRecords = std::make_shared<const std::string>(std::move(sRecords));
     size_t nDone = 0;
-    while (nDone < sRecords.size()) {
+    while (nDone < pRecords->size()) {
         ZRFxZipEntry entry;
-        if (!ParseRecord(pRecords + nDone, sRecords.size() - nDone, &entry)) {
+        if (!ParseRecord(pRecords, nDone, &entry)) {
             return Fail("damaged directory of the archive");
         }
         if (!CheckEntry(entry, nEnd)) return false;
@@ -425,15 +427,18 @@ bool ZRFxZipDirectory::ParseRecords(std::string_view sRecords, uint64_t nEnd) {
     return true;
 }
 
-bool ZRFxZipDirectory::ParseRecord(const uint8_t* pRecord, size_t nLeft, ZRFxZipEntry* pEntry) {
+bool ZRFxZipDirectory::ParseRecord(const std::shared_ptr<const std::string>& pRecords, size_t nAt,
+                                   ZRFxZipEntry* pEntry) {
+    const std::string_view sLeft = std::string_view(*pRecords).substr(nAt);
+    const size_t nLeft = sLeft.size();
+    const uint8_t* pRecord = Bytes(sLeft);
     if (nLeft < kRecordSize || Load32(pRecord) != kRecordSignature) return false;
     const size_t nName = Load16(pRecord + 28);
     const size_t nExtra = Load16(pRecord + 30);
     const size_t nRecord = kRecordSize + nName + nExtra + Load16(pRecord + 32);
     if (nRecord > nLeft) return false;
-    const char* sRecord = reinterpret_cast<const char*>(pRecord);
-    pEntry->sRecord.assign(sRecord, nRecord);
-    pEntry->sName.assign(sRecord + kRecordSize, nName);
+    pEntry->sRecord = ZRFxSharedText(pRecords, sLeft.substr(0, nRecord));
+    pEntry->sName = ZRFxSharedText(pRecords, sLeft.substr(kRecordSize, nName));
     pEntry->nFlags = Load16(pRecord + 8);
     pEntry->nMethod = Load16(pRecord + 10);
     pEntry->nCrc = Load32(pRecord + 16);
@@ -467,7 +472,8 @@ bool ZRFxZipDirectory::CheckEntry(const ZRFxZipEntry& entry, uint64_t nEnd) {
         entry.nPackedSize <= nEnd - entry.nOffset - nHeader) {
         return true;
     }
-    return Fail("damaged directory of the archive: entry '" + entry.sName + "' lies outside of it");
+    return Fail("damaged directory of the archive: entry '" + std::string(entry.sName) +
+                "' lies outside of it");
 }
 
 }  // namespace unstruct

@@ -2,12 +2,14 @@
 
 #include <cstdint>
 #include <ctime>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "container/ZRFxCause.h"
 #include "container/ZRFxCipher.h"
+#include "container/ZRFxSharedText.h"
 #include "container/ZRFxZipStorage.h"
 
 namespace unstruct {
@@ -15,12 +17,12 @@ namespace unstruct {
 constexpr uint16_t kZipStored = 0;
 constexpr uint16_t kZipDeflated = 8;
 
-/// One entry as its record in the central directory tells it.
+/// One entry as its record in the central directory describes it.
 struct ZRFxZipEntry {
     // kOther is the encryption of the first ZIP programs; kUnreadable all that came since but AES.
     enum class Encryption : uint8_t { kNone, kAes, kOther, kUnreadable };
 
-    std::string sName;
+    ZRFxSharedText sName;
     uint64_t nSize = 0;
     uint64_t nPackedSize = 0;  // Bytes in the archive, those of the encryption included.
     uint64_t nOffset = 0;      // Of the local header.
@@ -30,11 +32,12 @@ struct ZRFxZipEntry {
     bool bHasCrc = true;
     Encryption eEncryption = Encryption::kNone;
     ZRFxCipher::Strength eStrength = ZRFxCipher::Strength::k256;
-    std::string sRecord;  // The record as it stands, foreign extra fields and comment included.
+    ZRFxSharedText sRecord;  // The record as it stands, foreign extra fields and comment included.
 };
 
-/// Reading and writing of the structures of a ZIP archive: local headers, the central directory and
-/// its end, with their 64-bit forms. Names are taken and given as bytes; those written are UTF-8.
+/// The central directory of a ZIP archive, found and read in a storage. Its static operations read
+/// and write the structures of the format: local headers, directory records and ends, with their
+/// 64-bit forms. Names are taken and given as bytes; those written are UTF-8.
 class ZRFxZipDirectory {
 public:
     static constexpr size_t kLocalHeaderSize = 30;
@@ -60,11 +63,11 @@ public:
     /// not fit the archive: what an archive claims is never allocated before its own length makes
     /// it possible. Takes memory of about twice the directory's length and time linear in it.
     bool Load(ZRFxZipStorage* pStorage);
-    /// Takes records that stand elsewhere, of entries that lie before nEnd, behind those loaded.
+    /// Adds records from elsewhere after those loaded. Their entries lie before nEnd.
     bool AddRecords(std::string_view sRecords, uint64_t nEnd);
-    /// Number of entries that the end declares, modulo 65536 where it is no 64-bit one.
+    /// The number of entries that the end declares, modulo 65536 where it is no 64-bit one.
     uint64_t DeclaredCount() const { return m_nCount; }
-    /// Where the archive ends that was found.
+    /// Where the archive that was found ends.
     uint64_t Length() const { return m_nLength; }
 
     /// Bytes that an entry takes, its header included; 0 when the header does not tell. pHeader
@@ -92,14 +95,14 @@ public:
     static std::string CentralRecord(const ZRFxZipEntry& entry, std::time_t nTime);
     /// The record of an entry that was copied as it is to another offset.
     static std::string MovedRecord(const ZRFxZipEntry& entry, uint64_t nNewOffset);
-    /// What stands behind the records, which take nLength bytes from nStart on.
+    /// What follows the records, which take nLength bytes from nStart on.
     static std::string End(uint64_t nEntries, uint64_t nStart, uint64_t nLength,
                            const std::string& sEndComment);
 
     std::vector<ZRFxZipEntry> aEntries;  // In the order of the directory, duplicates included.
-    uint64_t nOffset = 0;
-    std::string sComment;
-    ZRFxCause cause;
+    uint64_t nOffset = 0;                // Of the directory.
+    std::string sComment;                // Of the archive.
+    ZRFxCause cause;                     // Why loading failed.
 
 private:
     bool Fail(ZRFxCause why) {
@@ -110,8 +113,9 @@ private:
     bool TakeEndRecord(ZRFxZipStorage* pStorage, const uint8_t* pEnd, uint64_t nRecord);
     bool ReachesTo(uint64_t nRecord) const;
     bool ReadEnd64(ZRFxZipStorage* pStorage, uint64_t nLocator);
-    bool ParseRecords(std::string_view sRecords, uint64_t nEnd);
-    bool ParseRecord(const uint8_t* pRecord, size_t nLeft, ZRFxZipEntry* pEntry);
+    bool ParseRecords(std::string sRecords, uint64_t nEnd);
+    bool ParseRecord(const std::shared_ptr<const std::string>& pRecords, size_t nAt,
+                     ZRFxZipEntry* pEntry);
     bool CheckEntry(const ZRFxZipEntry& entry, uint64_t nEnd);
 
     uint64_t m_nSize = 0;

@@ -68,7 +68,7 @@ protected:
     bool m_bReadFailed = false;
 };
 
-/// Takes back what was written from its making on, unless it is told to keep it.
+/// Takes back what was written since it was made, unless `Keep` is called.
 class ZRFxRewind {
 public:
     explicit ZRFxRewind(ZRFxZipStorage* pStorage)

@@ -6,6 +6,7 @@
 
 #include "NuoCore/Vec3f.h"
 #include "ZRArray.h"
+#include "types/ZRFxValueKind.h"
 
 namespace unstruct {
 
@@ -14,9 +15,8 @@ namespace unstruct {
 /// tensor of which all components are undefined.
 namespace textdata {
 
-/// A tensor as the six floats xx, yy, zz, xy, yz, zx that lie one behind the other in a float
-/// array.
-constexpr int kTensorComponents = 6;
+/// The floats of a tensor, which lie one after the other in a float array.
+constexpr int kTensorComponents = kTensorKind.Dimension();
 
 /// Appends one line, line end included. Of integers, one item alone has no blank behind it, each of
 /// several has.

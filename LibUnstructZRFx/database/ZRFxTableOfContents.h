@@ -21,15 +21,16 @@ public:
 
     explicit ZRFxTableOfContents(int databaseId) : m_databaseId(databaseId) {}
 
-    /// Enters a line; that of the same type and id keeps its place and gets the new file name. A
-    /// line that is there as it stands takes no memory after PrepareToEnter.
+    /// Enters a line. A line of the same type and id keeps its place and gets the new file name.
     void Enter(const ZRFxBlockLine& line);
+    /// After it, entering a line that is already there takes no memory.
     void PrepareToEnter();
 
     /// Enters lines after those that are there.
     void Append(std::vector<ZRFxBlockLine> lines);
 
-    /// All lines; after Append also those that others replace, which go when more is entered.
+    /// All lines. Until the next Enter they may hold several of one block, of which the last
+    /// counts.
     const std::vector<ZRFxBlockLine>& Lines() const { return m_lines; }
 
     /// Removes the line of that type and id, if there is one. Takes no memory.
@@ -53,7 +54,7 @@ private:
 
     const int m_databaseId;
     std::vector<ZRFxBlockLine> m_lines;
-    // Of all lines, or else behind: made when the first line is entered, as readers need none.
+    // Of all lines, or else outdated: brought up to date by PrepareToEnter, as readers need none.
     std::map<BlockKey, std::size_t> m_indices;
     ZRFxListDocument m_document;
     bool m_isModified = false;

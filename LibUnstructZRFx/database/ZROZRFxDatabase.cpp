@@ -31,8 +31,8 @@ auto positionOf(BlockArray& blocks, int id) {
                             [](const auto& block, int wanted) { return block->GetID() < wanted; });
 }
 
-// The data files that an element and those below it record, as far as they are named as the files
-// of the block are: a document may refer to the files of another block, which stay.
+// The data files that an element and those below it record, if they are named like files of the
+// block: a document may refer to files of another block, which stay.
 void collectFiles(const nvf::XmlElement& element, const ZRString& base, ZRStringArray* names) {
     for (const char* attribute : {"Filename", "IDs"}) {
         const ZRString name = GetAttribute(element, attribute);
@@ -111,7 +111,7 @@ bool ZRFxDatabase::Refresh(const ZRFxArchiveChanges& changes) {
     if (isDescriptionChanged && !ParseDescription(info)) return false;
     const ZRString toc = EntryName(ZRFxTableOfContents::kName);
     const auto change = changes.kept.find(toc.Bytes());
-    // One that was not there when the blocks were found in the folder is new.
+    // It is new if the blocks were found in the folder before.
     const bool isNew = !m_bHasTOC && GetAccess()->Contains(toc);
     const bool isChanged = isNew || change != changes.kept.end();
     if (isChanged && !RefreshTOC(isNew ? 0 : change->second)) return false;
@@ -176,7 +176,7 @@ bool ZRFxDatabase::RemoveBlockFiles(const ZRFxBlock& block) {
 void ZRFxDatabase::RemoveBlock(const ZRFxBlock& block) {
     if (!GetAccess() || !GetAccess()->IsOpen() || GetAccess()->IsReadOnly()) return;
     RemoveEntry(block);
-    // Without its line a file is part of nothing.
+    // Files without a line in the table of contents belong to no block.
     try {
         ZRStringArray files;
         GetAccess()->FindFilesOfBase(EntryName(block.GetFilebase()), &files);
@@ -273,7 +273,7 @@ bool ZRFxDatabase::FailID(int id) const {
     return Log().fail("Invalid Database ID %1 specified", id);
 }
 
-// A description of the id, which is not registered, is left of an attempt that failed.
+// Whether a failed attempt has left a description of this id, which is not registered.
 bool ZRFxDatabase::HasLeftDescription() const {
     ZRFxZipRawData raw;
     nvf::XmlDocument doc;
@@ -351,7 +351,7 @@ bool ZRFxDatabase::ParseWhatFits(const ZRFxDatabaseInfo& info) {
     return true;
 }
 
-// Where the lines that were there are kept, only those that follow them are read.
+// If the lines that were there have been kept, only those that follow them are read.
 bool ZRFxDatabase::RefreshTOC(std::uint64_t kept) {
     const bool isGrown = m_nTOCEnd > 0 && kept >= m_nTOCEnd;
     const std::uint64_t from = isGrown ? m_nTOCEnd : 0;
@@ -372,7 +372,10 @@ bool ZRFxDatabase::RefreshTOC(std::uint64_t kept) {
     m_bHasTOC = true;
     m_pTOC->SetModified(false);
     if (!isGrown) KeepBlocksOfTOC();
-    if (!AddNewBlocks(firstLine, "Error reading block meta data.")) return false;
+    if (!AddNewBlocks(firstLine, "Error reading block meta data.")) {
+        m_pTOC->PrepareToEnter();  // The next try appends the same lines again.
+        return false;
+    }
     m_nTOCEnd = end == std::string::npos ? 0 : from + end;
     return true;
 }
@@ -388,7 +391,7 @@ void ZRFxDatabase::KeepBlocksOfTOC() {
     }
 }
 
-// What a document has in front stays where it only grew.
+// The head of a document that only grew has not changed.
 bool ZRFxDatabase::RefreshMetaData(const ZRFxArchiveChanges& changes) {
     const bool isAnyReplaced =
         std::any_of(changes.kept.begin(), changes.kept.end(), [&](const auto& change) {
@@ -436,7 +439,7 @@ bool ZRFxDatabase::FailBlock(nvf::LocatedText message, const ZRFxBlockLine& line
     return Log().fail(message, ZRFxBlockTypeName(line.type), line.id);
 }
 
-// A type that no class stores makes no entry, nor an assertion: what a file holds is no programming
+// Null, without an assertion, for a type that no class stores: what a file holds is no programming
 // error.
 nvf::ref<ZRFxBlock> ZRFxDatabase::CreateEntry(const ZRFxBlockLine& line) {
     if (!ZRFxBlock::IsStored(line.type)) return nullptr;

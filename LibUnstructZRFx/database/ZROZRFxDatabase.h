@@ -35,16 +35,16 @@ public:
                 ZRFEMSimulationType simulationType, ZRFEMSolutionType solutionType,
                 const ZRString& description);
 
-    /// Opens the database of an id: its description, and the entries of its blocks from the table
-    /// of contents or, where a writer did not come to store one, from the documents in its folder.
-    /// The first block that does not fit ends it and leaves the database empty. The lenient mode
-    /// reports what does not fit and goes on, with the registry's folder for a missing description
-    /// and with the folder's documents for a missing table of contents; no block is looked into.
+    /// Opens the database of an id: reads its description, and the entries of its blocks from the
+    /// table of contents or, if the writer did not get to store one, from the documents in the
+    /// folder. The first block that does not fit ends this and leaves the database empty. The
+    /// lenient mode reports it and goes on; it does without a description, with the folder that the
+    /// registry names, and looks into no block.
     bool Parse(int id, ZRFxParseMode mode = ZRFxParseMode::STRICT);
 
-    /// Takes over what was committed since the database was parsed, or refreshed last, which the
-    /// archive has found. Takes time with what is new, where the table of contents only grew. A
-    /// failure may leave some of the new blocks out.
+    /// Takes over what was committed since the database was parsed or refreshed last, given the
+    /// changes that the archive has found. The time it takes grows with what is new, as long as the
+    /// table of contents only grew. After a failure some of the new blocks may be missing.
     bool Refresh(const ZRFxArchiveChanges& changes);
 
     /// Stores the table of contents in place of the one stored before.
@@ -62,7 +62,8 @@ public:
     bool RemoveBlockFiles(const ZRFxBlock& block) override;
     void RemoveBlock(const ZRFxBlock& block) override;
 
-    /// Adds an entry, and takes out the one of the same type and id if there is one.
+    /// Adds an entry in place of the one of the same type and id; *replaced says whether there was
+    /// one.
     bool AddBlock(ZRFxBlock* block, bool* replaced);
 
     int GetID() const { return m_iID; }
@@ -118,8 +119,8 @@ private:
     ZRString m_sDescription;
     std::array<BlockArray, kNumBlockTypes> m_apBlocks;
     std::unique_ptr<ZRFxTableOfContents> m_pTOC;
-    bool m_bHasTOC = false;       // The blocks were found in one.
-    std::uint64_t m_nTOCEnd = 0;  // Of the lines that were taken from the stored one; 0 if unknown.
+    bool m_bHasTOC = false;       // The blocks were found in a stored one.
+    std::uint64_t m_nTOCEnd = 0;  // Of the lines taken from the stored one, in bytes; 0 if unknown.
 };
 
 }  // namespace unstruct

@@ -12,14 +12,6 @@ struct CodeName {
     const char* name;
 };
 
-constexpr std::array kResultTypes{CodeName{RESULT_NONE, "None"},
-                                  CodeName{RESULT_SCALAR, "Scalar"},
-                                  CodeName{RESULT_VECTOR, "Vector"},
-                                  CodeName{RESULT_DISPLACEMENT, "Displacement"},
-                                  CodeName{RESULT_VISIBILITY, "Visibility"},
-                                  CodeName{RESULT_TENSOR, "Tensor"},
-                                  CodeName{RESULT_ELEMENT, "Element"}};
-
 constexpr std::array kStrainTypes{CodeName{STRAIN_NONE, "None"},
                                   CodeName{STRAIN_ENGINEERING, "Engineering"},
                                   CodeName{STRAIN_STANDARD, "Standard"}};
@@ -62,7 +54,7 @@ constexpr std::array kVectorTypes{
 
 template <typename Names>
 ZRString nameOf(const Names& names, int code, const char* fallback) {
-    for (const CodeName& entry : names) {
+    for (const auto& entry : names) {
         if (entry.code == code) return entry.name;
     }
     return fallback;
@@ -70,7 +62,7 @@ ZRString nameOf(const Names& names, int code, const char* fallback) {
 
 template <typename Names>
 int codeOf(const Names& names, const ZRString& name, int fallback) {
-    for (const CodeName& entry : names) {
+    for (const auto& entry : names) {
         if (ZRString(entry.name).ToUpper() == name.ToUpper()) return entry.code;
     }
     return fallback;

@@ -1,22 +1,12 @@
 #pragma once
 
 #include "ZRString.h"
+#include "types/ZRFxValueKind.h"
 
 namespace unstruct {
 
 // The enumerations of results, by the codes that the library uses in memory. Documents hold the
 // names, written in mixed case and read in any; what an unknown name reads as is fixed for each.
-
-enum ZRFEMResultType : int {
-    RESULT_NONE = 0,
-    RESULT_SCALAR = 1,
-    RESULT_VECTOR = 2,
-    RESULT_DISPLACEMENT = 3,
-    RESULT_VISIBILITY = 4,
-    RESULT_TENSOR = 5,
-    RESULT_ELEMENT = 6,
-    RESULT_UNKNOWN = 99  ///< Of a base result only; written "Unknown".
-};
 
 enum ZRFEMStrainType : int { STRAIN_NONE = 0, STRAIN_ENGINEERING = 1, STRAIN_STANDARD = 2 };
 

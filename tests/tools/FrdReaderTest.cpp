@@ -1,4 +1,4 @@
-#include "frd/FrdReader.h"
+#include "import/frd/FrdReader.h"
 
 #include <gtest/gtest.h>
 
@@ -7,7 +7,7 @@
 #include <fstream>
 #include <limits>
 
-#include "frd/FrdText.h"
+#include "import/frd/FrdText.h"
 #include "support/TemporaryFolder.h"
 
 namespace tools {

@@ -1,61 +1,14 @@
 #include "check/CheckedDatabase.h"
 
-#include <array>
-
-#include "BlockContent.h"
 #include "FileReader.h"
-#include "blocks/results/ZRFxResultBlock.h"
-#include "blocks/results/ZRFxTransformationResultsBlock.h"
+#include "check/BlockChecks.h"
+#include "content/BlockGroup.h"
+#include "content/Content.h"
 
 namespace tools {
 namespace {
 
 using namespace unstruct;
-
-constexpr std::array<int, 19> kOrder{BLOCK_STATE_INFO,
-                                     BLOCK_NODES,
-                                     BLOCK_INDEXED_FACE_SET,
-                                     BLOCK_CROSS_SECTIONS,
-                                     BLOCK_ELEMENTS,
-                                     BLOCK_GEOMETRY,
-                                     BLOCK_GEOMETRY_INFO,
-                                     BLOCK_SET,
-                                     BLOCK_RESULTS,
-                                     BLOCK_TRANSFORMATION_RESULTS,
-                                     BLOCK_PRECOMPUTED_ITEM,
-                                     BLOCK_PRECOMPUTED_CUTTING_PLANE,
-                                     BLOCK_PRECOMPUTED_ISOSURFACE,
-                                     BLOCK_PRECOMPUTED_ISOVOLUME,
-                                     BLOCK_PRECOMPUTED_PARTICLE_TRACE_GROUP,
-                                     BLOCK_RESULT_VALUES,
-                                     BLOCK_TRANSFORMATION_RESULT_VALUES,
-                                     BLOCK_POSITION_RESULT_VALUES,
-                                     BLOCK_PLOT_2D};
-
-constexpr int kAnyType = -1;
-
-struct Check {
-    int blockType;
-    void (*run)(const ZRFxBlock& block, CheckedDatabase& checked);
-};
-
-constexpr std::array kChecks{Check{kAnyType, checkReferences},
-                             Check{kAnyType, checkNumbers},
-                             Check{BLOCK_STATE_INFO, checkStateInfo},
-                             Check{BLOCK_NODES, checkNodes},
-                             Check{BLOCK_INDEXED_FACE_SET, checkFaceSet},
-                             Check{BLOCK_ELEMENTS, checkElements},
-                             Check{BLOCK_GEOMETRY, checkGeometry},
-                             Check{BLOCK_GEOMETRY_INFO, checkGeometryInfo},
-                             Check{BLOCK_SET, checkSet},
-                             Check{BLOCK_RESULTS, checkResult},
-                             Check{BLOCK_TRANSFORMATION_RESULTS, checkTransformationResult},
-                             Check{BLOCK_PRECOMPUTED_ITEM, checkPrecomputed},
-                             Check{BLOCK_PRECOMPUTED_CUTTING_PLANE, checkPrecomputed},
-                             Check{BLOCK_PRECOMPUTED_ISOSURFACE, checkPrecomputed},
-                             Check{BLOCK_PRECOMPUTED_ISOVOLUME, checkPrecomputed},
-                             Check{BLOCK_RESULT_VALUES, checkResultValues},
-                             Check{BLOCK_POSITION_RESULT_VALUES, checkPositionResultValues}};
 
 constexpr std::size_t kCachedBlocks = 4;
 
@@ -72,14 +25,12 @@ void warnUnreferred(int type, const char* message, CheckedDatabase& checked) {
 CheckedDatabase::CheckedDatabase(ZRFxDatabase& database, Findings& findings, std::set<int> cases)
     : caseIds(std::move(cases)), m_database(database), m_findings(findings) {
     for (const int id : blockIds(database, BLOCK_RESULTS)) {
-        const auto block = database.OpenBlock(BLOCK_RESULTS, id);
-        if (!block->ReadMetaData()) continue;
-        resultIds.insert(static_cast<ZRFxResultBlock&>(*block).GetDescription().resultID);
+        const auto block = openBlock<ZRFxResultBlock>(database, id);
+        if (block->ReadMetaData()) resultIds.insert(block->GetDescription().resultID);
     }
     for (const int id : blockIds(database, BLOCK_TRANSFORMATION_RESULTS)) {
-        const auto block = database.OpenBlock(BLOCK_TRANSFORMATION_RESULTS, id);
-        if (!block->ReadMetaData()) continue;
-        resultIds.insert(static_cast<ZRFxTransformationResultsBlock&>(*block).GetResultID());
+        const auto block = openBlock<ZRFxTransformationResultsBlock>(database, id);
+        if (block->ReadMetaData()) resultIds.insert(block->GetResultID());
     }
 }
 
@@ -106,34 +57,27 @@ const IdIndex* CheckedDatabase::elementIds(int blockId) {
 }
 
 std::unique_ptr<CheckedDatabase::Nodes> CheckedDatabase::loadNodes(int blockId) {
-    const auto block = readBlock(m_database, BLOCK_NODES, blockId);
+    const auto block = readBlock<ZRFxNodeBlock>(m_database, blockId);
     if (block.isNull()) return nullptr;
     auto nodes = std::make_unique<Nodes>();
-    nodes->block = static_cast<ZRFxNodeBlock*>(block.p());
+    nodes->block = block;
     if (const ZRIntArray* ids = nodes->block->GetNodeIDs()) nodes->ids.emplace(itemsOf(*ids));
     return nodes;
 }
 
 std::unique_ptr<IdIndex> CheckedDatabase::loadElementIds(int blockId) {
-    const auto block = readBlock(m_database, BLOCK_ELEMENTS, blockId);
+    const auto block = readBlock<ZRFxElementBlock>(m_database, blockId);
     ZRIntArray ids;
-    if (block.isNull() || !static_cast<ZRFxElementBlock&>(*block).GetWithIDs() ||
-        !static_cast<ZRFxElementBlock&>(*block).GetAllElementIDs(&ids)) {
+    if (block.isNull() || !block->GetWithIDs() || !block->GetAllElementIDs(&ids)) {
         return nullptr;
     }
     return std::make_unique<IdIndex>(itemsOf(ids));
 }
 
-std::span<const int> checkOrder() {
-    return kOrder;
-}
-
 void checkBlock(const ZRFxBlock& block, CheckedDatabase& checked) {
-    for (const Check& check : kChecks) {
-        if (check.blockType == kAnyType || check.blockType == block.GetType()) {
-            check.run(block, checked);
-        }
-    }
+    checkReferences(block, checked);
+    checkNumbers(block, checked);
+    groupOf(block).check(block, checked);
 }
 
 void checkWhole(CheckedDatabase& checked) {

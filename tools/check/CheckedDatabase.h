@@ -79,30 +79,10 @@ private:
     Cache<IdIndex> m_elementIds;
 };
 
-/// Checks one block that has been read. Blocks come in such an order that what a block refers to
-/// comes before it.
+/// Checks one block that has been read. Blocks come in the order of kStoredBlockTypes.
 void checkBlock(const unstruct::ZRFxBlock& block, CheckedDatabase& checked);
 
 /// Checks what only the whole database shows, after its blocks.
 void checkWhole(CheckedDatabase& checked);
-
-/// The types of blocks in the order in which they are to be checked.
-std::span<const int> checkOrder();
-
-// The checks of single blocks, each in the file named after what it checks.
-void checkNodes(const unstruct::ZRFxBlock& block, CheckedDatabase& checked);
-void checkElements(const unstruct::ZRFxBlock& block, CheckedDatabase& checked);
-void checkFaceSet(const unstruct::ZRFxBlock& block, CheckedDatabase& checked);
-void checkGeometry(const unstruct::ZRFxBlock& block, CheckedDatabase& checked);
-void checkGeometryInfo(const unstruct::ZRFxBlock& block, CheckedDatabase& checked);
-void checkStateInfo(const unstruct::ZRFxBlock& block, CheckedDatabase& checked);
-void checkSet(const unstruct::ZRFxBlock& block, CheckedDatabase& checked);
-void checkResult(const unstruct::ZRFxBlock& block, CheckedDatabase& checked);
-void checkTransformationResult(const unstruct::ZRFxBlock& block, CheckedDatabase& checked);
-void checkPrecomputed(const unstruct::ZRFxBlock& block, CheckedDatabase& checked);
-void checkResultValues(const unstruct::ZRFxBlock& block, CheckedDatabase& checked);
-void checkPositionResultValues(const unstruct::ZRFxBlock& block, CheckedDatabase& checked);
-void checkReferences(const unstruct::ZRFxBlock& block, CheckedDatabase& checked);
-void checkNumbers(const unstruct::ZRFxBlock& block, CheckedDatabase& checked);
 
 }  // namespace tools

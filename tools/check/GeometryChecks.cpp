@@ -2,15 +2,12 @@
 #include <algorithm>
 #include <cmath>
 
-#include "BlockContent.h"
 #include "Text.h"
 #include "ZRUndefined.h"
-#include "blocks/mesh/ZRFxGeometryBlock.h"
-#include "blocks/mesh/ZRFxGeometryInfoBlock.h"
-#include "blocks/mesh/ZRFxIndexedFaceSetBlock.h"
-#include "blocks/sets/ZRFxSetBlock.h"
+#include "check/BlockChecks.h"
 #include "check/CheckedDatabase.h"
 #include "check/ElementVolume.h"
+#include "content/Content.h"
 #include "types/ZRFxElementType.h"
 
 namespace tools {
@@ -247,14 +244,13 @@ void checkPartIds(const ZRFxGeometryBlock& block, const ZRFxGeometryState& state
 
 }  // namespace
 
-void checkNodes(const ZRFxBlock& block, CheckedDatabase& checked) {
-    const auto& nodes = static_cast<const ZRFxNodeBlock&>(block);
-    checked.itemCounts[{BLOCK_NODES, block.GetID()}].items = nodes.GetNodes().GetSize();
+void checkNodes(const ZRFxNodeBlock& nodes, CheckedDatabase& checked) {
+    checked.itemCounts[{BLOCK_NODES, nodes.GetID()}].items = nodes.GetNodes().GetSize();
     if (nodes.GetNodeIDs()) {
         warnDuplicates("node", itemsOf(*nodes.GetNodeIDs()),
-                       checked.reporter("duplicate-id", block));
+                       checked.reporter("duplicate-id", nodes));
     }
-    Reporter reporter = checked.reporter("number", block);
+    Reporter reporter = checked.reporter("number", nodes);
     const auto positions = itemsOf(nodes.GetNodes());
     for (std::size_t i = 0; i < positions.size(); ++i) {
         const nuo::Vec3f& at = positions[i];
@@ -268,12 +264,11 @@ void checkNodes(const ZRFxBlock& block, CheckedDatabase& checked) {
     }
 }
 
-void checkElements(const ZRFxBlock& block, CheckedDatabase& checked) {
-    const auto& elements = static_cast<const ZRFxElementBlock&>(block);
-    checked.itemCounts[{BLOCK_ELEMENTS, block.GetID()}] = countItems(elements);
+void checkElements(const ZRFxElementBlock& elements, CheckedDatabase& checked) {
+    checked.itemCounts[{BLOCK_ELEMENTS, elements.GetID()}] = countItems(elements);
     checkElementIds(elements, checked);
     const NodeFinder finder =
-        finderOf(block, elements.GetNodeBlockID(), elements.GetMapToNodeIDs(), checked);
+        finderOf(elements, elements.GetNodeBlockID(), elements.GetMapToNodeIDs(), checked);
     if (!finder.isUsable()) return;
     std::int64_t firstElement = 0;
     for (std::int64_t i = 0; i < elements.GetNumElementGroups(); ++i) {
@@ -283,14 +278,13 @@ void checkElements(const ZRFxBlock& block, CheckedDatabase& checked) {
     }
 }
 
-void checkFaceSet(const ZRFxBlock& block, CheckedDatabase& checked) {
-    const auto& faces = static_cast<const ZRFxIndexedFaceSetBlock&>(block);
-    checked.itemCounts[{BLOCK_INDEXED_FACE_SET, block.GetID()}] = {
+void checkFaceSet(const ZRFxIndexedFaceSetBlock& faces, CheckedDatabase& checked) {
+    checked.itemCounts[{BLOCK_INDEXED_FACE_SET, faces.GetID()}] = {
         faces.GetNumPolygons(), faces.GetConnects().GetSize(), 0};
     const NodeFinder finder =
-        finderOf(block, faces.GetNodeBlockID(), faces.GetMapToNodeIDs(), checked);
+        finderOf(faces, faces.GetNodeBlockID(), faces.GetMapToNodeIDs(), checked);
     if (!finder.isUsable()) return;
-    Reporter reporter = checked.reporter("node-reference", block);
+    Reporter reporter = checked.reporter("node-reference", faces);
     const auto starts = itemsOf(faces.GetPolygonStarts());
     const auto connects = itemsOf(faces.GetConnects());
     for (std::size_t i = 0; i < connects.size(); ++i) {
@@ -300,19 +294,18 @@ void checkFaceSet(const ZRFxBlock& block, CheckedDatabase& checked) {
     }
 }
 
-void checkGeometry(const ZRFxBlock& block, CheckedDatabase& checked) {
-    const auto& geometry = static_cast<const ZRFxGeometryBlock&>(block);
+void checkGeometry(const ZRFxGeometryBlock& geometry, CheckedDatabase& checked) {
     std::set<int> states;
     for (std::int64_t s = 0; s < geometry.GetStateCount(); ++s) {
         const ZRFxGeometryState& state = *geometry.GetState(s);
         if (!states.insert(state.GetStateID()).second) {
-            checked.reporter("duplicate-id", block)
+            checked.reporter("duplicate-id", geometry)
                 .error(numbered("record", s),
                        numbered("state", state.GetStateID()) + " has a record already");
         }
         checkPartIds(geometry, state, checked);
         if (partsOf(state) != partsOf(*geometry.GetState(0))) {
-            checked.reporter("geometry", block)
+            checked.reporter("geometry", geometry)
                 .error(numbered("state", state.GetStateID()),
                        "its parts are not those of " +
                            numbered("state", geometry.GetState(0)->GetStateID()));
@@ -320,28 +313,26 @@ void checkGeometry(const ZRFxBlock& block, CheckedDatabase& checked) {
     }
 }
 
-void checkGeometryInfo(const ZRFxBlock& block, CheckedDatabase& checked) {
-    const auto& info = static_cast<const ZRFxGeometryInfoBlock&>(block);
+void checkGeometryInfo(const ZRFxGeometryInfoBlock& info, CheckedDatabase& checked) {
     for (int g = 0; g < info.GetGeometryCountPerState(); ++g) {
         std::set<int> ids;
-        const auto shown = checked.partIds.find({block.GetID(), g});
+        const auto shown = checked.partIds.find({info.GetID(), g});
         for (int p = 0; p < info.GetPartInfos(g)->GetPartCount(); ++p) {
             const int id = info.GetPartInfos(g)->GetPartInfo(p).partID;
             const std::string place = numbered("geometry", g) + numbered(", part", p);
             if (!ids.insert(id).second) {
-                checked.reporter("duplicate-id", block)
+                checked.reporter("duplicate-id", info)
                     .error(place, "part id " + std::to_string(id) + " is used more than once");
             } else if (shown == checked.partIds.end() || !shown->second.contains(id)) {
-                checked.reporter("reference", block)
+                checked.reporter("reference", info)
                     .warning(place, "there is no part of id " + std::to_string(id));
             }
         }
     }
 }
 
-void checkSet(const ZRFxBlock& block, CheckedDatabase& checked) {
-    const auto& set = static_cast<const ZRFxSetBlock&>(block);
-    Reporter reporter = checked.reporter("set-item", block);
+void checkSet(const ZRFxSetBlock& set, CheckedDatabase& checked) {
+    Reporter reporter = checked.reporter("set-item", set);
     for (std::int64_t g = 0; g < set.GetItemsCount(); ++g) {
         const ZRFxSetBlockItems& group = *set.GetItems(g);
         const auto counts = checked.itemCounts.find({BLOCK_ELEMENTS, group.m_iBlockID});

@@ -3,17 +3,13 @@
 #include <array>
 #include <cmath>
 
-#include "BlockContent.h"
 #include "Text.h"
 #include "ZRUndefined.h"
-#include "blocks/precomputed/ZRFxPrecomputedBlock.h"
-#include "blocks/results/ZRFxPositionResultValuesBlock.h"
-#include "blocks/results/ZRFxResultBlock.h"
-#include "blocks/results/ZRFxResultValuesBlock.h"
-#include "blocks/results/ZRFxStateInfoBlock.h"
-#include "blocks/results/ZRFxTransformationResultsBlock.h"
+#include "check/BlockChecks.h"
 #include "check/CheckedDatabase.h"
-#include "check/References.h"
+#include "content/BlockGroup.h"
+#include "content/Content.h"
+#include "content/References.h"
 #include "types/ZRFxResultTypes.h"
 
 namespace tools {
@@ -69,21 +65,6 @@ void checkReals(const std::string& place, const Reals& reals, Reporter& reporter
         } else {
             reporter.error(where, "the value is " + numberText(value));
         }
-    }
-}
-
-// Values an item; none for types that say nothing about it.
-std::optional<int> dimensionsOf(int resultType) {
-    switch (resultType) {
-        case RESULT_SCALAR:
-            return 1;
-        case RESULT_VECTOR:
-        case RESULT_DISPLACEMENT:
-            return 3;
-        case RESULT_TENSOR:
-            return 6;
-        default:
-            return std::nullopt;
     }
 }
 
@@ -172,7 +153,9 @@ void checkStateIds(const ZRFxStatesBlock& block, const CheckedDatabase& checked)
 
 void checkReferences(const ZRFxBlock& block, CheckedDatabase& checked) {
     Reporter reporter = checked.reporter("reference", block);
-    for (const Reference& reference : referencesOf(block)) {
+    References references;
+    groupOf(block).collect(block, references);
+    for (const Reference& reference : references.take()) {
         checkReference(reference, reporter, checked);
     }
 }
@@ -192,47 +175,44 @@ void checkNumbers(const ZRFxBlock& block, CheckedDatabase& checked) {
     }
 }
 
-void checkStateInfo(const ZRFxBlock& block, CheckedDatabase& checked) {
-    const auto& states = static_cast<const ZRFxStateInfoBlock&>(block);
+void checkStateInfo(const ZRFxStateInfoBlock& states, CheckedDatabase& checked) {
     checked.hasStateInfo = true;
     for (std::int64_t s = 0; s < states.GetStateCount(); ++s) {
         const int id = states.GetState(s)->stateID;
         if (checked.stateIds.insert(id).second) continue;
-        checked.reporter("duplicate-id", block)
+        checked.reporter("duplicate-id", states)
             .error(numbered("record", s), "state id " + std::to_string(id) + " is used before");
     }
 }
 
-void checkResult(const ZRFxBlock& block, CheckedDatabase& checked) {
-    const auto& result = static_cast<const ZRFxResultBlock&>(block);
+void checkResult(const ZRFxResultBlock& result, CheckedDatabase& checked) {
     const ZRFxResultDescription& description = result.GetDescription();
-    checkResultId(description.resultID, block, checked);
+    checkResultId(description.resultID, result, checked);
     checkStateIds(result, checked);
     if (description.resultMapping == MAPPING_UNKNOWN) {
-        checked.reporter("mapping", block).error("", "what the values belong to is not told");
+        checked.reporter("mapping", result).error("", "what the values belong to is not told");
     }
     if (description.resultType == RESULT_DISPLACEMENT &&
         description.resultMapping != MAPPING_NODE) {
-        checked.reporter("mapping", block).error("", "displacements belong to nodes");
+        checked.reporter("mapping", result).error("", "displacements belong to nodes");
     }
-    const std::optional<int> dimensions = dimensionsOf(description.resultType);
+    const ZRFxValueKind* kind = ZRFxValueKindOfResult(description.resultType);
     for (std::int64_t s = 0; s < result.GetStateCount(); ++s) {
         for (const int id : itemsOf(result.GetState(s)->m_aiValuesBlockIDs)) {
             checked.mappingOfValues[id] = description.resultMapping;
-            if (dimensions) checked.dimensionsOfValues[id] = *dimensions;
+            if (kind) checked.dimensionsOfValues[id] = kind->Dimension();
         }
     }
 }
 
-void checkTransformationResult(const ZRFxBlock& block, CheckedDatabase& checked) {
-    const auto& result = static_cast<const ZRFxTransformationResultsBlock&>(block);
-    checkResultId(result.GetResultID(), block, checked);
+void checkTransformationResult(const ZRFxTransformationResultsBlock& result,
+                               CheckedDatabase& checked) {
+    checkResultId(result.GetResultID(), result, checked);
     checkStateIds(result, checked);
 }
 
 // Fringes belong to nodes or polygons, as the part says.
-void checkPrecomputed(const ZRFxBlock& block, CheckedDatabase& checked) {
-    const auto& precomputed = static_cast<const ZRFxPrecomputedBlock&>(block);
+void checkPrecomputed(const ZRFxPrecomputedBlock& precomputed, CheckedDatabase& checked) {
     for (std::int64_t s = 0; s < precomputed.GetStateCount(); ++s) {
         for (const auto& part : precomputed.GetState(s)->apParts) {
             if (part->fringesResultBlockID < 0) continue;
@@ -242,36 +222,35 @@ void checkPrecomputed(const ZRFxBlock& block, CheckedDatabase& checked) {
     }
 }
 
-void checkResultValues(const ZRFxBlock& block, CheckedDatabase& checked) {
-    const auto& values = static_cast<const ZRFxResultValuesBlock&>(block);
-    const auto dimensions = checked.dimensionsOfValues.find(block.GetID());
+void checkResultValues(const ZRFxResultValuesBlock& values, CheckedDatabase& checked) {
+    const auto dimensions = checked.dimensionsOfValues.find(values.GetID());
     if (dimensions != checked.dimensionsOfValues.end() &&
         dimensions->second != values.GetNumDimensions()) {
-        checked.reporter("value-count", block)
+        checked.reporter("value-count", values)
             .error("", "has " + std::to_string(values.GetNumDimensions()) +
                            " values an item, its result " + std::to_string(dimensions->second));
     }
-    const auto mapping = checked.mappingOfValues.find(block.GetID());
+    const auto mapping = checked.mappingOfValues.find(values.GetID());
     if (mapping == checked.mappingOfValues.end()) return;
     if (!fitsTarget(mapping->second, values.GetMapToBlockID(), checked)) {
-        return checked.reporter("mapping", block)
+        return checked.reporter("mapping", values)
             .error("", "values on " + ResultMappingName(mapping->second).Bytes() +
                            " belong to a block of another kind");
     }
     if (values.GetIDs()) return checkItemIds(values, mapping->second, checked);
     const auto expected = expectedCounts(mapping->second, values.GetMapToBlockID(), checked);
     if (expected.empty() || std::ranges::count(expected, values.GetNumItems()) > 0) return;
-    checked.reporter("value-count", block)
+    checked.reporter("value-count", values)
         .error("", "has values of " +
                        counted(static_cast<std::uint64_t>(values.GetNumItems()), "item") +
                        ", its target has " + std::to_string(expected.front()));
 }
 
-void checkPositionResultValues(const ZRFxBlock& block, CheckedDatabase& checked) {
-    const auto& values = static_cast<const ZRFxPositionResultValuesBlock&>(block);
+void checkPositionResultValues(const ZRFxPositionResultValuesBlock& values,
+                               CheckedDatabase& checked) {
     const auto counts = checked.itemCounts.find({BLOCK_ELEMENTS, values.m_iMapToBlockID});
     if (counts == checked.itemCounts.end()) return;
-    Reporter reporter = checked.reporter("item-id", block);
+    Reporter reporter = checked.reporter("item-id", values);
     for (std::int64_t i = 0; i < values.m_aiElementIndices.GetSize(); ++i) {
         const std::int32_t element = values.m_aiElementIndices[i];
         if (element < counts->second.items) continue;

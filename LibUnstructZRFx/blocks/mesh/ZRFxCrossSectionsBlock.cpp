@@ -62,7 +62,7 @@ bool ZRFxCrossSection::SetParameters(const ZRStringArray& names, const std::vect
 }
 
 ZRFxCrossSectionsBlock::ZRFxCrossSectionsBlock(ZRFxBlockStore* pDatabase, int id)
-    : ZRFxBlock(pDatabase, id, BLOCK_CROSS_SECTIONS) {}
+    : ZRFxBlock(pDatabase, id, kType) {}
 
 void ZRFxCrossSectionsBlock::AddCrossSection(const ZRFxCrossSection& crossSection) {
     m_apCrossSections.Add(std::make_unique<ZRFxCrossSection>(crossSection));
@@ -81,14 +81,9 @@ bool ZRFxCrossSectionsBlock::DoReadBlock(const nvf::XmlElement& root) {
 }
 
 bool ZRFxCrossSectionsBlock::DoWriteBlock(nvf::XmlElement root) {
-    for (const auto& pCrossSectionData : m_apCrossSections) {
-        NVF_ASSERT(pCrossSectionData);
-        nvf::XmlElement element = root.addChildElement("CrossSection");
-        SetAttribute(element, kTypeAttribute, CrossSectionTypeName(pCrossSectionData->GetType()));
-        for (std::size_t i = 0; i < pCrossSectionData->GetParameters().size(); ++i) {
-            element.setAttributeFloat(pCrossSectionData->GetParameterNames()[i].CStr(),
-                                      pCrossSectionData->GetParameters()[i]);
-        }
+    for (const auto& pCrossSection : m_apCrossSections) {
+        NVF_ASSERT(pCrossSection);
+        WriteCrossSection(root, *pCrossSection);
     }
     return true;
 }
@@ -112,6 +107,16 @@ bool ZRFxCrossSectionsBlock::ReadCrossSection(const nvf::XmlElement& element) {
     crossSection.SetParameters(names, values);
     AddCrossSection(crossSection);
     return true;
+}
+
+void ZRFxCrossSectionsBlock::WriteCrossSection(nvf::XmlElement root,
+                                               const ZRFxCrossSection& crossSection) {
+    nvf::XmlElement element = root.addChildElement("CrossSection");
+    SetAttribute(element, kTypeAttribute, CrossSectionTypeName(crossSection.GetType()));
+    for (std::size_t i = 0; i < crossSection.GetParameters().size(); ++i) {
+        element.setAttributeFloat(crossSection.GetParameterNames()[i].CStr(),
+                                  crossSection.GetParameters()[i]);
+    }
 }
 
 }  // namespace unstruct

@@ -53,6 +53,8 @@ private:
 /// The cross sections that the beams of element blocks are expanded with.
 class ZRFxCrossSectionsBlock : public ZRFxBlock {
 public:
+    static constexpr ZRFxBlockType kType = BLOCK_CROSS_SECTIONS;
+
     ZRFxCrossSectionsBlock(ZRFxBlockStore* pDatabase, int id);
 
     void AddCrossSection(const ZRFxCrossSection& crossSection);
@@ -66,6 +68,7 @@ protected:
 
 private:
     bool ReadCrossSection(const nvf::XmlElement& element);
+    void WriteCrossSection(nvf::XmlElement root, const ZRFxCrossSection& crossSection);
 
     ZRPtrArray<ZRFxCrossSection> m_apCrossSections;
 };

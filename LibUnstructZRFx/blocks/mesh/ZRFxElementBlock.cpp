@@ -54,7 +54,7 @@ bool addToAll(std::int64_t value, ZRIntArray* items) {
 }  // namespace
 
 ZRFxElementBlock::ZRFxElementBlock(ZRFxBlockStore* pDatabase, int id)
-    : ZRFxBlock(pDatabase, id, BLOCK_ELEMENTS) {}
+    : ZRFxBlock(pDatabase, id, kType) {}
 
 bool ZRFxElementBlock::AddElementGroup(std::unique_ptr<ZRFxElementBlockGroup>& pGroup) {
     NVF_ASSERT(pGroup);
@@ -64,6 +64,32 @@ bool ZRFxElementBlock::AddElementGroup(std::unique_ptr<ZRFxElementBlockGroup>& p
     if (hasIDs != m_bWithIDs) return FailMixedIDs();
     m_apElementGroups.Add(std::move(pGroup));
     SetRead(true);
+    return true;
+}
+
+void ZRFxElementBlock::AddUserProperties(std::unique_ptr<ZRIntArray> paiProperties) {
+    NVF_ASSERT(paiProperties);
+    if (paiProperties) m_apUserProperties.Add(std::move(paiProperties));
+}
+
+void ZRFxElementBlock::RemoveElementGroups(std::int64_t iFrom, std::int64_t iTo) {
+    NVF_ASSERT(iTo >= 0 && iTo < m_apElementGroups.GetSize());
+    m_apElementGroups.RemoveRange(iFrom, iTo);
+}
+
+void ZRFxElementBlock::RemoveUserProperties(std::int64_t iFrom, std::int64_t iTo) {
+    NVF_ASSERT(iTo >= 0 && iTo < m_apUserProperties.GetSize());
+    m_apUserProperties.RemoveRange(iFrom, iTo);
+}
+
+bool ZRFxElementBlock::RenumberElementIndices() {
+    std::int32_t next = 0;
+    for (const auto& pGroup : m_apElementGroups) {
+        if (!pGroup->m_aiElementIndices.SetSize(pGroup->m_iNumElements)) return false;
+        std::int32_t* indices = pGroup->m_aiElementIndices.WritableData();
+        std::iota(indices, indices + pGroup->m_iNumElements, next);
+        next += static_cast<std::int32_t>(pGroup->m_iNumElements);
+    }
     return true;
 }
 
@@ -95,22 +121,6 @@ bool ZRFxElementBlock::GetAllElementIDs(ZRIntArray* paiElementIDs) const {
     return paiElementIDs->GetNumItems() == iNumElements;
 }
 
-bool ZRFxElementBlock::RenumberElementIndices() {
-    std::int32_t next = 0;
-    for (const auto& pGroup : m_apElementGroups) {
-        if (!pGroup->m_aiElementIndices.SetSize(pGroup->m_iNumElements)) return false;
-        std::int32_t* indices = pGroup->m_aiElementIndices.WritableData();
-        std::iota(indices, indices + pGroup->m_iNumElements, next);
-        next += static_cast<std::int32_t>(pGroup->m_iNumElements);
-    }
-    return true;
-}
-
-void ZRFxElementBlock::AddUserProperties(std::unique_ptr<ZRIntArray> paiProperties) {
-    NVF_ASSERT(paiProperties);
-    if (paiProperties) m_apUserProperties.Add(std::move(paiProperties));
-}
-
 const ZRIntArray* ZRFxElementBlock::GetUserProperties(std::int64_t iPropertiesIdx) const {
     NVF_ASSERT(iPropertiesIdx < m_apUserProperties.GetSize());
     return m_apUserProperties[iPropertiesIdx];
@@ -120,23 +130,10 @@ std::int64_t ZRFxElementBlock::GetNumUserProperties() const {
     return m_apUserProperties.GetSize();
 }
 
-void ZRFxElementBlock::RemoveElementGroups(std::int64_t iFrom, std::int64_t iTo) {
-    NVF_ASSERT(iTo >= 0 && iTo < m_apElementGroups.GetSize());
-    m_apElementGroups.RemoveRange(iFrom, iTo);
-}
-
-void ZRFxElementBlock::RemoveUserProperties(std::int64_t iFrom, std::int64_t iTo) {
-    NVF_ASSERT(iTo >= 0 && iTo < m_apUserProperties.GetSize());
-    m_apUserProperties.RemoveRange(iFrom, iTo);
-}
-
 bool ZRFxElementBlock::DoReadBlock(const nvf::XmlElement& root) {
     DoUnloadData();
-    m_iNodeBlockID = root.getAttributeInt("NodeBlock", -1);
-    m_bMapToNodeIDs = root.getAttributeBool("MapToNodeIDs", false);
+    ReadAttributes(root);
     const bool isWithIDs = root.getAttributeBool("WithID", false);
-    m_iCrossSectionsID = root.getAttributeInt("CrossSectionsID", -1);
-    m_iNumEccPerElement = root.getAttributeInt("NumEccPerElement", 0);
     for (nvf::XmlElement element = root.firstChildElement("ElementGroup"); element.notNull();
          element = element.nextSiblingElement("ElementGroup")) {
         auto pGroup = std::make_unique<ZRFxElementBlockGroup>();
@@ -167,13 +164,7 @@ bool ZRFxElementBlock::CheckContents() const {
 }
 
 bool ZRFxElementBlock::DoWriteBlock(nvf::XmlElement root) {
-    root.setAttributeInt("NodeBlock", m_iNodeBlockID);
-    root.setAttributeBool("MapToNodeIDs", m_bMapToNodeIDs);
-    root.setAttributeBool("WithID", m_bWithIDs);
-    if (m_iCrossSectionsID >= 0) {
-        root.setAttributeInt("CrossSectionsID", m_iCrossSectionsID);
-        root.setAttributeInt("NumEccPerElement", m_iNumEccPerElement);
-    }
+    WriteAttributes(root);
     for (std::int64_t i = 0; i < m_apElementGroups.GetSize(); ++i) {
         const ZRFxElementBlockGroup* pGroup = m_apElementGroups[i];
         NVF_ASSERT(pGroup);
@@ -190,55 +181,11 @@ void ZRFxElementBlock::DoUnloadData() {
     m_apUserProperties.RemoveAll();
 }
 
-bool ZRFxElementBlock::WriteGroup(nvf::XmlElement root, const ZRFxElementBlockGroup& group,
-                                  std::int64_t number) {
-    nvf::XmlElement element = root.addChildElement("ElementGroup");
-    SetAttribute(element, "Type", ZRFEMElementTypeName(group.m_iElementType));
-    element.setAttributeInt("NumElementNodes", static_cast<int>(group.m_aiConnectivity.GetSize()));
-    const ZRString base = GetFilebase(number);
-    ZRFxFileRecord file{base, group.m_iNumElements, m_bWithIDs ? base + "-IDs" : ZRString()};
-    if (m_bWithIDs && !m_pDatabase->WriteDataInt(file.ids, group.m_aiIDs, 1)) return false;
-    if (!group.m_aiElementIndices.IsEmpty() &&
-        !WriteFile(element, "ElementIndices", base + "-ElementIndices", group.m_aiElementIndices)) {
-        return false;
-    }
-    if (!WriteConnectivity(group, base) || !AddFileRecord(element, "File", file)) return false;
-    return WriteExpansion(element, group, base) && WritePolyhedrons(element, group, base);
-}
-
-// Node indices count from 1 in the file; node ids are written as they are.
-bool ZRFxElementBlock::WriteConnectivity(const ZRFxElementBlockGroup& group, const ZRString& name) {
-    if (m_bMapToNodeIDs) return m_pDatabase->WriteDataInt(name, group.m_aiConnectivity, 1);
-    ZRIntArray fromOne;
-    if (!fromOne.Assign(group.m_aiConnectivity.Data(), group.m_aiConnectivity.GetSize())) {
-        return false;
-    }
-    return addToAll(1, &fromOne) && m_pDatabase->WriteDataInt(name, fromOne, 1);
-}
-
-bool ZRFxElementBlock::WriteExpansion(nvf::XmlElement element, const ZRFxElementBlockGroup& group,
-                                      const ZRString& base) {
-    if (!IsExpanded(group)) return true;
-    return WriteFile(element, "ElementToCrossSectionMapping", base + "-ExpansionMapping",
-                     group.m_aiExpansionMapping) &&
-           WriteFile(element, "Directions", base + "-Directions", group.m_aDirections) &&
-           WriteFile(element, "Eccentricities", base + "-Eccentricities", group.m_aEccentricities);
-}
-
-bool ZRFxElementBlock::WritePolyhedrons(nvf::XmlElement element, const ZRFxElementBlockGroup& group,
-                                        const ZRString& base) {
-    return !group.IsPolyhedron() ||
-           std::all_of(kExtras.begin(), kExtras.end(), [&](const Extra& extra) {
-               return WriteFile(element, extra.key, base + extra.suffix, group.*extra.items);
-           });
-}
-
-// An empty array writes nothing but keeps its number.
-bool ZRFxElementBlock::WriteProperties(nvf::XmlElement root, const ZRIntArray& properties,
-                                       std::int64_t number) {
-    if (properties.IsEmpty()) return true;
-    return WriteFile(root.addChildElement("Properties"), "File",
-                     GetFilebase(number) + "-Properties", properties);
+void ZRFxElementBlock::ReadAttributes(const nvf::XmlElement& root) {
+    m_iNodeBlockID = root.getAttributeInt("NodeBlock", -1);
+    m_bMapToNodeIDs = root.getAttributeBool("MapToNodeIDs", false);
+    m_iCrossSectionsID = root.getAttributeInt("CrossSectionsID", -1);
+    m_iNumEccPerElement = root.getAttributeInt("NumEccPerElement", 0);
 }
 
 bool ZRFxElementBlock::ReadGroup(const nvf::XmlElement& element, ZRFxElementBlockGroup* group) {
@@ -415,13 +362,73 @@ bool ZRFxElementBlock::CheckLocalNodes(const ZRFxElementBlockGroup& group) const
     return true;
 }
 
+bool ZRFxElementBlock::CheckProperties(const ZRIntArray& properties, const ZRString& file) const {
+    return CheckCount(file, "properties", properties.GetSize(), GetNumElements());
+}
+
 bool ZRFxElementBlock::FailMixedIDs() const {
     return Log().fail("Either all element groups must have IDs or none. (Element block ID %1)",
                       GetID());
 }
 
-bool ZRFxElementBlock::CheckProperties(const ZRIntArray& properties, const ZRString& file) const {
-    return CheckCount(file, "properties", properties.GetSize(), GetNumElements());
+void ZRFxElementBlock::WriteAttributes(nvf::XmlElement root) {
+    root.setAttributeInt("NodeBlock", m_iNodeBlockID);
+    root.setAttributeBool("MapToNodeIDs", m_bMapToNodeIDs);
+    root.setAttributeBool("WithID", m_bWithIDs);
+    if (m_iCrossSectionsID < 0) return;
+    root.setAttributeInt("CrossSectionsID", m_iCrossSectionsID);
+    root.setAttributeInt("NumEccPerElement", m_iNumEccPerElement);
+}
+
+bool ZRFxElementBlock::WriteGroup(nvf::XmlElement root, const ZRFxElementBlockGroup& group,
+                                  std::int64_t number) {
+    nvf::XmlElement element = root.addChildElement("ElementGroup");
+    SetAttribute(element, "Type", ZRFEMElementTypeName(group.m_iElementType));
+    element.setAttributeInt("NumElementNodes", static_cast<int>(group.m_aiConnectivity.GetSize()));
+    const ZRString base = GetFilebase(number);
+    ZRFxFileRecord file{base, group.m_iNumElements, m_bWithIDs ? base + "-IDs" : ZRString()};
+    if (m_bWithIDs && !m_pDatabase->WriteDataInt(file.ids, group.m_aiIDs, 1)) return false;
+    if (!group.m_aiElementIndices.IsEmpty() &&
+        !WriteFile(element, "ElementIndices", base + "-ElementIndices", group.m_aiElementIndices)) {
+        return false;
+    }
+    if (!WriteConnectivity(group, base) || !AddFileRecord(element, "File", file)) return false;
+    return WriteExpansion(element, group, base) && WritePolyhedrons(element, group, base);
+}
+
+// Node indices count from 1 in the file; node ids are written as they are.
+bool ZRFxElementBlock::WriteConnectivity(const ZRFxElementBlockGroup& group, const ZRString& name) {
+    if (m_bMapToNodeIDs) return m_pDatabase->WriteDataInt(name, group.m_aiConnectivity, 1);
+    ZRIntArray fromOne;
+    if (!fromOne.Assign(group.m_aiConnectivity.Data(), group.m_aiConnectivity.GetSize())) {
+        return false;
+    }
+    return addToAll(1, &fromOne) && m_pDatabase->WriteDataInt(name, fromOne, 1);
+}
+
+bool ZRFxElementBlock::WriteExpansion(nvf::XmlElement element, const ZRFxElementBlockGroup& group,
+                                      const ZRString& base) {
+    if (!IsExpanded(group)) return true;
+    return WriteFile(element, "ElementToCrossSectionMapping", base + "-ExpansionMapping",
+                     group.m_aiExpansionMapping) &&
+           WriteFile(element, "Directions", base + "-Directions", group.m_aDirections) &&
+           WriteFile(element, "Eccentricities", base + "-Eccentricities", group.m_aEccentricities);
+}
+
+bool ZRFxElementBlock::WritePolyhedrons(nvf::XmlElement element, const ZRFxElementBlockGroup& group,
+                                        const ZRString& base) {
+    return !group.IsPolyhedron() ||
+           std::all_of(kExtras.begin(), kExtras.end(), [&](const Extra& extra) {
+               return WriteFile(element, extra.key, base + extra.suffix, group.*extra.items);
+           });
+}
+
+// An empty array writes nothing but keeps its number.
+bool ZRFxElementBlock::WriteProperties(nvf::XmlElement root, const ZRIntArray& properties,
+                                       std::int64_t number) {
+    if (properties.IsEmpty()) return true;
+    return WriteFile(root.addChildElement("Properties"), "File",
+                     GetFilebase(number) + "-Properties", properties);
 }
 
 }  // namespace unstruct

@@ -14,11 +14,23 @@ namespace unstruct {
 /// node block, and any number of integer properties, each with one value an element.
 class ZRFxElementBlock : public ZRFxBlock {
 public:
+    static constexpr ZRFxBlockType kType = BLOCK_ELEMENTS;
+
     ZRFxElementBlock(ZRFxBlockStore* pDatabase, int id);
 
     /// Takes the group over. False, with a message and the group left to the caller, when it has
     /// ids and the groups before it have none, or the reverse.
     bool AddElementGroup(std::unique_ptr<ZRFxElementBlockGroup>& pGroup);
+
+    /// Takes the array over.
+    void AddUserProperties(std::unique_ptr<ZRIntArray> paiProperties);
+
+    /// Removes what lies in a range of indices, both included.
+    void RemoveElementGroups(std::int64_t iFrom, std::int64_t iTo);
+    void RemoveUserProperties(std::int64_t iFrom, std::int64_t iTo);
+
+    /// Numbers the elements of all groups in one sequence from 0.
+    bool RenumberElementIndices();
 
     /// The group of an index; null after an assertion when there is none.
     ZRFxElementBlockGroup* GetElementGroup(std::int64_t iEltGroupIdx) const;
@@ -28,17 +40,8 @@ public:
     /// Replaces the array by the ids of all groups, in their order.
     bool GetAllElementIDs(ZRIntArray* paiElementIDs) const;
 
-    /// Numbers the elements of all groups in one sequence from 0.
-    bool RenumberElementIndices();
-
-    /// Takes the array over.
-    void AddUserProperties(std::unique_ptr<ZRIntArray> paiProperties);
     const ZRIntArray* GetUserProperties(std::int64_t iPropertiesIdx) const;
     std::int64_t GetNumUserProperties() const;
-
-    /// Removes what lies in a range of indices, both included.
-    void RemoveElementGroups(std::int64_t iFrom, std::int64_t iTo);
-    void RemoveUserProperties(std::int64_t iFrom, std::int64_t iTo);
 
     int GetNodeBlockID() const { return m_iNodeBlockID; }
     void SetNodeBlockID(int id) { m_iNodeBlockID = id; }
@@ -62,14 +65,7 @@ protected:
     void DoUnloadData() override;
 
 private:
-    bool WriteGroup(nvf::XmlElement root, const ZRFxElementBlockGroup& group, std::int64_t number);
-    bool WriteConnectivity(const ZRFxElementBlockGroup& group, const ZRString& name);
-    bool WriteExpansion(nvf::XmlElement element, const ZRFxElementBlockGroup& group,
-                        const ZRString& base);
-    bool WritePolyhedrons(nvf::XmlElement element, const ZRFxElementBlockGroup& group,
-                          const ZRString& base);
-    bool WriteProperties(nvf::XmlElement root, const ZRIntArray& properties, std::int64_t number);
-
+    void ReadAttributes(const nvf::XmlElement& root);
     bool ReadGroup(const nvf::XmlElement& element, ZRFxElementBlockGroup* group);
     bool ReadConnectivity(const nvf::XmlElement& element, const ZRString& name,
                           ZRFxElementBlockGroup* group);
@@ -78,8 +74,8 @@ private:
     bool ReadPolyhedrons(const nvf::XmlElement& element, ZRFxElementBlockGroup* group);
     bool ReadProperties(const nvf::XmlElement& element);
 
-    /// Checks that reading and writing share: reading names files as documents record them, writing
-    /// as it will write them.
+    // Checks that reading and writing share: reading names files as documents record them, writing
+    // as it will write them.
     bool CheckGroup(const ZRFxElementBlockGroup& group, const ZRString& base) const;
     bool CheckIDs(const ZRFxElementBlockGroup& group, const ZRString& file) const;
     bool CheckElementCount(const ZRFxElementBlockGroup& group, std::int64_t numNodes,
@@ -93,6 +89,15 @@ private:
     bool CheckLocalNodes(const ZRFxElementBlockGroup& group) const;
     bool CheckProperties(const ZRIntArray& properties, const ZRString& file) const;
     bool FailMixedIDs() const;
+
+    void WriteAttributes(nvf::XmlElement root);
+    bool WriteGroup(nvf::XmlElement root, const ZRFxElementBlockGroup& group, std::int64_t number);
+    bool WriteConnectivity(const ZRFxElementBlockGroup& group, const ZRString& name);
+    bool WriteExpansion(nvf::XmlElement element, const ZRFxElementBlockGroup& group,
+                        const ZRString& base);
+    bool WritePolyhedrons(nvf::XmlElement element, const ZRFxElementBlockGroup& group,
+                          const ZRString& base);
+    bool WriteProperties(nvf::XmlElement root, const ZRIntArray& properties, std::int64_t number);
 
     int m_iNodeBlockID = -1;
     int m_iCrossSectionsID = -1;

@@ -116,7 +116,7 @@ bool ZRFxGeometryState::IsGeometry(int iGlobalGeometryIndex) const {
 }
 
 ZRFxGeometryBlock::ZRFxGeometryBlock(ZRFxBlockStore* pDatabase, int id)
-    : ZRFxBlock(pDatabase, id, BLOCK_GEOMETRY) {}
+    : ZRFxBlock(pDatabase, id, kType) {}
 
 ZRFxGeometryState* ZRFxGeometryBlock::AddState(int stateID) {
     return AddState(std::make_unique<ZRFxGeometryState>(stateID, m_iGeometryCountPerState));
@@ -218,11 +218,7 @@ bool ZRFxGeometryBlock::DoWriteBlock(nvf::XmlElement root) {
     root.setAttributeInt(kCount, m_iGeometryCountPerState);
     for (const auto& pState : m_apStates) {
         NVF_ASSERT(pState);
-        nvf::XmlElement state = root.addChildElement("State");
-        state.setAttributeInt("ID", pState->GetStateID());
-        for (int geometry = 0; geometry < pState->GetGeometryCountPerState(); ++geometry) {
-            WriteGeometry(state, *pState, geometry);
-        }
+        WriteState(root, *pState);
     }
     return true;
 }
@@ -239,21 +235,6 @@ std::vector<ZRFxGeometryPart> ZRFxGeometryBlock::PartsOf(const ZRFxGeometryState
         parts.push_back(state.GetPart(geometry, i));
     }
     return parts;
-}
-
-void ZRFxGeometryBlock::WriteGeometry(nvf::XmlElement state, const ZRFxGeometryState& record,
-                                      int geometry) {
-    const int numParts = record.GetPartCount(geometry);
-    nvf::XmlElement element = state.addChildElement("Geometry");
-    element.setAttributeInt("Index", geometry);
-    element.setAttributeInt("APIGeometryID",
-                            numParts > 0 ? record.GetPart(geometry, 0).apiGeometryID : -1);
-    for (int i = 0; i < numParts; ++i) {
-        const ZRFxGeometryPart part = record.GetPart(geometry, i);
-        nvf::XmlElement child = element.addChildElement(ZRFxBlockTypeName(part.blockType).CStr());
-        child.setAttributeInt("BlockID", part.blockID);
-        child.setAttributeInt("PartID", part.partID);
-    }
 }
 
 bool ZRFxGeometryBlock::ReadGeometries(const nvf::XmlElement& element, ZRFxGeometryState* pState) {
@@ -327,6 +308,29 @@ bool ZRFxGeometryBlock::FailGeometryCount() const {
 
 bool ZRFxGeometryBlock::FailIndex() const {
     return Log().fail("Illegal Geometry Index specified in Geometry::State::Geometry block");
+}
+
+void ZRFxGeometryBlock::WriteState(nvf::XmlElement root, const ZRFxGeometryState& record) {
+    nvf::XmlElement state = root.addChildElement("State");
+    state.setAttributeInt("ID", record.GetStateID());
+    for (int geometry = 0; geometry < record.GetGeometryCountPerState(); ++geometry) {
+        WriteGeometry(state, record, geometry);
+    }
+}
+
+void ZRFxGeometryBlock::WriteGeometry(nvf::XmlElement state, const ZRFxGeometryState& record,
+                                      int geometry) {
+    const int numParts = record.GetPartCount(geometry);
+    nvf::XmlElement element = state.addChildElement("Geometry");
+    element.setAttributeInt("Index", geometry);
+    element.setAttributeInt("APIGeometryID",
+                            numParts > 0 ? record.GetPart(geometry, 0).apiGeometryID : -1);
+    for (int i = 0; i < numParts; ++i) {
+        const ZRFxGeometryPart part = record.GetPart(geometry, i);
+        nvf::XmlElement child = element.addChildElement(ZRFxBlockTypeName(part.blockType).CStr());
+        child.setAttributeInt("BlockID", part.blockID);
+        child.setAttributeInt("PartID", part.partID);
+    }
 }
 
 }  // namespace unstruct

@@ -89,14 +89,18 @@ struct ZRFxGeometryInfo {
 /// Which blocks make up the model, as geometries made of parts: for each state, or once for all.
 class ZRFxGeometryBlock : public ZRFxBlock {
 public:
+    static constexpr ZRFxBlockType kType = BLOCK_GEOMETRY;
+
     ZRFxGeometryBlock(ZRFxBlockStore* pDatabase, int id);
 
-    int GetGeometryCountPerState() const { return m_iGeometryCountPerState; }
+    /// How many geometries states have that are added from now on.
     void SetGeometryCountPerState(int count) { m_iGeometryCountPerState = count; }
 
     /// Appends a state, without parts or one that was made for the block.
     ZRFxGeometryState* AddState(int stateID);
     ZRFxGeometryState* AddState(std::unique_ptr<ZRFxGeometryState> pState);
+
+    int GetGeometryCountPerState() const { return m_iGeometryCountPerState; }
     std::int64_t GetStateCount() const { return m_apStates.GetSize(); }
     ZRFxGeometryState* GetState(std::int64_t index) const { return m_apStates[index]; }
 
@@ -129,7 +133,6 @@ protected:
 
 private:
     std::vector<ZRFxGeometryPart> PartsOf(const ZRFxGeometryState& state, int geometry) const;
-    void WriteGeometry(nvf::XmlElement state, const ZRFxGeometryState& record, int geometry);
     bool ReadGeometries(const nvf::XmlElement& element, ZRFxGeometryState* pState);
     bool ReadLegacyParts(const nvf::XmlElement& element, ZRFxGeometryState* pState);
     bool ReadPart(const nvf::XmlElement& element, ZRFxGeometryPart* part) const;
@@ -138,6 +141,8 @@ private:
     bool CheckPart(const ZRFxGeometryPart& part) const;
     bool FailGeometryCount() const;
     bool FailIndex() const;
+    void WriteState(nvf::XmlElement root, const ZRFxGeometryState& record);
+    void WriteGeometry(nvf::XmlElement state, const ZRFxGeometryState& record, int geometry);
 
     int m_iGeometryCountPerState = 1;
     ZRPtrArray<ZRFxGeometryState> m_apStates;

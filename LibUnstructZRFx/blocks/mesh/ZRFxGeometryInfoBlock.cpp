@@ -19,7 +19,7 @@ ZRFxPartInfo ZRFxPartInfos::GetPartInfo(int iIndex) const {
 }
 
 ZRFxGeometryInfoBlock::ZRFxGeometryInfoBlock(ZRFxBlockStore* pDatabase, int id)
-    : ZRFxBlock(pDatabase, id, BLOCK_GEOMETRY_INFO) {}
+    : ZRFxBlock(pDatabase, id, kType) {}
 
 void ZRFxGeometryInfoBlock::SetGeometryCountPerState(int count) {
     m_geometries.assign(static_cast<std::size_t>(std::max(count, 0)), {});
@@ -42,36 +42,14 @@ bool ZRFxGeometryInfoBlock::DoReadBlock(const nvf::XmlElement& root) {
     m_geometries.assign(static_cast<std::size_t>(count), {});
     for (nvf::XmlElement geometry = root.firstChildElement("Geometry"); geometry.notNull();
          geometry = geometry.nextSiblingElement("Geometry")) {
-        const int index = geometry.getAttributeInt("Index", -1);
-        if (index < 0 || index >= count) {
-            return Log().fail("GeometryInfo::Geometry::Index invalid");
-        }
-        for (nvf::XmlElement part = geometry.firstChildElement("Part"); part.notNull();
-             part = part.nextSiblingElement("Part")) {
-            m_geometries[static_cast<std::size_t>(index)].AddPartInfo(
-                {part.getAttributeInt("PartID", -1), part.getAttributeInt("ParentPartID", -1),
-                 GetAttribute(part, "PartName"),
-                 part.getAttributeBool("BoundaryCondition", false)});
-        }
+        if (!ReadGeometry(geometry)) return false;
     }
     return true;
 }
 
 bool ZRFxGeometryInfoBlock::DoWriteBlock(nvf::XmlElement root) {
     root.setAttributeInt("GeometryCountPerState", GetGeometryCountPerState());
-    for (int geometry = 0; geometry < GetGeometryCountPerState(); ++geometry) {
-        nvf::XmlElement element = root.addChildElement("Geometry");
-        element.setAttributeInt("Index", geometry);
-        const ZRFxPartInfos& parts = m_geometries[static_cast<std::size_t>(geometry)];
-        for (int i = 0; i < parts.GetPartCount(); ++i) {
-            const ZRFxPartInfo info = parts.GetPartInfo(i);
-            nvf::XmlElement part = element.addChildElement("Part");
-            part.setAttributeInt("PartID", info.partID);
-            part.setAttributeInt("ParentPartID", info.parentPartID);
-            SetAttribute(part, "PartName", info.partName);
-            part.setAttributeBool("BoundaryCondition", info.boundaryCondition);
-        }
-    }
+    for (int i = 0; i < GetGeometryCountPerState(); ++i) WriteGeometry(root, i);
     return true;
 }
 
@@ -79,9 +57,37 @@ void ZRFxGeometryInfoBlock::DoUnloadData() {
     m_geometries.clear();
 }
 
+bool ZRFxGeometryInfoBlock::ReadGeometry(const nvf::XmlElement& geometry) {
+    const int index = geometry.getAttributeInt("Index", -1);
+    if (index < 0 || index >= GetGeometryCountPerState()) {
+        return Log().fail("GeometryInfo::Geometry::Index invalid");
+    }
+    for (nvf::XmlElement part = geometry.firstChildElement("Part"); part.notNull();
+         part = part.nextSiblingElement("Part")) {
+        m_geometries[static_cast<std::size_t>(index)].AddPartInfo(
+            {part.getAttributeInt("PartID", -1), part.getAttributeInt("ParentPartID", -1),
+             GetAttribute(part, "PartName"), part.getAttributeBool("BoundaryCondition", false)});
+    }
+    return true;
+}
+
 bool ZRFxGeometryInfoBlock::CheckGeometryCount(int count) const {
     return (count >= 0 && count <= kMostGeometriesPerState) ||
            Log().fail("GeometryInfo::GeometryCountPerState invalid");
+}
+
+void ZRFxGeometryInfoBlock::WriteGeometry(nvf::XmlElement root, int index) {
+    nvf::XmlElement geometry = root.addChildElement("Geometry");
+    geometry.setAttributeInt("Index", index);
+    const ZRFxPartInfos& parts = m_geometries[static_cast<std::size_t>(index)];
+    for (int i = 0; i < parts.GetPartCount(); ++i) {
+        const ZRFxPartInfo info = parts.GetPartInfo(i);
+        nvf::XmlElement part = geometry.addChildElement("Part");
+        part.setAttributeInt("PartID", info.partID);
+        part.setAttributeInt("ParentPartID", info.parentPartID);
+        SetAttribute(part, "PartName", info.partName);
+        part.setAttributeBool("BoundaryCondition", info.boundaryCondition);
+    }
 }
 
 }  // namespace unstruct

@@ -33,12 +33,14 @@ private:
 /// Names, parents and kinds of the parts of each geometry.
 class ZRFxGeometryInfoBlock : public ZRFxBlock {
 public:
-    ZRFxGeometryInfoBlock(ZRFxBlockStore* pDatabase, int id);
+    static constexpr ZRFxBlockType kType = BLOCK_GEOMETRY_INFO;
 
-    int GetGeometryCountPerState() const { return static_cast<int>(m_geometries.size()); }
+    ZRFxGeometryInfoBlock(ZRFxBlockStore* pDatabase, int id);
 
     /// Replaces all part infos by none, for a number of geometries.
     void SetGeometryCountPerState(int count);
+
+    int GetGeometryCountPerState() const { return static_cast<int>(m_geometries.size()); }
 
     /// The part infos of a geometry; null after an assertion when there is no such geometry.
     ZRFxPartInfos* GetPartInfos(int iGeometryIndex);
@@ -51,7 +53,9 @@ protected:
     void DoUnloadData() override;
 
 private:
+    bool ReadGeometry(const nvf::XmlElement& geometry);
     bool CheckGeometryCount(int count) const;
+    void WriteGeometry(nvf::XmlElement root, int index);
 
     std::vector<ZRFxPartInfos> m_geometries;
 };

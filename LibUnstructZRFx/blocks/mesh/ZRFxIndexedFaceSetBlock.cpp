@@ -6,7 +6,7 @@
 namespace unstruct {
 
 ZRFxIndexedFaceSetBlock::ZRFxIndexedFaceSetBlock(ZRFxBlockStore* pDatabase, int id)
-    : ZRFxBlock(pDatabase, id, BLOCK_INDEXED_FACE_SET) {}
+    : ZRFxBlock(pDatabase, id, kType) {}
 
 bool ZRFxIndexedFaceSetBlock::SetConnects(const std::int32_t* paiConnects,
                                           std::int64_t iNumConnects) {
@@ -54,21 +54,31 @@ bool ZRFxIndexedFaceSetBlock::DoWriteBlock(nvf::XmlElement root) {
     root.setAttributeBool("MapToNodeIDs", m_bMapToNodeIDs);
     root.setAttributeBool("WithID", m_paiIDs != nullptr);
     root.setAttributeInt("NumPolygons", static_cast<int>(GetNumPolygons()));
-    ZRIntArray packed;
-    if (!Pack(&packed)) return false;
-    ZRFxFileRecord file{GetFilebase(), packed.GetSize(), ZRString()};
-    if (!m_pDatabase->WriteDataInt(file.filename, packed, 1)) return false;
-    if (m_paiIDs) {
-        file.ids = file.filename + "-IDs";
-        if (!m_pDatabase->WriteDataInt(file.ids, *m_paiIDs, 1)) return false;
-    }
-    return AddFileRecord(root, "File", file);
+    return WritePolygons(root);
 }
 
 void ZRFxIndexedFaceSetBlock::DoUnloadData() {
     m_aiConnects.RemoveAll();
     m_aiPolygonStart.RemoveAll();
     m_paiIDs.reset();
+}
+
+bool ZRFxIndexedFaceSetBlock::Unpack(const ZRString& file, const ZRIntArray& packed,
+                                     std::int64_t numPolygons) {
+    const int offset = m_bMapToNodeIDs ? 0 : 1;
+    if (!m_aiConnects.Reserve(packed.GetSize())) return false;
+    for (std::int64_t at = 0; at < packed.GetSize();) {
+        const std::int64_t count = packed[at++];
+        if (count < 0 || count > packed.GetSize() - at) {
+            return FailUnfit(file, "nodes of the last polygon", packed.GetSize() - at, count);
+        }
+        m_aiPolygonStart.Add(static_cast<std::int32_t>(m_aiConnects.GetSize()));
+        for (const std::int64_t end = at + count; at < end; ++at) {
+            // The lowest value stays negative.
+            m_aiConnects.Add(packed[at] < 0 ? packed[at] : packed[at] - offset);
+        }
+    }
+    return CheckCount(file, "polygons", GetNumPolygons(), numPolygons);
 }
 
 bool ZRFxIndexedFaceSetBlock::CheckPolygons(const ZRString& file) const {
@@ -88,6 +98,18 @@ bool ZRFxIndexedFaceSetBlock::CheckPolygons(const ZRString& file) const {
     return m_bMapToNodeIDs || CheckIndices(file, "node index", m_aiConnects, kHighestFromOne);
 }
 
+bool ZRFxIndexedFaceSetBlock::WritePolygons(nvf::XmlElement root) {
+    ZRIntArray packed;
+    if (!Pack(&packed)) return false;
+    ZRFxFileRecord file{GetFilebase(), packed.GetSize(), ZRString()};
+    if (!m_pDatabase->WriteDataInt(file.filename, packed, 1)) return false;
+    if (m_paiIDs) {
+        file.ids = file.filename + "-IDs";
+        if (!m_pDatabase->WriteDataInt(file.ids, *m_paiIDs, 1)) return false;
+    }
+    return AddFileRecord(root, "File", file);
+}
+
 bool ZRFxIndexedFaceSetBlock::Pack(ZRIntArray* packed) const {
     const int offset = m_bMapToNodeIDs ? 0 : 1;
     if (!packed->Reserve(m_aiConnects.GetSize() + GetNumPolygons())) return false;
@@ -99,24 +121,6 @@ bool ZRFxIndexedFaceSetBlock::Pack(ZRIntArray* packed) const {
         for (std::int64_t at = begin; at < end; ++at) packed->Add(m_aiConnects[at] + offset);
     }
     return true;
-}
-
-bool ZRFxIndexedFaceSetBlock::Unpack(const ZRString& file, const ZRIntArray& packed,
-                                     std::int64_t numPolygons) {
-    const int offset = m_bMapToNodeIDs ? 0 : 1;
-    if (!m_aiConnects.Reserve(packed.GetSize())) return false;
-    for (std::int64_t at = 0; at < packed.GetSize();) {
-        const std::int64_t count = packed[at++];
-        if (count < 0 || count > packed.GetSize() - at) {
-            return FailUnfit(file, "nodes of the last polygon", packed.GetSize() - at, count);
-        }
-        m_aiPolygonStart.Add(static_cast<std::int32_t>(m_aiConnects.GetSize()));
-        for (const std::int64_t end = at + count; at < end; ++at) {
-            // The lowest value stays negative.
-            m_aiConnects.Add(packed[at] < 0 ? packed[at] : packed[at] - offset);
-        }
-    }
-    return CheckCount(file, "polygons", GetNumPolygons(), numPolygons);
 }
 
 }  // namespace unstruct

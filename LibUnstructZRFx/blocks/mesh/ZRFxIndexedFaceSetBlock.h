@@ -12,6 +12,8 @@ namespace unstruct {
 /// of its nodes and then the nodes: indices from 1, or node ids.
 class ZRFxIndexedFaceSetBlock : public ZRFxBlock {
 public:
+    static constexpr ZRFxBlockType kType = BLOCK_INDEXED_FACE_SET;
+
     ZRFxIndexedFaceSetBlock(ZRFxBlockStore* pDatabase, int id);
 
     /// Replaces the nodes of all polygons, polygon after polygon, by a copy.
@@ -39,9 +41,10 @@ protected:
     void DoUnloadData() override;
 
 private:
-    bool CheckPolygons(const ZRString& file) const;
-    bool Pack(ZRIntArray* packed) const;
     bool Unpack(const ZRString& file, const ZRIntArray& packed, std::int64_t numPolygons);
+    bool CheckPolygons(const ZRString& file) const;
+    bool WritePolygons(nvf::XmlElement root);
+    bool Pack(ZRIntArray* packed) const;
 
     int m_iNodeBlockID = -1;
     bool m_bMapToNodeIDs = false;

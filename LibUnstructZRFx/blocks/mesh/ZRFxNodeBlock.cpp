@@ -8,8 +8,7 @@
 
 namespace unstruct {
 
-ZRFxNodeBlock::ZRFxNodeBlock(ZRFxBlockStore* pDatabase, int id)
-    : ZRFxBlock(pDatabase, id, BLOCK_NODES) {}
+ZRFxNodeBlock::ZRFxNodeBlock(ZRFxBlockStore* pDatabase, int id) : ZRFxBlock(pDatabase, id, kType) {}
 
 bool ZRFxNodeBlock::SetNodes(const nuo::Vec3f* pfNodes, std::int64_t iNumNodes,
                              const std::int32_t* piNodeIDs) {
@@ -90,7 +89,16 @@ bool ZRFxNodeBlock::DoReadBlock(const nvf::XmlElement& root) {
 
 bool ZRFxNodeBlock::DoWriteBlock(nvf::XmlElement root) {
     root.setAttributeBool("WithID", m_paiNodeIDs != nullptr);
-    if (m_nodes.IsEmpty()) return true;
+    return m_nodes.IsEmpty() || WriteNodes(root);
+}
+
+void ZRFxNodeBlock::DoUnloadData() {
+    m_nodes.RemoveAll();
+    m_paiNodeIDs.reset();
+    m_indices = ZRIDLookup();
+}
+
+bool ZRFxNodeBlock::WriteNodes(nvf::XmlElement root) {
     ZRFxFileRecord file{GetFilebase(), m_nodes.GetSize(), ZRString()};
     if (!m_pDatabase->WriteDataVector(file.filename, m_nodes)) return false;
     if (m_paiNodeIDs) {
@@ -98,12 +106,6 @@ bool ZRFxNodeBlock::DoWriteBlock(nvf::XmlElement root) {
         if (!m_pDatabase->WriteDataInt(file.ids, *m_paiNodeIDs, 1)) return false;
     }
     return AddFileRecord(root, "File", file);
-}
-
-void ZRFxNodeBlock::DoUnloadData() {
-    m_nodes.RemoveAll();
-    m_paiNodeIDs.reset();
-    m_indices = ZRIDLookup();
 }
 
 }  // namespace unstruct

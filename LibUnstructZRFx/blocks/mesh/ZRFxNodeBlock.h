@@ -12,6 +12,8 @@ namespace unstruct {
 /// The nodes of a model: positions and, optionally, one user id a node.
 class ZRFxNodeBlock : public ZRFxBlock {
 public:
+    static constexpr ZRFxBlockType kType = BLOCK_NODES;
+
     ZRFxNodeBlock(ZRFxBlockStore* pDatabase, int id);
 
     /// Replaces the nodes by a copy of `iNumNodes` positions and, unless null, as many ids.
@@ -44,6 +46,8 @@ protected:
     void DoUnloadData() override;
 
 private:
+    bool WriteNodes(nvf::XmlElement root);
+
     ZRVec3fArray m_nodes;
     std::unique_ptr<ZRIntArray> m_paiNodeIDs;
     mutable ZRIDLookup m_indices;  // Of the nodes that were there when one was last asked for.

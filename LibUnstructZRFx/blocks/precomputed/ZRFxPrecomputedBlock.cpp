@@ -45,47 +45,9 @@ bool ZRFxPrecomputedBlock::DoWriteBlock(nvf::XmlElement root) {
     WriteAttributes(root);
     for (const auto& pState : m_apStates) {
         NVF_ASSERT(pState);
-        nvf::XmlElement state = root.addChildElement("State");
-        state.setAttributeInt("ID", pState->m_iStateID);
-        for (const auto& pTrace : pState->apTraces) {
-            NVF_ASSERT(pTrace);
-            WriteTrace(state, *pTrace);
-        }
-        for (const auto& pPart : pState->apParts) {
-            NVF_ASSERT(pPart);
-            WritePart(state, *pPart);
-        }
-        for (const auto& pGrid : pState->apGrids) WriteGrid(state, *pGrid);
+        WriteState(root, *pState);
     }
     return true;
-}
-
-void ZRFxPrecomputedBlock::WriteTrace(nvf::XmlElement state, const ZRFxPrecomputedTrace& trace) {
-    nvf::XmlElement element = state.addChildElement("ParticleTrace");
-    element.setAttributeInt("PositionNodeBlockID", trace.positionNodeBlockID);
-    element.setAttributeInt("TimeResultBlockID", trace.timeResultBlockID);
-    element.setAttributeInt("ScalarResultBlockID", trace.scalarResultBlockID);
-    element.setAttributeInt("VectorResultBlockID", trace.vectorResultBlockID);
-}
-
-void ZRFxPrecomputedBlock::WritePart(nvf::XmlElement state, const ZRFxPrecomputedPart& part) {
-    nvf::XmlElement element = state.addChildElement("Part");
-    element.setAttributeInt("IFSBlockID", part.ifsBlockID);
-    element.setAttributeInt("NodeBlockID", part.nodeBlockID);
-    element.setAttributeInt("FringesResultBlockID", part.fringesResultBlockID);
-    SetAttribute(element, "FringesResultMapping", ResultMappingName(part.fringesResultMapping));
-    element.setAttributeInt("VectorResultBlockID", part.vectorResultBlockID);
-    if (HasPartColors()) SetAttribute(element, "SurfaceColor", part.surfaceColor);
-}
-
-void ZRFxPrecomputedBlock::WriteGrid(nvf::XmlElement state, const ZRFxPrecomputedGrid& grid) {
-    nvf::XmlElement element = state.addChildElement("Grid");
-    element.setAttributeInt("NodeBlockID", grid.nodeBlockID);
-    element.setAttributeInt("NumI", grid.numI);
-    element.setAttributeInt("NumJ", grid.numJ);
-    element.setAttributeInt("ComputedResultBlockID", grid.computedResultBlockID);
-    element.setAttributeInt("ScalarResultBlockID", grid.scalarResultBlockID);
-    element.setAttributeInt("VectorResultBlockID", grid.vectorResultBlockID);
 }
 
 void ZRFxPrecomputedBlock::ReadTraces(const nvf::XmlElement& element,
@@ -135,6 +97,48 @@ bool ZRFxPrecomputedBlock::ReadGrids(const nvf::XmlElement& element, ZRFxPrecomp
 bool ZRFxPrecomputedBlock::CheckGrid(const ZRFxPrecomputedGrid& grid) const {
     const int lowest = std::min(grid.numI, grid.numJ);
     return lowest >= 0 || FailUnfit(GetDocumentName(), "grid lines", lowest, 0);
+}
+
+void ZRFxPrecomputedBlock::WriteState(nvf::XmlElement root, const ZRFxPrecomputedState& record) {
+    nvf::XmlElement state = root.addChildElement("State");
+    state.setAttributeInt("ID", record.m_iStateID);
+    for (const auto& pTrace : record.apTraces) {
+        NVF_ASSERT(pTrace);
+        WriteTrace(state, *pTrace);
+    }
+    for (const auto& pPart : record.apParts) {
+        NVF_ASSERT(pPart);
+        WritePart(state, *pPart);
+    }
+    for (const auto& pGrid : record.apGrids) WriteGrid(state, *pGrid);
+}
+
+void ZRFxPrecomputedBlock::WriteTrace(nvf::XmlElement state, const ZRFxPrecomputedTrace& trace) {
+    nvf::XmlElement element = state.addChildElement("ParticleTrace");
+    element.setAttributeInt("PositionNodeBlockID", trace.positionNodeBlockID);
+    element.setAttributeInt("TimeResultBlockID", trace.timeResultBlockID);
+    element.setAttributeInt("ScalarResultBlockID", trace.scalarResultBlockID);
+    element.setAttributeInt("VectorResultBlockID", trace.vectorResultBlockID);
+}
+
+void ZRFxPrecomputedBlock::WritePart(nvf::XmlElement state, const ZRFxPrecomputedPart& part) {
+    nvf::XmlElement element = state.addChildElement("Part");
+    element.setAttributeInt("IFSBlockID", part.ifsBlockID);
+    element.setAttributeInt("NodeBlockID", part.nodeBlockID);
+    element.setAttributeInt("FringesResultBlockID", part.fringesResultBlockID);
+    SetAttribute(element, "FringesResultMapping", ResultMappingName(part.fringesResultMapping));
+    element.setAttributeInt("VectorResultBlockID", part.vectorResultBlockID);
+    if (HasPartColors()) SetAttribute(element, "SurfaceColor", part.surfaceColor);
+}
+
+void ZRFxPrecomputedBlock::WriteGrid(nvf::XmlElement state, const ZRFxPrecomputedGrid& grid) {
+    nvf::XmlElement element = state.addChildElement("Grid");
+    element.setAttributeInt("NodeBlockID", grid.nodeBlockID);
+    element.setAttributeInt("NumI", grid.numI);
+    element.setAttributeInt("NumJ", grid.numJ);
+    element.setAttributeInt("ComputedResultBlockID", grid.computedResultBlockID);
+    element.setAttributeInt("ScalarResultBlockID", grid.scalarResultBlockID);
+    element.setAttributeInt("VectorResultBlockID", grid.vectorResultBlockID);
 }
 
 }  // namespace unstruct

@@ -72,13 +72,14 @@ protected:
     virtual bool HasPartColors() const { return false; }
 
 private:
-    void WriteTrace(nvf::XmlElement state, const ZRFxPrecomputedTrace& trace);
-    void WritePart(nvf::XmlElement state, const ZRFxPrecomputedPart& part);
-    void WriteGrid(nvf::XmlElement state, const ZRFxPrecomputedGrid& grid);
     void ReadTraces(const nvf::XmlElement& element, ZRFxPrecomputedState* pState);
     void ReadParts(const nvf::XmlElement& element, ZRFxPrecomputedState* pState);
     bool ReadGrids(const nvf::XmlElement& element, ZRFxPrecomputedState* pState);
     bool CheckGrid(const ZRFxPrecomputedGrid& grid) const;
+    void WriteState(nvf::XmlElement root, const ZRFxPrecomputedState& record);
+    void WriteTrace(nvf::XmlElement state, const ZRFxPrecomputedTrace& trace);
+    void WritePart(nvf::XmlElement state, const ZRFxPrecomputedPart& part);
+    void WriteGrid(nvf::XmlElement state, const ZRFxPrecomputedGrid& grid);
 
     ZRPtrArray<ZRFxPrecomputedState> m_apStates;
 };

@@ -6,40 +6,30 @@ namespace unstruct {
 
 ZRFxPrecomputedCuttingPlaneBlock::ZRFxPrecomputedCuttingPlaneBlock(ZRFxBlockStore* pDatabase,
                                                                    int id)
-    : ZRFxPrecomputedBlock(pDatabase, id, BLOCK_PRECOMPUTED_CUTTING_PLANE) {}
+    : ZRFxPrecomputedSurfaceBlock(pDatabase, id, kType) {}
 
-void ZRFxPrecomputedCuttingPlaneBlock::ReadAttributes(const nvf::XmlElement& root) {
-    m_iCaseID = root.getAttributeInt("CaseID", -1);
+void ZRFxPrecomputedCuttingPlaneBlock::ReadOwnAttributes(const nvf::XmlElement& root) {
     m_iCuttingPlaneID = root.getAttributeInt("CuttingPlaneID", -1);
     m_vPoint = GetVec3d(root, "Point");
     m_vNormal = GetVec3d(root, "Normal");
-    m_iMapScalarResultId = root.getAttributeInt("MapScalarResultId", -1);
-    m_iMapVectorResultId = root.getAttributeInt("MapVectorResultId", -1);
     m_dGridSpacing = GetDouble(root, "GridSpacing", 0);
-    m_bSurfaceVisible = root.getAttributeBool("SurfaceVisible", false);
-    m_cSurfaceColor = GetColor(root, "SurfaceColor");
-    m_fOpacity = root.getAttributeFloat("Opacity", 1);
-    m_fSpecularIntensity = root.getAttributeFloat("SpecularIntensity", 0);
     m_bUseClipping = root.getAttributeBool("UseClipping", false);
     m_bGridLinesVisible = root.getAttributeBool("GridLinesVisible", false);
-    m_sDrawStyle = ZRString(root.getAttributeUtf8("DrawStyle", "surface"));
 }
 
-void ZRFxPrecomputedCuttingPlaneBlock::WriteAttributes(nvf::XmlElement root) {
-    root.setAttributeInt("CaseID", m_iCaseID);
+void ZRFxPrecomputedCuttingPlaneBlock::WriteShape(nvf::XmlElement root) {
     root.setAttributeInt("CuttingPlaneID", m_iCuttingPlaneID);
     SetAttribute(root, "Point", m_vPoint);
     SetAttribute(root, "Normal", m_vNormal);
-    root.setAttributeInt("MapScalarResultId", m_iMapScalarResultId);
-    root.setAttributeInt("MapVectorResultId", m_iMapVectorResultId);
+}
+
+void ZRFxPrecomputedCuttingPlaneBlock::WriteGridSpacing(nvf::XmlElement root) {
     SetAttribute(root, "GridSpacing", m_dGridSpacing);
-    root.setAttributeBool("SurfaceVisible", m_bSurfaceVisible);
-    SetAttribute(root, "SurfaceColor", m_cSurfaceColor);
-    root.setAttributeFloat("Opacity", m_fOpacity);
-    root.setAttributeFloat("SpecularIntensity", m_fSpecularIntensity);
+}
+
+void ZRFxPrecomputedCuttingPlaneBlock::WriteClipping(nvf::XmlElement root) {
     root.setAttributeBool("UseClipping", m_bUseClipping);
     root.setAttributeBool("GridLinesVisible", m_bGridLinesVisible);
-    SetAttribute(root, "DrawStyle", m_sDrawStyle);
 }
 
 }  // namespace unstruct

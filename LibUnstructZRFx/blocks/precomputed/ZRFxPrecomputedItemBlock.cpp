@@ -25,7 +25,7 @@ int PrecomputedItemTypeFromName(const ZRString& name) {
 }
 
 ZRFxPrecomputedItemBlock::ZRFxPrecomputedItemBlock(ZRFxBlockStore* pDatabase, int id)
-    : ZRFxPrecomputedBlock(pDatabase, id, BLOCK_PRECOMPUTED_ITEM) {}
+    : ZRFxPrecomputedBlock(pDatabase, id, kType) {}
 
 void ZRFxPrecomputedItemBlock::ReadAttributes(const nvf::XmlElement& root) {
     m_iItemType = PrecomputedItemTypeFromName(GetAttribute(root, "ItemType"));

@@ -13,6 +13,8 @@ int PrecomputedItemTypeFromName(const ZRString& name);
 /// A ready-made item of a case, of any kind: surfaces, grids and particle traces for each state.
 class ZRFxPrecomputedItemBlock : public ZRFxPrecomputedBlock {
 public:
+    static constexpr ZRFxBlockType kType = BLOCK_PRECOMPUTED_ITEM;
+
     ZRFxPrecomputedItemBlock(ZRFxBlockStore* pDatabase, int id);
 
     int m_iItemType = kItemTypeUnnamed;

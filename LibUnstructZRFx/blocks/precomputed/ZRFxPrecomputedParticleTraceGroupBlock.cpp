@@ -6,7 +6,7 @@ namespace unstruct {
 
 ZRFxPrecomputedParticleTraceGroupBlock::ZRFxPrecomputedParticleTraceGroupBlock(
     ZRFxBlockStore* pDatabase, int id)
-    : ZRFxBlock(pDatabase, id, BLOCK_PRECOMPUTED_PARTICLE_TRACE_GROUP) {}
+    : ZRFxBlock(pDatabase, id, kType) {}
 
 void ZRFxPrecomputedParticleTraceGroupBlock::AddTrace(const ZRFxParticleTrace& trace) {
     m_apTraces.Add(std::make_unique<ZRFxParticleTrace>(trace));
@@ -35,16 +35,21 @@ bool ZRFxPrecomputedParticleTraceGroupBlock::DoWriteBlock(nvf::XmlElement root) 
     root.setAttributeInt("MapScalarResultId", m_iMapScalarResultId);
     for (const auto& pTrace : m_apTraces) {
         NVF_ASSERT(pTrace);
-        nvf::XmlElement trace = root.addChildElement("Trace");
-        trace.setAttributeInt("PositionsBlockID", pTrace->positionsBlockID);
-        trace.setAttributeInt("TimeStampsBlockID", pTrace->timeStampsBlockID);
-        trace.setAttributeInt("MapScalarsBlockID", pTrace->mapScalarsBlockID);
+        WriteTrace(root, *pTrace);
     }
     return true;
 }
 
 void ZRFxPrecomputedParticleTraceGroupBlock::DoUnloadData() {
     m_apTraces.RemoveAll();
+}
+
+void ZRFxPrecomputedParticleTraceGroupBlock::WriteTrace(nvf::XmlElement root,
+                                                        const ZRFxParticleTrace& trace) {
+    nvf::XmlElement element = root.addChildElement("Trace");
+    element.setAttributeInt("PositionsBlockID", trace.positionsBlockID);
+    element.setAttributeInt("TimeStampsBlockID", trace.timeStampsBlockID);
+    element.setAttributeInt("MapScalarsBlockID", trace.mapScalarsBlockID);
 }
 
 }  // namespace unstruct

@@ -17,6 +17,8 @@ struct ZRFxParticleTrace {
 /// The ready-made particle traces of a group of a case.
 class ZRFxPrecomputedParticleTraceGroupBlock : public ZRFxBlock {
 public:
+    static constexpr ZRFxBlockType kType = BLOCK_PRECOMPUTED_PARTICLE_TRACE_GROUP;
+
     ZRFxPrecomputedParticleTraceGroupBlock(ZRFxBlockStore* pDatabase, int id);
 
     void AddTrace(const ZRFxParticleTrace& trace);
@@ -34,6 +36,8 @@ protected:
     void DoUnloadData() override;
 
 private:
+    void WriteTrace(nvf::XmlElement root, const ZRFxParticleTrace& trace);
+
     ZRPtrArray<ZRFxParticleTrace> m_apTraces;
 };
 

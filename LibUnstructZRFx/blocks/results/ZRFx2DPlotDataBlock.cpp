@@ -7,7 +7,7 @@
 namespace unstruct {
 
 ZRFx2DPlotDataBlock::ZRFx2DPlotDataBlock(ZRFxBlockStore* pDatabase, int id)
-    : ZRFxBlock(pDatabase, id, BLOCK_PLOT_2D) {}
+    : ZRFxBlock(pDatabase, id, kType) {}
 
 void ZRFx2DPlotDataBlock::AddVariable(std::unique_ptr<ZRFxPlotVariable> pVariable) {
     NVF_ASSERT(pVariable);
@@ -21,15 +21,7 @@ bool ZRFx2DPlotDataBlock::DoReadBlock(const nvf::XmlElement& root) {
     m_sName = GetAttribute(root, "Name");
     for (nvf::XmlElement element = root.firstChildElement("Variable"); element.notNull();
          element = element.nextSiblingElement("Variable")) {
-        auto pVariable = std::make_unique<ZRFxPlotVariable>();
-        pVariable->name = GetAttribute(element, "Name");
-        if (element.firstChildElement("File").isNull()) {
-            return Log().fail("No data file specified for plot");
-        }
-        if (!ReadFile(element, "File", &pVariable->values)) {
-            return Log().fail("Error reading plot data");
-        }
-        AddVariable(std::move(pVariable));
+        if (!ReadVariable(element)) return false;
     }
     return true;
 }
@@ -37,17 +29,34 @@ bool ZRFx2DPlotDataBlock::DoReadBlock(const nvf::XmlElement& root) {
 bool ZRFx2DPlotDataBlock::DoWriteBlock(nvf::XmlElement root) {
     SetAttribute(root, "Name", m_sName);
     for (std::int64_t i = 0; i < m_apVariables.GetSize(); ++i) {
-        const ZRFxPlotVariable* pVariable = m_apVariables[i];
-        NVF_ASSERT(pVariable);
-        nvf::XmlElement element = root.addChildElement("Variable");
-        SetAttribute(element, "Name", pVariable->name);
-        if (!WriteFile(element, "File", GetFilebase(i + 1), pVariable->values)) return false;
+        NVF_ASSERT(m_apVariables[i]);
+        if (!WriteVariable(root, *m_apVariables[i], i + 1)) return false;
     }
     return true;
 }
 
 void ZRFx2DPlotDataBlock::DoUnloadData() {
     m_apVariables.RemoveAll();
+}
+
+bool ZRFx2DPlotDataBlock::ReadVariable(const nvf::XmlElement& element) {
+    auto pVariable = std::make_unique<ZRFxPlotVariable>();
+    pVariable->name = GetAttribute(element, "Name");
+    if (element.firstChildElement("File").isNull()) {
+        return Log().fail("No data file specified for plot");
+    }
+    if (!ReadFile(element, "File", &pVariable->values)) {
+        return Log().fail("Error reading plot data");
+    }
+    AddVariable(std::move(pVariable));
+    return true;
+}
+
+bool ZRFx2DPlotDataBlock::WriteVariable(nvf::XmlElement root, const ZRFxPlotVariable& variable,
+                                        std::int64_t number) {
+    nvf::XmlElement element = root.addChildElement("Variable");
+    SetAttribute(element, "Name", variable.name);
+    return WriteFile(element, "File", GetFilebase(number), variable.values);
 }
 
 }  // namespace unstruct

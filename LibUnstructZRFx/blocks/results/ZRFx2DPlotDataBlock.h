@@ -18,6 +18,8 @@ struct ZRFxPlotVariable {
 /// The data of a 2D plot: named columns of floats.
 class ZRFx2DPlotDataBlock : public ZRFxBlock {
 public:
+    static constexpr ZRFxBlockType kType = BLOCK_PLOT_2D;
+
     ZRFx2DPlotDataBlock(ZRFxBlockStore* pDatabase, int id);
 
     void AddVariable(std::unique_ptr<ZRFxPlotVariable> pVariable);
@@ -32,6 +34,9 @@ protected:
     void DoUnloadData() override;
 
 private:
+    bool ReadVariable(const nvf::XmlElement& element);
+    bool WriteVariable(nvf::XmlElement root, const ZRFxPlotVariable& variable, std::int64_t number);
+
     ZRString m_sName;
     ZRPtrArray<ZRFxPlotVariable> m_apVariables;
 };

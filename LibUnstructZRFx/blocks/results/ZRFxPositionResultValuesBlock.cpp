@@ -12,6 +12,10 @@
 namespace unstruct {
 namespace {
 
+bool isDimension(int dimension) {
+    return dimension == kScalarKind.Dimension() || dimension == kVectorKind.Dimension();
+}
+
 // One name a line, in the order of the vectors.
 ZRString namesOf(const ZRIntArray& vectorTypes) {
     std::string names;
@@ -32,41 +36,21 @@ bool typesOf(std::string_view names, ZRIntArray* vectorTypes) {
 }  // namespace
 
 ZRFxPositionResultValuesBlock::ZRFxPositionResultValuesBlock(ZRFxBlockStore* pDatabase, int id)
-    : ZRFxBlock(pDatabase, id, BLOCK_POSITION_RESULT_VALUES) {}
+    : ZRFxBlock(pDatabase, id, kType) {}
 
 void ZRFxPositionResultValuesBlock::SetDimension(int iDimension) {
-    NVF_ASSERT(iDimension == 1 || iDimension == 3);
+    NVF_ASSERT(isDimension(iDimension));
     m_iDimension = iDimension;
 }
 
 bool ZRFxPositionResultValuesBlock::DoReadBlock(const nvf::XmlElement& root) {
     DoUnloadData();
-    m_iDimension = root.getAttributeInt("Dimension", 0);
-    m_iMapToBlockID = root.getAttributeInt("MapToBlockID", -1);
-    m_bGlobalPositions = root.getAttributeBool("GlobalPositions", false);
-    m_bGlobalResults = root.getAttributeBool("GlobalResults", false);
-    m_vectorColor = GetColor(root, "VectorColor");
-    m_fScalingFactor = root.getAttributeFloat("ScalingFactor", 1);
-    if (m_iDimension != 1 && m_iDimension != 3) return Log().fail("Result has illegal dimension.");
-    if (root.firstChildElement("ElementIndices").isNull()) {
-        return Log().fail("No element indices specified for position result values");
-    }
-    if (root.firstChildElement("Positions").isNull()) {
-        return Log().fail("No positions specified for position result values");
-    }
-    if (!ReadFile(root, "Positions", &m_positions) ||
-        !ReadFile(root, "ElementIndices", &m_aiElementIndices)) {
-        return Log().fail("Error reading position data");
-    }
-    if (m_aiElementIndices.GetSize() != m_positions.GetSize()) {
-        return FailUnfit(GetDocumentName(), "element indices", m_aiElementIndices.GetSize(),
-                         m_positions.GetSize());
-    }
-    return ReadResults(root) && CheckResults();
+    ReadAttributes(root);
+    return CheckDimension() && ReadPositions(root) && ReadResults(root) && CheckResults();
 }
 
 bool ZRFxPositionResultValuesBlock::CheckContents() const {
-    if (m_iDimension != 1 && m_iDimension != 3) return Log().fail("Result has illegal dimension.");
+    if (!CheckDimension()) return false;
     if (m_iMapToBlockID < 0) return Log().fail("No map to block ID (element) specified.");
     if (m_aiElementIndices.GetSize() != m_positions.GetSize()) {
         return Log().fail("Num IDs differs from num. results");
@@ -75,16 +59,8 @@ bool ZRFxPositionResultValuesBlock::CheckContents() const {
 }
 
 bool ZRFxPositionResultValuesBlock::DoWriteBlock(nvf::XmlElement root) {
-    root.setAttributeInt("Dimension", m_iDimension);
-    root.setAttributeInt("MapToBlockID", m_iMapToBlockID);
-    root.setAttributeBool("GlobalPositions", m_bGlobalPositions);
-    root.setAttributeBool("GlobalResults", m_bGlobalResults);
-    SetAttribute(root, "VectorColor", m_vectorColor);
-    root.setAttributeFloat("ScalingFactor", m_fScalingFactor);
-    const ZRString base = GetFilebase();
-    return WriteFile(root, "Positions", base + "-Positions", m_positions) &&
-           WriteFile(root, "ElementIndices", base + "-PositionIDs", m_aiElementIndices) &&
-           WriteResults(root);
+    WriteAttributes(root);
+    return WritePositions(root) && WriteResults(root);
 }
 
 void ZRFxPositionResultValuesBlock::DoUnloadData() {
@@ -95,24 +71,39 @@ void ZRFxPositionResultValuesBlock::DoUnloadData() {
     m_aiVectorTypes.RemoveAll();
 }
 
-bool ZRFxPositionResultValuesBlock::WriteResults(nvf::XmlElement root) {
-    const ZRString base = GetFilebase();
-    if (m_iDimension == 1)
-        return WriteFile(root, "ScalarResult", base + "-ScalarResult", m_afScalars);
-    const ZRString types = base + "-VectorTypes";
-    return WriteFile(root, "VectorResult", base + "-VectorResult", m_vectors) &&
-           m_pDatabase->WriteDataString(types, namesOf(m_aiVectorTypes)) &&
-           AddFileRecord(root, "VectorTypes", {types, m_aiVectorTypes.GetSize(), ZRString()});
+void ZRFxPositionResultValuesBlock::ReadAttributes(const nvf::XmlElement& root) {
+    m_iDimension = root.getAttributeInt("Dimension", 0);
+    m_iMapToBlockID = root.getAttributeInt("MapToBlockID", -1);
+    m_bGlobalPositions = root.getAttributeBool("GlobalPositions", false);
+    m_bGlobalResults = root.getAttributeBool("GlobalResults", false);
+    m_vectorColor = GetColor(root, "VectorColor");
+    m_fScalingFactor = root.getAttributeFloat("ScalingFactor", 1);
+}
+
+bool ZRFxPositionResultValuesBlock::ReadPositions(const nvf::XmlElement& root) {
+    if (root.firstChildElement("ElementIndices").isNull()) {
+        return Log().fail("No element indices specified for position result values");
+    }
+    if (root.firstChildElement("Positions").isNull()) {
+        return Log().fail("No positions specified for position result values");
+    }
+    if (!ReadFile(root, "Positions", &m_positions) ||
+        !ReadFile(root, "ElementIndices", &m_aiElementIndices)) {
+        return Log().fail("Error reading position data");
+    }
+    return CheckNumber("element indices", m_aiElementIndices.GetSize());
 }
 
 bool ZRFxPositionResultValuesBlock::ReadResults(const nvf::XmlElement& root) {
-    if (m_iDimension == 1) {
-        if (root.firstChildElement("ScalarResult").isNull()) {
-            return Log().fail("No scalar values specified for position result values");
-        }
-        return ReadFile(root, "ScalarResult", &m_afScalars) ||
-               Log().fail("Error reading position data");
+    if (!AreScalars()) return ReadVectors(root);
+    if (root.firstChildElement("ScalarResult").isNull()) {
+        return Log().fail("No scalar values specified for position result values");
     }
+    return ReadFile(root, "ScalarResult", &m_afScalars) ||
+           Log().fail("Error reading position data");
+}
+
+bool ZRFxPositionResultValuesBlock::ReadVectors(const nvf::XmlElement& root) {
     ZRFxFileRecord types;
     ZRString names;
     if (root.firstChildElement("VectorResult").isNull()) {
@@ -129,15 +120,43 @@ bool ZRFxPositionResultValuesBlock::ReadResults(const nvf::XmlElement& root) {
     return CheckNumber("recorded vector types", types.numItems);
 }
 
+bool ZRFxPositionResultValuesBlock::CheckDimension() const {
+    return isDimension(m_iDimension) || Log().fail("Result has illegal dimension.");
+}
+
 bool ZRFxPositionResultValuesBlock::CheckResults() const {
     if (!CheckIndices(GetDocumentName(), "element index", m_aiElementIndices)) return false;
-    if (m_iDimension == 1) return CheckNumber("scalar values", m_afScalars.GetSize());
+    if (AreScalars()) return CheckNumber("scalar values", m_afScalars.GetSize());
     return CheckNumber("vector values", m_vectors.GetSize()) &&
            CheckNumber("vector types", m_aiVectorTypes.GetSize());
 }
 
 bool ZRFxPositionResultValuesBlock::CheckNumber(const char* what, std::int64_t count) const {
     return CheckCount(GetDocumentName(), what, count, m_positions.GetSize());
+}
+
+void ZRFxPositionResultValuesBlock::WriteAttributes(nvf::XmlElement root) {
+    root.setAttributeInt("Dimension", m_iDimension);
+    root.setAttributeInt("MapToBlockID", m_iMapToBlockID);
+    root.setAttributeBool("GlobalPositions", m_bGlobalPositions);
+    root.setAttributeBool("GlobalResults", m_bGlobalResults);
+    SetAttribute(root, "VectorColor", m_vectorColor);
+    root.setAttributeFloat("ScalingFactor", m_fScalingFactor);
+}
+
+bool ZRFxPositionResultValuesBlock::WritePositions(nvf::XmlElement root) {
+    const ZRString base = GetFilebase();
+    return WriteFile(root, "Positions", base + "-Positions", m_positions) &&
+           WriteFile(root, "ElementIndices", base + "-PositionIDs", m_aiElementIndices);
+}
+
+bool ZRFxPositionResultValuesBlock::WriteResults(nvf::XmlElement root) {
+    const ZRString base = GetFilebase();
+    if (AreScalars()) return WriteFile(root, "ScalarResult", base + "-ScalarResult", m_afScalars);
+    const ZRString types = base + "-VectorTypes";
+    return WriteFile(root, "VectorResult", base + "-VectorResult", m_vectors) &&
+           m_pDatabase->WriteDataString(types, namesOf(m_aiVectorTypes)) &&
+           AddFileRecord(root, "VectorTypes", {types, m_aiVectorTypes.GetSize(), ZRString()});
 }
 
 }  // namespace unstruct

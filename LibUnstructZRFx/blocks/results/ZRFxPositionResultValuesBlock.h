@@ -3,6 +3,7 @@
 #include "NuoCore/Color3f.h"
 #include "ZRArray.h"
 #include "blocks/ZRFxBlock.h"
+#include "types/ZRFxValueKind.h"
 
 namespace unstruct {
 
@@ -10,9 +11,11 @@ namespace unstruct {
 /// given points.
 class ZRFxPositionResultValuesBlock : public ZRFxBlock {
 public:
+    static constexpr ZRFxBlockType kType = BLOCK_POSITION_RESULT_VALUES;
+
     ZRFxPositionResultValuesBlock(ZRFxBlockStore* pDatabase, int id);
 
-    /// 1 for scalars or 3 for vectors; anything else is an assertion and is kept for WriteBlock to
+    /// That of scalars or of vectors; anything else is an assertion and is kept for WriteBlock to
     /// refuse.
     void SetDimension(int iDimension);
     int GetDimension() const { return m_iDimension; }
@@ -24,9 +27,9 @@ public:
     float m_fScalingFactor = 1;
     ZRVec3fArray m_positions;
     ZRIntArray m_aiElementIndices;  ///< For each position the element that it lies in.
-    ZRFloatArray m_afScalars;       ///< For one dimension.
-    ZRVec3fArray m_vectors;         ///< For three dimensions.
-    ZRIntArray m_aiVectorTypes;     ///< For three dimensions, of ZRVectorType.
+    ZRFloatArray m_afScalars;
+    ZRVec3fArray m_vectors;
+    ZRIntArray m_aiVectorTypes;  ///< For each vector one of ZRVectorType.
 
 protected:
     bool DoReadBlock(const nvf::XmlElement& root) override;
@@ -35,12 +38,19 @@ protected:
     void DoUnloadData() override;
 
 private:
-    bool WriteResults(nvf::XmlElement root);
+    bool AreScalars() const { return m_iDimension == kScalarKind.Dimension(); }
+    void ReadAttributes(const nvf::XmlElement& root);
+    bool ReadPositions(const nvf::XmlElement& root);
     bool ReadResults(const nvf::XmlElement& root);
+    bool ReadVectors(const nvf::XmlElement& root);
+    bool CheckDimension() const;
     bool CheckResults() const;
     bool CheckNumber(const char* what, std::int64_t count) const;
+    void WriteAttributes(nvf::XmlElement root);
+    bool WritePositions(nvf::XmlElement root);
+    bool WriteResults(nvf::XmlElement root);
 
-    int m_iDimension = 3;
+    int m_iDimension = kVectorKind.Dimension();
 };
 
 }  // namespace unstruct

@@ -5,7 +5,7 @@
 namespace unstruct {
 
 ZRFxResultBlock::ZRFxResultBlock(ZRFxBlockStore* pDatabase, int id)
-    : ZRFxStatesBlock(pDatabase, id, BLOCK_RESULTS) {}
+    : ZRFxStatesBlock(pDatabase, id, kType) {}
 
 void ZRFxResultBlock::DoWriteHead(nvf::XmlElement root) const {
     const ZRFxResultDescription& d = m_description;

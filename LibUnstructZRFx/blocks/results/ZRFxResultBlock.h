@@ -27,6 +27,8 @@ struct ZRFxResultDescription {
 /// One result of a model: what it is, and which values blocks hold it in each state.
 class ZRFxResultBlock : public ZRFxStatesBlock {
 public:
+    static constexpr ZRFxBlockType kType = BLOCK_RESULTS;
+
     ZRFxResultBlock(ZRFxBlockStore* pDatabase, int id);
 
     const ZRFxResultDescription& GetDescription() const { return m_description; }

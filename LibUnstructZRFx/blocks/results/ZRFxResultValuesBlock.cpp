@@ -1,12 +1,15 @@
 #include "blocks/results/ZRFxResultValuesBlock.h"
 
+#include <string>
+#include <utility>
+
 #include "blocks/ZRFxBlockStore.h"
 #include "documents/ZRFxFileRecord.h"
 
 namespace unstruct {
 
 ZRFxResultValuesBlock::ZRFxResultValuesBlock(ZRFxBlockStore* pDatabase, int id)
-    : ZRFxBlock(pDatabase, id, BLOCK_RESULT_VALUES) {}
+    : ZRFxBlock(pDatabase, id, kType) {}
 
 bool ZRFxResultValuesBlock::SetScalars(const float* pfResult, std::int64_t count) {
     NVF_ASSERT(pfResult);
@@ -36,9 +39,8 @@ void ZRFxResultValuesBlock::SetVectors(ZRVec3fArray vectors) {
 }
 
 bool ZRFxResultValuesBlock::Reserve(std::int64_t numItems) {
-    const bool isReserved = m_iNumDimensions == 3
-                                ? m_avResults.Reserve(numItems)
-                                : m_afResults.Reserve(numItems * m_iNumDimensions);
+    const bool isReserved = AreVectors() ? m_avResults.Reserve(numItems)
+                                         : m_afResults.Reserve(numItems * m_iNumDimensions);
     return isReserved && (!m_paiIDs || m_paiIDs->Reserve(numItems));
 }
 
@@ -58,7 +60,7 @@ bool ZRFxResultValuesBlock::AddScalar(float value, std::int32_t id) {
 
 bool ZRFxResultValuesBlock::AddVector(const nuo::Vec3f& value, std::int32_t id) {
     NVF_ASSERT(m_iNumDimensions == 3);
-    return m_iNumDimensions == 3 && AddWithID(value, id, &m_avResults);
+    return AreVectors() && AddWithID(value, id, &m_avResults);
 }
 
 bool ZRFxResultValuesBlock::AddTensor(const float (&tensor)[6], std::int32_t id) {
@@ -82,8 +84,9 @@ void ZRFxResultValuesBlock::SetIDs(std::unique_ptr<ZRIntArray> paiIDs) {
 }
 
 std::int64_t ZRFxResultValuesBlock::GetNumItems() const {
-    if (m_iNumDimensions == 3) return m_avResults.GetSize();
-    return m_iNumDimensions == 6 ? m_afResults.GetSize() / 6 : m_afResults.GetSize();
+    if (AreVectors()) return m_avResults.GetSize();
+    const bool isKind = ZRFxValueKindOf(m_iNumDimensions) != nullptr;
+    return isKind ? m_afResults.GetSize() / m_iNumDimensions : m_afResults.GetSize();
 }
 
 std::int64_t ZRFxResultValuesBlock::GetIndexOfID(std::int32_t iID) const {
@@ -114,14 +117,11 @@ bool ZRFxResultValuesBlock::DoReadBlock(const nvf::XmlElement& root) {
 
 bool ZRFxResultValuesBlock::CheckContents() const {
     const ZRString file = GetFilebase();
-    if (m_iNumDimensions != 1 && m_iNumDimensions != 3 && m_iNumDimensions != 6) {
-        return FailDimensions();
-    }
-    const std::int64_t numOthers =
-        m_iNumDimensions == 3 ? m_afResults.GetSize() : m_avResults.GetSize();
+    const ZRFxValueKind* pKind = ZRFxValueKindOf(m_iNumDimensions);
+    if (!pKind) return FailDimensions();
+    const std::int64_t numOthers = AreVectors() ? m_afResults.GetSize() : m_avResults.GetSize();
     return CheckCount(file, "values of another dimension", numOthers, 0) &&
-           (m_iNumDimensions != 6 ||
-            CheckCount(file, "tensor components", m_afResults.GetSize(), GetNumItems() * 6)) &&
+           (AreVectors() || CheckComponents(file, *pKind)) &&
            (!m_paiIDs || CheckCount(file + "-IDs", "IDs", m_paiIDs->GetSize(), GetNumItems()));
 }
 
@@ -129,6 +129,36 @@ bool ZRFxResultValuesBlock::DoWriteBlock(nvf::XmlElement root) {
     root.setAttributeInt("MapToBlockID", m_iMapToBlockID);
     root.setAttributeInt("NumDimensions", m_iNumDimensions);
     root.setAttributeBool("WithID", m_paiIDs != nullptr);
+    return WriteItems(root);
+}
+
+void ZRFxResultValuesBlock::DoUnloadData() {
+    m_afResults.RemoveAll();
+    m_avResults.RemoveAll();
+    SetIDs(nullptr);
+}
+
+bool ZRFxResultValuesBlock::ReadValues(const ZRString& name, std::int64_t numItems) {
+    if (!ZRFxValueKindOf(m_iNumDimensions)) return FailDimensions();
+    return ReadData(name, numItems) || Log().fail("Error reading node data");
+}
+
+bool ZRFxResultValuesBlock::ReadData(const ZRString& name, std::int64_t numItems) {
+    if (AreVectors()) return m_pDatabase->ReadDataVector(name, numItems, &m_avResults);
+    if (AreTensors()) return m_pDatabase->ReadDataTensor(name, numItems, &m_afResults);
+    return m_pDatabase->ReadDataFloat(name, numItems * m_iNumDimensions, &m_afResults);
+}
+
+bool ZRFxResultValuesBlock::CheckComponents(const ZRString& file, const ZRFxValueKind& kind) const {
+    const std::string what = std::string(kind.name) + " components";
+    return CheckCount(file, what.c_str(), m_afResults.GetSize(), GetNumItems() * kind.Dimension());
+}
+
+bool ZRFxResultValuesBlock::FailDimensions() const {
+    return Log().fail("Illegal number of dimensions for result values");
+}
+
+bool ZRFxResultValuesBlock::WriteItems(nvf::XmlElement root) {
     ZRFxFileRecord file{GetFilebase(), GetNumItems(), ZRString()};
     if (!WriteValues(file.filename)) return false;
     if (m_paiIDs) {
@@ -138,36 +168,10 @@ bool ZRFxResultValuesBlock::DoWriteBlock(nvf::XmlElement root) {
     return AddFileRecord(root, "File", file);
 }
 
-void ZRFxResultValuesBlock::DoUnloadData() {
-    m_afResults.RemoveAll();
-    m_avResults.RemoveAll();
-    SetIDs(nullptr);
-}
-
 bool ZRFxResultValuesBlock::WriteValues(const ZRString& name) {
-    if (m_iNumDimensions == 3) return m_pDatabase->WriteDataVector(name, m_avResults);
-    if (m_iNumDimensions == 6) return m_pDatabase->WriteDataTensor(name, m_afResults);
+    if (AreVectors()) return m_pDatabase->WriteDataVector(name, m_avResults);
+    if (AreTensors()) return m_pDatabase->WriteDataTensor(name, m_afResults);
     return m_pDatabase->WriteDataFloat(name, m_afResults);
-}
-
-bool ZRFxResultValuesBlock::ReadValues(const ZRString& name, std::int64_t numItems) {
-    switch (m_iNumDimensions) {
-        case 1:
-            return m_pDatabase->ReadDataFloat(name, numItems, &m_afResults) ||
-                   Log().fail("Error reading node data");
-        case 3:
-            return m_pDatabase->ReadDataVector(name, numItems, &m_avResults) ||
-                   Log().fail("Error reading node data");
-        case 6:
-            return m_pDatabase->ReadDataTensor(name, numItems, &m_afResults) ||
-                   Log().fail("Error reading node data");
-        default:
-            return FailDimensions();
-    }
-}
-
-bool ZRFxResultValuesBlock::FailDimensions() const {
-    return Log().fail("Illegal number of dimensions for result values");
 }
 
 }  // namespace unstruct

@@ -7,16 +7,18 @@
 #include "ZRArray.h"
 #include "ZRIDLookup.h"
 #include "blocks/ZRFxBlock.h"
+#include "types/ZRFxValueKind.h"
 
 namespace unstruct {
 
-/// The values of one result in one state, on the items of one block. An item has 1 value (scalar),
-/// 3 (vector) or 6 (tensor).
+/// The values of one result in one state, on the items of one block, all of one kind.
 class ZRFxResultValuesBlock : public ZRFxBlock {
 public:
+    static constexpr ZRFxBlockType kType = BLOCK_RESULT_VALUES;
+
     ZRFxResultValuesBlock(ZRFxBlockStore* pDatabase, int id);
 
-    /// Replaces the values by a copy: scalars, or six floats a tensor.
+    /// Replaces the values of any kind but vectors by a copy: the floats of all items.
     bool SetScalars(const float* pfResult, std::int64_t count);
     void SetScalars(ZRFloatArray scalars);
 
@@ -46,6 +48,8 @@ public:
 
     int GetMapToBlockID() const { return m_iMapToBlockID; }
     void SetMapToBlockID(int id) { m_iMapToBlockID = id; }
+
+    /// How many components an item has, which is 1 at first and names the kind of the values.
     int GetNumDimensions() const { return m_iNumDimensions; }
     void SetNumDimensions(int count) { m_iNumDimensions = count; }
 
@@ -56,14 +60,19 @@ protected:
     void DoUnloadData() override;
 
 private:
+    bool AreVectors() const { return m_iNumDimensions == kVectorKind.Dimension(); }
+    bool AreTensors() const { return m_iNumDimensions == kTensorKind.Dimension(); }
     template <typename Value>
     bool AddWithID(const Value& value, std::int32_t id, ZRArray<Value>* values);
-    bool WriteValues(const ZRString& name);
     bool ReadValues(const ZRString& name, std::int64_t numItems);
+    bool ReadData(const ZRString& name, std::int64_t numItems);
+    bool CheckComponents(const ZRString& file, const ZRFxValueKind& kind) const;
     bool FailDimensions() const;
+    bool WriteItems(nvf::XmlElement root);
+    bool WriteValues(const ZRString& name);
 
     int m_iMapToBlockID = -1;
-    int m_iNumDimensions = 1;
+    int m_iNumDimensions = kScalarKind.Dimension();
     ZRFloatArray m_afResults;
     ZRVec3fArray m_avResults;
     std::unique_ptr<ZRIntArray> m_paiIDs;

@@ -8,7 +8,7 @@
 namespace unstruct {
 
 ZRFxStateInfoBlock::ZRFxStateInfoBlock(ZRFxBlockStore* pDatabase, int id)
-    : ZRFxListBlock(pDatabase, id, BLOCK_STATE_INFO) {}
+    : ZRFxListBlock(pDatabase, id, kType) {}
 
 ZRFxStateInfo* ZRFxStateInfoBlock::AddState(ZRFxStateInfo info) {
     return AddState(std::make_unique<ZRFxStateInfo>(std::move(info)));
@@ -44,6 +44,28 @@ void ZRFxStateInfoBlock::DoUnloadData() {
     Touch(0);
 }
 
+bool ZRFxStateInfoBlock::ReadState(const nvf::XmlElement& state) {
+    ZRFxStateInfo info;
+    info.stateID = state.getAttributeInt("ID", -1);
+    info.name = GetAttribute(state, "Name");
+    info.referenceValue = state.getAttributeFloat("RefValue", 0);
+    info.referenceType = ReferenceTypeFromName(GetAttribute(state, "RefType"));
+    info.parentID = state.getAttributeInt("ParentID", -1);
+    info.group = GetAttribute(state, "Group");
+    if (!ReadExportInfo(state, &info.exportInfo)) return false;
+    AddState(info);
+    return true;
+}
+
+bool ZRFxStateInfoBlock::ReadExportInfo(const nvf::XmlElement& state, ZRFxExportInfo* info) {
+    const nvf::XmlElement element = state.firstChildElement("ZRFxExportInfo");
+    info->polygonModel = element.getAttributeBool("PolygonModel", false);
+    info->visiblePartsOnly = element.getAttributeBool("VisiblePartsOnly", false);
+    info->firstOrderNodesOnly = element.getAttributeBool("FirstOrderNodesOnly", false);
+    return ReadIntList(element.firstChildElement("VisibleSetIDs"), &info->visibleSetIDs) &&
+           ReadIntList(element.firstChildElement("PartFlags"), &info->partFlags);
+}
+
 void ZRFxStateInfoBlock::WriteItem(nvf::XmlElement root, std::int64_t index) const {
     const ZRFxStateInfo& info = *m_apStateInfo[index];
     nvf::XmlElement state = root.addChildElement("State");
@@ -65,28 +87,6 @@ void ZRFxStateInfoBlock::WriteExportInfo(nvf::XmlElement state, const ZRFxExport
     WriteIntList(setIDs, info.visibleSetIDs);
     nvf::XmlElement partFlags = element.addChildElement("PartFlags");
     WriteIntList(partFlags, info.partFlags);
-}
-
-bool ZRFxStateInfoBlock::ReadState(const nvf::XmlElement& state) {
-    ZRFxStateInfo info;
-    info.stateID = state.getAttributeInt("ID", -1);
-    info.name = GetAttribute(state, "Name");
-    info.referenceValue = state.getAttributeFloat("RefValue", 0);
-    info.referenceType = ReferenceTypeFromName(GetAttribute(state, "RefType"));
-    info.parentID = state.getAttributeInt("ParentID", -1);
-    info.group = GetAttribute(state, "Group");
-    if (!ReadExportInfo(state, &info.exportInfo)) return false;
-    AddState(info);
-    return true;
-}
-
-bool ZRFxStateInfoBlock::ReadExportInfo(const nvf::XmlElement& state, ZRFxExportInfo* info) {
-    const nvf::XmlElement element = state.firstChildElement("ZRFxExportInfo");
-    info->polygonModel = element.getAttributeBool("PolygonModel", false);
-    info->visiblePartsOnly = element.getAttributeBool("VisiblePartsOnly", false);
-    info->firstOrderNodesOnly = element.getAttributeBool("FirstOrderNodesOnly", false);
-    return ReadIntList(element.firstChildElement("VisibleSetIDs"), &info->visibleSetIDs) &&
-           ReadIntList(element.firstChildElement("PartFlags"), &info->partFlags);
 }
 
 }  // namespace unstruct

@@ -33,6 +33,8 @@ struct ZRFxStateInfo {
 /// The states of a model.
 class ZRFxStateInfoBlock : public ZRFxListBlock {
 public:
+    static constexpr ZRFxBlockType kType = BLOCK_STATE_INFO;
+
     ZRFxStateInfoBlock(ZRFxBlockStore* pDatabase, int id);
 
     ZRFxStateInfo* AddState(ZRFxStateInfo info);
@@ -40,14 +42,15 @@ public:
 
     /// Lets the next AddState that is given an object do without memory.
     void MakeRoom() { m_apStateInfo.MakeRoom(); }
-    std::int64_t GetStateCount() const { return m_apStateInfo.GetSize(); }
-    const ZRFxStateInfo* GetState(std::int64_t index) const { return m_apStateInfo[index]; }
-
-    /// The same to be changed, before the block is written.
-    ZRFxStateInfo* EditState(std::int64_t index);
 
     /// Removes a range of states, both ends included.
     void RemoveStates(std::int64_t iFrom, std::int64_t iTo);
+
+    /// A state to be changed, before the block is written.
+    ZRFxStateInfo* EditState(std::int64_t index);
+
+    std::int64_t GetStateCount() const { return m_apStateInfo.GetSize(); }
+    const ZRFxStateInfo* GetState(std::int64_t index) const { return m_apStateInfo[index]; }
 
 protected:
     bool DoReadBlock(const nvf::XmlElement& root) override;
@@ -55,11 +58,11 @@ protected:
     void DoUnloadData() override;
 
 private:
+    bool ReadState(const nvf::XmlElement& state);
+    bool ReadExportInfo(const nvf::XmlElement& state, ZRFxExportInfo* info);
     void WriteItem(nvf::XmlElement root, std::int64_t index) const override;
     std::int64_t GetItemCount() const override { return GetStateCount(); }
     void WriteExportInfo(nvf::XmlElement state, const ZRFxExportInfo& info) const;
-    bool ReadState(const nvf::XmlElement& state);
-    bool ReadExportInfo(const nvf::XmlElement& state, ZRFxExportInfo* info);
 
     ZRPtrArray<ZRFxStateInfo> m_apStateInfo;
 };

@@ -6,7 +6,7 @@ namespace unstruct {
 
 ZRFxTransformationResultValuesBlock::ZRFxTransformationResultValuesBlock(ZRFxBlockStore* pDatabase,
                                                                          int id)
-    : ZRFxBlock(pDatabase, id, BLOCK_TRANSFORMATION_RESULT_VALUES) {}
+    : ZRFxBlock(pDatabase, id, kType) {}
 
 void ZRFxTransformationResultValuesBlock::SetMatrix(const nuo::Mat4d& matrix) {
     m_matrix = matrix;

@@ -8,13 +8,16 @@ namespace unstruct {
 /// The matrix by which one block is moved in one state. Documents keep six decimals of it.
 class ZRFxTransformationResultValuesBlock : public ZRFxBlock {
 public:
+    static constexpr ZRFxBlockType kType = BLOCK_TRANSFORMATION_RESULT_VALUES;
+
     ZRFxTransformationResultValuesBlock(ZRFxBlockStore* pDatabase, int id);
 
-    const nuo::Mat4d& GetMatrix() const { return m_matrix; }
     void SetMatrix(const nuo::Mat4d& matrix);
+    void SetMapToBlock(int id, int type);
+
+    const nuo::Mat4d& GetMatrix() const { return m_matrix; }
     int GetMapToBlockID() const { return m_iMapToBlockID; }
     int GetMapToBlockType() const { return m_iMapToBlockType; }
-    void SetMapToBlock(int id, int type);
 
 protected:
     bool DoReadBlock(const nvf::XmlElement& root) override;

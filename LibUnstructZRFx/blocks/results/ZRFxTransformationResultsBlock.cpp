@@ -5,7 +5,7 @@
 namespace unstruct {
 
 ZRFxTransformationResultsBlock::ZRFxTransformationResultsBlock(ZRFxBlockStore* pDatabase, int id)
-    : ZRFxStatesBlock(pDatabase, id, BLOCK_TRANSFORMATION_RESULTS) {}
+    : ZRFxStatesBlock(pDatabase, id, kType) {}
 
 void ZRFxTransformationResultsBlock::DoWriteHead(nvf::XmlElement root) const {
     SetAttribute(root, "Name", m_sName);

@@ -7,6 +7,8 @@ namespace unstruct {
 /// A rigid-body result: which transformation result values blocks hold it in each state.
 class ZRFxTransformationResultsBlock : public ZRFxStatesBlock {
 public:
+    static constexpr ZRFxBlockType kType = BLOCK_TRANSFORMATION_RESULTS;
+
     ZRFxTransformationResultsBlock(ZRFxBlockStore* pDatabase, int id);
 
     const ZRString& GetName() const { return m_sName; }

@@ -7,18 +7,13 @@
 
 namespace unstruct {
 
-ZRFxSetBlock::ZRFxSetBlock(ZRFxBlockStore* pDatabase, int id)
-    : ZRFxBlock(pDatabase, id, BLOCK_SET) {}
+ZRFxSetBlock::ZRFxSetBlock(ZRFxBlockStore* pDatabase, int id) : ZRFxBlock(pDatabase, id, kType) {}
 
 bool ZRFxSetBlock::ReadMetaData() {
     nvf::XmlDocument doc;
     const nvf::XmlElement root = GetRootElement(&doc);
     if (root.isNull()) return Log().fail("Invalid XML");
     return DoReadMetaData(root) && ZRFxBlock::ReadMetaData();
-}
-
-std::int64_t ZRFxSetBlock::GetTotalNumItems() const {
-    return IsRead() ? CountItems() : m_iStoredNumItems;
 }
 
 ZRFxSetBlockItems* ZRFxSetBlock::AddItems(std::unique_ptr<ZRFxSetBlockItems> pSetItems) {
@@ -31,6 +26,10 @@ ZRFxSetBlockItems* ZRFxSetBlock::AddItems(std::unique_ptr<ZRFxSetBlockItems> pSe
 void ZRFxSetBlock::RemoveItems(std::int64_t iFrom, std::int64_t iTo) {
     NVF_ASSERT(iTo >= 0 && iTo < m_apSetBlockItems.GetSize());
     m_apSetBlockItems.RemoveRange(iFrom, iTo);
+}
+
+std::int64_t ZRFxSetBlock::GetTotalNumItems() const {
+    return IsRead() ? CountItems() : m_iStoredNumItems;
 }
 
 bool ZRFxSetBlock::DoReadBlock(const nvf::XmlElement& root) {
@@ -56,18 +55,20 @@ bool ZRFxSetBlock::DoWriteBlock(nvf::XmlElement root) {
     root.setAttributeInt("TotalNumItems", static_cast<int>(CountItems()));
     SetAttribute(root, "ItemType", ZRString("Element"));
     for (std::int64_t i = 0; i < m_apSetBlockItems.GetSize(); ++i) {
-        const ZRFxSetBlockItems* pSetItems = m_apSetBlockItems[i];
-        NVF_ASSERT(pSetItems);
-        nvf::XmlElement element = root.addChildElement("Items");
-        element.setAttributeInt("BlockID", pSetItems->m_iBlockID);
-        element.setAttributeInt("BlockType", pSetItems->m_iBlockType);
-        if (!WriteFile(element, "File", GetFilebase(i + 1), pSetItems->m_aiItems)) return false;
+        NVF_ASSERT(m_apSetBlockItems[i]);
+        if (!WriteItems(root, *m_apSetBlockItems[i], i + 1)) return false;
     }
     return true;
 }
 
 void ZRFxSetBlock::DoUnloadData() {
     m_apSetBlockItems.RemoveAll();
+}
+
+std::int64_t ZRFxSetBlock::CountItems() const {
+    std::int64_t count = 0;
+    for (const auto& pSetItems : m_apSetBlockItems) count += pSetItems->m_aiItems.GetSize();
+    return count;
 }
 
 bool ZRFxSetBlock::DoReadMetaData(const nvf::XmlElement& root) {
@@ -77,12 +78,6 @@ bool ZRFxSetBlock::DoReadMetaData(const nvf::XmlElement& root) {
     m_iStoredNumItems = root.getAttributeInt("TotalNumItems", 0);
     m_iItemType = kItemTypeElement;
     return GetAttribute(root, "ItemType").ToLower() == "element" || FailType();
-}
-
-std::int64_t ZRFxSetBlock::CountItems() const {
-    std::int64_t count = 0;
-    for (const auto& pSetItems : m_apSetBlockItems) count += pSetItems->m_aiItems.GetSize();
-    return count;
 }
 
 bool ZRFxSetBlock::ReadItems(const nvf::XmlElement& element) {
@@ -106,6 +101,14 @@ bool ZRFxSetBlock::CheckItems(const ZRFxSetBlockItems& items) const {
 
 bool ZRFxSetBlock::FailType() const {
     return Log().fail("Only element sets are supported");
+}
+
+bool ZRFxSetBlock::WriteItems(nvf::XmlElement root, const ZRFxSetBlockItems& items,
+                              std::int64_t number) {
+    nvf::XmlElement element = root.addChildElement("Items");
+    element.setAttributeInt("BlockID", items.m_iBlockID);
+    element.setAttributeInt("BlockType", items.m_iBlockType);
+    return WriteFile(element, "File", GetFilebase(number), items.m_aiItems);
 }
 
 }  // namespace unstruct

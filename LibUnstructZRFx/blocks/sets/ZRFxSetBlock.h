@@ -23,9 +23,22 @@ struct ZRFxSetBlockItems {
 /// A named set of elements, given by indices or by ids.
 class ZRFxSetBlock : public ZRFxBlock {
 public:
+    static constexpr ZRFxBlockType kType = BLOCK_SET;
+
     ZRFxSetBlock(ZRFxBlockStore* pDatabase, int id);
 
     bool ReadMetaData() override;
+
+    ZRFxSetBlockItems* AddItems(std::unique_ptr<ZRFxSetBlockItems> pSetItems);
+
+    /// Removes a range of groups, both ends included.
+    void RemoveItems(std::int64_t iFrom, std::int64_t iTo);
+
+    std::int64_t GetItemsCount() const { return m_apSetBlockItems.GetSize(); }
+    ZRFxSetBlockItems* GetItems(std::int64_t index) const { return m_apSetBlockItems[index]; }
+
+    /// The number of items of all groups; of a block that is not loaded, as its document says.
+    std::int64_t GetTotalNumItems() const;
 
     int GetSetID() const { return m_iSetID; }
     void SetSetID(int id) { m_iSetID = id; }
@@ -36,16 +49,6 @@ public:
     int GetItemType() const { return m_iItemType; }
     void SetItemType(int type) { m_iItemType = type; }
 
-    /// The number of items of all groups; of a block that is not loaded, as its document says.
-    std::int64_t GetTotalNumItems() const;
-
-    ZRFxSetBlockItems* AddItems(std::unique_ptr<ZRFxSetBlockItems> pSetItems);
-    std::int64_t GetItemsCount() const { return m_apSetBlockItems.GetSize(); }
-    ZRFxSetBlockItems* GetItems(std::int64_t index) const { return m_apSetBlockItems[index]; }
-
-    /// Removes a range of groups, both ends included.
-    void RemoveItems(std::int64_t iFrom, std::int64_t iTo);
-
 protected:
     bool DoReadBlock(const nvf::XmlElement& root) override;
     bool CheckContents() const override;
@@ -53,11 +56,12 @@ protected:
     void DoUnloadData() override;
 
 private:
-    bool DoReadMetaData(const nvf::XmlElement& root);
     std::int64_t CountItems() const;
+    bool DoReadMetaData(const nvf::XmlElement& root);
     bool ReadItems(const nvf::XmlElement& element);
     bool CheckItems(const ZRFxSetBlockItems& items) const;
     bool FailType() const;
+    bool WriteItems(nvf::XmlElement root, const ZRFxSetBlockItems& items, std::int64_t number);
 
     int m_iSetID = -1;
     ZRString m_sName;

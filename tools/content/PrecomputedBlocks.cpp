@@ -1,0 +1,254 @@
+// Surfaces, grids and particle traces that a viewer has computed.
+#include "Text.h"
+#include "check/BlockChecks.h"
+#include "content/BlockGroup.h"
+#include "content/Content.h"
+#include "content/References.h"
+#include "content/Table.h"
+
+namespace tools {
+namespace {
+
+using namespace unstruct;
+
+void describe(const ZRFxPrecomputedPart& part, Content& content) {
+    content.add("face set block", part.ifsBlockID);
+    content.add("node block", part.nodeBlockID);
+    content.add("fringes block", part.fringesResultBlockID);
+    content.add("fringes mapping", ResultMappingName(part.fringesResultMapping));
+    content.add("vectors block", part.vectorResultBlockID);
+    content.add("surface color", part.surfaceColor);
+}
+
+void describe(const ZRFxPrecomputedGrid& grid, Content& content) {
+    content.add("node block", grid.nodeBlockID);
+    content.add("points in i", grid.numI);
+    content.add("points in j", grid.numJ);
+    content.add("computed block", grid.computedResultBlockID);
+    content.add("scalars block", grid.scalarResultBlockID);
+    content.add("vectors block", grid.vectorResultBlockID);
+}
+
+void describe(const ZRFxPrecomputedTrace& trace, Content& content) {
+    content.add("positions block", trace.positionNodeBlockID);
+    content.add("times block", trace.timeResultBlockID);
+    content.add("scalars block", trace.scalarResultBlockID);
+    content.add("vectors block", trace.vectorResultBlockID);
+}
+
+template <typename Items>
+void describeEach(const char* what, const Items& items, Content& content) {
+    for (std::int64_t i = 0; i < items.GetSize(); ++i) {
+        const Content::Scope scope(content, numbered(what, i));
+        describe(*items[i], content);
+    }
+}
+
+void describeStates(const ZRFxPrecomputedBlock& block, Content& content) {
+    for (std::int64_t s = 0; s < block.GetStateCount(); ++s) {
+        const ZRFxPrecomputedState& state = *block.GetState(s);
+        const Content::Scope scope(content, numbered("state", state.m_iStateID));
+        describeEach("trace", state.apTraces, content);
+        describeEach("part", state.apParts, content);
+        describeEach("grid", state.apGrids, content);
+    }
+}
+
+void collect(const ZRFxPrecomputedTrace& trace, const std::string& place, References& references) {
+    references.block(BLOCK_NODES, trace.positionNodeBlockID, place + ", positions");
+    references.optionalBlock(BLOCK_RESULT_VALUES, trace.timeResultBlockID, place + ", times");
+    references.optionalBlock(BLOCK_RESULT_VALUES, trace.scalarResultBlockID, place + ", scalars");
+    references.optionalBlock(BLOCK_RESULT_VALUES, trace.vectorResultBlockID, place + ", vectors");
+}
+
+void collect(const ZRFxPrecomputedPart& part, const std::string& place, References& references) {
+    references.block(BLOCK_INDEXED_FACE_SET, part.ifsBlockID, place + ", face set");
+    references.optionalBlock(BLOCK_NODES, part.nodeBlockID, place + ", nodes");
+    references.optionalBlock(BLOCK_RESULT_VALUES, part.fringesResultBlockID, place + ", fringes");
+    references.optionalBlock(BLOCK_RESULT_VALUES, part.vectorResultBlockID, place + ", vectors");
+}
+
+void collect(const ZRFxPrecomputedGrid& grid, const std::string& place, References& references) {
+    references.block(BLOCK_NODES, grid.nodeBlockID, place + ", nodes");
+    references.optionalBlock(BLOCK_RESULT_VALUES, grid.computedResultBlockID,
+                             place + ", computed values");
+    references.optionalBlock(BLOCK_RESULT_VALUES, grid.scalarResultBlockID, place + ", scalars");
+    references.optionalBlock(BLOCK_RESULT_VALUES, grid.vectorResultBlockID, place + ", vectors");
+}
+
+template <typename Items>
+void collectEach(const Items& items, const std::string& place, References& references) {
+    for (std::int64_t i = 0; i < items.GetSize(); ++i) {
+        collect(*items[i], place + " " + std::to_string(i), references);
+    }
+}
+
+void collectStates(const ZRFxPrecomputedBlock& block, References& references) {
+    for (std::int64_t s = 0; s < block.GetStateCount(); ++s) {
+        const ZRFxPrecomputedState& state = *block.GetState(s);
+        const std::string place = numbered("state", state.m_iStateID);
+        references.state(state.m_iStateID, place);
+        collectEach(state.apTraces, place + ", trace", references);
+        collectEach(state.apParts, place + ", part", references);
+        collectEach(state.apGrids, place + ", grid", references);
+    }
+}
+
+void describe(const ZRFxPrecomputedItemBlock& block, Content& content) {
+    content.add("item type", PrecomputedItemTypeName(block.m_iItemType));
+    content.add("item id", block.m_iItemID);
+    content.add("case", block.m_iCaseID);
+    describeStates(block, content);
+}
+
+void collect(const ZRFxPrecomputedItemBlock& block, References& references) {
+    references.optionalCase(block.m_iCaseID);
+    collectStates(block, references);
+}
+
+void write(const ZRFxPrecomputedItemBlock& block, Table& table) {
+    writeFields(block, table);
+}
+
+void check(const ZRFxPrecomputedItemBlock& block, CheckedDatabase& checked) {
+    checkPrecomputed(block, checked);
+}
+
+void describeSurface(const ZRFxPrecomputedSurfaceBlock& block, Content& content) {
+    content.add("case", block.m_iCaseID);
+    content.add("scalar result id", block.m_iMapScalarResultId);
+    content.add("vector result id", block.m_iMapVectorResultId);
+    content.add("surface visible", block.m_bSurfaceVisible);
+    content.add("surface color", block.m_cSurfaceColor);
+    content.add("opacity", block.m_fOpacity);
+    content.add("specular intensity", block.m_fSpecularIntensity);
+    content.add("draw style", block.m_sDrawStyle);
+    describeStates(block, content);
+}
+
+void collectSurface(const ZRFxPrecomputedSurfaceBlock& block, References& references) {
+    references.optionalCase(block.m_iCaseID);
+    references.optionalResult(block.m_iMapScalarResultId, "scalar result");
+    references.optionalResult(block.m_iMapVectorResultId, "vector result");
+}
+
+void describe(const ZRFxPrecomputedCuttingPlaneBlock& block, Content& content) {
+    content.add("cutting plane", block.m_iCuttingPlaneID);
+    content.add("point", block.m_vPoint);
+    content.add("normal", block.m_vNormal);
+    content.add("grid spacing", block.m_dGridSpacing);
+    content.add("clips", block.m_bUseClipping);
+    content.add("grid lines visible", block.m_bGridLinesVisible);
+    describeSurface(block, content);
+}
+
+void collect(const ZRFxPrecomputedCuttingPlaneBlock& block, References& references) {
+    collectSurface(block, references);
+    collectStates(block, references);
+}
+
+void write(const ZRFxPrecomputedCuttingPlaneBlock& block, Table& table) {
+    writeFields(block, table);
+}
+
+void check(const ZRFxPrecomputedCuttingPlaneBlock& block, CheckedDatabase& checked) {
+    checkPrecomputed(block, checked);
+}
+
+void describe(const ZRFxPrecomputedIsosurfaceBlock& block, Content& content) {
+    content.add("iso-surface", block.m_iIsosurfaceID);
+    content.add("iso-value", block.m_dIsoValue);
+    content.add("iso result id", block.m_iIsoScalarResultId);
+    describeSurface(block, content);
+}
+
+void collect(const ZRFxPrecomputedIsosurfaceBlock& block, References& references) {
+    collectSurface(block, references);
+    references.optionalResult(block.m_iIsoScalarResultId, "iso result");
+    collectStates(block, references);
+}
+
+void write(const ZRFxPrecomputedIsosurfaceBlock& block, Table& table) {
+    writeFields(block, table);
+}
+
+void check(const ZRFxPrecomputedIsosurfaceBlock& block, CheckedDatabase& checked) {
+    checkPrecomputed(block, checked);
+}
+
+void describe(const ZRFxPrecomputedIsovolumeBlock& block, Content& content) {
+    content.add("iso-volume", block.m_iIsovolumeID);
+    content.add("lowest iso-value", block.m_dMinIsoValue);
+    content.add("highest iso-value", block.m_dMaxIsoValue);
+    content.add("iso result id", block.m_iIsoScalarResultId);
+    content.add("texture", block.m_sTextureName);
+    content.add("environment mapping", block.m_bEnvironmentMapping);
+    describeSurface(block, content);
+}
+
+void collect(const ZRFxPrecomputedIsovolumeBlock& block, References& references) {
+    collectSurface(block, references);
+    references.optionalResult(block.m_iIsoScalarResultId, "iso result");
+    collectStates(block, references);
+}
+
+void write(const ZRFxPrecomputedIsovolumeBlock& block, Table& table) {
+    writeFields(block, table);
+}
+
+void check(const ZRFxPrecomputedIsovolumeBlock& block, CheckedDatabase& checked) {
+    checkPrecomputed(block, checked);
+}
+
+void describe(const ZRFxPrecomputedParticleTraceGroupBlock& block, Content& content) {
+    content.add("case", block.m_iCaseID);
+    content.add("group id", block.m_iGroupID);
+    content.add("vector result id", block.m_iVectorResultId);
+    content.add("scalar result id", block.m_iMapScalarResultId);
+    for (std::int64_t i = 0; i < block.GetTraceCount(); ++i) {
+        const ZRFxParticleTrace& trace = *block.GetTrace(i);
+        const Content::Scope scope(content, numbered("trace", i));
+        content.add("positions block", trace.positionsBlockID);
+        content.add("times block", trace.timeStampsBlockID);
+        content.add("scalars block", trace.mapScalarsBlockID);
+    }
+}
+
+void collect(const ZRFxPrecomputedParticleTraceGroupBlock& block, References& references) {
+    references.optionalCase(block.m_iCaseID);
+    references.optionalResult(block.m_iVectorResultId, "vector result");
+    references.optionalResult(block.m_iMapScalarResultId, "scalar result");
+    for (std::int64_t i = 0; i < block.GetTraceCount(); ++i) {
+        const ZRFxParticleTrace& trace = *block.GetTrace(i);
+        const std::string place = numbered("trace", i);
+        references.block(BLOCK_NODES, trace.positionsBlockID, place + ", positions");
+        references.optionalBlock(BLOCK_RESULT_VALUES, trace.timeStampsBlockID, place + ", times");
+        references.optionalBlock(BLOCK_RESULT_VALUES, trace.mapScalarsBlockID, place + ", scalars");
+    }
+}
+
+void write(const ZRFxPrecomputedParticleTraceGroupBlock& block, Table& table) {
+    writeFields(block, table);
+}
+
+void check(const ZRFxPrecomputedParticleTraceGroupBlock&, CheckedDatabase&) {}
+
+}  // namespace
+
+const BlockGroup kPrecomputedBlocks{
+    [](const ZRFxBlock& block, Content& content) {
+        Visit<ZRFxPrecomputedBlockClasses>(block, [&](const auto& own) { describe(own, content); });
+    },
+    [](const ZRFxBlock& block, References& references) {
+        Visit<ZRFxPrecomputedBlockClasses>(block,
+                                           [&](const auto& own) { collect(own, references); });
+    },
+    [](const ZRFxBlock& block, Table& table) {
+        Visit<ZRFxPrecomputedBlockClasses>(block, [&](const auto& own) { write(own, table); });
+    },
+    [](const ZRFxBlock& block, CheckedDatabase& checked) {
+        Visit<ZRFxPrecomputedBlockClasses>(block, [&](const auto& own) { check(own, checked); });
+    },
+};
+
+}  // namespace tools
