@@ -38,7 +38,7 @@ constexpr bool hasAllPublicBlockTypes() {
         return pairs == (record.IsPublic() ? 1 : 0);
     });
 }
-static_assert(hasAllPublicBlockTypes());
+static_assert(hasAllPublicBlockTypes(), "just the public types of the table have a pair");
 
 constexpr std::array kElementTypes{Pair{ElementBlock::POINTS, ELEMENT_POINT},
                                    Pair{ElementBlock::BEAMS, ELEMENT_BEAM},
@@ -71,6 +71,17 @@ constexpr auto kPublicResultTypes = [] {
     }
     return pairs;
 }();
+
+constexpr bool isPublicAs(ResultBlock::ResultType type, int zrType) {
+    return std::ranges::any_of(kPublicResultTypes, [=](const Pair& pair) {
+        return pair.publicValue == type && pair.zrValue == zrType;
+    });
+}
+static_assert(isPublicAs(ResultBlock::SCALAR, RESULT_SCALAR) &&
+                  isPublicAs(ResultBlock::VECTOR, RESULT_VECTOR) &&
+                  isPublicAs(ResultBlock::DISPLACEMENT, RESULT_DISPLACEMENT) &&
+                  isPublicAs(ResultBlock::TENSOR, RESULT_TENSOR),
+              "types of results keep their public numbers");
 
 constexpr std::array kMappings{Pair{ResultBlock::UNDEFINED_MAPPING, MAPPING_UNKNOWN},
                                Pair{ResultBlock::NODE_MAPPING, MAPPING_NODE},

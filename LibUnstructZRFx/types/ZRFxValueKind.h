@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <span>
 
@@ -34,6 +35,12 @@ constexpr const ZRFxValueKind* ZRFxValueKindOf(int dimension) {
     return nullptr;
 }
 
+static_assert(std::ranges::all_of(kValueKinds,
+                                  [](const ZRFxValueKind* kind) {
+                                      return ZRFxValueKindOf(kind->Dimension()) == kind;
+                                  }),
+              "no two kinds may have as many components");
+
 /// The types of results, by the codes that the library uses in memory.
 enum ZRFEMResultType : int {
     RESULT_NONE = 0,
@@ -62,6 +69,13 @@ inline constexpr std::array kResultTypes{
     ZRFxResultTypeRecord{RESULT_VISIBILITY, "Visibility", nullptr},
     ZRFxResultTypeRecord{RESULT_TENSOR, "Tensor", &kTensorKind},
     ZRFxResultTypeRecord{RESULT_ELEMENT, "Element", nullptr}};
+
+static_assert(std::ranges::all_of(kResultTypes,
+                                  [](const ZRFxResultTypeRecord& record) {
+                                      return !record.kind ||
+                                             std::ranges::count(kValueKinds, record.kind) == 1;
+                                  }),
+              "the kind of a type must be among kValueKinds");
 
 /// The kind of the values of a type of results; null where the type says nothing of them.
 constexpr const ZRFxValueKind* ZRFxValueKindOfResult(int resultType) {
