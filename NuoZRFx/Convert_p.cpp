@@ -61,11 +61,12 @@ constexpr std::array kElementTypes{Pair{ElementBlock::POINTS, ELEMENT_POINT},
 
 // The types that have a kind of values are public, under the numbers of their order.
 constexpr auto kPublicResultTypes = [] {
-    constexpr auto kCount = std::ranges::count_if(kResultTypes, &ZRFxResultTypeRecord::kind);
+    constexpr auto kCount =
+        std::ranges::count_if(kResultTypes, &ZRFxResultTypeRecord::HasValueKind);
     std::array<Pair, kCount> pairs{};
     int number = 0;
     for (const ZRFxResultTypeRecord& record : kResultTypes) {
-        if (!record.kind) continue;
+        if (!record.HasValueKind()) continue;
         pairs[static_cast<std::size_t>(number)] = {number, record.code};
         ++number;
     }
