@@ -38,7 +38,7 @@ constexpr bool hasAllPublicBlockTypes() {
         return pairs == (record.IsPublic() ? 1 : 0);
     });
 }
-static_assert(hasAllPublicBlockTypes());
+static_assert(hasAllPublicBlockTypes(), "just the public types of the table have a pair");
 
 constexpr std::array kElementTypes{Pair{ElementBlock::POINTS, ELEMENT_POINT},
                                    Pair{ElementBlock::BEAMS, ELEMENT_BEAM},
@@ -61,16 +61,28 @@ constexpr std::array kElementTypes{Pair{ElementBlock::POINTS, ELEMENT_POINT},
 
 // The types that have a kind of values are public, under the numbers of their order.
 constexpr auto kPublicResultTypes = [] {
-    constexpr auto kCount = std::ranges::count_if(kResultTypes, &ZRFxResultTypeRecord::kind);
+    constexpr auto kCount =
+        std::ranges::count_if(kResultTypes, &ZRFxResultTypeRecord::HasValueKind);
     std::array<Pair, kCount> pairs{};
     int number = 0;
     for (const ZRFxResultTypeRecord& record : kResultTypes) {
-        if (!record.kind) continue;
+        if (!record.HasValueKind()) continue;
         pairs[static_cast<std::size_t>(number)] = {number, record.code};
         ++number;
     }
     return pairs;
 }();
+
+constexpr bool isPublicAs(ResultBlock::ResultType type, int zrType) {
+    return std::ranges::any_of(kPublicResultTypes, [=](const Pair& pair) {
+        return pair.publicValue == type && pair.zrValue == zrType;
+    });
+}
+static_assert(isPublicAs(ResultBlock::SCALAR, RESULT_SCALAR) &&
+                  isPublicAs(ResultBlock::VECTOR, RESULT_VECTOR) &&
+                  isPublicAs(ResultBlock::DISPLACEMENT, RESULT_DISPLACEMENT) &&
+                  isPublicAs(ResultBlock::TENSOR, RESULT_TENSOR),
+              "types of results keep their public numbers");
 
 constexpr std::array kMappings{Pair{ResultBlock::UNDEFINED_MAPPING, MAPPING_UNKNOWN},
                                Pair{ResultBlock::NODE_MAPPING, MAPPING_NODE},

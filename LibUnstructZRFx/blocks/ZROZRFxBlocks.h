@@ -30,6 +30,8 @@ namespace unstruct {
 /// A list of block classes. Each says in kType which type it stores.
 template <typename... BlockClass>
 struct ZRFxBlockClassList {
+    static constexpr std::size_t kSize = sizeof...(BlockClass);
+
     /// How many of the classes store a type.
     static constexpr int Count(int type) { return (0 + ... + (type == BlockClass::kType ? 1 : 0)); }
 };
@@ -57,12 +59,12 @@ using ZRFxPrecomputedBlockClasses =
 using ZRFxBlockClasses = decltype(ZRFxMeshBlockClasses() + ZRFxResultsBlockClasses() +
                                   ZRFxSetsBlockClasses() + ZRFxPrecomputedBlockClasses());
 
-/// Whether every type that is stored has one class, and no other type has any.
+/// Whether every type that is stored has one class, and every class is of such a type.
 constexpr bool AreOneOfEachStoredType() {
     for (const ZRFxBlockTypeRecord& record : kBlockTypes) {
         if (ZRFxBlockClasses::Count(record.type) != (record.IsStored() ? 1 : 0)) return false;
     }
-    return true;
+    return ZRFxBlockClasses::kSize == kStoredBlockTypes.size();
 }
 static_assert(AreOneOfEachStoredType(),
               "kBlockTypes and ZRFxBlockClasses must name the same types");

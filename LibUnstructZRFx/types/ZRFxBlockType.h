@@ -91,6 +91,15 @@ inline constexpr auto kBlockTypes = [] {
 
 inline constexpr int kNumBlockTypes = static_cast<int>(kBlockTypes.size());
 
+static_assert(
+    [] {
+        for (std::size_t i = 0; i < kBlockTypes.size(); ++i) {
+            if (static_cast<std::size_t>(kBlockTypes[i].type) != i) return false;
+        }
+        return true;
+    }(),
+    "each type must stand at the index of its number");
+
 /// The stored types in the order of their ranks.
 inline constexpr auto kStoredBlockTypes = [] {
     std::array<int, std::ranges::count_if(kBlockTypes, &ZRFxBlockTypeRecord::IsStored)> types{};
@@ -101,6 +110,17 @@ inline constexpr auto kStoredBlockTypes = [] {
     std::ranges::sort(types, {}, [](int type) { return kBlockTypes[type].checkRank; });
     return types;
 }();
+
+static_assert(
+    [] {
+        int last = 0;
+        for (const int type : kStoredBlockTypes) {
+            if (kBlockTypes[type].checkRank <= last) return false;
+            last = kBlockTypes[type].checkRank;
+        }
+        return true;
+    }(),
+    "each stored type must have a rank of its own, above 0");
 
 /// The name of a type; "INVALID_BLOCK" for a number that is none.
 ZRString ZRFxBlockTypeName(int type);

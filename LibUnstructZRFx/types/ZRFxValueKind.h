@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <span>
 
@@ -34,6 +35,18 @@ constexpr const ZRFxValueKind* ZRFxValueKindOf(int dimension) {
     return nullptr;
 }
 
+/// How many kinds have so many components.
+constexpr int ZRFxCountValueKinds(int dimension) {
+    int count = 0;
+    for (const ZRFxValueKind* kind : kValueKinds) count += kind->Dimension() == dimension ? 1 : 0;
+    return count;
+}
+static_assert(std::ranges::all_of(kValueKinds,
+                                  [](const ZRFxValueKind* kind) {
+                                      return ZRFxCountValueKinds(kind->Dimension()) == 1;
+                                  }),
+              "no two kinds may have as many components");
+
 /// The types of results, by the codes that the library uses in memory.
 enum ZRFEMResultType : int {
     RESULT_NONE = 0,
@@ -48,27 +61,36 @@ enum ZRFEMResultType : int {
 
 struct ZRFxResultTypeRecord {
     ZRFEMResultType code;
-    const char* name;           ///< In documents.
-    const ZRFxValueKind* kind;  ///< Of its values; null where the type says nothing of them.
+    const char* name;  ///< In documents.
+    int dimension;     ///< Of the kind of its values; 0 where the type says nothing of them.
+
+    constexpr bool HasValueKind() const { return dimension != 0; }
 };
 
 /// All types. Those that have a kind of values are the public ones, in the order of their public
 /// numbers from 0 on.
 inline constexpr std::array kResultTypes{
-    ZRFxResultTypeRecord{RESULT_NONE, "None", nullptr},
-    ZRFxResultTypeRecord{RESULT_SCALAR, "Scalar", &kScalarKind},
-    ZRFxResultTypeRecord{RESULT_VECTOR, "Vector", &kVectorKind},
-    ZRFxResultTypeRecord{RESULT_DISPLACEMENT, "Displacement", &kVectorKind},
-    ZRFxResultTypeRecord{RESULT_VISIBILITY, "Visibility", nullptr},
-    ZRFxResultTypeRecord{RESULT_TENSOR, "Tensor", &kTensorKind},
-    ZRFxResultTypeRecord{RESULT_ELEMENT, "Element", nullptr}};
+    ZRFxResultTypeRecord{RESULT_NONE, "None", 0},
+    ZRFxResultTypeRecord{RESULT_SCALAR, "Scalar", kScalarKind.Dimension()},
+    ZRFxResultTypeRecord{RESULT_VECTOR, "Vector", kVectorKind.Dimension()},
+    ZRFxResultTypeRecord{RESULT_DISPLACEMENT, "Displacement", kVectorKind.Dimension()},
+    ZRFxResultTypeRecord{RESULT_VISIBILITY, "Visibility", 0},
+    ZRFxResultTypeRecord{RESULT_TENSOR, "Tensor", kTensorKind.Dimension()},
+    ZRFxResultTypeRecord{RESULT_ELEMENT, "Element", 0}};
 
-/// The kind of the values of a type of results; null where the type says nothing of them.
-constexpr const ZRFxValueKind* ZRFxValueKindOfResult(int resultType) {
+static_assert(std::ranges::all_of(kResultTypes,
+                                  [](const ZRFxResultTypeRecord& record) {
+                                      return !record.HasValueKind() ||
+                                             ZRFxCountValueKinds(record.dimension) == 1;
+                                  }),
+              "the kind of a type must be among kValueKinds");
+
+/// The dimension of the values of a type of results; 0 where the type says nothing of them.
+constexpr int ZRFxDimensionOfResult(int resultType) {
     for (const ZRFxResultTypeRecord& record : kResultTypes) {
-        if (record.code == resultType) return record.kind;
+        if (record.code == resultType) return record.dimension;
     }
-    return nullptr;
+    return 0;
 }
 
 }  // namespace unstruct

@@ -196,11 +196,11 @@ void checkResult(const ZRFxResultBlock& result, CheckedDatabase& checked) {
         description.resultMapping != MAPPING_NODE) {
         checked.reporter("mapping", result).error("", "displacements belong to nodes");
     }
-    const ZRFxValueKind* kind = ZRFxValueKindOfResult(description.resultType);
+    const int dimension = ZRFxDimensionOfResult(description.resultType);
     for (std::int64_t s = 0; s < result.GetStateCount(); ++s) {
         for (const int id : itemsOf(result.GetState(s)->m_aiValuesBlockIDs)) {
             checked.mappingOfValues[id] = description.resultMapping;
-            if (kind) checked.dimensionsOfValues[id] = kind->Dimension();
+            if (dimension > 0) checked.dimensionsOfValues[id] = dimension;
         }
     }
 }

@@ -45,6 +45,10 @@ struct ImportElementGroup {
     /// For each node of an element in the library's order, its place in the order of the file.
     /// Empty where the two are the same.
     std::span<const int> order;
+
+    std::size_t placeInFile(std::size_t node) const {
+        return order.empty() ? node : static_cast<std::size_t>(order[node]);
+    }
 };
 
 /// A named set of elements, which lie in parts besides.

@@ -13,7 +13,7 @@ ImportElementValues::ImportElementValues(const ImportMesh& mesh, const ImportVal
     std::size_t element = 0;
     for (const ImportElementGroup& group : mesh.groups()) {
         const std::size_t nodeCount = ElementBlock::nodesPerElement(group.type);
-        m_groups.push_back({element, m_nodeCount, nodeCount, group.order});
+        m_groups.push_back({element, m_nodeCount, nodeCount, &group});
         element += group.ids.size();
         m_nodeCount += group.ids.size() * nodeCount;
     }
@@ -87,8 +87,7 @@ ImportElementValues::PartValues ImportElementValues::atNodes(std::span<const Ite
         std::size_t node =
             group.firstNode + (item.element - group.firstElement) * group.nodeCount - firstNode;
         for (std::size_t i = 0; i < group.nodeCount; ++i, ++node) {
-            const std::size_t row =
-                item.row + (group.order.empty() ? i : static_cast<std::size_t>(group.order[i]));
+            const std::size_t row = item.row + group.content->placeInFile(i);
             std::copy_n(&m_values.values[row * m_rowSize + first], size,
                         &taken.values[node * size]);
         }

@@ -42,7 +42,7 @@ private:
         std::size_t firstElement;
         std::size_t firstNode;
         std::size_t nodeCount;  // of each element
-        std::span<const int> order;
+        const ImportElementGroup* content;
     };
 
     bool isAtNodes() const;

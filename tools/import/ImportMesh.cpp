@@ -42,10 +42,6 @@ float diagonal(const std::vector<float>& coordinates) {
     return std::sqrt(sum);
 }
 
-std::size_t placeInFile(const ImportElementGroup& group, std::size_t node) {
-    return group.order.empty() ? node : static_cast<std::size_t>(group.order[node]);
-}
-
 }  // namespace
 
 bool ImportMesh::setNodes(ImportNodes& nodes, std::string* error) {
@@ -95,7 +91,7 @@ bool ImportMesh::convert(ImportElementGroup& group, std::string* error) const {
         int* nodes = &group.nodes[element * count];
         std::copy_n(nodes, count, given.begin());
         for (std::size_t i = 0; i < count; ++i) {
-            const int node = given[placeInFile(group, i)];
+            const int node = given[group.placeInFile(i)];
             nodes[i] = static_cast<int>(nodeIndex(node));
             if (nodes[i] >= 0) continue;
             return fail(error, "element " + std::to_string(id) + " refers to node " +

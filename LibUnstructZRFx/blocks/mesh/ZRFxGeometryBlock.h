@@ -93,7 +93,7 @@ public:
 
     ZRFxGeometryBlock(ZRFxBlockStore* pDatabase, int id);
 
-    /// How many geometries states have that are added from now on.
+    /// The number of geometries of every state; to be set before states are added.
     void SetGeometryCountPerState(int count) { m_iGeometryCountPerState = count; }
 
     /// Appends a state, without parts or one that was made for the block.

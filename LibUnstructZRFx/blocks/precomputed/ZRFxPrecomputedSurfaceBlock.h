@@ -24,11 +24,11 @@ protected:
     void ReadAttributes(const nvf::XmlElement& root) final;
     void WriteAttributes(nvf::XmlElement root) final;
 
-    /// Reads what only a surface of the derived kind has.
+    /// Reads the attributes that only surfaces of one kind have.
     virtual void ReadOwnAttributes(const nvf::XmlElement& root) = 0;
 
-    /// Write it: the shape, which comes first, and what in documents stands between the attributes
-    /// that all surfaces have, and behind them.
+    /// Write them, in the order in which documents hold them between the common ones: each kind of
+    /// surface has a shape, and only some have the others.
     virtual void WriteShape(nvf::XmlElement root) = 0;
     virtual void WriteGridSpacing(nvf::XmlElement) {}
     virtual void WriteClipping(nvf::XmlElement) {}

@@ -117,11 +117,11 @@ bool ZRFxResultValuesBlock::DoReadBlock(const nvf::XmlElement& root) {
 
 bool ZRFxResultValuesBlock::CheckContents() const {
     const ZRString file = GetFilebase();
-    const ZRFxValueKind* pKind = ZRFxValueKindOf(m_iNumDimensions);
-    if (!pKind) return FailDimensions();
+    const ZRFxValueKind* kind = ZRFxValueKindOf(m_iNumDimensions);
+    if (!kind) return FailDimensions();
     const std::int64_t numOthers = AreVectors() ? m_afResults.GetSize() : m_avResults.GetSize();
     return CheckCount(file, "values of another dimension", numOthers, 0) &&
-           (AreVectors() || CheckComponents(file, *pKind)) &&
+           (AreVectors() || CheckComponents(file, *kind)) &&
            (!m_paiIDs || CheckCount(file + "-IDs", "IDs", m_paiIDs->GetSize(), GetNumItems()));
 }
 

@@ -49,7 +49,7 @@ public:
     int GetMapToBlockID() const { return m_iMapToBlockID; }
     void SetMapToBlockID(int id) { m_iMapToBlockID = id; }
 
-    /// How many components an item has, which is 1 at first and names the kind of the values.
+    /// The number of components of an item, which tells the kind of the values; 1 at first.
     int GetNumDimensions() const { return m_iNumDimensions; }
     void SetNumDimensions(int count) { m_iNumDimensions = count; }
 
