@@ -56,10 +56,9 @@ bool CasePrivate::createDocument() {
 }
 
 unstruct::ZRFxAccess* CasePrivate::openAccess(const char* operation) const {
-    if (!nvf::requireThat("m_access", m_access != nullptr, "%1: the file of the case is closed",
-                          operation)) {
-        refuse(nvf::Reason::NOT_OPEN, "The file of the case is closed.");
-    }
+    if (!m_access) refuse(nvf::Reason::NOT_OPEN, "The file of the case is closed.");
+    nvf::requireThat("m_access", m_access != nullptr, "%1: the file of the case is closed",
+                     operation);
     return m_access;
 }
 

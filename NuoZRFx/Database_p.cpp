@@ -41,10 +41,9 @@ bool DatabasePrivate::flush() {
 }
 
 ZRFxDatabase* DatabasePrivate::openDatabase(const char* operation) const {
-    if (!nvf::requireThat("m_zrfxDatabase", m_zrfxDatabase != nullptr,
-                          "%1: the file of the database is closed", operation)) {
-        refuse(nvf::Reason::NOT_OPEN, "The file of the database is closed.");
-    }
+    if (!m_zrfxDatabase) refuse(nvf::Reason::NOT_OPEN, "The file of the database is closed.");
+    nvf::requireThat("m_zrfxDatabase", m_zrfxDatabase != nullptr,
+                     "%1: the file of the database is closed", operation);
     return m_zrfxDatabase.get();
 }
 

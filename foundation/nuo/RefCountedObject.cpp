@@ -1,27 +1,24 @@
 #include "NuoCore/RefCountedObject.h"
 
+#include <cstddef>
 #include <new>
 
 namespace nuo {
 namespace {
 
-// Memory that `new` has taken for an object whose constructor has not begun: the arguments of the
-// constructor may make further objects before it does. Kept in the memory itself.
-struct Pending {
+// Memory that `new` has taken for an object whose constructor has not begun, noted in front of it:
+// the arguments of the constructor may make further objects before it does.
+struct alignas(std::max_align_t) Pending {
     Pending* outer;
     std::size_t size;
+
+    void* memory() { return this + 1; }
 };
 
 thread_local Pending* t_pending = nullptr;
 
-void* addPending(void* memory, std::size_t size) {
-    static_assert(sizeof(RefCountedObject) >= sizeof(Pending));
-    t_pending = new (memory) Pending{t_pending, size};
-    return memory;
-}
-
-bool contains(const Pending* pending, const void* object) {
-    const char* begin = reinterpret_cast<const char*>(pending);
+bool contains(Pending* pending, const void* object) {
+    const char* begin = static_cast<const char*>(pending->memory());
     const char* at = static_cast<const char*>(object);
     return at >= begin && at < begin + pending->size;
 }
@@ -42,19 +39,18 @@ RefCountedObject::RefCountedObject() : m_isOwned(takePending(this)) {}
 
 RefCountedObject::~RefCountedObject() = default;
 
-void* RefCountedObject::operator new(std::size_t size) {
-    return addPending(::operator new(size), size);
-}
-
-void* RefCountedObject::operator new(std::size_t size, const std::nothrow_t& nothrow) noexcept {
-    void* memory = ::operator new(size, nothrow);
-    return memory ? addPending(memory, size) : nullptr;
+void* RefCountedObject::noteAllocation(void* block, std::size_t size) noexcept {
+    static_assert(sizeof(Pending) == kNoteSize);
+    if (!block) return nullptr;
+    t_pending = new (block) Pending{t_pending, size};
+    return t_pending->memory();
 }
 
 // Also called where an argument of the constructor has thrown.
 void RefCountedObject::operator delete(void* memory) noexcept {
+    if (!memory) return;
     takePending(memory);
-    ::operator delete(memory);
+    ::operator delete(static_cast<Pending*>(memory) - 1);
 }
 
 void RefCountedObject::operator delete(void* memory, const std::nothrow_t&) noexcept {

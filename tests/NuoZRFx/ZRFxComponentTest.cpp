@@ -44,7 +44,7 @@ TEST(ZRFxComponentTest, MisuseBeforeInitializationIsReportedAndTheProcessGoesOn)
     EXPECT_EQ(nullptr, nuo::PropertySetCollection().propertySet(0));
     ASSERT_EQ(2u, recorder->messages.size());
     EXPECT_EQ(nuo::Str("ASSERT:  (instance)"), recorder->messages[0].text);
-    EXPECT_EQ(nuo::Str("ASSERT:  (index < count())"), recorder->messages[1].text);
+    EXPECT_EQ(nuo::Str("ASSERT:  'propertySet: set 0 of 0 asked for'"), recorder->messages[1].text);
 }
 
 TEST(ZRFxComponentTest, WithoutLicenceNumberItIsAnEvaluationVersion) {
@@ -66,7 +66,7 @@ TEST(ZRFxComponentTest, FailedAssertionReachesTheHostWithItsPlaceAndThrowsWhenAs
     const nuo::LogMessage& message = recorder->messages.front();
     EXPECT_EQ(nuo::LL_ERROR, message.level);
     EXPECT_EQ(nuo::Str("nuo.nvf"), message.logger);
-    EXPECT_EQ(nuo::Str("ASSERT:  (index < count())"), message.text);
+    EXPECT_EQ(nuo::Str("ASSERT:  'propertySet: set 0 of 0 asked for'"), message.text);
     EXPECT_NE(std::string::npos, message.fileName.toStdString().find("PropertySetCollection.cpp"));
     EXPECT_GT(message.lineNumber, 0);
 }

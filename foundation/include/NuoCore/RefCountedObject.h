@@ -20,8 +20,12 @@ public:
     RefCountedObject& operator=(const RefCountedObject&) = delete;
     virtual ~RefCountedObject();
 
-    static void* operator new(std::size_t size);
-    static void* operator new(std::size_t size, const std::nothrow_t&) noexcept;
+    static void* operator new(std::size_t size) {
+        return noteAllocation(::operator new(kNoteSize + size), size);
+    }
+    static void* operator new(std::size_t size, const std::nothrow_t& nothrow) noexcept {
+        return noteAllocation(::operator new(kNoteSize + size, nothrow), size);
+    }
     static void* operator new(std::size_t, void* place) noexcept { return place; }
     static void operator delete(void* memory) noexcept;
     static void operator delete(void* memory, const std::nothrow_t&) noexcept;
@@ -33,6 +37,10 @@ public:
     void release() const;
 
 private:
+    // In front of each object that `new` makes.
+    static constexpr std::size_t kNoteSize = alignof(std::max_align_t);
+    static void* noteAllocation(void* block, std::size_t size) noexcept;
+
     mutable std::atomic<int> m_referenceCount{0};
     const bool m_isOwned;  // By its references.
 };
