@@ -7,6 +7,7 @@
 #include <map>
 #include <utility>
 
+#include "ArrayLimit_p.h"
 #include "Convert_p.h"
 #include "Log_p.h"
 #include "ZRIDLookup.h"
@@ -445,6 +446,7 @@ bool ElementBlock::checkElements(const char* operation, ElementType elementType,
            nvf::require(hasFixedNodes, "%1: elements of type %2 have no fixed number of nodes",
                         operation, static_cast<int>(elementType)) &&
            checkIds(operation, elementIds != nullptr) &&
+           fitsDataFile(operation, elementCount, nodeCount * sizeof(int)) &&
            nvf::require(!hasNegative(elementNodes, elementCount * nodeCount),
                         "%1: a node index or id is negative", operation);
 }

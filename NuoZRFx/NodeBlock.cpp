@@ -4,6 +4,7 @@
 #include <limits>
 #include <utility>
 
+#include "ArrayLimit_p.h"
 #include "Log_p.h"
 #include "blocks/mesh/ZRFxNodeBlock.h"
 #include "nvf/Assert.h"
@@ -191,7 +192,8 @@ bool NodeBlock::checkNodes(const char* operation, const void* nodes, std::size_t
         return fail("Given pointer to node coordinates was NULL. (block id %1)", blockId());
     }
     const std::size_t expected = hasNodeIds() ? nodeCount : 0;
-    return nvf::require(idCount == expected, "%1: %2 node ids given for %3 nodes, expected %4",
+    return fitsDataFile(operation, nodeCount, sizeof(Vec3f)) &&
+           nvf::require(idCount == expected, "%1: %2 node ids given for %3 nodes, expected %4",
                         operation, idCount, nodeCount, expected);
 }
 

@@ -5,6 +5,7 @@
 #include <type_traits>
 #include <utility>
 
+#include "ArrayLimit_p.h"
 #include "Log_p.h"
 #include "blocks/results/ZRFxResultValuesBlock.h"
 #include "nvf/Assert.h"
@@ -182,7 +183,9 @@ bool ResultValuesBlock::setResultValueData(const float* resultValues, std::size_
     return guarded([&] {
         if (!nvf::require(resultValues && itemCount > 0,
                           "setResultValueData: no values are given") ||
-            !isValidDimension(dimension()) || !checkIds(mapToItemIds != nullptr)) {
+            !isValidDimension(dimension()) || !checkIds(mapToItemIds != nullptr) ||
+            !fitsDataFile("setResultValueData", itemCount,
+                          static_cast<std::size_t>(dimension()) * sizeof(float))) {
             return false;
         }
         const auto count = static_cast<std::int64_t>(itemCount);
@@ -306,7 +309,8 @@ bool ResultValuesBlock::checkDimension(const char* operation, ResultValueDimensi
 bool ResultValuesBlock::countItems(const char* operation, std::size_t valueCount,
                                    std::size_t idCount, std::size_t* itemCount) const {
     if (!nvf::require(valueCount > 0, "%1: no values are given", operation) ||
-        !isValidDimension(dimension()) || !checkIds(idCount > 0)) {
+        !isValidDimension(dimension()) || !checkIds(idCount > 0) ||
+        !fitsDataFile(operation, valueCount, sizeof(float))) {
         return false;
     }
     const auto floatsPerItem = static_cast<std::size_t>(dimension());

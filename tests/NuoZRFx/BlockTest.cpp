@@ -125,6 +125,23 @@ TEST_F(BlockTest, DoublesAreRoundedAndSpansAreReadInPlace) {
     EXPECT_THAT(vectors->resultValues(), ElementsAre(1, 2.5f, 3));
 }
 
+TEST_F(BlockTest, ArraysThatNoFileCanHoldAreRefusedWhenTheyAreSet) {
+    const float value = 0;
+    const int index = 0;
+    const std::string end =
+        " bytes are more than a file can hold in one array, which is less than 4 GiB";
+    const PtrRef<NodeBlock> nodes = new NodeBlock(1, false);
+    ExpectRefused(nodes->setNodeData(&value, 357913942, nullptr),
+                  {"setNodeData: 357913942 items of 12" + end});
+    const PtrRef<ElementBlock> elements = new ElementBlock(1, false, false);
+    ExpectRefused(elements->addElementData(ElementBlock::HEXAHEDRONS_20, &index, 53687092, nullptr),
+                  {"addElementData: 53687092 items of 80" + end});
+    const PtrRef<ResultValuesBlock> tensors =
+        new ResultValuesBlock(1, ResultValuesBlock::TENSOR6D, false);
+    ExpectRefused(tensors->setResultValueData(&value, 178956971, nullptr),
+                  {"setResultValueData: 178956971 items of 24" + end});
+}
+
 TEST_F(BlockTest, NodesAreFoundByIdAfterEveryChange) {
     const PtrRef<NodeBlock> nodes = new NodeBlock(1, true);
     nodes->addNode(0, 0, 0, 9);

@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
 #include <climits>
+#include <cmath>
 #include <limits>
 #include <string>
 #include <vector>
@@ -45,6 +46,11 @@ public:
             }
         }
         block.setNodeData(nullptr, 7, nullptr);
+        block.setNodeData(nuo::Span<const float>(), kIntLists[2]);
+        block.setNodes(std::vector<double>{}, kIntLists[1]);
+        block.setNodes(std::vector<double>{1e300, -1e300, std::nan("")}, kIntLists[1]);
+        Finish(block);
+        block.coordinates(), block.ids();
         block.allocateNodes(0);
         block.allocateNodes(SIZE_MAX);
         Finish(block);
@@ -113,6 +119,7 @@ public:
             }
             for (const auto& list : kIntLists) block.addGroupInfo(id, kTexts[2], list);
             block.stateIndex(id);
+            block.unusedStateId();
         }
         for (const std::size_t i : kIndices) {
             block.stateId(i), block.stateName(i), block.stateReferenceValue(i);
@@ -143,11 +150,14 @@ public:
 
     void Of(ResultValuesBlock& block) {
         block.allocateResultValues(INT_MIN);
+        block.allocateResultValues(SIZE_MAX);
+        block.allocateResultValues(-1L);
         block.allocateResultValues(-1);
         block.allocateResultValues(0);
         for (const int i : kInts) {
             block.addResultValue1d(1, i);
             block.addResultValue3d(1, 2, 3, i);
+            block.addResultValue6d(1, 2, 3, 4, 5, 6, i);
             for (const int type : kInts) {
                 block.setMapToBlockId(i, static_cast<Block::BlockType>(type));
             }
@@ -161,6 +171,10 @@ public:
             }
         }
         block.setResultValueData(nullptr, 7, nullptr);
+        block.setResultValueData(nuo::Span<const float>(), kIntLists[2]);
+        block.setResultValues(std::vector<double>{}, kIntLists[2]);
+        block.setResultValues(std::vector<double>(6, 1e300), kIntLists[1]);
+        block.itemIds();
         Finish(block);
     }
 
@@ -218,6 +232,7 @@ public:
         for (int type = -1; type <= 11; ++type) {
             const auto blockType = static_cast<Block::BlockType>(type);
             m_database->blockCount(blockType);
+            m_database->blockIds(blockType), m_database->unusedBlockId(blockType);
             for (const std::size_t i : kIndices) {
                 m_database->blockId(blockType, i);
                 m_database->blockByIndex(blockType, i);
@@ -293,6 +308,8 @@ private:
         block.elementGroupType(group), block.elementGroupElementCount(group);
         block.elementGroupElementNodeCount(group);
         block.elementNodeData(group), block.elementIdData(group);
+        block.elementGroupNodes(group), block.elementGroupIds(group);
+        for (const int id : kInts) block.elementIndex(id);
         for (std::vector<int>* target : {&out, static_cast<std::vector<int>*>(nullptr)}) {
             block.elementGroup(group, target, target);
             block.elementIndices(group, target);

@@ -11,7 +11,8 @@ namespace nuo::zrfx {
 
 /// Base of all blocks: a numbered unit of model or result data. Fill one and hand it to
 /// Database::writeBlock, or get one from Database::blockByIndex. Ids are the caller's, unique for
-/// each type within a database. Used by one thread at a time. An operation that runs out of memory
+/// each type within a database. One array holds less than 4 GiB: 357 million nodes, or a billion
+/// node references or values. Used by one thread at a time. An operation that runs out of memory
 /// fails with a message and leaves the block as it was; a block that could not be constructed fails
 /// in every operation. When an operation that returns nothing ran out of memory, the block cannot
 /// be written any more, so that no file lacks what was lost.
