@@ -164,6 +164,9 @@ std::vector<int> Database::blockIds(Block::BlockType type) const {
 
 int Database::unusedBlockId(Block::BlockType type) const {
     return guarded(-1, [&] {
+        const std::size_t count = blockCount(type);
+        const int largest = count > 0 ? blockId(type, count - 1) : 0;
+        if (largest < INT_MAX) return largest + 1;
         const std::vector<int> ids = blockIds(type);
         return unusedId(std::set<int>(ids.begin(), ids.end()), 1);
     });

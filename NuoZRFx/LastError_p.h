@@ -8,6 +8,58 @@
 
 namespace nuo::zrfx {
 
+/// The code of the public interface for a reason. A reason without one does not compile without a
+/// warning.
+constexpr Error::Code codeOf(nvf::Reason reason) {
+    switch (reason) {
+        case nvf::Reason::NONE:
+            return Error::NONE;
+        case nvf::Reason::INVALID_ARGUMENT:
+            return Error::INVALID_ARGUMENT;
+        case nvf::Reason::NOT_INITIALIZED:
+            return Error::NOT_INITIALIZED;
+        case nvf::Reason::NOT_OPEN:
+            return Error::NOT_OPEN;
+        case nvf::Reason::READ_ONLY:
+            return Error::READ_ONLY;
+        case nvf::Reason::NOT_FOUND:
+            return Error::NOT_FOUND;
+        case nvf::Reason::NO_REGULAR_FILE:
+            return Error::NO_REGULAR_FILE;
+        case nvf::Reason::NO_ZRFX_FILE:
+            return Error::NO_ZRFX_FILE;
+        case nvf::Reason::PASSWORD_NEEDED:
+            return Error::PASSWORD_NEEDED;
+        case nvf::Reason::WRONG_PASSWORD:
+            return Error::WRONG_PASSWORD;
+        case nvf::Reason::DAMAGED:
+            return Error::DAMAGED;
+        case nvf::Reason::IN_USE:
+            return Error::IN_USE;
+        case nvf::Reason::CHANGED:
+            return Error::CHANGED;
+        case nvf::Reason::EXISTS:
+            return Error::EXISTS;
+        case nvf::Reason::NO_PERMISSION:
+            return Error::NO_PERMISSION;
+        case nvf::Reason::DISK_FULL:
+            return Error::DISK_FULL;
+        case nvf::Reason::SYSTEM_ERROR:
+            return Error::SYSTEM_ERROR;
+        case nvf::Reason::OUT_OF_MEMORY:
+            return Error::OUT_OF_MEMORY;
+        case nvf::Reason::TOO_LARGE:
+            return Error::TOO_LARGE;
+        case nvf::Reason::INVALID_CONTENT:
+            return Error::INVALID_CONTENT;
+        case nvf::Reason::INCOMPLETE:
+            return Error::INCOMPLETE;
+        case nvf::Reason::CANCELLED:
+            return Error::CANCELLED;
+    }
+    return Error::SYSTEM_ERROR;
+}
+
 /// Why the last operation of a File, Database or Case failed; no error after one that did not.
 class LastError {
 public:
@@ -33,16 +85,11 @@ private:
 
     static Error errorOf(const nvf::FirstError& first, nvf::Reason usual) {
         const nvf::Reason reason = first.reason() == nvf::Reason::NONE ? usual : first.reason();
-        return Error(static_cast<Error::Code>(reason),
-                     guarded([&] { return Convert::toStr(first.text()); }));
+        return Error(codeOf(reason), guarded([&] { return Convert::toStr(first.text()); }));
     }
 
     Error m_error;
 };
-
-static_assert(static_cast<int>(nvf::Reason::NO_ZRFX_FILE) == Error::NO_ZRFX_FILE &&
-              static_cast<int>(nvf::Reason::DISK_FULL) == Error::DISK_FULL &&
-              static_cast<int>(nvf::Reason::CANCELLED) == Error::CANCELLED);
 
 /// Runs an operation of an object, whose private part keeps why it failed.
 template <typename Private, typename Operation>

@@ -121,7 +121,7 @@ bool ResultValuesBlock::allocateResultValues(int count) {
 bool ResultValuesBlock::allocateResultValues(std::size_t count) {
     return guarded([&] {
         return isValidDimension(dimension()) &&
-               count <= std::numeric_limits<std::int64_t>::max() / sizeof(float[6]) &&
+               count <= std::numeric_limits<std::int64_t>::max() / sizeof(float[TENSOR6D]) &&
                m_private->m_resultValuesBlock->Reserve(static_cast<std::int64_t>(count));
     });
 }

@@ -1,6 +1,7 @@
 #include "NuoZRFx/StateInfoBlock.h"
 
 #include <algorithm>
+#include <climits>
 #include <memory>
 #include <set>
 #include <unordered_map>
@@ -45,6 +46,7 @@ public:
         for (std::size_t i = 0; state(i); ++i) {
             const ZRFxStateInfo& info = *state(i);
             m_statesOfId[info.stateID].push_back(i);
+            m_largestId = std::max(m_largestId, info.stateID);
             if (info.parentID >= 0) group(info.parentID, info.group).states.push_back(i);
         }
     }
@@ -56,6 +58,7 @@ public:
         Group added{id, name, {}};
         unstruct::MakeRoom(&m_groups);
         m_groupIndices.Add(id);
+        m_largestId = std::max(m_largestId, id);
         return m_groups.emplace_back(std::move(added));
     }
 
@@ -66,6 +69,7 @@ public:
         const auto index = static_cast<std::size_t>(m_stateInfoBlock->GetStateCount());
         m_stateInfoBlock->MakeRoom();
         m_statesOfId.emplace(id, std::vector<std::size_t>{index});
+        m_largestId = std::max(m_largestId, id);
         m_stateInfoBlock->AddState(std::move(added));
     }
 
@@ -100,6 +104,7 @@ public:
     // For looking up, as there may be very many. A file may give an id to several states.
     std::unordered_map<int, std::vector<std::size_t>> m_statesOfId;
     unstruct::ZRIDLookup m_groupIndices;
+    int m_largestId = 0;  // Of states and groups; a solver asks for the next one with each step.
 };
 
 StateInfoBlock::StateInfoBlock() : Block(kBlockId, STATE_INFO) {
@@ -205,6 +210,7 @@ int StateInfoBlock::stateIndex(int stateId) const {
 
 int StateInfoBlock::unusedStateId() const {
     return guarded(-1, [&] {
+        if (m_private->m_largestId < INT_MAX) return m_private->m_largestId + 1;
         std::set<int> ids;
         for (const auto& [id, states] : m_private->m_statesOfId) ids.insert(id);
         for (const Group& group : m_private->m_groups) ids.insert(group.id);

@@ -181,6 +181,7 @@ TEST_F(DatabaseTest, BlocksAreReadAsTheirClassesAndInLoops) {
     EXPECT_EQ(expected, read);
     EXPECT_THAT(database.blockIds(Block::RESULT), ElementsAre(1, 2, 3, 4));
     EXPECT_EQ(5, database.unusedBlockId(Block::RESULT));
+    EXPECT_EQ(10, database.read<StateInfoBlock>(1)->unusedStateId());
 }
 
 TEST_F(DatabaseTest, ObjectsThatOutliveTheirFileOnlyFail) {

@@ -63,9 +63,10 @@ bool ZRFxResultValuesBlock::AddVector(const nuo::Vec3f& value, std::int32_t id) 
     return AreVectors() && AddWithID(value, id, &m_avResults);
 }
 
-bool ZRFxResultValuesBlock::AddTensor(const float (&tensor)[6], std::int32_t id) {
-    NVF_ASSERT(m_iNumDimensions == 6);
-    if (m_iNumDimensions != 6) return false;
+bool ZRFxResultValuesBlock::AddTensor(const float (&tensor)[kTensorKind.Dimension()],
+                                      std::int32_t id) {
+    NVF_ASSERT(AreTensors());
+    if (!AreTensors()) return false;
     SetRead(true);
     const std::int64_t numBefore = m_afResults.GetSize();
     for (const float component : tensor) {

@@ -32,7 +32,7 @@ public:
     /// Appends an item, and its id when the values have ids.
     bool AddScalar(float value, std::int32_t id);
     bool AddVector(const nuo::Vec3f& value, std::int32_t id);
-    bool AddTensor(const float (&tensor)[6], std::int32_t id);
+    bool AddTensor(const float (&tensor)[kTensorKind.Dimension()], std::int32_t id);
 
     /// Replaces the ids of the items that the values belong to; null means the items in their
     /// order.
