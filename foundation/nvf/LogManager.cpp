@@ -14,14 +14,27 @@ std::mutex& instanceMutex() {
     return mutex;
 }
 
-// Kept to the end of the process: static objects of the host may still log when they go.
+// Never destroyed itself: static objects of the host may still log when they go.
 ref<LogManager>& instanceSlot() {
-    static auto* slot = new ref<LogManager>(new LogManager);
-    return *slot;
+    static union Slot {
+        ref<LogManager> manager;
+        Slot() : manager() {}
+        ~Slot() {}
+    } slot;
+    return slot.manager;
 }
 
-// Made when the library is loaded, so that there is one when memory is missing later.
-[[maybe_unused]] const ref<LogManager>& s_firstInstance = instanceSlot();
+// There is a manager as soon as the library is loaded, since memory may be missing later, and it
+// goes with the library. One that is asked for after that stays to the end of the process.
+struct ManagerOfLoadedLibrary {
+    ManagerOfLoadedLibrary() { LogManager::instance(); }
+    ~ManagerOfLoadedLibrary() {
+        ref<LogManager> last;
+        const std::lock_guard lock(instanceMutex());
+        std::swap(last, instanceSlot());
+    }
+};
+const ManagerOfLoadedLibrary s_managerOfLoadedLibrary;
 
 // Every block asks for its logger, so the names are made once.
 const String& interfaceName() {
@@ -56,7 +69,9 @@ LogManager::LogManager()
 
 ref<LogManager> LogManager::instance() {
     const std::lock_guard lock(instanceMutex());
-    return instanceSlot();
+    ref<LogManager>& slot = instanceSlot();
+    if (slot.isNull()) slot = new LogManager;
+    return slot;
 }
 
 void LogManager::setInstance(ref<LogManager> manager) {
