@@ -83,6 +83,7 @@ public:
     void RemoveAll() { ZRArray().Swap(*this); }
 
     std::int64_t GetSize() const { return m_nSize; }
+    std::size_t SizeInBytes() const { return static_cast<std::size_t>(m_nSize) * sizeof(T); }
     std::int64_t GetNumItems() const { return m_nSize; }
     std::int64_t GetAllocatedSize() const { return m_nAllocated; }
     bool IsEmpty() const { return m_nSize == 0; }
