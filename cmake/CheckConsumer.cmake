@@ -29,3 +29,11 @@ execute_process(
     OUTPUT_QUIET COMMAND_ERROR_IS_FATAL ANY)
 execute_process(COMMAND ${CMAKE_COMMAND} --build ${WORK}/examples
     OUTPUT_QUIET COMMAND_ERROR_IS_FATAL ANY)
+
+# The installed package for Python finds the installed library.
+if(PYTHON)
+    execute_process(
+        COMMAND ${CMAKE_COMMAND} -E env PYTHONPATH=${prefix}/${PYTHON_FOLDER} PYTHONDONTWRITEBYTECODE=1
+                ${PYTHON} -c "import zrfx; zrfx.create('${WORK}/installed.zrfx').abandon()"
+        COMMAND_ERROR_IS_FATAL ANY)
+endif()

@@ -1,12 +1,27 @@
 # The libraries behind the four wrappers: XML, ZIP, codec with cipher, JPEG. All are Debian packages
 # (scripts/install-packages); pkg-config finds them, and the installed package finds them alike.
 find_package(PkgConfig REQUIRED)
+find_package(Threads REQUIRED)
 pkg_check_modules(NUO_PUGIXML REQUIRED IMPORTED_TARGET pugixml)
 pkg_check_modules(NUO_LIBZIP REQUIRED IMPORTED_TARGET libzip)
 pkg_check_modules(NUO_LIBDEFLATE REQUIRED IMPORTED_TARGET libdeflate)
 pkg_check_modules(NUO_LIBCRYPTO REQUIRED IMPORTED_TARGET libcrypto)
 pkg_check_modules(NUO_LIBJPEG REQUIRED IMPORTED_TARGET libjpeg)
+# ISA-L packs arrays several times as fast; without it all is packed by libdeflate.
+option(NUO_WITH_ISAL "Pack arrays by ISA-L where it is found" ON)
+set(NUO_HAS_ISAL 0)
+if(NUO_WITH_ISAL)
+    pkg_check_modules(NUO_LIBISAL IMPORTED_TARGET libisal)
+    if(NUO_LIBISAL_FOUND)
+        set(NUO_HAS_ISAL 1)
+    else()
+        message(STATUS "ISA-L was not found: arrays are packed by libdeflate alone")
+    endif()
+endif()
 set(NUO_FOUNDATION_LIBRARIES PkgConfig::NUO_PUGIXML)
 set(NUO_CONTAINER_LIBRARIES
-    PkgConfig::NUO_LIBZIP PkgConfig::NUO_LIBDEFLATE PkgConfig::NUO_LIBCRYPTO)
+    PkgConfig::NUO_LIBZIP PkgConfig::NUO_LIBDEFLATE PkgConfig::NUO_LIBCRYPTO Threads::Threads)
+if(NUO_HAS_ISAL)
+    list(APPEND NUO_CONTAINER_LIBRARIES PkgConfig::NUO_LIBISAL)
+endif()
 set(NUO_IMAGE_LIBRARIES PkgConfig::NUO_LIBJPEG)

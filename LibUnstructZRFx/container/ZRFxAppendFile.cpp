@@ -66,6 +66,14 @@ bool ZRFxAppendFile::Read(uint64_t nOffset, void* pData, size_t nSize) {
     if (nOffset > m_nPosition || nSize > m_nPosition - nOffset) {
         return Fail("the file ends too early");
     }
+    if (ReadAside(nOffset, pData, nSize)) return true;
+    // A file that ends too early was cut by its writer.
+    m_bReadFailed = m_bReadFailed || errno != ENODATA;
+    return FailSystem("cannot read");
+}
+
+bool ZRFxAppendFile::ReadAside(uint64_t nOffset, void* pData, size_t nSize) const {
+    if (nOffset > m_nPosition || nSize > m_nPosition - nOffset) return false;
     const uint64_t nInFile = m_nPosition - m_nBuffered;
     uint8_t* pNext = static_cast<uint8_t*>(pData);
     if (nSize > 0 && nOffset + nSize > nInFile) {
@@ -74,10 +82,7 @@ bool ZRFxAppendFile::Read(uint64_t nOffset, void* pData, size_t nSize) {
         std::memcpy(pNext + nHead, m_pBuffer.get() + (nFrom - nInFile), nSize - nHead);
         nSize = nHead;
     }
-    if (m_file.ReadAt(nOffset, pNext, nSize)) return true;
-    // A file that ends too early was cut by its writer.
-    m_bReadFailed = m_bReadFailed || errno != ENODATA;
-    return FailSystem("cannot read");
+    return m_file.ReadAt(nOffset, pNext, nSize);
 }
 
 bool ZRFxAppendFile::Write(const void* pData, size_t nSize) {
@@ -98,6 +103,34 @@ bool ZRFxAppendFile::Write(const void* pData, size_t nSize) {
         pNext += nPart;
         nSize -= nPart;
     }
+    StartFlush();
+    return true;
+}
+
+// What was written before goes to the file but for its end: until the head is there, the bytes that
+// follow belong to no entry.
+bool ZRFxAppendFile::StartAside() {
+    return StartWriting() && FlushBuffer(kHeldBack);
+}
+
+bool ZRFxAppendFile::WriteAside(uint64_t nOffset, const void* pData, size_t nSize) {
+    if (!m_file.WriteAt(nOffset, pData, nSize)) return false;
+    // The pages at both ends have bytes of others.
+    const uint64_t nFrom = (nOffset + kPage - 1) / kPage * kPage;
+    const uint64_t nTo = (nOffset + nSize) / kPage * kPage;
+    if (nTo > nFrom) m_file.StartFlush(nFrom, nTo - nFrom);
+    return true;
+}
+
+bool ZRFxAppendFile::EndAside(std::string_view sHead, uint64_t nAside, std::string_view sTail) {
+    std::string sBytes(m_pBuffer.get(), m_pBuffer.get() + m_nBuffered);
+    sBytes.append(sHead);
+    if (!m_file.WriteAt(m_nPosition - m_nBuffered, sBytes.data(), sBytes.size())) {
+        return FailSystem("cannot write");
+    }
+    std::memcpy(m_pBuffer.get(), sTail.data(), sTail.size());
+    m_nBuffered = sTail.size();
+    m_nPosition += sHead.size() + nAside + sTail.size();
     StartFlush();
     return true;
 }

@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "container/ZRFxSystem.h"
 #include "container/ZRFxZipStorage.h"
@@ -38,7 +39,11 @@ public:
 
     uint64_t Position() const override { return m_nPosition; }
     bool Read(uint64_t nOffset, void* pData, size_t nSize) override;
+    bool ReadAside(uint64_t nOffset, void* pData, size_t nSize) const override;
     bool Write(const void* pData, size_t nSize) override;
+    bool StartAside() override;
+    bool WriteAside(uint64_t nOffset, const void* pData, size_t nSize) override;
+    bool EndAside(std::string_view sHead, uint64_t nAside, std::string_view sTail) override;
     void Rewind(uint64_t nPosition) override;
     bool Flush() override;
     ZRFxCommitResult EndCommit() override;

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "container/ZRFxArchiveWalk.h"
+#include "nvf/Progress.h"
 
 namespace unstruct {
 namespace {
@@ -37,13 +38,13 @@ bool ZRFxArchiveCommit::Run(bool bClosing) {
     if (IsRewriteDue(bClosing)) {
         // Where there is no room for a second file, the old one goes on.
         const bool bWritten = WriteAnew(m_archive.pStorage->Successor());
-        if (bWritten || m_bApplied) return bWritten;
+        if (bWritten || m_bApplied || nvf::Progress::isStopped()) return bWritten;
     }
     if (bClosing && m_archive.IsOrdinary()) return true;
     if (bClosing || IsArchiveDue()) return AppendArchive();
     if (IsFollowed()) return AppendRecord();
     const bool bWritten = WriteAnew(m_archive.pStorage->Successor());
-    return bWritten || m_bApplied ? bWritten : AppendArchive();
+    return bWritten || m_bApplied || nvf::Progress::isStopped() ? bWritten : AppendArchive();
 }
 
 bool ZRFxArchiveCommit::WriteAnew(std::unique_ptr<ZRFxZipStorage> pStorage) {
@@ -184,6 +185,8 @@ bool ZRFxArchiveCommit::AppendArchive() {
 // Writes what is not in the target yet.
 bool ZRFxArchiveCommit::PlaceItems(size_t nFirstSlot, bool bWithTexts) {
     const bool bAnew = m_pTarget != m_archive.pStorage.get();
+    const nvf::Progress::Count count(m_archive.bytes.nPending +
+                                     (bAnew ? m_archive.bytes.nLive : 0));
     for (size_t i = nFirstSlot; i < m_archive.table.SlotCount(); ++i) {
         ZRFxArchiveItem* pItem = m_archive.table.At(i);
         if (!pItem) continue;
@@ -228,6 +231,7 @@ bool ZRFxArchiveCommit::CopyEntry(ZRFxArchiveItem* pItem) {
         const size_t nPart = static_cast<size_t>(std::min<uint64_t>(nEnd - nAt, part.Length()));
         if (!source.Read(nAt, part.Buffer(), nPart)) return Fail(source.Error());
         if (!m_pTarget->Write(part.Buffer(), nPart)) return Fail(m_pTarget->Error());
+        if (!nvf::Progress::advance(nPart)) return Fail(ZRFxCause::Stopped());
         nAt += nPart;
     }
     m_aPlaced.push_back(std::move(placed));
@@ -239,6 +243,9 @@ bool ZRFxArchiveCommit::WriteEntry(ZRFxArchiveItem* pItem, ZRFxZipEntry entry,
     entry.nOffset = m_pTarget->Position();
     entry.sRecord = ZRFxZipDirectory::CentralRecord(entry, pItem->nTime);
     if (!m_packer.Write(entry, pItem->nTime, pPacked, m_pTarget)) return Fail(m_packer.Error());
+    // The packer has counted what is stored.
+    const uint64_t nCounted = entry.nMethod == kZipStored ? 0 : entry.nPackedSize;
+    if (!nvf::Progress::advance(nCounted)) return Fail(ZRFxCause::Stopped());
     m_aPlaced.push_back({pItem, std::move(entry)});
     return true;
 }

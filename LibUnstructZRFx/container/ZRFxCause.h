@@ -20,6 +20,8 @@ struct ZRFxCause {
     static ZRFxCause TooLarge() {
         return {"the entry is larger than 4 GiB", nvf::Reason::TOO_LARGE};
     }
+    /// The program has stopped the operation by its progress callback.
+    static ZRFxCause Stopped() { return {"stopped by the program", nvf::Reason::CANCELLED}; }
     /// sWhat, and what the system says of errno.
     static ZRFxCause System(const std::string& sWhat);
 

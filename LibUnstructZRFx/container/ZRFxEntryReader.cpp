@@ -6,6 +6,7 @@
 
 #include "container/ZRFxEntryPacker.h"
 #include "container/ZRFxZipMemFile.h"
+#include "nvf/Progress.h"
 
 namespace unstruct {
 namespace {
@@ -47,8 +48,33 @@ bool ZRFxEntryReader::Read(const ZRFxArchiveItem& item, ZRFxZipRawData* pRaw) {
     const bool bPlain =
         entry.nMethod == kZipStored && entry.eEncryption == ZRFxZipEntry::Encryption::kNone;
     if (bPlain && entry.nSize > kSmallEntry) return FetchStored(entry, pRaw);
+    if (ReadInPieces(entry, pRaw)) return true;
+    if (nvf::Progress::isStopped()) return Fail(ZRFxCause::Stopped());
     const uint8_t* pPacked = nullptr;
     return FetchPacked(entry, &pPacked) && Unpack(entry, pPacked, pRaw);
+}
+
+bool ZRFxEntryReader::ReadPart(const ZRFxArchiveItem& item, uint64_t nFrom, void* pData,
+                               size_t nSize) {
+    const ZRFxZipEntry& entry = item.entry;
+    if (nFrom > entry.nSize || nSize > entry.nSize - nFrom) return Fail("the entry ends too early");
+    const bool bInFile = item.ePlace == ZRFxArchiveItem::Place::kInFile;
+    if (bInFile && entry.nMethod == kZipStored &&
+        entry.eEncryption == ZRFxZipEntry::Encryption::kNone) {
+        uint64_t nStart = 0;
+        return CheckDeclared(entry) && LocateData(entry, &nStart) &&
+               (m_pStorage->Read(nStart + nFrom, pData, nSize) || Fail(m_pStorage->Error()));
+    }
+    ZRFxPieceList pieces;
+    if (bInFile && LoadPieces(entry, &pieces) && pieces.bHasCrcs &&
+        UnpackPieces(entry, pieces, nFrom, static_cast<uint8_t*>(pData), nSize)) {
+        return true;
+    }
+    if (nvf::Progress::isStopped()) return Fail(ZRFxCause::Stopped());
+    ZRFxZipRawData raw;
+    if (!Read(item, &raw)) return false;
+    if (nSize > 0) std::memcpy(pData, raw.Buffer() + nFrom, nSize);
+    return true;
 }
 
 bool ZRFxEntryReader::FindEnd(const ZRFxZipEntry& entry, uint64_t nLimit, uint64_t* pEnd) {
@@ -130,8 +156,33 @@ bool ZRFxEntryReader::FetchStored(const ZRFxZipEntry& entry, ZRFxZipRawData* pRa
         if (!m_pStorage->Read(nData + nDone, pPart, nPart)) return Fail(m_pStorage->Error());
         nCrc = ZRFxCodec::Crc32(nCrc, pPart, nPart);
         nDone += nPart;
+        if (!nvf::Progress::advance(nPart)) return Fail(ZRFxCause::Stopped());
     }
     return nCrc == entry.nCrc || Fail("damaged data, the checksum differs");
+}
+
+// From the file into the caller's buffer, piece by piece. False, and not for good, when the entry
+// has no pieces or they are not what its record says: then it is read as any other.
+bool ZRFxEntryReader::ReadInPieces(const ZRFxZipEntry& entry, ZRFxZipRawData* pRaw) {
+    ZRFxPieceList pieces;
+    if (!LoadPieces(entry, &pieces)) return false;
+    if (!pRaw->Allocate(entry.nSize)) throw std::bad_alloc();
+    return UnpackPieces(entry, pieces, 0, pRaw->Buffer(), pRaw->Length());
+}
+
+bool ZRFxEntryReader::LoadPieces(const ZRFxZipEntry& entry, ZRFxPieceList* pPieces) const {
+    return m_pPieceWork && entry.eEncryption == ZRFxZipEntry::Encryption::kNone &&
+           pPieces->Load(entry, entry.nPackedSize);
+}
+
+bool ZRFxEntryReader::UnpackPieces(const ZRFxZipEntry& entry, const ZRFxPieceList& pieces,
+                                   uint64_t nFrom, uint8_t* pData, size_t nSize) {
+    uint64_t nStart = 0;
+    if (!LocateData(entry, &nStart)) return false;
+    const auto get = [&](uint64_t nOffset, uint8_t* pPacked, size_t nPacked) {
+        return m_pStorage->ReadAside(nStart + nOffset, pPacked, nPacked);
+    };
+    return m_pPieceWork->Unpack(pieces, get, nFrom, pData, nSize);
 }
 
 bool ZRFxEntryReader::LocateData(const ZRFxZipEntry& entry, uint64_t* pOffset) {
@@ -158,12 +209,31 @@ bool ZRFxEntryReader::Unpack(const ZRFxZipEntry& entry, const uint8_t* pPacked,
     } else if (entry.nMethod == kZipStored && pRaw->Length() > 0) {
         std::memcpy(pRaw->Buffer(), pPacked, pRaw->Length());
     }
-    if (entry.nMethod == kZipDeflated &&
-        !m_pCodec->Inflate(pPacked, nPacked, pRaw->Buffer(), pRaw->Length())) {
-        return Fail("damaged data");
+    if (entry.nMethod == kZipDeflated && !Inflate(entry, pPacked, nPacked, pRaw)) {
+        return Fail(nvf::Progress::isStopped() ? ZRFxCause::Stopped() : "damaged data");
+    }
+    if (entry.nMethod == kZipStored && !nvf::Progress::advance(entry.nSize)) {
+        return Fail(ZRFxCause::Stopped());
     }
     return !entry.bHasCrc || ZRFxCodec::Crc32(0, pRaw->Buffer(), pRaw->Length()) == entry.nCrc ||
            Fail("damaged data, the checksum differs");
+}
+
+bool ZRFxEntryReader::Inflate(const ZRFxZipEntry& entry, const uint8_t* pPacked, size_t nPacked,
+                              ZRFxZipRawData* pRaw) {
+    ZRFxPieceList pieces;
+    const auto get = [&](uint64_t nOffset, uint8_t* pPiece, size_t nSize) {
+        std::memcpy(pPiece, pPacked + nOffset, nSize);
+        return true;
+    };
+    // Pieces of a plain entry were tried before.
+    const bool bTry = m_pPieceWork && entry.eEncryption == ZRFxZipEntry::Encryption::kAes;
+    if (bTry && pieces.Load(entry, nPacked)) {
+        if (m_pPieceWork->Unpack(pieces, get, 0, pRaw->Buffer(), pRaw->Length())) return true;
+        if (nvf::Progress::isStopped()) return false;
+    }
+    return m_pCodec->Inflate(pPacked, nPacked, pRaw->Buffer(), pRaw->Length()) &&
+           nvf::Progress::advance(pRaw->Length());
 }
 
 bool ZRFxEntryReader::Decrypt(const ZRFxZipEntry& entry, const uint8_t* pPacked, uint8_t* pData) {

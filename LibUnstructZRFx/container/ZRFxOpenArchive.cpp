@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "nvf/Progress.h"
+
 namespace unstruct {
 namespace {
 
@@ -20,8 +22,9 @@ bool ZRFxOpenArchive::Take(ZRFxLastCommit* pCommit) {
     last.place = pCommit->Place();
     sComment = std::move(pCommit->directory.sComment);
     table.Reserve(pCommit->directory.aEntries.size());
-    TakeEntries(&pCommit->directory.aEntries, &changes);
-    return TakeRecords(&pCommit->aRecords, &changes);
+    const nvf::Progress::Count count(pCommit->directory.aEntries.size());
+    return TakeEntries(&pCommit->directory.aEntries, &changes) &&
+           TakeRecords(&pCommit->aRecords, &changes);
 }
 
 bool ZRFxOpenArchive::TakeRecords(std::vector<ZRFxCommitRecord>* paRecords,
@@ -124,8 +127,7 @@ bool ZRFxOpenArchive::TakeRecord(ZRFxCommitRecord* pRecord, ZRFxArchiveChanges* 
         Note(pChanges, sName, 0);
         if (ZRFxArchiveItem* pItem = table.Find(sName)) Remove(pItem);
     }
-    TakeEntries(&directory.aEntries, pChanges);
-    return TakeEdits(pRecord, pChanges);
+    return TakeEntries(&directory.aEntries, pChanges) && TakeEdits(pRecord, pChanges);
 }
 
 bool ZRFxOpenArchive::TakeEdits(ZRFxCommitRecord* pRecord, ZRFxArchiveChanges* pChanges) {
@@ -149,7 +151,7 @@ bool ZRFxOpenArchive::TakeEdits(ZRFxCommitRecord* pRecord, ZRFxArchiveChanges* p
     return true;
 }
 
-void ZRFxOpenArchive::TakeEntries(std::vector<ZRFxZipEntry>* paEntries,
+bool ZRFxOpenArchive::TakeEntries(std::vector<ZRFxZipEntry>* paEntries,
                                   ZRFxArchiveChanges* pChanges) {
     for (size_t i = 0; i < paEntries->size(); ++i) {
         if (i + kPrefetched < paEntries->size()) {
@@ -161,7 +163,9 @@ void ZRFxOpenArchive::TakeEntries(std::vector<ZRFxZipEntry>* paEntries,
         bool bReplaced = false;
         const ZRFxArchiveItem* pAdded = Add(std::move(pItem), &bReplaced);
         if (bReplaced) Note(pChanges, pAdded->entry.sName, 0);
+        if (!nvf::Progress::advance(1)) return false;
     }
+    return true;
 }
 
 }  // namespace unstruct

@@ -60,7 +60,7 @@ struct ZRFxOpenArchive {
     };
 
     /// Takes the entries of a state that was found in the storage. False when a record does not fit
-    /// what it builds on.
+    /// what it builds on, or the program has stopped opening.
     bool Take(ZRFxLastCommit* pCommit);
     /// Takes what records add, in their order.
     bool TakeRecords(std::vector<ZRFxCommitRecord>* paRecords, ZRFxArchiveChanges* pChanges);
@@ -103,7 +103,7 @@ struct ZRFxOpenArchive {
 private:
     bool TakeRecord(ZRFxCommitRecord* pRecord, ZRFxArchiveChanges* pChanges);
     bool TakeEdits(ZRFxCommitRecord* pRecord, ZRFxArchiveChanges* pChanges);
-    void TakeEntries(std::vector<ZRFxZipEntry>* paEntries, ZRFxArchiveChanges* pChanges);
+    bool TakeEntries(std::vector<ZRFxZipEntry>* paEntries, ZRFxArchiveChanges* pChanges);
 };
 
 }  // namespace unstruct

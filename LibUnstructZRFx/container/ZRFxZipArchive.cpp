@@ -9,20 +9,19 @@
 #include "container/ZRFxAppendFile.h"
 #include "container/ZRFxArchiveCommit.h"
 #include "container/ZRFxDocumentTexts.h"
+#include "container/ZRFxNewEntry.h"
 #include "container/ZRFxOldJournal.h"
+#include "nvf/Progress.h"
 
 namespace unstruct {
 namespace {
 
-using Place = ZRFxArchiveItem::Place;
-
-// Documents are replaced more often than data, some of them with nearly every commit.
-enum DocumentKind { kNoDocument, kDocument, kOfEveryCommit };
-
-DocumentKind KindOf(std::string_view sName) {
-    if (sName == "ZRF.xml" || sName.ends_with("-TOC.xml")) return kOfEveryCommit;
-    return sName.ends_with(".xml") ? kDocument : kNoDocument;
+// Why the entries of a commit were not taken over.
+ZRFxCause NotTaken() {
+    return nvf::Progress::isStopped() ? ZRFxCause::Stopped() : ZRFxCause("damaged commit record");
 }
+
+using Place = ZRFxArchiveItem::Place;
 
 // The length of what two texts have in common at their start.
 uint64_t CommonLength(std::string_view s, std::string_view t) {
@@ -225,6 +224,23 @@ bool ZRFxZipArchive::Read(std::string_view sName, ZRFxZipRawData* pRaw) {
     return bRead;
 }
 
+bool ZRFxZipArchive::ReadPart(std::string_view sName, uint64_t nFrom, void* pData, size_t nSize) {
+    return Guarded(sName, [&] {
+        const Item* pItem = FindItem(sName);
+        if (!pItem) return Fail(sName, {"no such entry", nvf::Reason::NOT_FOUND});
+        if (pItem->ePlace != Place::kInRecords) {
+            return m_reader.ReadPart(*pItem, nFrom, pData, nSize) || Fail(sName, m_reader.Error());
+        }
+        ZRFxZipRawData raw;
+        if (!ReadItem(*pItem, &raw)) return false;
+        if (nFrom > raw.Length() || nSize > raw.Length() - nFrom) {
+            return Fail(sName, "the entry ends too early");
+        }
+        if (nSize > 0) std::memcpy(pData, raw.Buffer() + nFrom, nSize);
+        return true;
+    });
+}
+
 bool ZRFxZipArchive::ReadTail(std::string_view sName, uint64_t nFrom, std::string* pTail) {
     return Guarded(sName, [&] {
         Item* pItem = FindItem(sName);
@@ -328,7 +344,7 @@ bool ZRFxZipArchive::OpenStorage(std::unique_ptr<ZRFxZipStorage> pStorage, ZRZip
     ZRFxLastCommit last(&m_codec);
     if (!last.Load(pStorage.get())) return Fail({}, last.Error());
     pOpen->last.bTorn = last.Place().nEnd < pStorage->Size();
-    if (!pOpen->Take(&last)) return Fail({}, "damaged commit record");
+    if (!pOpen->Take(&last)) return Fail({}, NotTaken());
     if (eMode == ZRZipAccessMode::UPDATE && pOpen->table.HasOverlaps()) {
         return Fail({}, "entries overlap, the archive cannot be changed");
     }
@@ -350,6 +366,7 @@ bool ZRFxZipArchive::Take(std::unique_ptr<ZRFxOpenArchive> pOpen) {
 void ZRFxZipArchive::Reset() {
     m_reader.Close();
     m_packer.Clear();
+    m_pieces.Clear();
     m_cipher.SetPassword({});
     m_pOpen->Clear();
 }
@@ -386,46 +403,10 @@ bool ZRFxZipArchive::Describe(const Item& item, EntryInfo* pInfo) const {
     return true;
 }
 
-// Packs the entry and stores it until the commit, in the file or in memory.
 bool ZRFxZipArchive::MakeItem(std::string_view sName, const void* pData, uint64_t nSize, int nLevel,
                               ItemPtr* ppItem) {
-    if (nSize > m_packer.MaxLength()) return Fail(sName, ZRFxCause::TooLarge());
-    auto pItem = std::make_unique<Item>();
-    pItem->entry.sName = sName;
-    pItem->nTime = std::time(nullptr);
-    const uint8_t* pPacked = nullptr;
-    if (nSize > 0 &&
-        !m_packer.Pack(pData, static_cast<size_t>(nSize), nLevel, &pItem->entry, &pPacked)) {
-        return Fail(sName, m_packer.Error());
-    }
-    const bool bPlaced = GoesToFile(pItem->entry) ? WriteNow(pItem.get(), pPacked)
-                                                  : KeepPending(pItem.get(), pPacked);
-    if (!bPlaced) return false;
-    m_pOpen->next.bChanged = true;
-    *ppItem = std::move(pItem);
-    return true;
-}
-
-bool ZRFxZipArchive::GoesToFile(const ZRFxZipEntry& entry) const {
-    const DocumentKind eKind = KindOf(entry.sName);
-    if (eKind != kDocument) return eKind == kNoDocument;
-    return m_pOpen->bytes.nPending + entry.nPackedSize > m_nPendingLimit;
-}
-
-bool ZRFxZipArchive::KeepPending(Item* pItem, const uint8_t* pPacked) {
-    const size_t nPacked = static_cast<size_t>(pItem->entry.nPackedSize);
-    if (!pItem->packed.Allocate(nPacked)) return Fail(pItem->entry.sName, ZRFxCause::OutOfMemory());
-    if (nPacked > 0) std::memcpy(pItem->packed.Buffer(), pPacked, nPacked);
-    pItem->ePlace = Place::kPending;
-    return true;
-}
-
-bool ZRFxZipArchive::WriteNow(Item* pItem, const uint8_t* pPacked) {
-    ZRFxZipEntry& entry = pItem->entry;
-    entry.nOffset = m_pOpen->pStorage->Position();
-    entry.sRecord = ZRFxZipDirectory::CentralRecord(entry, pItem->nTime);
-    return m_packer.Write(entry, pItem->nTime, pPacked, m_pOpen->pStorage.get()) ||
-           Fail(entry.sName, m_packer.Error());
+    ZRFxNewEntry entry(m_pOpen.get(), &m_packer, m_nPendingLimit);
+    return entry.Make(sName, pData, nSize, nLevel, ppItem) || Fail(sName, entry.Error());
 }
 
 bool ZRFxZipArchive::LoadTexts() {
@@ -467,7 +448,7 @@ bool ZRFxZipArchive::RefreshFrom(ZRFxLastCommit* pCommit, ZRFxArchiveChanges* pC
         return true;
     }
     auto pNew = std::make_unique<ZRFxOpenArchive>();
-    if (!pNew->Take(pCommit)) return Fail({}, "damaged commit record");
+    if (!pNew->Take(pCommit)) return Fail({}, NotTaken());
     pNew->bReadOnly = true;
     pNew->NoteChangesSince(open, pChanges);
     pNew->pStorage = std::move(open.pStorage);

@@ -10,6 +10,7 @@
 #include "container/ZRFxEntryPacker.h"
 #include "container/ZRFxEntryReader.h"
 #include "container/ZRFxOpenArchive.h"
+#include "container/ZRFxPieceWork.h"
 #include "container/ZRFxZipMemFile.h"
 #include "container/ZRFxZipRawData.h"
 #include "container/ZRFxZipStorage.h"
@@ -80,6 +81,10 @@ public:
     /// later one.
     bool Refresh(ZRFxArchiveChanges* pChanges);
 
+    /// How many threads pack and unpack large data, the caller's own among them; 0 for as many as
+    /// the process may take, 1 for the caller's alone. Data and pieces do not depend on it.
+    void SetThreads(int nThreads) { m_pieces.SetThreads(nThreads); }
+
     /// Encrypts entries added from now on, and decrypts; an empty password ends encryption.
     bool SetPassword(std::string_view sPassword);
 
@@ -120,6 +125,12 @@ public:
     /// Reads the whole entry; what it declares is checked against its length in the archive before
     /// memory is taken, and its data against CRC or authentication code before it is given.
     bool Read(std::string_view sName, ZRFxZipRawData* pRaw);
+    /// Reads nSize bytes of an entry from byte nFrom on into the caller's memory, unpacking only
+    /// the pieces that hold them. Each piece is checked by its CRC before its bytes are given;
+    /// bytes of an entry that is stored without a password are not checked, since its CRC is that
+    /// of all of it. An entry in one piece or under a password is read whole. Fails when the entry
+    /// is shorter; what is in the caller's memory then means nothing.
+    bool ReadPart(std::string_view sName, uint64_t nFrom, void* pData, size_t nSize);
     /// Reads a document from byte nFrom on; nothing when it is shorter.
     bool ReadTail(std::string_view sName, uint64_t nFrom, std::string* pTail);
 
@@ -158,9 +169,6 @@ private:
 
     bool MakeItem(std::string_view sName, const void* pData, uint64_t nSize, int nLevel,
                   ItemPtr* ppItem);
-    bool GoesToFile(const ZRFxZipEntry& entry) const;
-    bool KeepPending(Item* pItem, const uint8_t* pPacked);
-    bool WriteNow(Item* pItem, const uint8_t* pPacked);
     bool LoadTexts();
     bool ReadItem(const Item& item, ZRFxZipRawData* pRaw);
     bool CommitNow(bool bClosing);
@@ -173,8 +181,9 @@ private:
     uint64_t m_nPendingLimit = uint64_t{8} << 20;
     ZRFxCodec m_codec;
     ZRFxCipher m_cipher;
-    ZRFxEntryPacker m_packer{&m_codec, &m_cipher};
-    ZRFxEntryReader m_reader{&m_codec, &m_cipher};
+    ZRFxPieceWork m_pieces;
+    ZRFxEntryPacker m_packer{&m_codec, &m_cipher, &m_pieces};
+    ZRFxEntryReader m_reader{&m_codec, &m_cipher, &m_pieces};
     std::string m_sError;
     nvf::Reason m_eReason = nvf::Reason::NONE;
 };

@@ -17,6 +17,7 @@ constexpr size_t kLocator64Size = 20;
 constexpr uint16_t kExtraZip64 = 0x0001;
 constexpr uint16_t kExtraAes = 0x9901;
 constexpr uint16_t kExtraAlignment = 0xD935;
+constexpr uint16_t kExtraPieces = 0x505A;  // "ZP"
 constexpr uint16_t kMethodAes = 99;
 constexpr uint16_t kFlagEncrypted = 1;
 constexpr uint16_t kFlagDescriptor = 1 << 3;
@@ -295,10 +296,16 @@ void ZRFxZipDirectory::Pad(std::string* pHeader, uint64_t nBytes) {
     pHeader->append(nBytes - kLeast, '\0');
 }
 
-std::string ZRFxZipDirectory::CentralRecord(const ZRFxZipEntry& entry, std::time_t nTime) {
+std::string ZRFxZipDirectory::CentralRecord(const ZRFxZipEntry& entry, std::time_t nTime,
+                                            std::string_view sPieceNote) {
     std::string sExtra = Extra64({entry.nSize, entry.nPackedSize, entry.nOffset});
     const bool bZip64 = !sExtra.empty();
     PutAesExtra(&sExtra, entry);
+    if (!sPieceNote.empty()) {
+        Put16(&sExtra, kExtraPieces);
+        Put16(&sExtra, sPieceNote.size());
+        sExtra.append(sPieceNote);
+    }
     std::string s;
     s.reserve(kRecordSize + entry.sName.size() + sExtra.size());
     Put32(&s, kRecordSignature);
@@ -314,6 +321,17 @@ std::string ZRFxZipDirectory::CentralRecord(const ZRFxZipEntry& entry, std::time
     Put32(&s, kRegularFile);
     Put32(&s, Capped32(entry.nOffset));
     return s.append(entry.sName).append(sExtra);
+}
+
+std::string_view ZRFxZipDirectory::PieceNote(const ZRFxZipEntry& entry) {
+    const std::string_view sRecord = entry.sRecord;
+    if (sRecord.empty()) return {};
+    const size_t nExtraAt = kRecordSize + Load16(Bytes(sRecord) + 28);
+    size_t nField = 0;
+    const uint8_t* pField =
+        FindExtra(Bytes(sRecord) + nExtraAt, Load16(Bytes(sRecord) + 30), kExtraPieces, &nField);
+    return pField ? std::string_view(reinterpret_cast<const char*>(pField), nField)
+                  : std::string_view();
 }
 
 std::string ZRFxZipDirectory::MovedRecord(const ZRFxZipEntry& entry, uint64_t nNewOffset) {

@@ -92,7 +92,11 @@ public:
     static std::string LocalHeader(const ZRFxZipEntry& entry, std::time_t nTime);
     /// Lengthens a local header by nBytes, or by 64 more where so few cannot be taken up.
     static void Pad(std::string* pHeader, uint64_t nBytes);
-    static std::string CentralRecord(const ZRFxZipEntry& entry, std::time_t nTime);
+    /// sPieceNote, if any, becomes the extra field for the pieces of the entry.
+    static std::string CentralRecord(const ZRFxZipEntry& entry, std::time_t nTime,
+                                     std::string_view sPieceNote = {});
+    /// What the entry's record notes of its pieces; empty when there is no such field.
+    static std::string_view PieceNote(const ZRFxZipEntry& entry);
     /// The record of an entry that was copied as it is to another offset.
     static std::string MovedRecord(const ZRFxZipEntry& entry, uint64_t nNewOffset);
     /// What follows the records, which take nLength bytes from nStart on.

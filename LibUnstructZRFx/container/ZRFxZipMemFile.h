@@ -59,6 +59,9 @@ public:
 
     uint64_t Position() const override { return m_bWriting ? Target().Length() : m_nSize; }
     bool Read(uint64_t nOffset, void* pData, size_t nSize) override;
+    bool ReadAside(uint64_t nOffset, void* pData, size_t nSize) const override {
+        return Target().ReadAt(nOffset, pData, nSize);
+    }
     bool Write(const void* pData, size_t nSize) override;
     void Rewind(uint64_t nPosition) override { Target().Truncate(nPosition); }
     bool Flush() override { return true; }

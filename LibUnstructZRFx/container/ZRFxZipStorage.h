@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "container/ZRFxCause.h"
@@ -38,7 +39,27 @@ public:
     virtual uint64_t Position() const = 0;
     /// Reads what lies before the position, committed or not.
     virtual bool Read(uint64_t nOffset, void* pData, size_t nSize) = 0;
+    /// The same by any number of threads at once, while nothing else is done with the storage.
+    /// False, without an error, when it cannot; `Read` may tell why.
+    virtual bool ReadAside(uint64_t /*nOffset*/, void* /*pData*/, size_t /*nSize*/) const {
+        return false;
+    }
     virtual bool Write(const void* pData, size_t nSize) = 0;
+
+    /// Begins a run of bytes that several threads write, and whose head is known last. The position
+    /// stays until `EndAside`. False when the storage takes no such runs, or it cannot.
+    virtual bool StartAside() { return false; }
+    /// Writes at nOffset, anywhere after the position. Called by several threads at once; false
+    /// with errno set.
+    virtual bool WriteAside(uint64_t /*nOffset*/, const void* /*pData*/, size_t /*nSize*/) {
+        return false;
+    }
+    /// Puts sHead before, and sTail after, the nAside bytes that were written, which begin
+    /// sHead.size() bytes after the position, and moves the position on.
+    virtual bool EndAside(std::string_view /*sHead*/, uint64_t /*nAside*/,
+                          std::string_view /*sTail*/) {
+        return false;
+    }
     /// Takes back what was written from nPosition on. REQUIRES: Size() <= nPosition <= Position().
     virtual void Rewind(uint64_t nPosition) = 0;
     /// Brings all that was written to the disk, still uncommitted.
