@@ -192,6 +192,20 @@ bool ZRFxDataFolder::ReadDataString(const ZRString& name, ZRString* text) const 
     return GetAccess() && m_pAccess->ReadDataString(EntryToRead(name), text);
 }
 
+bool ZRFxDataFolder::ReadPart(const ZRString& name, std::int64_t numItems, int valuesPerItem,
+                              std::int64_t first, std::int64_t count, std::int32_t* values) const {
+    return ReadPartOf(name, numItems, valuesPerItem, first, count, values, [&](ZRIntArray* data) {
+        return ReadDataInt(name, numItems * valuesPerItem, data);
+    });
+}
+
+bool ZRFxDataFolder::ReadPart(const ZRString& name, std::int64_t numItems, int valuesPerItem,
+                              std::int64_t first, std::int64_t count, float* values) const {
+    return ReadPartOf(name, numItems, valuesPerItem, first, count, values, [&](ZRFloatArray* data) {
+        return ReadFloats(name, numItems, valuesPerItem, data);
+    });
+}
+
 ZRFxAccess* ZRFxDataFolder::GetAccess() const {
     NVF_ASSERT(m_pAccess);
     return m_pAccess;
@@ -261,6 +275,39 @@ bool ZRFxDataFolder::ReadItems(const ZRString& name, std::int64_t numItems, int 
     if (isRead && numFound == numItems) return data->SetSize(numFound * valuesPerItem);
     data->RemoveAll();
     return isRead && Log().fail(messages.countDiffers, numItems, numFound, entry);
+}
+
+// Lines of text hold an item each.
+bool ZRFxDataFolder::ReadFloats(const ZRString& name, std::int64_t numItems, int valuesPerItem,
+                                ZRFloatArray* data) const {
+    if (valuesPerItem == kTensorComponents) return ReadDataTensor(name, numItems, data);
+    if (valuesPerItem == 1) return ReadDataFloat(name, numItems, data);
+    ZRVec3fArray vectors;
+    return ReadDataVector(name, numItems, &vectors) &&
+           data->Assign(&vectors.Data()->x, 3 * vectors.GetSize());
+}
+
+template <typename Value, typename ReadAll>
+bool ZRFxDataFolder::ReadPartOf(const ZRString& name, std::int64_t numItems, int valuesPerItem,
+                                std::int64_t first, std::int64_t count, Value* values,
+                                ReadAll readAll) const {
+    static_assert(sizeof(Value) == 4);
+    if (!GetAccess()) return false;
+    const ZRString entry = EntryToRead(name);
+    const std::int64_t begin = first * valuesPerItem;
+    const auto numValues = static_cast<std::size_t>(count * valuesPerItem);
+    if (isTextEntry(entry)) {
+        ZRArray<Value> all;
+        if (!readAll(&all)) return false;
+        std::copy_n(all.Data() + begin, numValues, values);
+        return true;
+    }
+    const auto found = static_cast<std::int64_t>(m_pAccess->SizeOf(entry) / sizeof(Value));
+    if (m_pAccess->Contains(entry) && found != numItems * valuesPerItem) {
+        return Log().fail(kItemsDiffer, numItems, found / valuesPerItem, entry);
+    }
+    return m_pAccess->ReadDataPart(entry, static_cast<std::uint64_t>(begin) * sizeof(Value), values,
+                                   numValues * sizeof(Value));
 }
 
 // Blank lines do not count.

@@ -42,6 +42,14 @@ public:
     bool ReadData(const ZRString& name, std::int64_t numItems, ZRUbyteArray* data) const;
     bool ReadDataString(const ZRString& name, ZRString* text) const;
 
+    /// Reads some items of a file into memory that the caller gives: items `first` to first + count
+    /// - 1 of numItems, of valuesPerItem values each. Of a binary file no more is unpacked than
+    /// that takes, a text file is parsed as a whole.
+    bool ReadPart(const ZRString& name, std::int64_t numItems, int valuesPerItem,
+                  std::int64_t first, std::int64_t count, std::int32_t* values) const;
+    bool ReadPart(const ZRString& name, std::int64_t numItems, int valuesPerItem,
+                  std::int64_t first, std::int64_t count, float* values) const;
+
     /// The archive; null after an assertion when there is none.
     ZRFxAccess* GetAccess() const;
     const ZRString& GetFolder() const { return m_sFolder; }
@@ -90,6 +98,11 @@ private:
     bool ReadItems(const ZRString& name, std::int64_t numItems, int valuesPerItem,
                    ZRArray<Item>* data, ReadBinary<Item> readBinary, const ReadMessages& messages,
                    ParseLine parseLine) const;
+    bool ReadFloats(const ZRString& name, std::int64_t numItems, int valuesPerItem,
+                    ZRFloatArray* data) const;
+    template <typename Value, typename ReadAll>
+    bool ReadPartOf(const ZRString& name, std::int64_t numItems, int valuesPerItem,
+                    std::int64_t first, std::int64_t count, Value* values, ReadAll readAll) const;
     template <typename ParseLine>
     bool ReadLines(const ZRString& entry, const char* readMessage, ParseLine parseLine) const;
 

@@ -310,6 +310,17 @@ bool ZRFxAccess::InternalReadDataRaw(const ZRString& name, LogMode logMode, ZRFx
                                  m_sFileName);
 }
 
+bool ZRFxAccess::ReadDataPart(const ZRString& name, std::uint64_t from, void* data,
+                              std::size_t numBytes) {
+    std::string entry;
+    if (!CheckReadable(name, LogMode::LOG)) return false;
+    if (!m_names.Find(name, &entry) || !m_pArchive->ReadPart(entry, from, data, numBytes)) {
+        return FailWithCause("Unable to read raw data from '%1'.", name);
+    }
+    if (!kHostIsLittleEndian) SwapBytesOf4(data, numBytes);
+    return true;
+}
+
 bool ZRFxAccess::OpenNewFile(const ZRString& name) {
     if (!CheckWritable(name)) return false;
     if (m_alwaysOverwrite) RemoveFile(name);
@@ -348,6 +359,12 @@ bool ZRFxAccess::Contains(const ZRString& name) const {
     return IsOpen() && !name.IsBlank() && m_names.Find(name, &entry);
 }
 
+std::uint64_t ZRFxAccess::SizeOf(const ZRString& name) {
+    std::string entry;
+    ZRFxZipArchive::EntryInfo info;
+    return m_names.Find(name, &entry) && m_pArchive->Find(entry, &info) ? info.nSize : 0;
+}
+
 bool ZRFxAccess::RemoveFile(const ZRString& name) {
     if (!CheckWritable(name)) return false;
     Forget();
@@ -363,38 +380,22 @@ bool ZRFxAccess::RemoveFile(const ZRString& name) {
 }
 
 bool ZRFxAccess::FindFiles(const ZRString& folder, bool descend, ZRStringArray* names) {
-    if (!CheckNames(names)) return false;
-    *names = m_names.FilesIn(folder, descend);
-    return true;
+    return FindNames(names, [&] { return m_names.FilesIn(folder, descend); });
 }
 
 bool ZRFxAccess::FindFilesOfBase(const ZRString& base, ZRStringArray* names) {
-    if (!CheckNames(names)) return false;
-    *names = m_names.FilesOfBase(base);
-    return true;
+    return FindNames(names, [&] { return m_names.FilesOfBase(base); });
 }
 
 bool ZRFxAccess::FindSubFolders(const ZRString& folder, bool descend, ZRStringArray* names) {
-    if (!CheckNames(names)) return false;
-    *names = m_names.SubFoldersOf(folder, descend);
-    return true;
+    return FindNames(names, [&] { return m_names.SubFoldersOf(folder, descend); });
 }
 
 bool ZRFxAccess::GetArchiveInfo(ZRFxArchiveInfo* info) {
     NVF_ASSERT(info);
     if (!info) return false;
     if (!IsOpen()) return m_logger->failBecause(nvf::Reason::NOT_OPEN, "Archive is not open.");
-    *info = ZRFxArchiveInfo();
-    ZRFxZipArchive::EntryInfo entry;
-    for (std::size_t i = 0; i < m_pArchive->EntryCount(); ++i) {
-        if (!m_pArchive->GetEntry(i, &entry)) throw std::bad_alloc();
-        info->compressed = info->compressed || entry.nPackedSize < entry.nSize;
-        info->encrypted = info->encrypted || entry.bEncrypted;
-        info->binary = info->binary || HasExtension(entry.sName, ".dat");
-        info->text = info->text || (HasExtension(entry.sName, ".txt") &&
-                                    BelowFolder(entry.sName, kUserDataFolder).empty());
-        if (info->compressed && info->encrypted && info->binary && info->text) break;
-    }
+    *info = ArchiveInfoOf(*m_pArchive);
     return true;
 }
 
@@ -404,10 +405,13 @@ bool ZRFxAccess::CheckOpened(bool isOpened) {
            FailWithCause("File still closed after opening it.", m_sFileName);
 }
 
-bool ZRFxAccess::CheckNames(const ZRStringArray* names) const {
+template <typename Find>
+bool ZRFxAccess::FindNames(ZRStringArray* names, Find find) {
     NVF_ASSERT(names);
     if (!names) return false;
-    return IsOpen() || m_logger->fail("Archive is not open.");
+    if (!IsOpen()) return m_logger->fail("Archive is not open.");
+    *names = find();
+    return true;
 }
 
 bool ZRFxAccess::CheckWritable(const ZRString& name) {

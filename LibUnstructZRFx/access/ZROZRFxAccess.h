@@ -8,6 +8,7 @@
 #include "NuoCore/Image.h"
 #include "ZRArray.h"
 #include "ZRString.h"
+#include "access/ZRFxArchiveInfo.h"
 #include "access/ZRFxDenseDocuments.h"
 #include "access/ZRFxEntryNames.h"
 #include "access/ZRFxMainDocumentEntry.h"
@@ -25,17 +26,6 @@ namespace unstruct {
 
 /// Whether a missing entry is an error or an answer.
 enum class LogMode { LOG, SILENT };
-
-/// How an archive was made, as far as its entries show.
-struct ZRFxArchiveInfo {
-    bool compressed = false;
-    bool encrypted = false;
-    bool binary = false;  ///< Some data file is binary.
-    bool text = false;    ///< Some data file is text.
-};
-
-/// The folder of the user's text files, which are no data files.
-inline constexpr const char* kUserDataFolder = "UserData";
 
 /// The one class that touches the container: opens it, keeps its main document, and writes and
 /// reads its entries by name. Entry names are UTF-8 with a backslash between folders; an entry of a
@@ -107,6 +97,10 @@ public:
     /// compressed whole.
     void SetCompression(int level, int smartness, std::uint32_t bufferSize,
                         std::uint32_t fileBufferSize);
+
+    /// How many threads pack and unpack large data files, the caller's own among them; 0 for as
+    /// many as the process may take. What is written does not depend on it.
+    void SetThreads(int threads) { m_pArchive->SetThreads(threads); }
 
     /// Whether writing a data file replaces the one of that name.
     void SetAlwaysOverwrite(bool alwaysOverwrite) { m_alwaysOverwrite = alwaysOverwrite; }
@@ -206,6 +200,10 @@ public:
     bool ReadData(const ZRString& name, ZRUbyteArray* data);
     bool InternalReadDataRaw(const ZRString& name, LogMode logMode, ZRFxZipRawData* raw);
 
+    /// Reads some of a file of values of four bytes into memory that the caller gives, unpacking no
+    /// more than that takes.
+    bool ReadDataPart(const ZRString& name, std::uint64_t from, void* data, std::size_t numBytes);
+
     /// One text entry, written piece by piece between opening and closing it.
     bool OpenNewFile(const ZRString& name);
     bool WriteNewFile(std::string_view text);
@@ -223,6 +221,9 @@ public:
     /// Whether there is such an entry. Logs nothing.
     bool Contains(const ZRString& name) const;
 
+    /// The bytes of an entry, unpacked; 0 when there is none.
+    std::uint64_t SizeOf(const ZRString& name);
+
     /// Removes an entry; one that is not there is no failure.
     bool RemoveFile(const ZRString& name);
 
@@ -238,7 +239,8 @@ public:
 
 private:
     bool CheckOpened(bool isOpened);
-    bool CheckNames(const ZRStringArray* names) const;
+    template <typename Find>
+    bool FindNames(ZRStringArray* names, Find find);
     bool CheckWritable(const ZRString& name);
     bool CheckDocumentWritable(const ZRString& name);
     bool CheckReadable(const ZRString& name, LogMode logMode) const;

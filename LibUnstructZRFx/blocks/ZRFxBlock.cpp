@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -23,8 +24,8 @@ ZRFxBlock::Writing::~Writing() {
     if (m_bStarted) m_pDatabase->SetReplacing(false);
     if (m_bStarted && !m_bWritten) m_pDatabase->RemoveBlock(m_block);
     m_block.m_pDatabase = m_pOwnDatabase;
-    const bool bIsItsOwn = m_bWritten && m_pDatabase == m_pOwnDatabase;
-    if (!bIsItsOwn) std::swap(m_block.m_sFileName, m_sOwnFileName);
+    const bool isItsOwn = m_bWritten && m_pDatabase == m_pOwnDatabase;
+    if (!isItsOwn) std::swap(m_block.m_sFileName, m_sOwnFileName);
 }
 
 void ZRFxBlock::Writing::Start() {
@@ -71,6 +72,30 @@ void ZRFxBlock::UnloadData() {
 bool ZRFxBlock::ReadMetaData() {
     m_bMetaDataRead = true;
     return true;
+}
+
+bool ZRFxBlock::ReadOutline(ZRFxOutline* outline) {
+    NVF_ASSERT(m_pDatabase && outline);
+    if (!m_pDatabase || !outline) return false;
+    const ZRFxAccess::BoundedReading bounded(m_pDatabase->GetAccess());
+    nvf::XmlDocument doc;
+    const nvf::XmlElement root = GetRootElement(&doc);
+    if (root.isNull()) return Log().fail("Invalid XML");
+    if (OutlinesContents() && !DoReadBlock(root)) return false;
+    *outline = ZRFxOutline();
+    DoOutline(root, outline);
+    m_bRead = false;
+    return true;
+}
+
+bool ZRFxBlock::ReadPart(ZRFxArrayKind kind, int group, std::int64_t first, float* values,
+                         std::int64_t numValues) const {
+    return ReadPartOf(kind, group, first, values, numValues);
+}
+
+bool ZRFxBlock::ReadPart(ZRFxArrayKind kind, int group, std::int64_t first, std::int32_t* values,
+                         std::int64_t numValues) const {
+    return ReadPartOf(kind, group, first, values, numValues);
 }
 
 ZRString ZRFxBlock::GetFilebase() const {
@@ -148,6 +173,12 @@ bool ZRFxBlock::CheckIndices(const ZRString& file, const char* what, const ZRInt
                       wrong - indices.begin(), ZRString(expected));
 }
 
+std::int32_t ZRFxBlock::HighestOf(const ZRIntArray& indices) {
+    std::int32_t highest = -1;
+    for (const std::int32_t index : indices) highest = std::max(highest, index);  // no branches
+    return highest;
+}
+
 nvf::XmlElement ZRFxBlock::GetRootElement(nvf::XmlDocument* pDoc) const {
     NVF_ASSERT(pDoc);
     NVF_ASSERT(m_pDatabase);
@@ -176,6 +207,42 @@ nvf::XmlElement ZRFxBlock::CreateRootElement(nvf::XmlDocument* pDoc) const {
     return root;
 }
 
+template <typename Value>
+bool ZRFxBlock::ReadPartOf(ZRFxArrayKind kind, int group, std::int64_t first, Value* values,
+                           std::int64_t numValues) const {
+    NVF_ASSERT(m_pDatabase);
+    if (!m_pDatabase) return false;
+    const ZRFxAccess::BoundedReading bounded(m_pDatabase->GetAccess());
+    nvf::XmlDocument doc;
+    const nvf::XmlElement root = GetRootElement(&doc);
+    ZRFxArrayFile file;
+    if (root.isNull()) return Log().fail("Invalid XML");
+    if (!FindArray(root, kind, group, &file)) {
+        return Log().failBecause(nvf::Reason::NOT_FOUND, "%1 block ID %2 has no such array",
+                                 ZRFxBlockTypeName(m_iType), m_iID);
+    }
+    const std::int64_t count = numValues / file.valuesPerItem;
+    const bool areItems = numValues >= 0 && numValues % file.valuesPerItem == 0;
+    if (!areItems || first < 0 || first > file.numItems - count) {
+        return FailRange(file.numItems, first, numValues);
+    }
+    if (count == 0) return true;
+    if (!m_pDatabase->ReadPart(file.name, file.numItems, file.valuesPerItem, first, count,
+                               values)) {
+        return false;
+    }
+    if (file.added == 0) return true;
+    for (std::int64_t i = 0; i < numValues; ++i) values[i] += static_cast<Value>(file.added);
+    return true;
+}
+
+bool ZRFxBlock::FailRange(std::int64_t numItems, std::int64_t first, std::int64_t numValues) const {
+    return Log().failBecause(
+        nvf::Reason::INVALID_ARGUMENT,
+        "%1 block ID %2 has %3 items, %4 values from item %5 on were asked for",
+        ZRFxBlockTypeName(m_iType), m_iID, numItems, numValues, first);
+}
+
 bool ZRFxBlock::WriteFiles() {
     nvf::XmlDocument doc;
     if (!DoWriteBlock(CreateRootElement(&doc))) return false;
@@ -185,6 +252,9 @@ bool ZRFxBlock::WriteFiles() {
 bool ZRFxBlock::WriteXml(const nvf::XmlDocument& doc) {
     const nvf::ref<ZRFxBlock> replaced = m_pDatabase->GetBlockByID(m_iType, m_iID);
     const ZRString fileName = m_pDatabase->EntryName(GetFilebase() + ".xml");
+    std::optional<ZRFxOutline> outline;
+    if (!OutlinesContents()) DoOutline(doc.getRootElement(), &outline.emplace());
+    m_pDatabase->NoteWriting(*this, std::move(outline));
     if (!m_pDatabase->StoreBlock(ZRFxBlockTypeName(m_iType), m_iID, fileName, doc, true)) {
         return false;
     }

@@ -5,6 +5,7 @@
 
 #include "ZRArray.h"
 #include "ZRString.h"
+#include "blocks/ZRFxArrayFile.h"
 #include "nvf/Logger.h"
 #include "nvf/Object.h"
 #include "nvf/XmlDocument.h"
@@ -13,6 +14,7 @@
 namespace unstruct {
 
 class ZRFxBlockStore;
+struct ZRFxOutline;
 
 /// Base of all blocks: a numbered unit of model or result data, stored as one XML document, whose
 /// root is named by the type and carries the id, and as data files beside it. Reading and writing
@@ -46,6 +48,21 @@ public:
 
     /// Reads the descriptive part only; the blocks that have one override it.
     virtual bool ReadMetaData();
+
+    /// Reads what the document says of other blocks, and no data file. The block stays without its
+    /// data.
+    bool ReadOutline(ZRFxOutline* outline);
+
+    /// Read some items of an array from the file, from the item `first` on, into memory for so many
+    /// values, which must be whole items. Nothing else of the block is read, but its document.
+    /// `group` counts the groups of elements from 0.
+    bool ReadPart(ZRFxArrayKind kind, int group, std::int64_t first, float* values,
+                  std::int64_t numValues) const;
+    bool ReadPart(ZRFxArrayKind kind, int group, std::int64_t first, std::int32_t* values,
+                  std::int64_t numValues) const;
+
+    /// About how many bytes of data are in memory.
+    virtual std::uint64_t GetDataSize() const { return 0; }
 
     int GetID() const { return m_iID; }
     int GetType() const { return m_iType; }
@@ -93,6 +110,19 @@ protected:
     /// Writes the data files and what lies below the root.
     virtual bool DoWriteBlock(nvf::XmlElement root) = 0;
 
+    /// Adds what the block says of others: from its document, as data files may not have been read,
+    /// or from its contents, if there are none.
+    virtual void DoOutline(const nvf::XmlElement& root, ZRFxOutline* outline) const = 0;
+
+    /// Whether the outline comes from the contents, which the document then holds whole.
+    virtual bool OutlinesContents() const { return false; }
+
+    /// Finds the file of an array. False, without a message, when the block has no such array.
+    virtual bool FindArray(const nvf::XmlElement&, ZRFxArrayKind, int /*group*/,
+                           ZRFxArrayFile*) const {
+        return false;
+    }
+
     /// Drops the contents of the derived block.
     virtual void DoUnloadData() = 0;
 
@@ -101,7 +131,7 @@ protected:
     nvf::XmlElement CreateRootElement(nvf::XmlDocument* pDoc) const;
     bool WriteXml(const nvf::XmlDocument& doc);
 
-    /// What messages call the block's document: the entry that it was read from, or else the one
+    /// The block's document as messages name it: the entry that it was read from, or else the one
     /// that it goes to.
     ZRString GetDocumentName() const;
 
@@ -137,6 +167,9 @@ protected:
     bool CheckIndices(const ZRString& file, const char* what, const ZRIntArray& indices,
                       std::int32_t highest = std::numeric_limits<std::int32_t>::max()) const;
 
+    /// The highest of some indices; -1 when there are none.
+    static std::int32_t HighestOf(const ZRIntArray& indices);
+
     /// The highest index that can be stored where indices count from 1 in the file.
     static constexpr std::int32_t kHighestFromOne = std::numeric_limits<std::int32_t>::max() - 1;
 
@@ -147,6 +180,10 @@ protected:
     ZRFxBlockStore* m_pDatabase;
 
 private:
+    template <typename Value>
+    bool ReadPartOf(ZRFxArrayKind kind, int group, std::int64_t first, Value* values,
+                    std::int64_t numValues) const;
+    bool FailRange(std::int64_t numItems, std::int64_t first, std::int64_t numValues) const;
     bool WriteFiles();
 
     int m_iID;

@@ -1,7 +1,10 @@
 #pragma once
 
+#include <optional>
+
 #include "ZRString.h"
 #include "access/ZRFxDataFolder.h"
+#include "blocks/ZRFxOutline.h"
 #include "nvf/XmlDocument.h"
 
 namespace unstruct {
@@ -17,6 +20,12 @@ class ZRFxBlockStore : public ZRFxDataFolder {
 public:
     using ZRFxDataFolder::ZRFxDataFolder;
     virtual ~ZRFxBlockStore() = default;
+
+    /// Notes that a block is about to be stored, with its outline unless that is to be read.
+    virtual void NoteWriting(const ZRFxBlock& block, std::optional<ZRFxOutline> outline) = 0;
+
+    /// The significant digits that result values keep; 0 for all.
+    virtual int GetSignificantDigits() const = 0;
 
     /// Stores the document of a block, which then belongs to the database. Fails for a type without
     /// blocks and for a negative id, with which the database could not be opened again.

@@ -20,8 +20,9 @@ protected:
     /// Writes the attributes of the root and the elements in front of the items.
     virtual void DoWriteHead(nvf::XmlElement root) const = 0;
     bool DoWriteBlock(nvf::XmlElement root) final;
+    bool OutlinesContents() const final { return true; }
 
-    /// Tells that an item is no longer as it was written.
+    /// Notes that an item is no longer as it was written.
     void Touch(std::int64_t index) { m_document.Touch(index); }
 
 private:

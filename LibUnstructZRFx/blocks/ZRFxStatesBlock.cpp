@@ -3,6 +3,8 @@
 #include <memory>
 #include <utility>
 
+#include "blocks/ZRFxOutline.h"
+
 namespace unstruct {
 
 bool ZRFxStatesBlock::ReadMetaData() {
@@ -49,13 +51,24 @@ void ZRFxStatesBlock::DoUnloadData() {
     UpdateIndices();
 }
 
+void ZRFxStatesBlock::OutlineStates(int valuesType, ZRFxOutline* outline) const {
+    for (const auto& pState : m_apStates) {
+        const std::string place = NumberedPlace("state", pState->m_iStateID);
+        outline->stateIDs.push_back(pState->m_iStateID);
+        outline->AddState(pState->m_iStateID, place);
+        for (const std::int32_t id : pState->m_aiValuesBlockIDs) {
+            outline->AddBlock(valuesType, id, place);
+        }
+    }
+}
+
 void ZRFxStatesBlock::WriteItem(nvf::XmlElement root, std::int64_t index) const {
     WriteStateValues(root, *m_apStates[index]);
 }
 
 void ZRFxStatesBlock::UpdateIndices() {
     ZRIDLookup indices;
-    for (const auto& pState : m_apStates) indices.Add(pState->m_iStateID);
+    for (const auto& state : m_apStates) indices.Add(state->m_iStateID);
     m_indices = std::move(indices);
 }
 

@@ -35,6 +35,9 @@ protected:
     bool DoReadBlock(const nvf::XmlElement& root) final;
     void DoUnloadData() final;
 
+    /// Adds the states and the blocks of their values, which are of one type.
+    void OutlineStates(int valuesType, ZRFxOutline* outline) const;
+
     /// Reads the description.
     virtual bool DoReadMetaData(const nvf::XmlElement& root) = 0;
 

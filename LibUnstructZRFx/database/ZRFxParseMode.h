@@ -2,8 +2,8 @@
 
 namespace unstruct {
 
-/// What becomes of a database with blocks that do not fit: it cannot be opened, or, for programs
-/// that examine files, it opens without them.
+/// Whether a database with blocks that do not fit cannot be opened or, for programs that examine
+/// files, opens without them.
 enum class ZRFxParseMode { STRICT, LENIENT };
 
 }  // namespace unstruct

@@ -13,6 +13,7 @@
 #include "database/ZRFxTableOfContents.h"
 #include "documents/ZRFxXml.h"
 #include "nvf/Assert.h"
+#include "nvf/Progress.h"
 
 namespace unstruct {
 namespace {
@@ -131,6 +132,10 @@ bool ZRFxDatabase::IsTOCModified() const {
     return m_pTOC && m_pTOC->IsModified();
 }
 
+void ZRFxDatabase::NoteWriting(const ZRFxBlock& block, std::optional<ZRFxOutline> outline) {
+    m_written.Note(block.GetType(), block.GetID(), std::move(outline));
+}
+
 bool ZRFxDatabase::StoreBlock(const ZRString& typeName, int id, const ZRString& fileName,
                               const nvf::XmlDocument& xmlDoc, bool overwrite) {
     const int type = ZRFxBlockTypeFromName(typeName);
@@ -147,6 +152,7 @@ bool ZRFxDatabase::StoreBlock(const ZRString& typeName, int id, const ZRString& 
 bool ZRFxDatabase::StoreListBlock(const ZRFxBlock& block, const ZRString& fileName,
                                   const ZRFxListContent& content, ZRFxListDocument* document) {
     // A block that the database has already takes no memory once its document is stored.
+    NoteWriting(block, std::nullopt);
     PrepareTOC();
     const ZRFxBlockLine line{block.GetType(), block.GetID(), fileName};
     const nvf::ref<ZRFxBlock> entry = CreateEntry(line);
@@ -228,6 +234,16 @@ ZRFxBlock* ZRFxDatabase::GetBlockByID(int type, int id) const {
     return position != blocks.end() && (*position)->GetID() == id ? position->p() : nullptr;
 }
 
+std::uint64_t ZRFxDatabase::GetStoredSize(const ZRFxBlock& block) const {
+    ZRStringArray files;
+    if (!GetAccess() || !GetAccess()->FindFilesOfBase(EntryName(block.GetFilebase()), &files)) {
+        return 0;
+    }
+    std::uint64_t size = 0;
+    for (const ZRString& file : files) size += GetAccess()->SizeOf(file);
+    return size;
+}
+
 nvf::ref<ZRFxBlock> ZRFxDatabase::OpenBlock(int type, int id) {
     const ZRFxBlock* entry = GetBlockByID(type, id);
     return entry ? CreateEntry({type, id, entry->GetFileName()}) : nullptr;
@@ -302,6 +318,7 @@ void ZRFxDatabase::Clear() {
     SetFolder(ZRString());
     for (BlockArray& blocks : m_apBlocks) blocks.clear();
     m_pTOC.reset();
+    m_written = ZRFxWrittenBlocks();
     m_bHasTOC = false;
     m_nTOCEnd = 0;
 }
@@ -409,6 +426,7 @@ bool ZRFxDatabase::RefreshMetaData(const ZRFxArchiveChanges& changes) {
 
 // Adds the blocks of the lines from the first on, unless they are there.
 bool ZRFxDatabase::AddNewBlocks(std::size_t firstLine, const char* metaDataMessage) {
+    const nvf::Progress::Count count(m_pTOC->Lines().size() - firstLine);
     for (const ZRFxBlockLine* line : sorted(m_pTOC->Lines(), firstLine)) {
         const ZRFxBlock* known = GetBlockByID(line->type, line->id);
         if (known && known->GetFileName() == line->fileName) continue;
@@ -418,6 +436,10 @@ bool ZRFxDatabase::AddNewBlocks(std::size_t firstLine, const char* metaDataMessa
         bool isReplaced = false;
         if (!AddBlock(block.p(), &isReplaced)) {
             return FailBlock("Error adding block (type '%1', ID %2)", *line);
+        }
+        if (!nvf::Progress::advance(1)) {
+            return Log().failBecause(nvf::Reason::CANCELLED, "Opening database %1 was stopped.",
+                                     m_iID);
         }
     }
     return true;

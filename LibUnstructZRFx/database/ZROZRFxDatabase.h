@@ -9,6 +9,7 @@
 #include "blocks/ZRFxBlock.h"
 #include "blocks/ZRFxBlockStore.h"
 #include "database/ZRFxParseMode.h"
+#include "database/ZRFxWrittenBlocks.h"
 #include "nvf/Logger.h"
 #include "nvf/XmlDocument.h"
 #include "types/ZRFxBlockType.h"
@@ -55,6 +56,7 @@ public:
 
     // Called by blocks. A block whose document is stored is entered in the table of contents, where
     // each type and id stands once; a block that is removed is taken out of it.
+    void NoteWriting(const ZRFxBlock& block, std::optional<ZRFxOutline> outline) override;
     bool StoreBlock(const ZRString& typeName, int id, const ZRString& fileName,
                     const nvf::XmlDocument& xmlDoc, bool overwrite) override;
     bool StoreListBlock(const ZRFxBlock& block, const ZRString& fileName,
@@ -65,6 +67,14 @@ public:
     /// Adds an entry in place of the one of the same type and id; *replaced says whether there was
     /// one.
     bool AddBlock(ZRFxBlock* block, bool* replaced);
+
+    /// Lets result values that are written from now on keep so many significant digits, 1 to 7;
+    /// 0 lets them keep all.
+    void SetSignificantDigits(int digits) { m_iSignificantDigits = digits; }
+    int GetSignificantDigits() const override { return m_iSignificantDigits; }
+
+    /// What was written since the database was created or parsed, whether that succeeded or not.
+    const ZRFxWrittenBlocks& GetWrittenBlocks() const { return m_written; }
 
     int GetID() const { return m_iID; }
     const ZRString& GetName() const { return m_sName; }
@@ -77,6 +87,9 @@ public:
     ZRFxBlock* GetBlock(int type, int index) const;
 
     ZRFxBlock* GetBlockByID(int type, int id) const override;
+
+    /// The bytes of a block's files, unpacked.
+    std::uint64_t GetStoredSize(const ZRFxBlock& block) const;
 
     /// A new object for the block of a type and id, with nothing loaded; null, without a message,
     /// when there is none.
@@ -119,6 +132,8 @@ private:
     ZRString m_sDescription;
     std::array<BlockArray, kNumBlockTypes> m_apBlocks;
     std::unique_ptr<ZRFxTableOfContents> m_pTOC;
+    ZRFxWrittenBlocks m_written;
+    int m_iSignificantDigits = 0;
     bool m_bHasTOC = false;       // The blocks were found in a stored one.
     std::uint64_t m_nTOCEnd = 0;  // Of the lines taken from the stored one, in bytes; 0 if unknown.
 };

@@ -81,12 +81,14 @@ bool ZRFxCrossSectionsBlock::DoReadBlock(const nvf::XmlElement& root) {
 }
 
 bool ZRFxCrossSectionsBlock::DoWriteBlock(nvf::XmlElement root) {
-    for (const auto& pCrossSection : m_apCrossSections) {
-        NVF_ASSERT(pCrossSection);
-        WriteCrossSection(root, *pCrossSection);
+    for (const auto& crossSection : m_apCrossSections) {
+        NVF_ASSERT(crossSection);
+        WriteCrossSection(root, *crossSection);
     }
     return true;
 }
+
+void ZRFxCrossSectionsBlock::DoOutline(const nvf::XmlElement&, ZRFxOutline*) const {}
 
 void ZRFxCrossSectionsBlock::DoUnloadData() {
     m_apCrossSections.RemoveAll();

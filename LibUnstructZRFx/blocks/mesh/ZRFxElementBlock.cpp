@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "blocks/ZRFxBlockStore.h"
+#include "blocks/ZRFxOutline.h"
 #include "documents/ZRFxFileRecord.h"
 #include "documents/ZRFxXml.h"
 
@@ -23,6 +24,8 @@ struct Extra {
     ZRIntArray ZRFxElementBlockGroup::*items;
 };
 
+constexpr const char* kFaceNodeCounts = "PolyhedronFaceNodeCounts";
+
 // The file of the node counts and its record have different names in the format.
 constexpr std::array kExtras{
     Extra{"PolyhedronElementNodeCounts", "-PolyhedronStartNodes",
@@ -31,9 +34,24 @@ constexpr std::array kExtras{
           &ZRFxElementBlockGroup::m_aiPolyhedronFaceCounts},
     Extra{"PolyhedronFaceLocalNodes", "-PolyhedronFaceLocalNodes",
           &ZRFxElementBlockGroup::m_aiPolyhedronFaceLocalNodes},
-    Extra{"PolyhedronFaceNodeCounts", "-PolyhedronFaceNodeCounts",
+    Extra{kFaceNodeCounts, "-PolyhedronFaceNodeCounts",
           &ZRFxElementBlockGroup::m_aiPolyhedronFaceNodeCounts},
 };
+
+// The faces of polyhedrons are counted in a record of their own.
+void addGroup(const nvf::XmlElement& element, ZRFxOutline* outline) {
+    ZRFxItemCounts* counts = &*outline->counts;
+    const int type = ZRFEMElementTypeFromName(GetAttribute(element, "Type"));
+    ZRFxFileRecord file;
+    GetFileRecord(element, "File", &file);
+    outline->groups.push_back({type, file.numItems});
+    counts->items += file.numItems;
+    counts->elementNodes += element.getAttributeInt("NumElementNodes", 0);
+    ZRFxFileRecord faces;
+    const bool isPolyhedron = GetFileRecord(element, kFaceNodeCounts, &faces);
+    counts->surfaces +=
+        isPolyhedron ? faces.numItems : file.numItems * ZRFEMSurfacesPerElement(type);
+}
 
 std::int64_t sumOf(const ZRIntArray& counts) {
     return std::accumulate(counts.begin(), counts.end(), std::int64_t{0});
@@ -84,11 +102,11 @@ void ZRFxElementBlock::RemoveUserProperties(std::int64_t iFrom, std::int64_t iTo
 
 bool ZRFxElementBlock::RenumberElementIndices() {
     std::int32_t next = 0;
-    for (const auto& pGroup : m_apElementGroups) {
-        if (!pGroup->m_aiElementIndices.SetSize(pGroup->m_iNumElements)) return false;
-        std::int32_t* indices = pGroup->m_aiElementIndices.WritableData();
-        std::iota(indices, indices + pGroup->m_iNumElements, next);
-        next += static_cast<std::int32_t>(pGroup->m_iNumElements);
+    for (const auto& group : m_apElementGroups) {
+        if (!group->m_aiElementIndices.SetSize(group->m_iNumElements)) return false;
+        std::int32_t* indices = group->m_aiElementIndices.WritableData();
+        std::iota(indices, indices + group->m_iNumElements, next);
+        next += static_cast<std::int32_t>(group->m_iNumElements);
     }
     return true;
 }
@@ -104,7 +122,7 @@ std::int64_t ZRFxElementBlock::GetNumElementGroups() const {
 
 std::int64_t ZRFxElementBlock::GetNumElements() const {
     std::int64_t count = 0;
-    for (const auto& pGroup : m_apElementGroups) count += pGroup->m_iNumElements;
+    for (const auto& group : m_apElementGroups) count += group->m_iNumElements;
     return count;
 }
 
@@ -114,8 +132,8 @@ bool ZRFxElementBlock::GetAllElementIDs(ZRIntArray* paiElementIDs) const {
     paiElementIDs->RemoveAll();
     const std::int64_t iNumElements = m_bWithIDs ? GetNumElements() : 0;
     if (!paiElementIDs->Reserve(iNumElements)) return false;
-    for (const auto& pGroup : m_apElementGroups) {
-        for (const std::int32_t id : pGroup->m_aiIDs) paiElementIDs->Add(id);
+    for (const auto& group : m_apElementGroups) {
+        for (const std::int32_t id : group->m_aiIDs) paiElementIDs->Add(id);
     }
     NVF_ASSERT(paiElementIDs->GetNumItems() == iNumElements);
     return paiElementIDs->GetNumItems() == iNumElements;
@@ -130,16 +148,24 @@ std::int64_t ZRFxElementBlock::GetNumUserProperties() const {
     return m_apUserProperties.GetSize();
 }
 
+std::uint64_t ZRFxElementBlock::GetDataSize() const {
+    std::uint64_t size = 0;
+    for (const auto& group : m_apElementGroups) {
+        size += group->m_aiConnectivity.SizeInBytes() + group->m_aiIDs.SizeInBytes();
+    }
+    return size;
+}
+
 bool ZRFxElementBlock::DoReadBlock(const nvf::XmlElement& root) {
     DoUnloadData();
     ReadAttributes(root);
     const bool isWithIDs = root.getAttributeBool("WithID", false);
     for (nvf::XmlElement element = root.firstChildElement("ElementGroup"); element.notNull();
          element = element.nextSiblingElement("ElementGroup")) {
-        auto pGroup = std::make_unique<ZRFxElementBlockGroup>();
-        if (!ReadGroup(element, pGroup.get())) return false;
-        if (isWithIDs == pGroup->m_aiIDs.IsEmpty()) return FailMixedIDs();
-        if (!AddElementGroup(pGroup)) return false;
+        auto group = std::make_unique<ZRFxElementBlockGroup>();
+        if (!ReadGroup(element, group.get())) return false;
+        if (isWithIDs == group->m_aiIDs.IsEmpty()) return FailMixedIDs();
+        if (!AddElementGroup(group)) return false;
     }
     m_bWithIDs = isWithIDs;
     for (nvf::XmlElement element = root.firstChildElement("Properties"); element.notNull();
@@ -166,14 +192,50 @@ bool ZRFxElementBlock::CheckContents() const {
 bool ZRFxElementBlock::DoWriteBlock(nvf::XmlElement root) {
     WriteAttributes(root);
     for (std::int64_t i = 0; i < m_apElementGroups.GetSize(); ++i) {
-        const ZRFxElementBlockGroup* pGroup = m_apElementGroups[i];
-        NVF_ASSERT(pGroup);
-        if (!pGroup || !WriteGroup(root, *pGroup, i + 1)) return false;
+        const ZRFxElementBlockGroup* group = m_apElementGroups[i];
+        NVF_ASSERT(group);
+        if (!group || !WriteGroup(root, *group, i + 1)) return false;
     }
     for (std::int64_t i = 0; i < m_apUserProperties.GetSize(); ++i) {
         if (!WriteProperties(root, *m_apUserProperties[i], i + 1)) return false;
     }
     return true;
+}
+
+void ZRFxElementBlock::DoOutline(const nvf::XmlElement& root, ZRFxOutline* outline) const {
+    outline->counts.emplace();
+    outline->hasIDs = root.getAttributeBool("WithID", false);
+    for (nvf::XmlElement element = root.firstChildElement("ElementGroup"); element.notNull();
+         element = element.nextSiblingElement("ElementGroup")) {
+        addGroup(element, outline);
+    }
+    outline->nodes = ZRFxNodesUse{root.getAttributeInt("NodeBlock", -1)};
+    for (const auto& group : m_apElementGroups) {
+        if (m_bMapToNodeIDs) break;
+        outline->nodes->highestIndex =
+            std::max(outline->nodes->highestIndex, HighestOf(group->m_aiConnectivity));
+    }
+    outline->AddBlock(BLOCK_NODES, outline->nodes->nodeBlockID, "node block");
+    outline->AddOptionalBlock(BLOCK_CROSS_SECTIONS, root.getAttributeInt("CrossSectionsID", -1),
+                              "cross sections block");
+}
+
+bool ZRFxElementBlock::FindArray(const nvf::XmlElement& root, ZRFxArrayKind kind, int group,
+                                 ZRFxArrayFile* file) const {
+    nvf::XmlElement element = root.firstChildElement("ElementGroup");
+    for (; group > 0 && element.notNull(); --group) {
+        element = element.nextSiblingElement("ElementGroup");
+    }
+    ZRFxFileRecord record;
+    if (element.isNull() || !GetFileRecord(element, "File", &record)) return false;
+    const int type = ZRFEMElementTypeFromName(GetAttribute(element, "Type"));
+    const std::int32_t added = root.getAttributeBool("MapToNodeIDs", false) ? 0 : -1;
+    const bool hasNodes = ZRFEMNodesPerElement(type) > 0;
+    if (kind == ZRFxArrayKind::NODES && hasNodes) {
+        *file = {record.filename, record.numItems, ZRFEMNodesPerElement(type), added};
+    }
+    if (kind == ZRFxArrayKind::IDS) *file = {record.ids, record.numItems};
+    return !file->name.IsBlank();
 }
 
 void ZRFxElementBlock::DoUnloadData() {

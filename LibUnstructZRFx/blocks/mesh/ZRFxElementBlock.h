@@ -58,10 +58,15 @@ public:
     int GetNumEccPerElement() const { return m_iNumEccPerElement; }
     void SetNumEccPerElement(int count) { m_iNumEccPerElement = count; }
 
+    std::uint64_t GetDataSize() const override;
+
 protected:
     bool DoReadBlock(const nvf::XmlElement& root) override;
     bool CheckContents() const override;
     bool DoWriteBlock(nvf::XmlElement root) override;
+    void DoOutline(const nvf::XmlElement& root, ZRFxOutline* outline) const override;
+    bool FindArray(const nvf::XmlElement& root, ZRFxArrayKind kind, int group,
+                   ZRFxArrayFile* file) const override;
     void DoUnloadData() override;
 
 private:

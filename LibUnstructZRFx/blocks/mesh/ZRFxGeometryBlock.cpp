@@ -7,6 +7,7 @@
 #include <string_view>
 #include <utility>
 
+#include "blocks/ZRFxOutline.h"
 #include "documents/ZRFxXml.h"
 #include "nvf/Number.h"
 
@@ -199,10 +200,10 @@ bool ZRFxGeometryBlock::DoReadBlock(const nvf::XmlElement& root) {
     if (!CheckGeometryCount()) return false;
     for (nvf::XmlElement element = root.firstChildElement("State"); element.notNull();
          element = element.nextSiblingElement("State")) {
-        ZRFxGeometryState* pState = AddState(element.getAttributeInt("ID", -1));
+        ZRFxGeometryState* state = AddState(element.getAttributeInt("ID", -1));
         const bool isRead = element.firstChildElement("Geometry").isNull()
-                                ? ReadLegacyParts(element, pState)
-                                : ReadGeometries(element, pState);
+                                ? ReadLegacyParts(element, state)
+                                : ReadGeometries(element, state);
         if (!isRead) return false;
     }
     return true;
@@ -211,16 +212,33 @@ bool ZRFxGeometryBlock::DoReadBlock(const nvf::XmlElement& root) {
 bool ZRFxGeometryBlock::CheckContents() const {
     return CheckGeometryCount() &&
            std::all_of(m_apStates.begin(), m_apStates.end(),
-                       [this](const auto& pState) { return CheckState(*pState); });
+                       [this](const auto& state) { return CheckState(*state); });
 }
 
 bool ZRFxGeometryBlock::DoWriteBlock(nvf::XmlElement root) {
     root.setAttributeInt(kCount, m_iGeometryCountPerState);
-    for (const auto& pState : m_apStates) {
-        NVF_ASSERT(pState);
-        WriteState(root, *pState);
+    for (const auto& state : m_apStates) {
+        NVF_ASSERT(state);
+        WriteState(root, *state);
     }
     return true;
+}
+
+// One record alone stands for all states, whatever its state.
+void ZRFxGeometryBlock::DoOutline(const nvf::XmlElement&, ZRFxOutline* outline) const {
+    for (std::int64_t s = 0; s < GetStateCount(); ++s) {
+        const ZRFxGeometryState& state = *GetState(s);
+        const std::string place = NumberedPlace("state", state.GetStateID());
+        if (GetStateCount() > 1) outline->AddState(state.GetStateID(), NumberedPlace("record", s));
+        for (int g = 0; g < state.GetGeometryCountPerState(); ++g) {
+            for (int p = 0; p < state.GetPartCount(g); ++p) {
+                const ZRFxGeometryPart part = state.GetPart(g, p);
+                outline->AddBlock(
+                    part.blockType, part.blockID,
+                    place + NumberedPlace(", geometry", g) + NumberedPlace(", part", p));
+            }
+        }
+    }
 }
 
 void ZRFxGeometryBlock::DoUnloadData() {

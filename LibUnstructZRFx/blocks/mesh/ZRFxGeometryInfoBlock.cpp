@@ -53,6 +53,8 @@ bool ZRFxGeometryInfoBlock::DoWriteBlock(nvf::XmlElement root) {
     return true;
 }
 
+void ZRFxGeometryInfoBlock::DoOutline(const nvf::XmlElement&, ZRFxOutline*) const {}
+
 void ZRFxGeometryInfoBlock::DoUnloadData() {
     m_geometries.clear();
 }

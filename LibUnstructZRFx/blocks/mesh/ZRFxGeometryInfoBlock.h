@@ -9,7 +9,7 @@ namespace unstruct {
 /// More geometries in a state than this are refused, reading and writing.
 inline constexpr int kMostGeometriesPerState = 100000;
 
-/// What a geometry info block tells of a part.
+/// One part in a geometry info block.
 struct ZRFxPartInfo {
     int partID = -1;
     int parentPartID = -1;  ///< -1 when the part has no parent.
@@ -50,6 +50,8 @@ protected:
     bool DoReadBlock(const nvf::XmlElement& root) override;
     bool CheckContents() const override { return CheckGeometryCount(GetGeometryCountPerState()); }
     bool DoWriteBlock(nvf::XmlElement root) override;
+    void DoOutline(const nvf::XmlElement& root, ZRFxOutline* outline) const override;
+    bool OutlinesContents() const override { return true; }
     void DoUnloadData() override;
 
 private:

@@ -1,6 +1,7 @@
 #include "blocks/mesh/ZRFxIndexedFaceSetBlock.h"
 
 #include "blocks/ZRFxBlockStore.h"
+#include "blocks/ZRFxOutline.h"
 #include "documents/ZRFxFileRecord.h"
 
 namespace unstruct {
@@ -55,6 +56,17 @@ bool ZRFxIndexedFaceSetBlock::DoWriteBlock(nvf::XmlElement root) {
     root.setAttributeBool("WithID", m_paiIDs != nullptr);
     root.setAttributeInt("NumPolygons", static_cast<int>(GetNumPolygons()));
     return WritePolygons(root);
+}
+
+// The data file holds the number of nodes of each polygon in front of them.
+void ZRFxIndexedFaceSetBlock::DoOutline(const nvf::XmlElement& root, ZRFxOutline* outline) const {
+    ZRFxFileRecord file;
+    GetFileRecord(root, "File", &file);
+    const int numPolygons = root.getAttributeInt("NumPolygons", 0);
+    outline->counts = ZRFxItemCounts{numPolygons, file.numItems - numPolygons};
+    outline->nodes = ZRFxNodesUse{root.getAttributeInt("NodeBlock", -1),
+                                  m_bMapToNodeIDs ? -1 : HighestOf(m_aiConnects)};
+    outline->AddBlock(BLOCK_NODES, outline->nodes->nodeBlockID, "node block");
 }
 
 void ZRFxIndexedFaceSetBlock::DoUnloadData() {

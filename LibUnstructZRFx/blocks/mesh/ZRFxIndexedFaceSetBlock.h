@@ -38,6 +38,7 @@ protected:
     bool DoReadBlock(const nvf::XmlElement& root) override;
     bool CheckContents() const override;
     bool DoWriteBlock(nvf::XmlElement root) override;
+    void DoOutline(const nvf::XmlElement& root, ZRFxOutline* outline) const override;
     void DoUnloadData() override;
 
 private:

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "blocks/ZRFxBlockStore.h"
+#include "blocks/ZRFxOutline.h"
 #include "documents/ZRFxFileRecord.h"
 
 namespace unstruct {
@@ -55,8 +56,8 @@ std::int64_t ZRFxNodeBlock::GetNumNodes() const {
     const nvf::XmlElement file =
         m_pDatabase ? GetRootElement(&doc).firstChildElement("File") : nvf::XmlElement();
     if (file.isNull()) return 0;
-    const bool bFound = file.hasAttribute("NumItems");
-    NVF_ASSERT(bFound);
+    const bool isFound = file.hasAttribute("NumItems");
+    NVF_ASSERT(isFound);
     return std::max(file.getAttributeInt("NumItems", 0), 0);
 }
 
@@ -64,6 +65,10 @@ std::int64_t ZRFxNodeBlock::GetNodeIndex(std::int32_t id) const {
     if (!m_paiNodeIDs) return -1;
     m_indices.Update(*m_paiNodeIDs);
     return m_indices.IndexOf(id);
+}
+
+std::uint64_t ZRFxNodeBlock::GetDataSize() const {
+    return m_nodes.SizeInBytes() + (m_paiNodeIDs ? m_paiNodeIDs->SizeInBytes() : 0);
 }
 
 bool ZRFxNodeBlock::DoReadBlock(const nvf::XmlElement& root) {
@@ -90,6 +95,22 @@ bool ZRFxNodeBlock::DoReadBlock(const nvf::XmlElement& root) {
 bool ZRFxNodeBlock::DoWriteBlock(nvf::XmlElement root) {
     root.setAttributeBool("WithID", m_paiNodeIDs != nullptr);
     return m_nodes.IsEmpty() || WriteNodes(root);
+}
+
+void ZRFxNodeBlock::DoOutline(const nvf::XmlElement& root, ZRFxOutline* outline) const {
+    ZRFxFileRecord file;
+    GetFileRecord(root, "File", &file);  // none when there are no nodes
+    outline->counts = ZRFxItemCounts{file.numItems};
+    outline->hasIDs = !file.ids.IsBlank();
+}
+
+bool ZRFxNodeBlock::FindArray(const nvf::XmlElement& root, ZRFxArrayKind kind, int /*group*/,
+                              ZRFxArrayFile* file) const {
+    ZRFxFileRecord record;
+    GetFileRecord(root, "File", &record);  // none when there are no nodes
+    if (kind == ZRFxArrayKind::POSITIONS) *file = {record.filename, record.numItems, 3};
+    if (kind == ZRFxArrayKind::IDS) *file = {record.ids, record.numItems};
+    return !file->name.IsBlank();
 }
 
 void ZRFxNodeBlock::DoUnloadData() {

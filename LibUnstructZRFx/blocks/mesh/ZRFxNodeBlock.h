@@ -40,9 +40,14 @@ public:
     /// The index of the node of an id; -1 when there is none.
     std::int64_t GetNodeIndex(std::int32_t id) const;
 
+    std::uint64_t GetDataSize() const override;
+
 protected:
     bool DoReadBlock(const nvf::XmlElement& root) override;
     bool DoWriteBlock(nvf::XmlElement root) override;
+    void DoOutline(const nvf::XmlElement& root, ZRFxOutline* outline) const override;
+    bool FindArray(const nvf::XmlElement& root, ZRFxArrayKind kind, int group,
+                   ZRFxArrayFile* file) const override;
     void DoUnloadData() override;
 
 private:

@@ -3,9 +3,45 @@
 #include <algorithm>
 #include <memory>
 
+#include "blocks/ZRFxOutline.h"
 #include "documents/ZRFxXml.h"
 
 namespace unstruct {
+namespace {
+
+void addOutline(const ZRFxPrecomputedTrace& trace, const std::string& place, ZRFxOutline* outline) {
+    outline->AddBlock(BLOCK_NODES, trace.positionNodeBlockID, place + ", positions");
+    outline->AddOptionalBlock(BLOCK_RESULT_VALUES, trace.timeResultBlockID, place + ", times");
+    outline->AddOptionalBlock(BLOCK_RESULT_VALUES, trace.scalarResultBlockID, place + ", scalars");
+    outline->AddOptionalBlock(BLOCK_RESULT_VALUES, trace.vectorResultBlockID, place + ", vectors");
+}
+
+// Fringes belong to nodes or polygons, as the part says.
+void addOutline(const ZRFxPrecomputedPart& part, const std::string& place, ZRFxOutline* outline) {
+    outline->AddBlock(BLOCK_INDEXED_FACE_SET, part.ifsBlockID, place + ", face set");
+    outline->AddOptionalBlock(BLOCK_NODES, part.nodeBlockID, place + ", nodes");
+    outline->AddOptionalBlock(BLOCK_RESULT_VALUES, part.fringesResultBlockID, place + ", fringes");
+    outline->AddOptionalBlock(BLOCK_RESULT_VALUES, part.vectorResultBlockID, place + ", vectors");
+    if (part.fringesResultBlockID < 0) return;
+    outline->valuesUses.push_back({part.fringesResultBlockID, part.fringesResultMapping, 0});
+}
+
+void addOutline(const ZRFxPrecomputedGrid& grid, const std::string& place, ZRFxOutline* outline) {
+    outline->AddBlock(BLOCK_NODES, grid.nodeBlockID, place + ", nodes");
+    outline->AddOptionalBlock(BLOCK_RESULT_VALUES, grid.computedResultBlockID,
+                              place + ", computed values");
+    outline->AddOptionalBlock(BLOCK_RESULT_VALUES, grid.scalarResultBlockID, place + ", scalars");
+    outline->AddOptionalBlock(BLOCK_RESULT_VALUES, grid.vectorResultBlockID, place + ", vectors");
+}
+
+template <typename Items>
+void outlineEach(const Items& items, const std::string& place, ZRFxOutline* outline) {
+    for (std::int64_t i = 0; i < items.GetSize(); ++i) {
+        addOutline(*items[i], NumberedPlace(place, i), outline);
+    }
+}
+
+}  // namespace
 
 void ZRFxPrecomputedState::RemoveParts(std::int64_t iFrom, std::int64_t iTo) {
     NVF_ASSERT(iTo >= 0 && iTo < apParts.GetSize());
@@ -14,9 +50,9 @@ void ZRFxPrecomputedState::RemoveParts(std::int64_t iFrom, std::int64_t iTo) {
 
 ZRFxPrecomputedState* ZRFxPrecomputedBlock::AddState(int stateID) {
     SetRead(true);
-    ZRFxPrecomputedState* pState = m_apStates.Add(std::make_unique<ZRFxPrecomputedState>());
-    pState->m_iStateID = stateID;
-    return pState;
+    ZRFxPrecomputedState* state = m_apStates.Add(std::make_unique<ZRFxPrecomputedState>());
+    state->m_iStateID = stateID;
+    return state;
 }
 
 bool ZRFxPrecomputedBlock::DoReadBlock(const nvf::XmlElement& root) {
@@ -24,18 +60,18 @@ bool ZRFxPrecomputedBlock::DoReadBlock(const nvf::XmlElement& root) {
     ReadAttributes(root);
     for (nvf::XmlElement element = root.firstChildElement("State"); element.notNull();
          element = element.nextSiblingElement("State")) {
-        ZRFxPrecomputedState* pState = AddState(element.getAttributeInt("ID", -1));
-        ReadTraces(element, pState);
-        ReadParts(element, pState);
-        if (!ReadGrids(element, pState)) return false;
+        ZRFxPrecomputedState* state = AddState(element.getAttributeInt("ID", -1));
+        ReadTraces(element, state);
+        ReadParts(element, state);
+        if (!ReadGrids(element, state)) return false;
     }
     return true;
 }
 
 bool ZRFxPrecomputedBlock::CheckContents() const {
-    for (const auto& pState : m_apStates) {
-        for (const auto& pGrid : pState->apGrids) {
-            if (!CheckGrid(*pGrid)) return false;
+    for (const auto& state : m_apStates) {
+        for (const auto& grid : state->apGrids) {
+            if (!CheckGrid(*grid)) return false;
         }
     }
     return true;
@@ -43,11 +79,22 @@ bool ZRFxPrecomputedBlock::CheckContents() const {
 
 bool ZRFxPrecomputedBlock::DoWriteBlock(nvf::XmlElement root) {
     WriteAttributes(root);
-    for (const auto& pState : m_apStates) {
-        NVF_ASSERT(pState);
-        WriteState(root, *pState);
+    for (const auto& state : m_apStates) {
+        NVF_ASSERT(state);
+        WriteState(root, *state);
     }
     return true;
+}
+
+void ZRFxPrecomputedBlock::DoOutline(const nvf::XmlElement&, ZRFxOutline* outline) const {
+    OutlineAttributes(outline);
+    for (const auto& pState : m_apStates) {
+        const std::string place = NumberedPlace("state", pState->m_iStateID);
+        outline->AddState(pState->m_iStateID, place);
+        outlineEach(pState->apTraces, place + ", trace", outline);
+        outlineEach(pState->apParts, place + ", part", outline);
+        outlineEach(pState->apGrids, place + ", grid", outline);
+    }
 }
 
 void ZRFxPrecomputedBlock::ReadTraces(const nvf::XmlElement& element,
@@ -102,15 +149,15 @@ bool ZRFxPrecomputedBlock::CheckGrid(const ZRFxPrecomputedGrid& grid) const {
 void ZRFxPrecomputedBlock::WriteState(nvf::XmlElement root, const ZRFxPrecomputedState& record) {
     nvf::XmlElement state = root.addChildElement("State");
     state.setAttributeInt("ID", record.m_iStateID);
-    for (const auto& pTrace : record.apTraces) {
-        NVF_ASSERT(pTrace);
-        WriteTrace(state, *pTrace);
+    for (const auto& trace : record.apTraces) {
+        NVF_ASSERT(trace);
+        WriteTrace(state, *trace);
     }
-    for (const auto& pPart : record.apParts) {
-        NVF_ASSERT(pPart);
-        WritePart(state, *pPart);
+    for (const auto& part : record.apParts) {
+        NVF_ASSERT(part);
+        WritePart(state, *part);
     }
-    for (const auto& pGrid : record.apGrids) WriteGrid(state, *pGrid);
+    for (const auto& grid : record.apGrids) WriteGrid(state, *grid);
 }
 
 void ZRFxPrecomputedBlock::WriteTrace(nvf::XmlElement state, const ZRFxPrecomputedTrace& trace) {

@@ -38,7 +38,7 @@ struct ZRFxPrecomputedTrace {
     int vectorResultBlockID = -1;
 };
 
-/// What is ready-made for one state.
+/// The ready-made items of one state.
 struct ZRFxPrecomputedState {
     int m_iStateID = -1;
     ZRPtrArray<ZRFxPrecomputedTrace> apTraces;  ///< Of precomputed items only.
@@ -62,11 +62,16 @@ protected:
     bool DoReadBlock(const nvf::XmlElement& root) final;
     bool CheckContents() const final;
     bool DoWriteBlock(nvf::XmlElement root) final;
+    void DoOutline(const nvf::XmlElement& root, ZRFxOutline* outline) const final;
+    bool OutlinesContents() const final { return true; }
     void DoUnloadData() final { m_apStates.RemoveAll(); }
 
     /// The root's attributes: what the derived block adds.
     virtual void ReadAttributes(const nvf::XmlElement& root) = 0;
     virtual void WriteAttributes(nvf::XmlElement root) = 0;
+
+    /// Adds the references of the attributes.
+    virtual void OutlineAttributes(ZRFxOutline* outline) const = 0;
 
     /// Whether parts have a colour of their own.
     virtual bool HasPartColors() const { return false; }

@@ -18,6 +18,7 @@ public:
 protected:
     void ReadOwnAttributes(const nvf::XmlElement& root) override;
     void WriteShape(nvf::XmlElement root) override;
+    int ShapeResultID() const override { return m_iIsoScalarResultId; }
 };
 
 }  // namespace unstruct

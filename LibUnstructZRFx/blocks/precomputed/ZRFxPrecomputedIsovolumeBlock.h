@@ -21,6 +21,7 @@ public:
 protected:
     void ReadOwnAttributes(const nvf::XmlElement& root) override;
     void WriteShape(nvf::XmlElement root) override;
+    int ShapeResultID() const override { return m_iIsoScalarResultId; }
     void WriteTexture(nvf::XmlElement root) override;
 };
 

@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "blocks/ZRFxOutline.h"
 #include "documents/ZRFxXml.h"
 
 namespace unstruct {
@@ -37,6 +38,10 @@ void ZRFxPrecomputedItemBlock::WriteAttributes(nvf::XmlElement root) {
     SetAttribute(root, "ItemType", PrecomputedItemTypeName(m_iItemType));
     root.setAttributeInt("ItemID", m_iItemID);
     root.setAttributeInt("CaseID", m_iCaseID);
+}
+
+void ZRFxPrecomputedItemBlock::OutlineAttributes(ZRFxOutline* outline) const {
+    outline->AddOptionalCase(m_iCaseID);
 }
 
 }  // namespace unstruct

@@ -24,6 +24,7 @@ public:
 protected:
     void ReadAttributes(const nvf::XmlElement& root) override;
     void WriteAttributes(nvf::XmlElement root) override;
+    void OutlineAttributes(ZRFxOutline* outline) const override;
 };
 
 }  // namespace unstruct

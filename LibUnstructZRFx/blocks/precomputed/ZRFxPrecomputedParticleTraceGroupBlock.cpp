@@ -2,6 +2,8 @@
 
 #include <memory>
 
+#include "blocks/ZRFxOutline.h"
+
 namespace unstruct {
 
 ZRFxPrecomputedParticleTraceGroupBlock::ZRFxPrecomputedParticleTraceGroupBlock(
@@ -33,11 +35,26 @@ bool ZRFxPrecomputedParticleTraceGroupBlock::DoWriteBlock(nvf::XmlElement root) 
     root.setAttributeInt("GroupID", m_iGroupID);
     root.setAttributeInt("VectorResultId", m_iVectorResultId);
     root.setAttributeInt("MapScalarResultId", m_iMapScalarResultId);
-    for (const auto& pTrace : m_apTraces) {
-        NVF_ASSERT(pTrace);
-        WriteTrace(root, *pTrace);
+    for (const auto& trace : m_apTraces) {
+        NVF_ASSERT(trace);
+        WriteTrace(root, *trace);
     }
     return true;
+}
+
+void ZRFxPrecomputedParticleTraceGroupBlock::DoOutline(const nvf::XmlElement&,
+                                                       ZRFxOutline* outline) const {
+    outline->AddOptionalCase(m_iCaseID);
+    outline->AddOptionalResult(m_iVectorResultId, "vector result");
+    outline->AddOptionalResult(m_iMapScalarResultId, "scalar result");
+    for (std::int64_t i = 0; i < m_apTraces.GetSize(); ++i) {
+        const ZRFxParticleTrace& trace = *m_apTraces[i];
+        const std::string place = NumberedPlace("trace", i);
+        outline->AddBlock(BLOCK_NODES, trace.positionsBlockID, place + ", positions");
+        outline->AddOptionalBlock(BLOCK_RESULT_VALUES, trace.timeStampsBlockID, place + ", times");
+        outline->AddOptionalBlock(BLOCK_RESULT_VALUES, trace.mapScalarsBlockID,
+                                  place + ", scalars");
+    }
 }
 
 void ZRFxPrecomputedParticleTraceGroupBlock::DoUnloadData() {

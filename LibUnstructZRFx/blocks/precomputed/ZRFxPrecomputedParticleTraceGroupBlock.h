@@ -33,6 +33,8 @@ public:
 protected:
     bool DoReadBlock(const nvf::XmlElement& root) override;
     bool DoWriteBlock(nvf::XmlElement root) override;
+    void DoOutline(const nvf::XmlElement& root, ZRFxOutline* outline) const override;
+    bool OutlinesContents() const override { return true; }
     void DoUnloadData() override;
 
 private:

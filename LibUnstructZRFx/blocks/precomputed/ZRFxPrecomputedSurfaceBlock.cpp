@@ -1,5 +1,6 @@
 #include "blocks/precomputed/ZRFxPrecomputedSurfaceBlock.h"
 
+#include "blocks/ZRFxOutline.h"
 #include "documents/ZRFxXml.h"
 
 namespace unstruct {
@@ -29,6 +30,13 @@ void ZRFxPrecomputedSurfaceBlock::WriteAttributes(nvf::XmlElement root) {
     WriteClipping(root);
     SetAttribute(root, "DrawStyle", m_sDrawStyle);
     WriteTexture(root);
+}
+
+void ZRFxPrecomputedSurfaceBlock::OutlineAttributes(ZRFxOutline* outline) const {
+    outline->AddOptionalCase(m_iCaseID);
+    outline->AddOptionalResult(m_iMapScalarResultId, "scalar result");
+    outline->AddOptionalResult(m_iMapVectorResultId, "vector result");
+    outline->AddOptionalResult(ShapeResultID(), "iso result");
 }
 
 }  // namespace unstruct

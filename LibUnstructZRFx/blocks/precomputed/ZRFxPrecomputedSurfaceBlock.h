@@ -23,6 +23,7 @@ protected:
 
     void ReadAttributes(const nvf::XmlElement& root) final;
     void WriteAttributes(nvf::XmlElement root) final;
+    void OutlineAttributes(ZRFxOutline* outline) const final;
 
     /// Reads the attributes that only surfaces of one kind have.
     virtual void ReadOwnAttributes(const nvf::XmlElement& root) = 0;
@@ -33,6 +34,9 @@ protected:
     virtual void WriteGridSpacing(nvf::XmlElement) {}
     virtual void WriteClipping(nvf::XmlElement) {}
     virtual void WriteTexture(nvf::XmlElement) {}
+
+    /// The id of the result whose values the surface is made from; -1 when there is none.
+    virtual int ShapeResultID() const { return -1; }
 };
 
 }  // namespace unstruct

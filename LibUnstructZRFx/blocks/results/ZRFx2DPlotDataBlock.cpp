@@ -35,20 +35,22 @@ bool ZRFx2DPlotDataBlock::DoWriteBlock(nvf::XmlElement root) {
     return true;
 }
 
+void ZRFx2DPlotDataBlock::DoOutline(const nvf::XmlElement&, ZRFxOutline*) const {}
+
 void ZRFx2DPlotDataBlock::DoUnloadData() {
     m_apVariables.RemoveAll();
 }
 
 bool ZRFx2DPlotDataBlock::ReadVariable(const nvf::XmlElement& element) {
-    auto pVariable = std::make_unique<ZRFxPlotVariable>();
-    pVariable->name = GetAttribute(element, "Name");
+    auto variable = std::make_unique<ZRFxPlotVariable>();
+    variable->name = GetAttribute(element, "Name");
     if (element.firstChildElement("File").isNull()) {
         return Log().fail("No data file specified for plot");
     }
-    if (!ReadFile(element, "File", &pVariable->values)) {
+    if (!ReadFile(element, "File", &variable->values)) {
         return Log().fail("Error reading plot data");
     }
-    AddVariable(std::move(pVariable));
+    AddVariable(std::move(variable));
     return true;
 }
 

@@ -31,6 +31,7 @@ public:
 protected:
     bool DoReadBlock(const nvf::XmlElement& root) override;
     bool DoWriteBlock(nvf::XmlElement root) override;
+    void DoOutline(const nvf::XmlElement& root, ZRFxOutline* outline) const override;
     void DoUnloadData() override;
 
 private:

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "blocks/ZRFxBlockStore.h"
+#include "blocks/ZRFxOutline.h"
 #include "documents/ZRFxFileRecord.h"
 #include "documents/ZRFxXml.h"
 #include "types/ZRFxResultTypes.h"
@@ -16,7 +17,7 @@ bool isDimension(int dimension) {
     return dimension == kScalarKind.Dimension() || dimension == kVectorKind.Dimension();
 }
 
-// One name a line, in the order of the vectors.
+// One name per line, in the order of the vectors.
 ZRString namesOf(const ZRIntArray& vectorTypes) {
     std::string names;
     for (const std::int32_t type : vectorTypes) names += VectorTypeName(type).Bytes() + "\n";
@@ -61,6 +62,11 @@ bool ZRFxPositionResultValuesBlock::CheckContents() const {
 bool ZRFxPositionResultValuesBlock::DoWriteBlock(nvf::XmlElement root) {
     WriteAttributes(root);
     return WritePositions(root) && WriteResults(root);
+}
+
+void ZRFxPositionResultValuesBlock::DoOutline(const nvf::XmlElement& root,
+                                              ZRFxOutline* outline) const {
+    outline->AddBlock(BLOCK_ELEMENTS, root.getAttributeInt("MapToBlockID", -1), "target block");
 }
 
 void ZRFxPositionResultValuesBlock::DoUnloadData() {

@@ -8,7 +8,7 @@
 
 namespace unstruct {
 
-/// What describes a result, apart from its values.
+/// The description of a result, apart from its values.
 struct ZRFxResultDescription {
     ZRString name;
     int resultType = RESULT_SCALAR;
@@ -22,6 +22,12 @@ struct ZRFxResultDescription {
     int baseResultType = RESULT_UNKNOWN;
     int deriveOperation = kComponentNone;
     std::vector<std::pair<ZRString, ZRString>> attributes;  ///< Names and values of the user.
+
+    /// An attribute says how many significant digits the values have; 0 where there is none.
+    int GetSignificantDigits() const;
+
+    /// Sets the attribute; 0 takes it away.
+    void SetSignificantDigits(int digits);
 };
 
 /// One result of a model: what it is, and which values blocks hold it in each state.
@@ -37,6 +43,7 @@ public:
 protected:
     bool DoReadMetaData(const nvf::XmlElement& root) override;
     void DoWriteHead(nvf::XmlElement root) const override;
+    void DoOutline(const nvf::XmlElement& root, ZRFxOutline* outline) const override;
 
 private:
     ZRFxResultDescription m_description;

@@ -1,12 +1,32 @@
 #include "blocks/results/ZRFxResultValuesBlock.h"
 
+#include <span>
 #include <string>
 #include <utility>
 
 #include "blocks/ZRFxBlockStore.h"
+#include "blocks/ZRFxOutline.h"
+#include "data/ZRFxRounding.h"
 #include "documents/ZRFxFileRecord.h"
 
 namespace unstruct {
+namespace {
+
+std::span<const float> floatsOf(const ZRFloatArray& scalars) {
+    return {scalars.Data(), static_cast<std::size_t>(scalars.GetSize())};
+}
+std::span<const float> floatsOf(const ZRVec3fArray& vectors) {
+    static_assert(sizeof(nuo::Vec3f) == 3 * sizeof(float));
+    return {reinterpret_cast<const float*>(vectors.Data()),
+            3 * static_cast<std::size_t>(vectors.GetSize())};
+}
+template <typename Array>
+std::span<float> writableFloatsOf(Array* array) {
+    const std::size_t count = floatsOf(*array).size();
+    return {reinterpret_cast<float*>(array->WritableData()), count};
+}
+
+}  // namespace
 
 ZRFxResultValuesBlock::ZRFxResultValuesBlock(ZRFxBlockStore* pDatabase, int id)
     : ZRFxBlock(pDatabase, id, kType) {}
@@ -97,6 +117,11 @@ std::int64_t ZRFxResultValuesBlock::GetIndexOfID(std::int32_t iID) const {
     return m_indices.IndexOf(iID);
 }
 
+std::uint64_t ZRFxResultValuesBlock::GetDataSize() const {
+    return m_afResults.SizeInBytes() + m_avResults.SizeInBytes() +
+           (m_paiIDs ? m_paiIDs->SizeInBytes() : 0);
+}
+
 bool ZRFxResultValuesBlock::DoReadBlock(const nvf::XmlElement& root) {
     DoUnloadData();
     m_iMapToBlockID = root.getAttributeInt("MapToBlockID", -1);
@@ -131,6 +156,25 @@ bool ZRFxResultValuesBlock::DoWriteBlock(nvf::XmlElement root) {
     root.setAttributeInt("NumDimensions", m_iNumDimensions);
     root.setAttributeBool("WithID", m_paiIDs != nullptr);
     return WriteItems(root);
+}
+
+void ZRFxResultValuesBlock::DoOutline(const nvf::XmlElement& root, ZRFxOutline* outline) const {
+    ZRFxFileRecord file;
+    GetFileRecord(root, "File", &file);
+    *outline = ZRFxOutline::OfValues({root.getAttributeInt("MapToBlockID", -1),
+                                      root.getAttributeInt("NumDimensions", 0), file.numItems,
+                                      root.getAttributeBool("WithID", false)});
+}
+
+bool ZRFxResultValuesBlock::FindArray(const nvf::XmlElement& root, ZRFxArrayKind kind,
+                                      int /*group*/, ZRFxArrayFile* file) const {
+    ZRFxFileRecord record;
+    const ZRFxValueKind* values = ZRFxValueKindOf(root.getAttributeInt("NumDimensions", 0));
+    if (!values || !GetFileRecord(root, "File", &record)) return false;
+    if (kind == ZRFxArrayKind::VALUES)
+        *file = {record.filename, record.numItems, values->Dimension()};
+    if (kind == ZRFxArrayKind::IDS) *file = {record.ids, record.numItems};
+    return !file->name.IsBlank();
 }
 
 void ZRFxResultValuesBlock::DoUnloadData() {
@@ -170,9 +214,33 @@ bool ZRFxResultValuesBlock::WriteItems(nvf::XmlElement root) {
 }
 
 bool ZRFxResultValuesBlock::WriteValues(const ZRString& name) {
-    if (AreVectors()) return m_pDatabase->WriteDataVector(name, m_avResults);
-    if (AreTensors()) return m_pDatabase->WriteDataTensor(name, m_afResults);
-    return m_pDatabase->WriteDataFloat(name, m_afResults);
+    const int digits =
+        m_iSignificantDigits > 0 ? m_iSignificantDigits : m_pDatabase->GetSignificantDigits();
+    if (digits > 0) return WriteRounded(name, digits);
+    return AreVectors() ? WriteVectors(name, m_avResults) : WriteScalars(name, m_afResults);
+}
+
+// Rounds a copy: the values may be the caller's.
+bool ZRFxResultValuesBlock::WriteRounded(const ZRString& name, int digits) {
+    if (AreVectors()) {
+        ZRVec3fArray vectors;
+        if (!vectors.SetSize(m_avResults.GetSize())) return false;
+        RoundToDigits(floatsOf(m_avResults), digits, writableFloatsOf(&vectors));
+        return WriteVectors(name, vectors);
+    }
+    ZRFloatArray scalars;
+    if (!scalars.SetSize(m_afResults.GetSize())) return false;
+    RoundToDigits(floatsOf(m_afResults), digits, writableFloatsOf(&scalars));
+    return WriteScalars(name, scalars);
+}
+
+bool ZRFxResultValuesBlock::WriteVectors(const ZRString& name, const ZRVec3fArray& vectors) {
+    return m_pDatabase->WriteDataVector(name, vectors);
+}
+
+bool ZRFxResultValuesBlock::WriteScalars(const ZRString& name, const ZRFloatArray& scalars) {
+    if (AreTensors()) return m_pDatabase->WriteDataTensor(name, scalars);
+    return m_pDatabase->WriteDataFloat(name, scalars);
 }
 
 }  // namespace unstruct

@@ -49,14 +49,24 @@ public:
     int GetMapToBlockID() const { return m_iMapToBlockID; }
     void SetMapToBlockID(int id) { m_iMapToBlockID = id; }
 
-    /// The number of components of an item, which tells the kind of the values; 1 at first.
+    /// The number of components of an item, by which the kind of the values is known; 1 at first.
     int GetNumDimensions() const { return m_iNumDimensions; }
     void SetNumDimensions(int count) { m_iNumDimensions = count; }
+
+    /// The significant digits of the values that are written, 1 to 7; 0, at first, stands for what
+    /// the database says.
+    int GetSignificantDigits() const { return m_iSignificantDigits; }
+    void SetSignificantDigits(int digits) { m_iSignificantDigits = digits; }
+
+    std::uint64_t GetDataSize() const override;
 
 protected:
     bool DoReadBlock(const nvf::XmlElement& root) override;
     bool CheckContents() const override;
     bool DoWriteBlock(nvf::XmlElement root) override;
+    void DoOutline(const nvf::XmlElement& root, ZRFxOutline* outline) const override;
+    bool FindArray(const nvf::XmlElement& root, ZRFxArrayKind kind, int group,
+                   ZRFxArrayFile* file) const override;
     void DoUnloadData() override;
 
 private:
@@ -70,9 +80,13 @@ private:
     bool FailDimensions() const;
     bool WriteItems(nvf::XmlElement root);
     bool WriteValues(const ZRString& name);
+    bool WriteRounded(const ZRString& name, int digits);
+    bool WriteVectors(const ZRString& name, const ZRVec3fArray& vectors);
+    bool WriteScalars(const ZRString& name, const ZRFloatArray& scalars);
 
     int m_iMapToBlockID = -1;
     int m_iNumDimensions = kScalarKind.Dimension();
+    int m_iSignificantDigits = 0;
     ZRFloatArray m_afResults;
     ZRVec3fArray m_avResults;
     std::unique_ptr<ZRIntArray> m_paiIDs;

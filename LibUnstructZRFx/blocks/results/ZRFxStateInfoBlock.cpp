@@ -3,6 +3,7 @@
 #include <memory>
 #include <utility>
 
+#include "blocks/ZRFxOutline.h"
 #include "documents/ZRFxXml.h"
 
 namespace unstruct {
@@ -37,6 +38,10 @@ bool ZRFxStateInfoBlock::DoReadBlock(const nvf::XmlElement& root) {
         if (!ReadState(state)) return Log().fail("Invalid XML");
     }
     return true;
+}
+
+void ZRFxStateInfoBlock::DoOutline(const nvf::XmlElement&, ZRFxOutline* outline) const {
+    for (const auto& info : m_apStateInfo) outline->stateIDs.push_back(info->stateID);
 }
 
 void ZRFxStateInfoBlock::DoUnloadData() {

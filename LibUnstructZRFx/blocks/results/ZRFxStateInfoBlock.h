@@ -55,6 +55,7 @@ public:
 protected:
     bool DoReadBlock(const nvf::XmlElement& root) override;
     void DoWriteHead(nvf::XmlElement) const override {}
+    void DoOutline(const nvf::XmlElement& root, ZRFxOutline* outline) const override;
     void DoUnloadData() override;
 
 private:

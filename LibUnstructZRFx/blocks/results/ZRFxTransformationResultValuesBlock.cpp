@@ -1,5 +1,6 @@
 #include "blocks/results/ZRFxTransformationResultValuesBlock.h"
 
+#include "blocks/ZRFxOutline.h"
 #include "documents/ZRFxXml.h"
 
 namespace unstruct {
@@ -31,6 +32,12 @@ bool ZRFxTransformationResultValuesBlock::DoWriteBlock(nvf::XmlElement root) {
     root.setAttributeInt("MapToBlockType", m_iMapToBlockType);
     WriteMatrix(root, m_matrix);
     return true;
+}
+
+void ZRFxTransformationResultValuesBlock::DoOutline(const nvf::XmlElement& root,
+                                                    ZRFxOutline* outline) const {
+    outline->AddBlock(root.getAttributeInt("MapToBlockType", kInvalidBlockType),
+                      root.getAttributeInt("MapToBlockID", -1), "target block");
 }
 
 void ZRFxTransformationResultValuesBlock::DoUnloadData() {

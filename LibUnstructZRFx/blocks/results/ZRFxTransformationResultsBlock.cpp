@@ -1,5 +1,6 @@
 #include "blocks/results/ZRFxTransformationResultsBlock.h"
 
+#include "blocks/ZRFxOutline.h"
 #include "documents/ZRFxXml.h"
 
 namespace unstruct {
@@ -10,6 +11,11 @@ ZRFxTransformationResultsBlock::ZRFxTransformationResultsBlock(ZRFxBlockStore* p
 void ZRFxTransformationResultsBlock::DoWriteHead(nvf::XmlElement root) const {
     SetAttribute(root, "Name", m_sName);
     root.setAttributeInt("ResultID", m_iResultID);
+}
+
+void ZRFxTransformationResultsBlock::DoOutline(const nvf::XmlElement&, ZRFxOutline* outline) const {
+    outline->result = ZRFxResultOutline{m_iResultID, std::nullopt, false};
+    OutlineStates(BLOCK_TRANSFORMATION_RESULT_VALUES, outline);
 }
 
 bool ZRFxTransformationResultsBlock::DoReadMetaData(const nvf::XmlElement& root) {

@@ -19,6 +19,7 @@ public:
 protected:
     bool DoReadMetaData(const nvf::XmlElement& root) override;
     void DoWriteHead(nvf::XmlElement root) const override;
+    void DoOutline(const nvf::XmlElement& root, ZRFxOutline* outline) const override;
 
 private:
     ZRString m_sName;

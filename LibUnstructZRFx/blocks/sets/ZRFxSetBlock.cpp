@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "blocks/ZRFxOutline.h"
 #include "documents/ZRFxXml.h"
 
 namespace unstruct {
@@ -32,6 +33,12 @@ std::int64_t ZRFxSetBlock::GetTotalNumItems() const {
     return IsRead() ? CountItems() : m_iStoredNumItems;
 }
 
+std::uint64_t ZRFxSetBlock::GetDataSize() const {
+    std::uint64_t size = 0;
+    for (const auto& items : m_apSetBlockItems) size += items->m_aiItems.SizeInBytes();
+    return size;
+}
+
 bool ZRFxSetBlock::DoReadBlock(const nvf::XmlElement& root) {
     DoUnloadData();
     if (!DoReadMetaData(root)) return false;
@@ -45,7 +52,7 @@ bool ZRFxSetBlock::DoReadBlock(const nvf::XmlElement& root) {
 bool ZRFxSetBlock::CheckContents() const {
     if (m_iItemType != kItemTypeElement) return FailType();
     return std::all_of(m_apSetBlockItems.begin(), m_apSetBlockItems.end(),
-                       [this](const auto& pSetItems) { return CheckItems(*pSetItems); });
+                       [this](const auto& setItems) { return CheckItems(*setItems); });
 }
 
 bool ZRFxSetBlock::DoWriteBlock(nvf::XmlElement root) {
@@ -61,13 +68,22 @@ bool ZRFxSetBlock::DoWriteBlock(nvf::XmlElement root) {
     return true;
 }
 
+void ZRFxSetBlock::DoOutline(const nvf::XmlElement& root, ZRFxOutline* outline) const {
+    int group = 0;
+    for (nvf::XmlElement element = root.firstChildElement("Items"); element.notNull();
+         element = element.nextSiblingElement("Items")) {
+        outline->AddBlock(BLOCK_ELEMENTS, element.getAttributeInt("BlockID", -1),
+                          NumberedPlace("group", group++));
+    }
+}
+
 void ZRFxSetBlock::DoUnloadData() {
     m_apSetBlockItems.RemoveAll();
 }
 
 std::int64_t ZRFxSetBlock::CountItems() const {
     std::int64_t count = 0;
-    for (const auto& pSetItems : m_apSetBlockItems) count += pSetItems->m_aiItems.GetSize();
+    for (const auto& setItems : m_apSetBlockItems) count += setItems->m_aiItems.GetSize();
     return count;
 }
 
@@ -81,15 +97,15 @@ bool ZRFxSetBlock::DoReadMetaData(const nvf::XmlElement& root) {
 }
 
 bool ZRFxSetBlock::ReadItems(const nvf::XmlElement& element) {
-    auto pSetItems = std::make_unique<ZRFxSetBlockItems>();
-    pSetItems->m_iBlockID = element.getAttributeInt("BlockID", -1);
-    pSetItems->m_iBlockType = element.getAttributeInt("BlockType", kInvalidBlockType);
-    if (pSetItems->m_iBlockType != BLOCK_ELEMENTS) return FailType();
-    if (!ReadFile(element, "File", &pSetItems->m_aiItems)) {
+    auto setItems = std::make_unique<ZRFxSetBlockItems>();
+    setItems->m_iBlockID = element.getAttributeInt("BlockID", -1);
+    setItems->m_iBlockType = element.getAttributeInt("BlockType", kInvalidBlockType);
+    if (setItems->m_iBlockType != BLOCK_ELEMENTS) return FailType();
+    if (!ReadFile(element, "File", &setItems->m_aiItems)) {
         return Log().fail("Error reading set data");
     }
-    if (!CheckItems(*pSetItems)) return false;
-    m_apSetBlockItems.Add(std::move(pSetItems));
+    if (!CheckItems(*setItems)) return false;
+    m_apSetBlockItems.Add(std::move(setItems));
     return true;
 }
 

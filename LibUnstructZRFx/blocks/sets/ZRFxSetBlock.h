@@ -49,10 +49,13 @@ public:
     int GetItemType() const { return m_iItemType; }
     void SetItemType(int type) { m_iItemType = type; }
 
+    std::uint64_t GetDataSize() const override;
+
 protected:
     bool DoReadBlock(const nvf::XmlElement& root) override;
     bool CheckContents() const override;
     bool DoWriteBlock(nvf::XmlElement root) override;
+    void DoOutline(const nvf::XmlElement& root, ZRFxOutline* outline) const override;
     void DoUnloadData() override;
 
 private:
