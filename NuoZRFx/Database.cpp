@@ -8,7 +8,9 @@
 #include "File_p.h"
 #include "Log_p.h"
 #include "NuoZRFx/File.h"
+#include "NuoZRFx/ResultBlock.h"
 #include "NuoZRFx/SetBlock.h"
+#include "PartReader_p.h"
 #include "UnusedId_p.h"
 #include "nvf/Assert.h"
 
@@ -16,6 +18,7 @@ namespace nuo::zrfx {
 namespace {
 
 using nvf::Reason;
+using unstruct::ZRFxArrayKind;
 using unstruct::ZRFxBlock;
 using unstruct::ZRFxDatabase;
 
@@ -45,6 +48,7 @@ PtrRef<Block> readBlock(ZRFxDatabase& database, const ZRFxBlock* entry, const Re
         return nullptr;
     }
     const nvf::ref<ZRFxBlock> block = database.OpenBlock(entry->GetType(), entry->GetID());
+    const nvf::Progress::Count count(nvf::Progress::current() ? database.GetStoredSize(*entry) : 0);
     if (block.isNull() || !block->ReadBlock()) {
         fail(request.unreadable, static_cast<int>(request.type), request.number);
         return nullptr;
@@ -125,10 +129,14 @@ bool Database::writeBlock(const Block* block) {
             return fail("Cannot write block, weak validity check failed. (block id %1).",
                         block->blockId());
         }
+        const nvf::Progress progress(m_private->progress());
+        const nvf::Progress::Count count(zrfxBlock->GetDataSize());
+        const Digits::Scope digits(&m_private->m_digits, zrfxBlock);
         if (!zrfxBlock->WriteBlock(database)) {
             return fail("Error writing block to database. (block id %1, database id %2).",
                         block->blockId(), id());
         }
+        m_private->m_isWarnedOfMisfits = false;
         if (zrfxBlock->GetType() == unstruct::BLOCK_GEOMETRY)
             m_private->m_isGeometryBlockWritten = true;
         if (zrfxBlock->GetType() == unstruct::BLOCK_STATE_INFO) {
@@ -172,8 +180,20 @@ int Database::unusedBlockId(Block::BlockType type) const {
     });
 }
 
+std::vector<Str> Database::check() const {
+    return guarded([&] {
+        std::vector<Str> findings;
+        if (!m_private->openDatabase("check")) return findings;
+        for (const std::string& sentence : m_private->misfits()) {
+            findings.push_back(Convert::toStr(sentence));
+        }
+        return findings;
+    });
+}
+
 PtrRef<Block> Database::blockByIndex(Block::BlockType type, std::size_t index) {
     return noted(m_private, Reason::DAMAGED, [&]() -> PtrRef<Block> {
+        const nvf::Progress progress(m_private->progress());
         const ZRFxBlock* entry = entryAt(type, index);
         if (!m_private->m_zrfxDatabase || (entry && type == Block::SET)) return nullptr;
         return readBlock(*m_private->m_zrfxDatabase, entry, byIndex(type, index));
@@ -182,6 +202,7 @@ PtrRef<Block> Database::blockByIndex(Block::BlockType type, std::size_t index) {
 
 PtrRef<Block> Database::blockById(Block::BlockType type, int id) {
     return noted(m_private, Reason::DAMAGED, [&]() -> PtrRef<Block> {
+        const nvf::Progress progress(m_private->progress());
         const ZRFxBlock* entry = entryOf(type, id);
         if (!m_private->m_zrfxDatabase || (entry && type == Block::SET)) return nullptr;
         return readBlock(*m_private->m_zrfxDatabase, entry, byId(type, id));
@@ -190,6 +211,7 @@ PtrRef<Block> Database::blockById(Block::BlockType type, int id) {
 
 PtrRef<SetBlock> Database::setBlockByIndex(std::size_t index) {
     return noted(m_private, Reason::DAMAGED, [&]() -> PtrRef<SetBlock> {
+        const nvf::Progress progress(m_private->progress());
         const ZRFxBlock* entry = entryAt(Block::SET, index);
         if (!m_private->m_zrfxDatabase) return nullptr;
         return static_cast<SetBlock*>(
@@ -199,10 +221,101 @@ PtrRef<SetBlock> Database::setBlockByIndex(std::size_t index) {
 
 PtrRef<SetBlock> Database::setBlockById(int id) {
     return noted(m_private, Reason::DAMAGED, [&]() -> PtrRef<SetBlock> {
+        const nvf::Progress progress(m_private->progress());
         const ZRFxBlock* entry = entryOf(Block::SET, id);
         if (!m_private->m_zrfxDatabase) return nullptr;
         return static_cast<SetBlock*>(
             readBlock(*m_private->m_zrfxDatabase, entry, byId(Block::SET, id)).p());
+    });
+}
+
+template <typename Operation>
+auto Database::readingParts(const char* operation, Operation run) {
+    return noted(m_private, Reason::DAMAGED, [&] {
+        ZRFxDatabase* const database = m_private->openDatabase(operation);
+        if (!database) return decltype(run(std::declval<PartReader&>()))();
+        PartReader reader(*database);
+        return run(reader);
+    });
+}
+
+std::size_t Database::itemCount(Block::BlockType type, int id) {
+    std::size_t count = 0;
+    readingParts("itemCount", [&](PartReader& reader) {
+        const auto outline = reader.outlineOf(type, id);
+        if (!outline) return false;
+        if (outline->counts) count = static_cast<std::size_t>(outline->counts->items);
+        if (outline->values) count = static_cast<std::size_t>(outline->values->numItems);
+        return outline->counts || outline->values ||
+               failBecause(Reason::INVALID_ARGUMENT, "Blocks of type %1 have no items.",
+                           static_cast<int>(type));
+    });
+    return count;
+}
+
+std::vector<ElementGroupSize> Database::elementGroupSizes(int elementBlockId) {
+    std::vector<ElementGroupSize> sizes;
+    readingParts("elementGroupSizes", [&](PartReader& reader) {
+        const auto outline = reader.outlineOf(Block::ELEMENTS, elementBlockId);
+        if (!outline) return false;
+        for (const unstruct::ZRFxGroupOutline& group : outline->groups) {
+            sizes.push_back({ZRConvert::toElementType(group.type),
+                             static_cast<std::size_t>(group.numElements)});
+        }
+        return true;
+    });
+    return sizes;
+}
+
+bool Database::readCoordinates(int nodeBlockId, std::size_t firstNode, Span<float> coordinates) {
+    return readingParts("readCoordinates", [&](PartReader& reader) {
+        return reader.read(Block::NODES, nodeBlockId, ZRFxArrayKind::POSITIONS, 0, firstNode,
+                           coordinates);
+    });
+}
+
+bool Database::readNodeIds(int nodeBlockId, std::size_t firstNode, Span<int> ids) {
+    return readingParts("readNodeIds", [&](PartReader& reader) {
+        return reader.read(Block::NODES, nodeBlockId, ZRFxArrayKind::IDS, 0, firstNode, ids);
+    });
+}
+
+bool Database::readElementNodes(int elementBlockId, std::size_t groupIndex,
+                                std::size_t firstElement, Span<int> nodes) {
+    return readingParts("readElementNodes", [&](PartReader& reader) {
+        return reader.read(Block::ELEMENTS, elementBlockId, ZRFxArrayKind::NODES, groupIndex,
+                           firstElement, nodes);
+    });
+}
+
+bool Database::readElementIds(int elementBlockId, std::size_t groupIndex, std::size_t firstElement,
+                              Span<int> ids) {
+    return readingParts("readElementIds", [&](PartReader& reader) {
+        return reader.read(Block::ELEMENTS, elementBlockId, ZRFxArrayKind::IDS, groupIndex,
+                           firstElement, ids);
+    });
+}
+
+bool Database::readResultValues(int resultValuesBlockId, std::size_t firstItem,
+                                Span<float> values) {
+    return readingParts("readResultValues", [&](PartReader& reader) {
+        return reader.read(Block::RESULT_VALUES, resultValuesBlockId, ZRFxArrayKind::VALUES, 0,
+                           firstItem, values);
+    });
+}
+
+bool Database::readMapToItemIds(int resultValuesBlockId, std::size_t firstItem, Span<int> ids) {
+    return readingParts("readMapToItemIds", [&](PartReader& reader) {
+        return reader.read(Block::RESULT_VALUES, resultValuesBlockId, ZRFxArrayKind::IDS, 0,
+                           firstItem, ids);
+    });
+}
+
+bool Database::readHistory(const ResultBlock& result, int targetBlockId, std::size_t item,
+                           Span<float> values) {
+    return readingParts("readHistory", [&](PartReader& reader) {
+        const auto* block = static_cast<unstruct::ZRFxResultBlock*>(result.internal_zrfxBlock());
+        return block && reader.readHistory(*block, targetBlockId, item, values);
     });
 }
 
@@ -231,6 +344,7 @@ bool Database::create(File* file, const Str& name, int id, SimulationType simula
     FilePrivate::Items<Database>::NewId newId(&file->m_private->databases(), id);
     m_private->m_zrfxDatabase = std::make_unique<ZRFxDatabase>(file->writableAccess());
     m_private->m_zrfxDatabase->SetTextMode(!file->settings()->binary);
+    m_private->m_zrfxDatabase->SetSignificantDigits(file->settings()->significantDigits);
     if (!m_private->m_zrfxDatabase->Create(ZRConvert::toZRString(name), id, unstruct::ZRString(),
                                            ZRConvert::fromSimulationType(simulationType),
                                            ZRConvert::fromSolutionType(solutionType),
@@ -238,6 +352,7 @@ bool Database::create(File* file, const Str& name, int id, SimulationType simula
         return fail("Error creating database.");
     }
     m_private->m_id = id;
+    m_private->m_progress = file->m_private->progress();
     newId.giveTo(this);
     return true;
 }
@@ -254,6 +369,7 @@ bool Database::attach(File* file, int id) {
     m_private->m_zrfxDatabase = std::make_unique<ZRFxDatabase>(file->internal_access());
     m_private->m_zrfxDatabase->SetTextMode(!file->settings()->binary);
     m_private->m_id = id;
+    m_private->m_progress = file->m_private->progress();
     return file->addDatabase(this) || fail("Could not register database instance.");
 }
 

@@ -1,5 +1,8 @@
 #include "Database_p.h"
 
+#include <algorithm>
+#include <utility>
+
 #include "Convert_p.h"
 #include "Log_p.h"
 #include "NuoZRFx/ElementBlock.h"
@@ -13,11 +16,33 @@
 #include "NuoZRFx/TransformationResultBlock.h"
 #include "NuoZRFx/TransformationResultValuesBlock.h"
 #include "blocks/ZROZRFxBlocks.h"
+#include "database/ZRFxModelCheck.h"
 #include "nvf/Assert.h"
 
 namespace nuo::zrfx {
 
 using namespace unstruct;
+
+namespace {
+
+std::string sentenceOf(const ZRFxFinding& finding) {
+    std::string text =
+        ZRFxBlockTypeName(finding.type).Bytes() + " block " + std::to_string(finding.id);
+    if (!finding.place.empty()) text += ", " + finding.place;
+    return text + ": " + finding.message + ".";
+}
+
+std::vector<std::string> sentencesOf(const std::vector<ZRFxFinding>& findings) {
+    std::vector<std::string> sentences;
+    for (const ZRFxFinding& finding : findings) {
+        if (finding.isError) sentences.push_back(sentenceOf(finding));
+    }
+    return sentences;
+}
+
+constexpr std::size_t kMostWarnings = 10;
+
+}  // namespace
 
 bool DatabasePrivate::writeDelayed() {
     if (!m_zrfxDatabase) return false;
@@ -38,6 +63,25 @@ bool DatabasePrivate::flush() {
     if (!m_zrfxDatabase) return false;
     return !m_zrfxDatabase->IsTOCModified() || m_zrfxDatabase->WriteTOC() ||
            fail("Error writing database TOC. (database id %1).", m_id);
+}
+
+std::vector<std::string> DatabasePrivate::misfits() const {
+    if (!m_zrfxDatabase) return {};
+    return sentencesOf(ZRFxModelCheck(*m_zrfxDatabase).CheckAll());
+}
+
+// A mistake made for each block of a large model is reported for the first few.
+void DatabasePrivate::warnOfMisfits() {
+    if (!m_zrfxDatabase || !nvf::interfaceLogger()->isWarningEnabled()) return;
+    if (std::exchange(m_isWarnedOfMisfits, true)) return;
+    const auto sentences = sentencesOf(ZRFxModelCheck(*m_zrfxDatabase).CheckWritten());
+    const std::size_t count = std::min(sentences.size(), kMostWarnings);
+    for (std::size_t i = 0; i < count; ++i) {
+        nvf::interfaceLogger()->warn("%1 (database id %2)", sentences[i], m_id);
+    }
+    if (count == sentences.size()) return;
+    nvf::interfaceLogger()->warn("%1 more blocks do not fit. (database id %2)",
+                                 sentences.size() - count, m_id);
 }
 
 ZRFxDatabase* DatabasePrivate::openDatabase(const char* operation) const {

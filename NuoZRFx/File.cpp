@@ -40,7 +40,10 @@ File::~File() = default;
 
 template <typename Open>
 bool File::opened(Open open) {
-    return noted(m_private, Reason::DAMAGED, [&] { return m_private->openOrDrop(open); });
+    return noted(m_private, Reason::DAMAGED, [&] {
+        const nvf::Progress progress(*m_private->progress());
+        return m_private->openOrDrop(open);
+    });
 }
 
 bool File::create(const Str& fileName, const FileSettings& settings) {
@@ -67,6 +70,10 @@ bool File::create(const Str& fileName, const FileSettings& settings) {
     });
 }
 
+void File::setThreads(int threads) {
+    if (!m_private.isNull()) m_private->setThreads(threads);
+}
+
 bool File::open(const Str& fileName) {
     return open(fileName, Str());
 }
@@ -74,10 +81,8 @@ bool File::open(const Str& fileName) {
 bool File::open(const Str& fileName, const Str& password) {
     return opened([&] {
         if (!m_private->begin(fileName)) return false;
-        if (!m_private->access()->Open(ZRConvert::toZRString(fileName),
-                                       ZRZipAccessMode::READ_ONLY)) {
+        if (!m_private->openAccess(fileName, ZRZipAccessMode::READ_ONLY))
             return fail("Error opening file.");
-        }
         if (!m_private->takeFileProperties(fileName, password)) {
             m_private->access()->Abandon();
             return fail("Error opening file.");
@@ -94,9 +99,8 @@ bool File::openForAppend(const Str& fileName, const Str& password) {
     close();
     return opened([&] {
         if (!m_private->begin(fileName)) return false;
-        if (!m_private->access()->Open(ZRConvert::toZRString(fileName), ZRZipAccessMode::UPDATE)) {
+        if (!m_private->openAccess(fileName, ZRZipAccessMode::UPDATE))
             return fail("Error creating file.");
-        }
         if (!m_private->takeFileProperties(fileName, password) || !m_private->renewVendorInfo()) {
             m_private->access()->Abandon();
             return fail("Error creating file.");
@@ -109,6 +113,7 @@ bool File::flush() {
     return noted(m_private, Reason::SYSTEM_ERROR, [&] {
         if (!m_private->isOpen()) return refuse(Reason::NOT_OPEN, kNotOpen);
         if (m_private->isReadOnly()) return failBecause(Reason::READ_ONLY, "Error writing file.");
+        const nvf::Progress progress(*m_private->progress());
         for (const auto& database : m_private->databases()) {
             if (!database->m_private->flush()) {
                 return fail("Could not write database (id %1) to file.", database->id());
@@ -121,6 +126,7 @@ bool File::flush() {
 bool File::close() {
     return noted(m_private, Reason::SYSTEM_ERROR, [&] {
         if (!m_private->isOpen()) return refuse(Reason::NOT_OPEN, kNotOpen);
+        const nvf::Progress progress(*m_private->progress());
         if (!m_private->isReadOnly() && !(writeDatabases() && writeCases())) return false;
         if (!m_private->access()->Close()) return fail("Error writing file.");
         m_private->drop();
@@ -132,6 +138,7 @@ bool File::closeAs(const Str& fileName) {
     return noted(m_private, Reason::SYSTEM_ERROR, [&] {
         if (!m_private->isOpen()) return refuse(Reason::NOT_OPEN, kNotOpen);
         if (m_private->isReadOnly()) return failBecause(Reason::READ_ONLY, "Error writing file.");
+        const nvf::Progress progress(*m_private->progress());
         if (!writeDatabases() || !writeCases()) return false;
         if (!m_private->access()->CloseAs(ZRConvert::toZRString(fileName))) {
             return fail("Error writing file.");
@@ -157,6 +164,7 @@ bool File::refresh(bool* isChanged) {
             return failBecause(Reason::INVALID_ARGUMENT,
                                "A file that is open for writing cannot be refreshed.");
         }
+        const nvf::Progress progress(*m_private->progress());
         unstruct::ZRFxArchiveChanges changes;
         if (!m_private->access()->Refresh(&changes)) return fail("Error refreshing file.");
         if (isChanged) *isChanged = changes.bAny;
@@ -165,6 +173,10 @@ bool File::refresh(bool* isChanged) {
         m_private->forgetUserTextEntries();
         return refreshDatabases(changes) && refreshCases(changes);
     });
+}
+
+void File::setProgressCallback(ProgressCallback callback) {
+    guarded([&] { *m_private->progress() = std::move(callback); });
 }
 
 const Error& File::lastError() const {
@@ -306,6 +318,7 @@ bool File::addCase(Case* fileCase) {
 
 // A file that could not be read completely is closed again: which ids it uses is not known.
 bool File::readRegistries() {
+    const nvf::Progress::Part part(0.5);
     const ZRFxAccess::BoundedReading bounded(m_private->access());
     if (readDatabases() && readCases()) return true;
     m_private->dropAll();
@@ -318,6 +331,7 @@ bool File::readDatabases() {
     if (!m_private->access()->GetNumDatabases(&count)) return fail("Error opening file.");
     std::set<int> documents;
     for (int index = 0; index < count; ++index) {
+        const nvf::Progress::Part part(1.0 / count);
         unstruct::ZRFxDatabaseInfo info;
         m_private->access()->GetDatabaseInfo(index, &info);
         // An id that is in use has a message of its own.
@@ -395,6 +409,7 @@ bool File::writeDatabases() {
         if (!database->m_private->writeDelayed()) {
             return fail("Could not write database (id %1) to file.", database->id());
         }
+        database->m_private->warnOfMisfits();
     }
     return true;
 }

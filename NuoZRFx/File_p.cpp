@@ -26,6 +26,12 @@ void FilePrivate::reset() {
     dropAll();
     m_zrfxAccess = std::make_unique<ZRFxAccess>();
     m_settings = FileSettings();
+    setThreads(m_threads);
+}
+
+void FilePrivate::setThreads(int threads) {
+    m_threads = m_settings.threads = threads;
+    if (m_zrfxAccess) m_zrfxAccess->SetThreads(threads);
 }
 
 bool FilePrivate::begin(const Str& fileName) {
@@ -39,6 +45,11 @@ bool FilePrivate::begin(const Str& fileName) {
     return true;
 }
 
+bool FilePrivate::openAccess(const Str& fileName, unstruct::ZRZipAccessMode mode) {
+    const nvf::Progress::Part part(0.5);
+    return m_zrfxAccess->Open(ZRConvert::toZRString(fileName), mode);
+}
+
 void FilePrivate::applyCompression() {
     m_zrfxAccess->SetCompression(std::clamp(m_settings.compressionLevel, 0, 9),
                                  ZRFxAccess::kDefaultSmartness, ZRFxAccess::kDefaultBufferSize,
@@ -49,8 +60,10 @@ void FilePrivate::takeSettings(const FileSettings& settings) {
     m_settings.binary = settings.binary;
     m_settings.digitallySigned = settings.digitallySigned;
     m_settings.compressionLevel = settings.compressionLevel;
+    m_settings.significantDigits = settings.significantDigits;
     m_settings.vendorName = settings.vendorName;
     m_settings.applicationName = settings.applicationName;
+    setThreads(settings.threads);
 }
 
 bool FilePrivate::setPassword(const Str& password) {

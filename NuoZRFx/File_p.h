@@ -11,6 +11,7 @@
 #include "NuoZRFx/FileSettings.h"
 #include "ZRMakeRoom.h"
 #include "access/ZROZRFxAccess.h"
+#include "nvf/Progress.h"
 
 namespace nuo::zrfx {
 
@@ -87,11 +88,17 @@ public:
     Items<Case>& cases() { return m_cases; }
     const FileSettings& settings() const { return m_settings; }
 
+    /// What is called while operations go on; shared with the databases.
+    const std::shared_ptr<nvf::Progress::Report>& progress() const { return m_progress; }
+
     /// A new, closed archive and default settings, in place of what was there.
     void reset();
 
     /// What opening a file begins with: checks, then a new archive.
     bool begin(const Str& fileName);
+
+    /// Opens the archive; what comes after it takes about as long.
+    bool openAccess(const Str& fileName, unstruct::ZRZipAccessMode mode);
 
     /// Runs what opens or creates a file. When it throws, nothing is open afterwards.
     template <typename Open>
@@ -110,6 +117,9 @@ public:
 
     /// Takes all settings over but the password, of which no copy is kept.
     void takeSettings(const FileSettings& settings);
+
+    /// For this archive and those after it.
+    void setThreads(int threads);
 
     /// Sets the password of the open archive; an empty one sets none.
     bool setPassword(const Str& password);
@@ -155,6 +165,9 @@ private:
     unstruct::ZRStringArray m_userTextEntries;
     std::unique_ptr<unstruct::ZRFxAccess> m_zrfxAccess;
     FileSettings m_settings;
+    const std::shared_ptr<nvf::Progress::Report> m_progress =
+        std::make_shared<nvf::Progress::Report>();
+    int m_threads = 0;
 };
 
 }  // namespace nuo::zrfx

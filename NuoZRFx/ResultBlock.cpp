@@ -38,6 +38,7 @@ public:
 
     void indexAttributes() {
         const auto& attributes = description().attributes;
+        m_attributeIndices.clear();
         for (std::size_t i = 0; i < attributes.size(); ++i) {
             m_attributeIndices.try_emplace(attributes[i].first, i);
         }
@@ -107,6 +108,21 @@ int ResultBlock::resultId() const {
 
 void ResultBlock::setResultId(int resultId) {
     change(*this, [&] { m_private->description().resultID = resultId; });
+}
+
+int ResultBlock::significantDigits() const {
+    return guarded([&] { return m_private->description().GetSignificantDigits(); });
+}
+
+void ResultBlock::setSignificantDigits(int digits) {
+    if (!nvf::requireThat("digits", digits >= 0, "setSignificantDigits: %1 digits are none",
+                          digits)) {
+        return;
+    }
+    change(*this, [&] {
+        m_private->description().SetSignificantDigits(digits);
+        m_private->indexAttributes();
+    });
 }
 
 ResultBlock::StrainType ResultBlock::strainType() const {

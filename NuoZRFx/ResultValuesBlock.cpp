@@ -220,6 +220,18 @@ bool ResultValuesBlock::setResultValueData(Span<const float> resultValues,
     });
 }
 
+int ResultValuesBlock::significantDigits() const {
+    return guarded([&] { return m_private->m_resultValuesBlock->GetSignificantDigits(); });
+}
+
+void ResultValuesBlock::setSignificantDigits(int digits) {
+    if (!nvf::requireThat("digits", digits >= 0, "setSignificantDigits: %1 digits are none",
+                          digits)) {
+        return;
+    }
+    guarded([&] { m_private->m_resultValuesBlock->SetSignificantDigits(digits); });
+}
+
 std::size_t ResultValuesBlock::itemCount() const {
     return guarded(
         [&] { return static_cast<std::size_t>(m_private->m_resultValuesBlock->GetNumItems()); });

@@ -3,6 +3,7 @@
 #include "NuoCore/CoreComponent.h"
 #include "NuoCore/Instance.h"
 #include "NuoCore/LogManager.h"
+#include "container/ZRFxThreads.h"
 #include "nuo/Convert.h"
 #include "nuo/Guard.h"
 #include "nuo/Version.h"
@@ -63,6 +64,10 @@ bool ZRFxComponent::initialize(Instance* instance) {
 
 bool ZRFxComponent::isInitialized() {
     return s_isInitialized;
+}
+
+void ZRFxComponent::setThreads(int threads) {
+    unstruct::ZRFxThreads::SetLimit(threads);
 }
 
 unsigned int ZRFxComponent::version() {

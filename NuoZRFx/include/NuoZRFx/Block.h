@@ -10,12 +10,13 @@ class ZRFxBlock;
 namespace nuo::zrfx {
 
 /// Base of all blocks: a numbered unit of model or result data. Fill one and hand it to
-/// Database::writeBlock, or get one from Database::blockByIndex. Ids are the caller's, unique for
-/// each type within a database. One array holds less than 4 GiB: 357 million nodes, or a billion
-/// node references or values. Used by one thread at a time. An operation that runs out of memory
-/// fails with a message and leaves the block as it was; a block that could not be constructed fails
-/// in every operation. When an operation that returns nothing ran out of memory, the block cannot
-/// be written any more, so that no file lacks what was lost.
+/// Database::writeBlock, or get one from Database::blockByIndex. Ids are the caller's, 0 or more
+/// and unique for each type within a database; indices count from 0. Files hold no units: lengths,
+/// times and values are in the model's own. One array holds less than 4 GiB: 357 million nodes, or
+/// a billion node references or values. Used by one thread at a time. An operation that runs out of
+/// memory fails with a message and leaves the block as it was; a block that could not be
+/// constructed fails in every operation. When an operation that returns nothing ran out of memory,
+/// the block cannot be written any more, so that no file lacks what was lost.
 class NUO_API Block : public RefCountedObject {
 public:
     enum BlockType : int {
@@ -45,6 +46,7 @@ public:
     bool internal_isIncomplete() const { return m_isIncomplete; }
     void internal_setIncomplete() { m_isIncomplete = true; }
 
+    /// As given to the constructor.
     int blockId() const { return m_blockId; }
     BlockType blockType() const { return m_blockType; }
 

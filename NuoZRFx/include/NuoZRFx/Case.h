@@ -36,9 +36,13 @@ public:
     /// false or null. No error after an operation that did not fail.
     const Error& lastError() const;
 
+    /// -1 when the case could not be made.
     int id() const;
+
+    /// The database that is shown.
     int databaseId() const;
 
+    /// The title of the view; must not be empty.
     Str name() const;
     void setName(const Str& name);
 
@@ -58,7 +62,7 @@ public:
     void setSnapshot(Image* image);
 
     /// The textures of parts, in the order of the archive, under the names that they were added
-    /// with.
+    /// with; an empty name, with a message, when there is no such texture.
     std::size_t imageCount() const;
     Str imageName(std::size_t index) const;
 

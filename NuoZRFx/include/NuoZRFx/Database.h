@@ -8,13 +8,16 @@
 #include "NuoCore/PrivatePtr.h"
 #include "NuoCore/PtrRef.h"
 #include "NuoCore/RefCountedObject.h"
+#include "NuoCore/Span.h"
 #include "NuoCore/Str.h"
 #include "NuoZRFx/Block.h"
+#include "NuoZRFx/ElementGroupSize.h"
 #include "NuoZRFx/Error.h"
 
 namespace nuo::zrfx {
 
 class File;
+class ResultBlock;
 class SetBlock;
 
 /// One model of a file: its nodes, elements, geometry, states, results and sets, as blocks. It
@@ -65,7 +68,11 @@ public:
     /// false or null. No error after an operation that did not fail.
     const Error& lastError() const;
 
+    /// -1 when the database could not be made; it stays when the file is closed.
     int id() const;
+
+    /// What the database was made with; empty, OTHER_SIMULATION and OTHER_SOLUTION when its file is
+    /// closed.
     Str name() const;
     Str description() const;
     SimulationType simulationType() const;
@@ -80,6 +87,7 @@ public:
     /// written again.
     bool writeBlock(const Block* block);
 
+    /// 0, after an assertion, when the file is closed.
     std::size_t blockCount(Block::BlockType type) const;
 
     /// The id of the block at an index below blockCount(type), in ascending order; -1 otherwise.
@@ -91,6 +99,16 @@ public:
     /// An id that no block of a type has: one more than the largest in use, 1 at first. When the
     /// largest is INT_MAX, the lowest free one.
     int unusedBlockId(Block::BlockType type) const;
+
+    /// What does not fit together in this database, one sentence each; empty when all is well:
+    /// values that are not as many as the items that they belong to or have other components than
+    /// their result's type, references to blocks, states, results and cases that are missing, ids
+    /// used twice. Of nodes that elements refer to by index, only those are seen that were written
+    /// through this object. Reads the documents of blocks that other programs have written, but no
+    /// data. `close` logs the same about the blocks that were written, as warnings.
+    ///
+    ///     for (const nuo::Str& finding : database->check()) std::cerr << finding << "\n";
+    std::vector<Str> check() const;
 
     /// Reads a block with all its data into a new object of the class of its type, to which the
     /// result may be cast. The object stays usable after the file is closed. Null, with a message,
@@ -135,6 +153,43 @@ public:
                           });
     }
 
+    // Parts of arrays, read into memory that the caller gives. Only the pieces of the file that
+    // hold them are unpacked, so that a few items of a large array take little time; a stored array
+    // costs no more than its part. A text file is read as a whole. Each gives false, with a
+    // message, when there is no such block, group or array, when it has fewer items, and when it
+    // cannot be read; what is in the memory then means nothing. The checksum of each piece is
+    // checked, but not that of a part of a stored array.
+
+    /// The number of nodes, elements or result values of a block, by its document. 0, with a
+    /// message, when there is no such block, it cannot be read, or is of another type.
+    std::size_t itemCount(Block::BlockType type, int id);
+
+    /// Type and number of the elements of each group of an element block; empty, with a message,
+    /// when there is no such block or it cannot be read.
+    std::vector<ElementGroupSize> elementGroupSizes(int elementBlockId);
+
+    /// x y z of nodes from an index on: three floats each.
+    bool readCoordinates(int nodeBlockId, std::size_t firstNode, Span<float> coordinates);
+    bool readNodeIds(int nodeBlockId, std::size_t firstNode, Span<int> ids);
+
+    /// The nodes of elements of a group, element after element, as many each as the type has. Not
+    /// for polyhedrons.
+    bool readElementNodes(int elementBlockId, std::size_t groupIndex, std::size_t firstElement,
+                          Span<int> nodes);
+    bool readElementIds(int elementBlockId, std::size_t groupIndex, std::size_t firstElement,
+                        Span<int> ids);
+
+    /// Values of items from an index on, item after item, and the ids that they belong to.
+    bool readResultValues(int resultValuesBlockId, std::size_t firstItem, Span<float> values);
+    bool readMapToItemIds(int resultValuesBlockId, std::size_t firstItem, Span<int> ids);
+
+    /// The values of one item of a block of nodes or elements in all states of a result: for each
+    /// state as many floats as the result's type has. Where there are none, they are undefined
+    /// (not below 2.99e38). The item is given by its index; results on element nodes or surfaces
+    /// count these. Reads a piece per state, and values that name their items whole.
+    bool readHistory(const ResultBlock& result, int targetBlockId, std::size_t item,
+                     Span<float> values);
+
 private:
     friend class File;
     friend class FilePrivate;
@@ -146,6 +201,8 @@ private:
     void refuse();
     const unstruct::ZRFxBlock* entryAt(Block::BlockType type, std::size_t index) const;
     const unstruct::ZRFxBlock* entryOf(Block::BlockType type, int id) const;
+    template <typename Operation>
+    auto readingParts(const char* operation, Operation run);
 
     PrivatePtr<class DatabasePrivate> m_private;
 };

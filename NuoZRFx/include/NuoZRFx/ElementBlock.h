@@ -48,8 +48,11 @@ public:
     /// The name of an enumerator, such as "QUADS"; empty for a value that is none.
     static const char* elementTypeName(ElementType elementType);
 
-    /// The number of nodes of an element; for POLYHEDRONS, where it varies, the largest value.
+    /// The number of nodes of an element; for POLYHEDRONS, where it varies, the largest value. 0
+    /// for UNKNOWN.
     static std::size_t nodesPerElement(ElementType elementType);
+
+    /// The number of faces of a volume, 1 of a shell; 0 for points, beams, POLYHEDRONS and UNKNOWN.
     static std::size_t surfacesPerElement(ElementType elementType);
     static bool isVolumeElement(ElementType elementType);
 
@@ -59,6 +62,8 @@ public:
     static std::vector<unsigned int> elementSurface(ElementType elementType,
                                                     std::size_t surfaceIndex);
 
+    /// With ids, every element gets one, 0 or more and its own. `referNodesByIds` says whether
+    /// elements name nodes by node id, or by index into the node block.
     ElementBlock(int blockId, bool withElementIds, bool referNodesByIds);
     ~ElementBlock() override;
 
@@ -116,7 +121,8 @@ public:
     std::size_t elementGroupElementNodeCount(std::size_t groupIndex) const;
 
     /// Copies of the nodes of a group, element after element, and of its ids, empty when the block
-    /// has none. `elementIds` may be null.
+    /// has none. `elementIds` may be null. False, with a message, when there is no such group; so
+    /// for all operations below.
     bool elementGroup(std::size_t groupIndex, std::vector<int>* elementNodes,
                       std::vector<int>* elementIds) const;
 

@@ -9,6 +9,7 @@
 #include "NuoCore/Str.h"
 #include "NuoZRFx/Error.h"
 #include "NuoZRFx/FileSettings.h"
+#include "NuoZRFx/ProgressCallback.h"
 
 namespace unstruct {
 class ZRFxAccess;
@@ -41,8 +42,9 @@ public:
     /// cases that others still hold are detached.
     ~File() override;
 
-    /// Closes what is open, then creates a file. An existing file of that name is replaced by the
-    /// first flush, or by close. Use the extension ".zrfx", by which files are recognized.
+    /// Closes what is open, then creates a file; on failure nothing is open. An existing file of
+    /// that name is replaced by the first flush, or by close. Use the extension ".zrfx", by which
+    /// files are recognized.
     bool create(const Str& fileName, const FileSettings& settings);
 
     /// Opens a file for reading. A file that is open already is not closed properly: everything
@@ -53,8 +55,9 @@ public:
     bool open(const Str& fileName);
     bool open(const Str& fileName, const Str& password);
 
-    /// Closes what is open, then opens a file for adding databases, cases and blocks. New data
-    /// takes the form of the existing: text or binary, compressed or stored, encrypted or not.
+    /// Closes what is open, then opens a file for adding databases, cases and blocks; on failure
+    /// nothing is open. A file has one writer at a time. New data takes the form of the existing:
+    /// text or binary, compressed or stored, encrypted or not.
     bool openForAppend(const Str& fileName);
     bool openForAppend(const Str& fileName, const Str& password);
 
@@ -88,6 +91,19 @@ public:
     /// new.
     bool refresh(bool* isChanged = nullptr);
 
+    /// Calls back while the operations that may take long go on: opening, refresh, flush, close and
+    /// closeAs, and in the file's databases writing and reading of blocks. An empty callback ends
+    /// that. Opening that is stopped leaves nothing open; a block whose writing is stopped is not
+    /// in the file, nor is one that it was to replace; a flush or close that is stopped leaves the
+    /// file open and what was committed last as it was, and can be called again.
+    ///
+    ///     file.setProgressCallback([&](double fraction) { return !window.update(fraction); });
+    void setProgressCallback(ProgressCallback callback);
+
+    /// How many threads pack and unpack large arrays of the file that is open, and of files that
+    /// this object opens later, as FileSettings::threads takes it; creating a file sets it anew.
+    void setThreads(int threads);
+
     /// Why the last operation of this object failed: one that returned false or null. No error
     /// after an operation that did not fail.
     const Error& lastError() const;
@@ -99,11 +115,13 @@ public:
     /// Whether a file needs a password. False, with a message, when it cannot be read.
     static bool isEncrypted(const Str& fileName);
 
+    /// 0 when nothing is open.
     std::size_t databaseCount() const;
 
     /// The database at an index below databaseCount(); null otherwise. The file owns it.
     Database* database(std::size_t index);
 
+    /// 0 when nothing is open.
     std::size_t fileCaseCount() const;
 
     /// The case at an index below fileCaseCount(); null otherwise. The file owns it.
@@ -132,6 +150,8 @@ public:
     /// Stores a text in the folder of user files, replacing the one of that name. The name has no
     /// ".txt" and no folder. Neither may be empty.
     bool addUserTextFile(const Str& fileName, const Str& content);
+
+    /// 0 when nothing is open.
     std::size_t userTextFileCount() const;
 
     /// Name, without ".txt", and content of a user text file, in the order of the archive; empty,

@@ -12,9 +12,22 @@ public:
     bool binary = true;
     bool digitallySigned = false;  ///< No signature is made; File::settings() gives it back.
     int compressionLevel = 5;      ///< 0 (stored) to 9 (smallest); what lies outside is clamped.
-    Str vendorName;                ///< Who makes the exporting application.
-    Str applicationName;           ///< The exporting application.
-    Str password;                  ///< When not empty, the file is encrypted with AES-256.
+
+    /// How many significant decimal digits result values keep, 1 to 6, so that they pack better: 4
+    /// digits take about half the room of all. 0 keeps all. A value changes by at most half a unit
+    /// of the last digit, as ResultValuesBlock::setSignificantDigits says; nothing but result
+    /// values is touched, and each result gets the attribute "SignificantDigits".
+    int significantDigits = 0;
+
+    /// How many threads pack and unpack large arrays, the caller's own among them: 0 for as many as
+    /// ZRFxComponent::setThreads allows, 1 for the caller's alone. Calls return when the work is
+    /// done. Whatever the number, files hold the same data in the same pieces; the packed size of
+    /// an array may differ by some bytes. See also File::setThreads.
+    int threads = 0;
+
+    Str vendorName;       ///< Who makes the exporting application.
+    Str applicationName;  ///< The exporting application.
+    Str password;         ///< When not empty, the file is encrypted with AES-256.
 };
 
 }  // namespace nuo::zrfx

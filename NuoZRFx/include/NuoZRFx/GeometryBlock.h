@@ -22,6 +22,7 @@ class NUO_API GeometryBlock : public Block {
 public:
     static constexpr BlockType kBlockType = GEOMETRY;
 
+    /// The number of geometries, at least 1; all operations give them by index.
     explicit GeometryBlock(std::size_t geometryCountPerState);
     ~GeometryBlock() override;
 
@@ -51,9 +52,12 @@ public:
 
     /// The id of the state of a record; -1 with a message when there is none.
     int stateId(std::size_t stateIndex) const;
+
+    /// 0, with a message, when there is no such geometry or record.
     std::size_t partCount(std::size_t geometryIndex, std::size_t stateIndex) const;
 
-    /// Element block ids, and part ids, of the parts, in their order.
+    /// Element block ids, and part ids, of the parts, in their order; empty, with a message, when
+    /// there is no such geometry or record.
     std::vector<int> elementBlockIds(std::size_t geometryIndex, std::size_t stateIndex) const;
     std::vector<int> partIds(std::size_t geometryIndex, std::size_t stateIndex) const;
 

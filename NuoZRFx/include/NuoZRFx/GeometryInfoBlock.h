@@ -19,6 +19,7 @@ class NUO_API GeometryInfoBlock : public Block {
 public:
     static constexpr BlockType kBlockType = GEOMETRY_INFO;
 
+    /// The number of geometries, as in the geometry block.
     explicit GeometryInfoBlock(std::size_t geometryCountPerState);
     ~GeometryInfoBlock() override;
 
@@ -29,6 +30,8 @@ public:
     bool addPartInfo(std::size_t geometryIndex, int partId, const Str& partName);
 
     std::size_t geometryCountPerState() const;
+
+    /// The number of named parts; 0, with a message, when there is no such geometry.
     std::size_t partCount(std::size_t geometryIndex) const;
 
     /// -1 or an empty name, with a message, when there is no such part.

@@ -21,6 +21,7 @@ class NUO_API NodeBlock : public Block {
 public:
     static constexpr BlockType kBlockType = NODES;
 
+    /// With ids, every node gets one, 0 or more and its own; elements can then name nodes by id.
     NodeBlock(int blockId, bool withNodeIds);
     ~NodeBlock() override;
 
@@ -55,6 +56,8 @@ public:
 
     std::size_t nodeCount() const;
     bool hasNodeIds() const;
+
+    /// Copies of the coordinates and of the ids, empty when the block has none.
     std::vector<Vec3f> nodes() const;
     std::vector<int> nodeIds() const;
 

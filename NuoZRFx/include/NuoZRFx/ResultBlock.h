@@ -53,10 +53,17 @@ public:
     ResultType resultType() const;
     ResultMapping resultMapping() const;
 
+    /// What viewers call the result; empty until it is set.
     Str name() const;
     void setName(const Str& name);
+
+    /// The number by which cases and other results name the result, 0 or more and its own among
+    /// all results of the database; -1 until it is set.
     int resultId() const;
     void setResultId(int resultId);
+
+    /// Of tensors that are strains: whether the shear components are the engineering ones, twice
+    /// those of the tensor.
     StrainType strainType() const;
     void setStrainType(StrainType strainType);
 
@@ -67,6 +74,12 @@ public:
     /// Whether displacements are relative to the state before.
     bool relativeDisplacementResults() const;
     void setRelativeDisplacementResults(bool relative);
+
+    /// How many significant decimal digits the values keep, as ResultValuesBlock::
+    /// setSignificantDigits says; 0 for all, or for what the file says. Holds for values blocks
+    /// that are written after this block lists them. Kept as the attribute "SignificantDigits".
+    int significantDigits() const;
+    void setSignificantDigits(int digits);
 
     /// Free attributes, such as a unit. Replaces the value of an attribute that is there already.
     void addAttribute(const Str& name, const Str& value);
@@ -89,6 +102,8 @@ public:
     /// -1 when there is no such state.
     int stateId(std::size_t index) const;
     int stateIndex(int stateId) const;
+
+    /// The ids of the values blocks of a state; empty when there is no such state.
     std::vector<int> resultValuesBlocks(std::size_t stateIndex) const;
 
 private:

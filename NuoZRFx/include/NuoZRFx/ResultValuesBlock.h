@@ -25,6 +25,8 @@ public:
 
     static constexpr BlockType kBlockType = RESULT_VALUES;
 
+    /// With item ids, the values belong to the items that they name, by the ids of the target block
+    /// or, if it has none, by index; without, there is one for each of its items, in their order.
     ResultValuesBlock(int blockId, ResultValueDimension dimension, bool mapToItemIds);
     ~ResultValuesBlock() override;
 
@@ -48,7 +50,6 @@ public:
     /// Appends one item. With a block built with item ids the id is 0 or more, otherwise negative.
     bool addResultValue1d(float value, int mapToItemId = -1);
     bool addResultValue3d(float x, float y, float z, int mapToItemId = -1);
-
     bool addResultValue6d(float xx, float yy, float zz, float xy, float yz, float zx,
                           int mapToItemId = -1);
 
@@ -77,8 +78,8 @@ public:
 
     /// Copies of all values, item after item, and of the ids.
     std::vector<float> resultValues() const;
-    bool hasMapToItemIds() const;
     std::vector<int> mapToItemIds() const;
+    bool hasMapToItemIds() const;
 
     /// The floats of all items, item after item, and the ids, empty when the block has none; valid
     /// while the block lives and is not changed.
@@ -90,6 +91,13 @@ public:
 
     /// itemCount() ids, valid alike; null when the block has none.
     const int* mapToItemIdData() const;
+
+    /// How many significant decimal digits are written, 1 to 6; 0, at first, for what the result or
+    /// the file says, and else all. Each value v becomes the nearest one whose mantissa is short
+    /// enough for |change| <= 0.5 * 10^-digits * |v|. Undefined, infinite and denormal values, and
+    /// those next to the largest, stay as they are. The block itself does not change.
+    int significantDigits() const;
+    void setSignificantDigits(int digits);
 
     /// The block whose items the values belong to: NODES or ELEMENTS. Only its id is stored.
     bool setMapToBlockId(int blockId, BlockType blockType);

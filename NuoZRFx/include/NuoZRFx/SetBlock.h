@@ -35,10 +35,15 @@ public:
     bool checkValidity() const override;
     unstruct::ZRFxBlock* internal_zrfxBlock() const override;
 
+    /// The number by which cases name the set; -1 until it is set.
     int setId() const;
     void setSetId(int setId);
+
+    /// What viewers call the set.
     Str setName() const;
     void setSetName(const Str& name);
+
+    /// ELEMENT_ITEMS until another is set.
     ItemType itemType() const;
     void setItemType(ItemType itemType);
     bool itemsSpecifiedAsIds() const;

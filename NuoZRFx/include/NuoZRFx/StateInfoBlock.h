@@ -33,7 +33,8 @@ public:
     bool checkValidity() const override;
     unstruct::ZRFxBlock* internal_zrfxBlock() const override;
 
-    /// Appends a state. Without a name it is called "State" followed by its id.
+    /// Appends a state. False, with a message, when another state or group has its id, or the type
+    /// is none. Without a name it is called "State" followed by its id.
     bool addStateInfo(int stateId, const Str& stateName, float referenceValue,
                       ReferenceValueType referenceValueType);
 
@@ -62,6 +63,8 @@ public:
     /// -1 or an empty name, with a message, when there is no such group.
     int groupId(std::size_t index) const;
     Str groupName(std::size_t index) const;
+
+    /// The ids of the states of a group; empty, with a message, when there is no such group.
     std::vector<int> groupStateIds(std::size_t index) const;
 
 private:

@@ -29,6 +29,8 @@ public:
 
     Str name() const;
     void setName(const Str& name);
+
+    /// As ResultBlock::resultId.
     int resultId() const;
     void setResultId(int resultId);
 
@@ -44,6 +46,8 @@ public:
     /// -1 when there is no such state.
     int stateId(std::size_t index) const;
     int stateIndex(int stateId) const;
+
+    /// The values blocks of a state; none when there is no such state.
     std::size_t transformationResultValuesBlockCount(std::size_t stateIndex) const;
     std::vector<int> transformationResultValuesBlocks(std::size_t stateIndex) const;
 

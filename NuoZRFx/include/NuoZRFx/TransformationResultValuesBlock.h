@@ -22,6 +22,8 @@ public:
     bool checkValidity() const override;
     unstruct::ZRFxBlock* internal_zrfxBlock() const override;
 
+    /// The matrix that takes a point, as a column, from its place in the node block to its place in
+    /// the state; the identity until it is set.
     Mat4d matrix() const;
     void setMatrix(const Mat4d& matrix);
 

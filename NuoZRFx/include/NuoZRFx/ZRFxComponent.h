@@ -25,6 +25,18 @@ public:
     /// Until this is true, no File can be created or opened.
     static bool isInitialized();
 
+    /// How many threads one operation of the process may take to pack and unpack large arrays, the
+    /// caller's own among them: 0, which is the default, for as many as the processors that the
+    /// process may run on; 1 for the caller's alone. FileSettings::threads and File::setThreads
+    /// lower it for one file. Holds for operations that begin later; may be called at any time,
+    /// from any thread, also before initialization.
+    ///
+    /// A program that runs a process on each core, as one under MPI does, sets 1, unless each
+    /// process is bound to cores of its own: then 0 gives it those. The threads are started when
+    /// they are first needed, and end when the process exits or the library is unloaded. After a
+    /// fork, a child starts its own.
+    static void setThreads(int threads);
+
     /// Major in bits 16 to 23, minor in bits 8 to 15, patch in bits 0 to 7.
     static unsigned int version();
 
