@@ -7,7 +7,9 @@
 
 #include "Entries.h"
 #include "FileReader.h"
+#include "OptionChecks.h"
 #include "Progress.h"
+#include "StandardOutput.h"
 #include "Text.h"
 #include "check/CaseChecks.h"
 #include "check/CheckedDatabase.h"
@@ -101,13 +103,14 @@ private:
         database.Parse(info.id, ZRFxParseMode::LENIENT);
         takeLog(m_log, m_findings, "database", info.folder.Bytes());
         m_used.insert(withBackslashes(database.EntryName("Database-TOC.xml").Bytes()));
-        CheckedDatabase checked(database, m_findings, m_caseIds);
-        m_log.takeMessages();  // comes again when the blocks are read
+        CheckedDatabase checked(database, m_findings);
         for (const int type : kStoredBlockTypes) {
             for (const int id : blockIds(database, type)) checkBlockOf(database, type, id, checked);
         }
         checkWhole(checked);
-        m_resultIds[info.id] = {checked.resultIds.begin(), checked.resultIds.end()};
+        const auto& resultIds = checked.model().ResultIDs();
+        m_resultIds[info.id] = {resultIds.begin(), resultIds.end()};
+        m_log.takeMessages();  // of documents that have been reported
     }
 
     void checkBlockOf(ZRFxDatabase& database, int type, int id, CheckedDatabase& checked) {
@@ -127,10 +130,12 @@ private:
         m_log.takeMessages();  // of other blocks, which report them on their own
     }
 
-    // What the document of a block records is meant to be there; the main data of a block that can
-    // be read has been read with it.
+    // Files that the document of a block records are meant to be there; the main data of a block
+    // that can be read has been read with it.
     void noteFiles(const ZRFxDatabase& database, const ZRString& document, bool isRead) {
         m_used.insert(m_entries.documentEntry(database, document));
+        nvf::XmlDocument content;
+        if (!isRead && !database.ReadXmlFile(document, &content)) m_hasLostDocument = true;
         for (const Entries::File& file : m_entries.dataFiles(database, document)) {
             m_used.insert(file.entry);
             const bool isNew = isRead && file.isMainData && m_verified.insert(file.entry).second;
@@ -159,12 +164,13 @@ private:
             if (!m_verified.contains(entry)) {
                 ZRFxZipRawData raw;
                 if (!m_archive.Read(info.sName, &raw)) {
-                    Reporter(m_findings, "entry", info.sName).error("", m_archive.LastError());
+                    m_findings.addCause(
+                        {Severity::ERROR, "entry", info.sName, "", m_archive.LastError()});
                 }
                 m_progress.advance(info.nSize);
             }
-            // Without a main document it cannot be told what is meant to be there.
-            const bool isUnknown = !m_used.contains(kMainEntry);
+            // Without a document nobody knows which entries are meant to be there.
+            const bool isUnknown = m_hasLostDocument || !m_used.contains(kMainEntry);
             if (isUnknown || m_used.contains(entry) || isInKnownFolder(entry)) continue;
             Reporter(m_findings, "unused-entry", info.sName)
                 .warning("", "nothing refers to this entry of " + byteText(info.nPackedSize));
@@ -183,6 +189,7 @@ private:
     std::vector<ZRFxCaseInfo> m_cases;
     std::set<int> m_caseIds;
     std::map<int, std::set<int>> m_resultIds;  // by database
+    bool m_hasLostDocument = false;            // that would say which data files belong to it
 };
 
 // A few entries may be damaged, but all of the first ones hardly are.
@@ -197,6 +204,15 @@ bool isPasswordRight(ZRFxZipArchive& archive) {
         ++tries;
     }
     return tries == 0;
+}
+
+// Whatever the library refuses to open is wrong.
+void checkOpening(ToolContext& context, const std::string& path, const std::string& password,
+                  Findings& findings) {
+    nuo::zrfx::File file;
+    context.log().takeMessages();
+    if (file.open(path, password)) return;
+    Reporter(findings, "main-document", kMainEntry).error("", context.log().takeCause());
 }
 
 void printFindings(const Options& options, const Findings& findings) {
@@ -224,6 +240,7 @@ int check(ToolContext& context, const Options& options) {
     if (!isPasswordRight(archive)) return context.fail(options.file, "the password is wrong");
     Findings findings(options.file, options.limit);
     FileCheck(access, archive, context.log(), findings).run();
+    if (findings.errorCount() == 0) checkOpening(context, options.file, password, findings);
     printFindings(options, findings);
     return findings.errorCount() > 0 ? ToolContext::FAILURE : ToolContext::FINE;
 }
@@ -240,6 +257,7 @@ void addCheckCommand(CLI::App& application, ToolContext& context) {
     command
         ->add_option("--limit", options->limit,
                      "How many findings of one kind to show for each entry; 0 shows all")
+        ->check(wholeNumber(0))
         ->capture_default_str();
 }
 

@@ -6,6 +6,7 @@
 
 #include "Entries.h"
 #include "FileReader.h"
+#include "OptionChecks.h"
 #include "OutputFile.h"
 #include "Progress.h"
 #include "Text.h"
@@ -21,6 +22,7 @@ using namespace unstruct;
 constexpr const char* kExamples =
     "  zrfx copy big.zrfx small.zrfx --level 9\n"
     "  zrfx copy plate.zrfx plate.zrfx            # reclaims unused space\n"
+    "  zrfx copy big.zrfx small.zrfx --digits 4      # of result values\n"
     "  zrfx copy plate.zrfx secret.zrfx --password\n"
     "  zrfx copy secret.zrfx plain.zrfx --no-password --text";
 
@@ -30,6 +32,7 @@ struct Options {
     std::string in;
     std::string out;
     int level = -1;
+    int digits = 0;
     bool isText = false;
     bool isBinary = false;
     bool wantsPassword = false;
@@ -41,11 +44,12 @@ struct Options {
 /// of the new file, everything else entry by entry as it is. One block is in memory at a time.
 class Copy {
 public:
-    Copy(FileReader& in, const Entries& entries, ZRFxAccess& out, bool isText)
+    Copy(FileReader& in, const Entries& entries, ZRFxAccess& out, bool isText, int digits)
         : m_in(in),
           m_entries(entries),
           m_out(out),
           m_isText(isText),
+          m_digits(digits),
           m_progress("copying", Progress::Unit::BYTES, entries.totalSize()) {}
 
     bool run() { return copyMainDocument() && copyDatabases() && copyCases() && copyOthers(); }
@@ -75,6 +79,7 @@ private:
     bool copyDatabase(ZRFxDatabase& in) {
         ZRFxDatabase out(&m_out);
         out.SetTextMode(m_isText);
+        out.SetSignificantDigits(m_digits);
         if (!out.Create(in.GetName(), in.GetID(), in.GetSourceName(), in.GetSimulationType(),
                         in.GetSolutionType(), in.GetDescription())) {
             return false;
@@ -147,15 +152,17 @@ private:
     const Entries& m_entries;
     ZRFxAccess& m_out;
     const bool m_isText;
+    const int m_digits;  // of result values; 0 keeps all
     Progress m_progress;
     std::set<std::string> m_copied;
     std::vector<std::string> m_folders;
 };
 
-// What the new file is made with: as options say, else as the old one is.
+// The settings of the new file: those of the old one, but for the options that are given.
 struct Form {
     int level;
     bool isText;
+    int digits;
     std::string password;
 };
 
@@ -164,6 +171,7 @@ bool chooseForm(ToolContext& context, const Options& options, FileReader& in, Fo
     if (!in.access().GetArchiveInfo(&info)) return false;
     form->level = options.level >= 0 ? options.level : info.compressed ? kDefaultLevel : 0;
     form->isText = options.isText || (!options.isBinary && info.text && !info.binary);
+    form->digits = options.digits;
     form->password = in.password();
     if (options.wantsNoPassword) {
         form->password.clear();
@@ -190,7 +198,7 @@ bool writeCopy(FileReader& in, const Form& form, const std::string& path) {
     if (!out.Open(path, ZRZipAccessMode::CREATE)) return false;
     out.SetCompression(form.level, ZRFxAccess::kDefaultSmartness, ZRFxAccess::kDefaultBufferSize,
                        ZRFxAccess::kDefaultBufferSize);
-    if (out.SetPassword(form.password) && Copy(in, entries, out, form.isText).run() &&
+    if (out.SetPassword(form.password) && Copy(in, entries, out, form.isText, form.digits).run() &&
         out.Close()) {
         return true;
     }
@@ -235,7 +243,12 @@ void addCopyCommand(CLI::App& application, ToolContext& context) {
     command->add_option("OUT", options->out, "The file to write, which may be IN")->required();
     command->add_option("--level", options->level, "Compression, 0 (none) to 9 (smallest)")
         ->type_name("N")
-        ->check(CLI::Range(0, 9));
+        ->check(wholeNumber(0, 9));
+    command
+        ->add_option("--digits", options->digits,
+                     "Significant digits of result values, 1 to 6; by default they keep all")
+        ->type_name("N")
+        ->check(wholeNumber(1, 6));
     CLI::Option* text = command->add_flag("--text", options->isText, "Data files as lines of text");
     command->add_flag("--binary", options->isBinary, "Data files as packed values")->excludes(text);
     CLI::Option* none =

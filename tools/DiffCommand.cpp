@@ -2,13 +2,17 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <map>
 #include <memory>
 #include <set>
 
 #include "FileReader.h"
+#include "OptionChecks.h"
 #include "Progress.h"
 #include "PropertyJson.h"
+#include "SolverRun.h"
+#include "StandardOutput.h"
 #include "Text.h"
 #include "ZRUndefined.h"
 #include "content/BlockGroup.h"
@@ -28,9 +32,12 @@ struct Options {
     std::string b;
     double relative = 0;
     double absolute = 0;
+    std::string otherPasswordFile;
 };
 
-/// What differs, in a line each. Of an array there is one line, however much differs.
+constexpr const char* kOtherPassword = "ZRFX_OTHER_PASSWORD";
+
+/// The differences, one per line. An array has one line, however much of it differs.
 class Differences {
 public:
     explicit Differences(const Options& options) : m_options(options) {}
@@ -350,8 +357,9 @@ private:
     static std::map<std::string, std::string> textsOf(FileReader& reader) {
         std::map<std::string, std::string> texts;
         for (std::size_t i = 0; i < reader.file().userTextFileCount(); ++i) {
-            texts[utf8(reader.file().userTextFileName(i))] =
-                utf8(reader.file().userTextFileContent(i));
+            const std::string name = utf8(reader.file().userTextFileName(i));
+            if (name == kSolverRunText) continue;
+            texts[name] = utf8(reader.file().userTextFileContent(i));
         }
         return texts;
     }
@@ -377,6 +385,8 @@ private:
 int diff(ToolContext& context, const Options& options) {
     FileReader a(context);
     FileReader b(context);
+    const bool hasOther = std::getenv(kOtherPassword) || !options.otherPasswordFile.empty();
+    if (hasOther) b.setPasswordSource(options.otherPasswordFile, kOtherPassword);
     if (!a.open(options.a) || !b.open(options.b)) return ToolContext::FAILURE;
     Comparison comparison(a, b, options);
     const bool isComplete = comparison.run();
@@ -396,10 +406,15 @@ void addDiffCommand(CLI::App& application, ToolContext& context) {
     command->add_option("B", options->b, "Another ZRFx file")->required();
     command->add_option("--relative", options->relative, "Numbers may differ by this part of them")
         ->type_name("R")
-        ->check(CLI::NonNegativeNumber);
+        ->check(nonNegativeNumber);
     command->add_option("--absolute", options->absolute, "Numbers may differ by this much")
         ->type_name("A")
-        ->check(CLI::NonNegativeNumber);
+        ->check(nonNegativeNumber);
+    command
+        ->add_option("--other-password-file", options->otherPasswordFile,
+                     "File whose first line is the password of B, when it is not that of A; else "
+                     "ZRFX_OTHER_PASSWORD")
+        ->type_name("FILE");
 }
 
 }  // namespace tools

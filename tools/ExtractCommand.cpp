@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <filesystem>
 #include <memory>
 #include <set>
 
@@ -134,6 +135,7 @@ public:
                 continue;
             }
             if (!extract(entry, raw)) isFine = false;
+            if (m_isTargetLost) return false;
             progress.advance(raw.Length());
         }
         return isFine;
@@ -162,9 +164,21 @@ private:
             folder = folder.below(path[i]);
         }
         if (folder.isOpen() && writeFile(folder, path.back(), raw)) return true;
+        if (isLost(errno)) return loseTarget();
         if (m_newFoldersLeft > 0 || errno != ENOENT) return fail(entry, std::strerror(errno));
         return fail(entry, "is left out, the archive names more than " +
                                std::to_string(m_mostFolders) + " folders");
+    }
+
+    // Whether no other entry could be written either.
+    static bool isLost(int cause) {
+        return cause == ENOSPC || cause == EDQUOT || cause == EROFS || cause == EIO;
+    }
+
+    bool loseTarget() {
+        m_isTargetLost = true;
+        m_context.fail(m_options.folder, std::strerror(errno));
+        return false;
     }
 
     ToolContext& m_context;
@@ -174,6 +188,7 @@ private:
     std::set<std::vector<std::string>> m_written;
     std::size_t m_mostFolders = 0;
     std::size_t m_newFoldersLeft = 0;
+    bool m_isTargetLost = false;
 };
 
 // The entries that were asked for, under either separator; all of them when none was named.
@@ -206,7 +221,9 @@ int extract(ToolContext& context, const Options& options) {
     std::string missing;
     const auto entries = chosenEntries(archive, options, &totalSize, &missing);
     if (!missing.empty()) return context.fail(options.file, "there is no entry '" + missing + "'");
-    mkdir(options.folder.c_str(), 0777);
+    std::error_code code;
+    std::filesystem::create_directories(options.folder, code);
+    if (code) return context.fail(options.folder, code.message());
     Folder target(open(options.folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (!target.isOpen()) return context.fail(options.folder, std::strerror(errno));
     Extraction extraction(context, options, archive, std::move(target));

@@ -4,19 +4,40 @@
 
 namespace tools {
 
-bool FileReader::open(const std::string& path) {
+bool FileReader::open(const std::string& path, Need need) {
     m_path = path;
-    if (!m_context.passwordFor(path, &m_password)) return false;
+    const bool hasPassword =
+        m_passwordEnvironment
+            ? m_context.passwordFor(path, {m_passwordFile, m_passwordEnvironment}, &m_password)
+            : m_context.passwordFor(path, &m_password);
+    if (!hasPassword) return false;
     m_context.log().takeMessages();
-    if (!m_file.open(path, m_password)) {
-        const std::string kWrongPassword = "the password is wrong, or the file is damaged";
-        m_context.fail(path, m_password.empty() ? std::string() : kWrongPassword);
-        return false;
-    }
-    for (std::size_t i = 0; i < m_file.databaseCount(); ++i) {
+    if (m_file.open(path, m_password)) return readDatabases(unstruct::ZRFxParseMode::STRICT);
+    m_refusal = m_context.log().takeCause();
+    if (need == WHAT_FITS && openDamaged()) return true;
+    const std::string kWrongPassword = "the password is wrong, or the file is damaged";
+    m_context.fail(path, m_password.empty() ? m_refusal : kWrongPassword);
+    return false;
+}
+
+bool FileReader::openDamaged() {
+    nvf::XmlDocument document;
+    return m_access.Open(m_path, unstruct::ZRZipAccessMode::READ_ONLY) &&
+           m_access.SetPassword(m_password) &&
+           m_access.ReadAndValidateMainDocumentFile(&document) &&
+           readDatabases(unstruct::ZRFxParseMode::LENIENT);
+}
+
+bool FileReader::readDatabases(unstruct::ZRFxParseMode mode) {
+    int count = 0;
+    access().GetNumDatabases(&count);
+    for (int i = 0; i < count; ++i) {
+        unstruct::ZRFxDatabaseInfo info;
+        access().GetDatabaseInfo(i, &info);
+        if (database(info.id)) continue;  // registered twice
         auto database = std::make_unique<unstruct::ZRFxDatabase>(&access());
-        if (!database->Parse(m_file.database(i)->id())) {
-            m_context.fail(path);
+        if (!database->Parse(info.id, mode)) {
+            m_context.fail(m_path);
             return false;
         }
         m_databases.push_back(std::move(database));

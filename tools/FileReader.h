@@ -19,13 +19,31 @@ class FileReader {
 public:
     explicit FileReader(ToolContext& context) : m_context(context) {}
 
+    /// How much of a file must be sound.
+    enum Need {
+        WHOLE,     ///< All documents.
+        WHAT_FITS  ///< The main document. What else cannot be read is in the library's log, and
+                   ///< refusal() says why the library would not open the file.
+    };
+
+    /// The password of the file comes from another file, or environment variable, than usual.
+    void setPasswordSource(const std::string& file, const char* environment) {
+        m_passwordFile = file;
+        m_passwordEnvironment = environment;
+    }
+
     /// Opens a file with its password and reads which blocks its databases have.
-    bool open(const std::string& path);
+    bool open(const std::string& path, Need need = WHOLE);
+
+    /// Empty when the library opens the file. There are no cases and user texts otherwise.
+    const std::string& refusal() const { return m_refusal; }
 
     const std::string& path() const { return m_path; }
     const std::string& password() const { return m_password; }
     nuo::zrfx::File& file() { return m_file; }
-    unstruct::ZRFxAccess& access() { return *m_file.internal_access(); }
+    unstruct::ZRFxAccess& access() {
+        return m_refusal.empty() ? *m_file.internal_access() : m_access;
+    }
     const std::vector<std::unique_ptr<unstruct::ZRFxDatabase>>& databases() const {
         return m_databases;
     }
@@ -37,10 +55,17 @@ public:
     bool readCaseDocument(const nuo::zrfx::Case& fileCase, nvf::XmlDocument* document);
 
 private:
+    bool openDamaged();
+    bool readDatabases(unstruct::ZRFxParseMode mode);
+
     ToolContext& m_context;
+    std::string m_passwordFile;
+    const char* m_passwordEnvironment = nullptr;
     std::string m_path;
     std::string m_password;
     nuo::zrfx::File m_file;
+    std::string m_refusal;
+    unstruct::ZRFxAccess m_access;  // in place of the file, when the library refuses it
     std::vector<std::unique_ptr<unstruct::ZRFxDatabase>> m_databases;
 };
 

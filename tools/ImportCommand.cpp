@@ -4,7 +4,6 @@
 #include <cerrno>
 #include <chrono>
 #include <csignal>
-#include <cstdio>
 #include <cstring>
 #include <filesystem>
 #include <memory>
@@ -13,7 +12,9 @@
 #include <utility>
 
 #include "NuoZRFx/ZRFxComponent.h"
+#include "OptionChecks.h"
 #include "Progress.h"
+#include "StandardOutput.h"
 #include "import/ImportFormats.h"
 #include "import/ImportWriter.h"
 
@@ -26,14 +27,20 @@ constexpr std::chrono::milliseconds kPoll{100};
 constexpr std::chrono::seconds kSettled{1};  // without news, a state is taken to be finished
 constexpr int kMostDamages = 10;
 
+// A solver that is started together with the program may have finished before it: a file that was
+// finished so short a time before is its.
+constexpr std::chrono::seconds kRecent{5};
+
 struct ImportOptions {
     std::string input;
     std::string output;
     std::string name;
     int level = nuo::zrfx::FileSettings().compressionLevel;
+    int digits = 0;
     bool isText = false;
     bool isFollowing = false;
     double timeout = 0;  // seconds; 0 waits without end
+    bool wantsPassword = false;
 };
 
 volatile std::sig_atomic_t g_isInterrupted = 0;
@@ -50,14 +57,16 @@ void catchInterrupts() {
     sigaction(SIGTERM, &action, nullptr);
 }
 
-ImportWriter::Target targetOf(const ImportOptions& options) {
+ImportWriter::Target targetOf(const ImportOptions& options, const std::string& password) {
     const std::filesystem::path input = options.input;
     ImportWriter::Target target;
     target.file = options.output;
     target.name = options.name.empty() ? input.stem().string() : options.name;
     target.description = "Imported from " + input.filename().string();
     target.settings.compressionLevel = options.level;
+    target.settings.significantDigits = options.digits;
     target.settings.binary = !options.isText;
+    target.settings.password = password;
     target.settings.applicationName =
         "zrfx import " + nuo::zrfx::ZRFxComponent::versionString().toStdString();
     return target;
@@ -66,16 +75,18 @@ ImportWriter::Target targetOf(const ImportOptions& options) {
 // One import from one file into another.
 class ImportRun {
 public:
-    ImportRun(const ImportOptions& options, ToolContext& context)
+    ImportRun(const ImportOptions& options, const std::string& password, ToolContext& context)
         : m_options(options),
           m_context(context),
           m_reader(importFormatOf(options.input).makeReader()),
-          m_writer(targetOf(options)) {}
+          m_writer(targetOf(options, password)) {}
 
     int run();
 
 private:
     bool open();
+    bool openNew();
+    bool isOfEarlierRun();
     bool readNext();
     bool addValues();
     bool wait(Clock::duration needed);
@@ -91,11 +102,13 @@ private:
     const std::unique_ptr<ImportReader> m_reader;
     ImportWriter m_writer;
     std::unique_ptr<Progress> m_progress;
+    const std::filesystem::file_time_type m_start = std::filesystem::file_time_type::clock::now();
     Clock::time_point m_lastGrowth = Clock::now();
     std::uint64_t m_lastSize = 0;
     Clock::duration m_pause{};
     int m_damageCount = 0;
     bool m_hasFailed = false;
+    bool m_hasToldOfWaiting = false;
 };
 
 int ImportRun::run() {
@@ -110,7 +123,7 @@ int ImportRun::run() {
 }
 
 bool ImportRun::open() {
-    while (!m_reader->open(m_options.input)) {
+    while (!openNew()) {
         if (!m_options.isFollowing || errno != ENOENT) {
             m_context.fail(m_options.input, std::strerror(errno));
             return false;
@@ -122,8 +135,30 @@ bool ImportRun::open() {
         std::this_thread::sleep_for(kPoll);
     }
     const std::uint64_t total = m_options.isFollowing ? 0 : m_reader->fileSize();
+    if (total == 0 && !m_options.isFollowing) {
+        m_context.fail(m_options.input, "the file is empty");
+        return false;
+    }
     m_progress = std::make_unique<Progress>("importing", Progress::Unit::BYTES, total);
     return true;
+}
+
+// A file of an earlier run counts as none.
+bool ImportRun::openNew() {
+    if (!m_reader->open(m_options.input)) return false;
+    if (!m_options.isFollowing || !isOfEarlierRun()) return true;
+    if (!std::exchange(m_hasToldOfWaiting, true)) {
+        m_context.fail(m_options.input,
+                       "holds the results of an earlier run; waiting for those of the new one");
+    }
+    errno = ENOENT;
+    return false;
+}
+
+bool ImportRun::isOfEarlierRun() {
+    std::error_code error;
+    const auto written = std::filesystem::last_write_time(m_options.input, error);
+    return !error && written < m_start - kRecent && m_reader->isFinished();
 }
 
 // False at the end, be it a good one or not.
@@ -214,11 +249,18 @@ int ImportRun::finish() {
         failImport();
         return ToolContext::FAILURE;
     }
-    std::printf("%s: %s\n", m_options.output.c_str(), m_writer.summary().c_str());
+    print(m_options.output + ": " + m_writer.summary() + "\n");
     for (const auto& notes : {m_writer.notes(), m_reader->data().notes}) {
-        for (const std::string& note : notes) std::puts(note.c_str());
+        for (const std::string& note : notes) print(note + "\n");
     }
     return m_damageCount > 0 ? ToolContext::FAILURE : ToolContext::FINE;
+}
+
+// A password that is given is meant for the new file: there is no other.
+bool choosePassword(const ImportOptions& options, ToolContext& context, std::string* password) {
+    if (!options.wantsPassword && context.passwordFile().empty()) return true;
+    return context.newPasswordFor(options.output, context.passwordFile(), "ZRFX_NEW_PASSWORD",
+                                  password);
 }
 
 bool isSameFile(const ImportOptions& options) {
@@ -235,7 +277,9 @@ int runImport(const ImportOptions& options, ToolContext& context) {
         context.fail(options.input, "files of this format cannot be followed");
         return ToolContext::WRONG_USAGE;
     }
-    return ImportRun(options, context).run();
+    std::string password;
+    if (!choosePassword(options, context, &password)) return ToolContext::FAILURE;
+    return ImportRun(options, password, context).run();
 }
 
 // "the results of CalculiX or ...".
@@ -276,16 +320,24 @@ void addImportCommand(CLI::App& application, ToolContext& context) {
     command->add_option("--name", options->name,
                         "Name of the model and its view; that of the result file by default");
     command->add_option("--level", options->level, "Compression, 0 (none) to 9 (smallest)")
-        ->check(CLI::Range(0, 9))
+        ->check(wholeNumber(0, 9))
         ->capture_default_str();
+    command
+        ->add_option("--digits", options->digits,
+                     "Significant digits of result values, 1 to 6; by default they keep all")
+        ->type_name("N")
+        ->check(wholeNumber(1, 6));
     command->add_flag("--text", options->isText, "Write data as lines of text");
+    command->add_flag("--password", options->wantsPassword,
+                      "Encrypt OUT.zrfx with a password from ZRFX_NEW_PASSWORD or the terminal, or "
+                      "with that of --password-file, which encrypts by itself");
     CLI::Option* follow = command->add_flag(
         "--follow", options->isFollowing,
         "Import each state when the running solver has written it, until it ends or Ctrl-C");
     command
         ->add_option("--timeout", options->timeout,
                      "End --follow when nothing was written for so many seconds")
-        ->check(CLI::NonNegativeNumber)
+        ->check(nonNegativeNumber)
         ->needs(follow);
 }
 

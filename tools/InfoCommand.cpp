@@ -1,10 +1,14 @@
 #include "InfoCommand.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <memory>
+#include <set>
 
 #include "FileReader.h"
 #include "PropertyJson.h"
+#include "SolverRun.h"
+#include "StandardOutput.h"
 #include "Summary.h"
 #include "Text.h"
 #include "documents/ZRFxXml.h"
@@ -26,7 +30,7 @@ struct Options {
     bool isQuick = false;
 };
 
-// What the main document and the entries tell of the file.
+// The file as its main document and entries describe it.
 struct FileSummary {
     int vendorId = -1;
     ZRString vendorName;
@@ -53,7 +57,7 @@ FileSummary summarizeFile(ZRFxAccess& access) {
     return summary;
 }
 
-// What the public interface tells of a case, and whether its document names a snapshot.
+// A case by the public interface, and whether its document names a snapshot.
 struct CaseSummary {
     const Case* fileCase;
     bool hasSnapshot;
@@ -104,6 +108,11 @@ Json limitJson(const std::optional<float>& limit) {
 }
 
 Json resultJson(const ResultSummary& result) {
+    Json derived = Json::object();
+    if (!result.derivedName.empty()) {
+        derived[result.derivedName] = {{"min", limitJson(result.derivedRange.min)},
+                                       {"max", limitJson(result.derivedRange.max)}};
+    }
     return {{"blockId", result.blockId},
             {"id", result.id},
             {"name", result.name},
@@ -111,7 +120,8 @@ Json resultJson(const ResultSummary& result) {
             {"mapping", result.mapping},
             {"states", result.states},
             {"min", limitJson(result.range.min)},
-            {"max", limitJson(result.range.max)}};
+            {"max", limitJson(result.range.max)},
+            {"derived", derived}};
 }
 
 Json databaseJson(const ZRFxDatabase& database, const DatabaseSummary& summary) {
@@ -172,9 +182,10 @@ Json fileJson(FileReader& reader, const std::vector<DatabaseSummary>& summaries)
             {"userTextFiles", texts}};
 }
 
-// The text form: one line a thing, with what belongs to it indented below.
+// The text form: one line per thing, with its parts indented below.
 
 constexpr std::size_t kMostLines = 20;
+constexpr std::size_t kMostDamages = 5;
 
 void printLine(int indent, const std::string& label, const std::string& text) {
     if (text.empty()) return;
@@ -208,7 +219,10 @@ std::string resultText(const ResultSummary& result, bool isQuick) {
                        result.mapping + ", " + counted(result.states.size(), "state");
     if (isQuick) return text;
     if (!result.range.min) return text + ", no values";
-    return text + ", " + numberText(*result.range.min) + " to " + numberText(*result.range.max);
+    text += ", " + numberText(*result.range.min) + " to " + numberText(*result.range.max);
+    if (!result.derivedRange.min) return text;
+    return text + ", " + result.derivedName + " " + numberText(*result.derivedRange.min) + " to " +
+           numberText(*result.derivedRange.max);
 }
 
 std::string elementsText(const DatabaseSummary& summary) {
@@ -299,29 +313,56 @@ void printFile(FileReader& reader, const std::vector<DatabaseSummary>& summaries
     const std::size_t textCount = reader.file().userTextFileCount();
     if (textCount > 0) print("\n");
     for (std::size_t i = 0; i < textCount; ++i) {
-        printLine(0, "user text file", utf8(reader.file().userTextFileName(i)));
+        const std::string name = utf8(reader.file().userTextFileName(i));
+        const bool isSolverRun = name == kSolverRunText;
+        printLine(0, isSolverRun ? "solver run" : "user text file",
+                  isSolverRun ? utf8(reader.file().userTextFileContent(i)) : name);
     }
+}
+
+// The name in quotes in a message of the library.
+std::string subjectOf(const std::string& message) {
+    const std::size_t begin = message.find('\'');
+    const std::size_t end = message.find('\'', begin + 1);
+    return begin == std::string::npos ? "" : message.substr(begin, end - begin);
+}
+
+// One line for each thing that is left out; a failure is logged by all whom it stops.
+int reportDamage(ToolContext& context, const FileReader& reader, bool isComplete) {
+    std::vector<std::string> causes;
+    std::set<std::string> subjects;
+    for (const auto& message : context.log().takeMessages()) {
+        const std::string text = withoutFileName(message.text, reader.path());
+        const std::string subject = subjectOf(text);
+        const bool isNew = subject.empty() ? causes.empty() : subjects.insert(subject).second;
+        if (isNew) causes.push_back(text);
+    }
+    if (causes.empty() && !reader.refusal().empty()) causes.push_back(reader.refusal());
+    if (causes.empty() && !isComplete) causes.emplace_back("some block is missing");
+    const std::size_t count = causes.size();
+    causes.resize(std::min(count, kMostDamages));
+    for (const std::string& cause : causes) context.fail(reader.path(), cause);
+    if (count > 0) {
+        context.fail(reader.path(), "what depends on it is left out; zrfx check tells all");
+    }
+    return count > 0 ? ToolContext::FAILURE : ToolContext::FINE;
 }
 
 int info(ToolContext& context, const Options& options) {
     FileReader reader(context);
-    if (!reader.open(options.file)) return ToolContext::FAILURE;
+    if (!reader.open(options.file, FileReader::WHAT_FITS)) return ToolContext::FAILURE;
     std::vector<DatabaseSummary> summaries;
     bool isComplete = true;
     for (const auto& database : reader.databases()) {
         summaries.push_back(summarize(*database, !options.isQuick));
         isComplete = isComplete && summaries.back().isComplete;
     }
-    const auto messages = context.log().takeMessages();
     if (options.isJson) {
         printJson(fileJson(reader, summaries));
     } else {
         printFile(reader, summaries, options.isQuick);
     }
-    if (isComplete && messages.empty()) return ToolContext::FINE;
-    return context.fail(options.file, messages.empty()
-                                          ? "some block is missing; zrfx check tells more"
-                                          : messages.front().text);
+    return reportDamage(context, reader, isComplete);
 }
 
 }  // namespace

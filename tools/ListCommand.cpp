@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "StandardOutput.h"
 #include "Text.h"
 #include "container/ZRFxZipArchive.h"
 
@@ -43,7 +44,7 @@ std::string methodText(int method) {
     }
 }
 
-// What part of its size an entry takes.
+// The packed size of an entry as a percentage of its size.
 double ratio(std::uint64_t size, std::uint64_t packedSize) {
     return size > 0 ? static_cast<double>(packedSize) / static_cast<double>(size) : 1;
 }
@@ -88,6 +89,7 @@ void printEntriesAsJson(const std::string& file, const Entries& entries) {
 }
 
 int list(ToolContext& context, const Options& options) {
+    if (context.isEmpty(options.file)) return ToolContext::FAILURE;
     ZRFxZipArchive archive;
     if (!archive.Open(options.file, unstruct::ZRZipAccessMode::READ_ONLY)) {
         return context.fail(options.file, archive.LastError());

@@ -19,7 +19,7 @@ public:
 
     void log(const nuo::LogMessage& message) override;
 
-    /// From now on messages are also written to standard error, a line each.
+    /// From now on messages are also written to standard error, one per line.
     void setPrinting(bool isPrinting) { m_isPrinting = isPrinting; }
 
     /// The errors and warnings since the last call, oldest first.

@@ -1,18 +1,21 @@
 // zrfx: shows, checks, compares, copies and makes ZRFx files.
 #include <cstdio>
 #include <exception>
-#include <iostream>
+#include <string>
 
 #include "CatCommand.h"
 #include "CheckCommand.h"
 #include "CopyCommand.h"
 #include "DiffCommand.h"
 #include "ExtractCommand.h"
+#include "HelpCommand.h"
 #include "ImportCommand.h"
 #include "InfoCommand.h"
 #include "ListCommand.h"
 #include "NuoZRFx/ZRFxComponent.h"
 #include "PropertiesCommand.h"
+#include "StandardOutput.h"
+#include "StatsCommand.h"
 #include "ToolContext.h"
 
 namespace {
@@ -23,27 +26,38 @@ void addCommands(CLI::App& application, tools::ToolContext& context) {
     tools::addCheckCommand(application, context);
     tools::addExtractCommand(application, context);
     tools::addCatCommand(application, context);
+    tools::addStatsCommand(application, context);
     tools::addDiffCommand(application, context);
     tools::addCopyCommand(application, context);
     tools::addImportCommand(application, context);
     tools::addPropertiesCommand(application, context);
 }
 
+// Of a wrong command line the word that is no command; CLI11 says that a command is missing.
+std::string causeOf(const CLI::App& application, const CLI::Error& error) {
+    if (!application.get_subcommands().empty()) return error.what();
+    for (const std::string& word : application.remaining()) {
+        if (!word.starts_with('-')) return "there is no command '" + word + "'";
+    }
+    return error.what();
+}
+
 int run(int argc, char** argv) {
     tools::ToolContext context;
     CLI::App application("Shows, checks, compares and copies ZRFx files.", "zrfx");
-    application.set_version_flag("--version",
-                                 nuo::zrfx::ZRFxComponent::versionString().toStdString());
+    const std::string version = nuo::zrfx::ZRFxComponent::versionString().toStdString();
+    application.set_version_flag("--version", version);
     application.require_subcommand(1);
     application.fallthrough();
-    application.failure_message([](const CLI::App*, const CLI::Error& error) {
-        return std::string("zrfx: ") + error.what() + " (zrfx --help tells more)\n";
+    application.failure_message([](const CLI::App* failed, const CLI::Error& error) {
+        return "zrfx: " + causeOf(*failed, error) + " (zrfx --help tells more)\n";
     });
     application.footer(
         "Exit code: 0 fine, 1 findings, differences or failure, 2 wrong usage.\n"
         "zrfx COMMAND --help shows the options of a command, with examples.");
     context.addGlobalOptions(application);
     addCommands(application, context);
+    tools::addHelpCommands(application, context, version);
     try {
         application.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
@@ -58,8 +72,9 @@ int run(int argc, char** argv) {
 int main(int argc, char** argv) {
     try {
         const int exitCode = run(argc, argv);
-        if (std::cout.flush() && std::fflush(stdout) == 0) return exitCode;
-        std::fputs("zrfx: standard output: cannot be written\n", stderr);
+        std::string cause;
+        if (tools::closeStandardOutput(&cause)) return exitCode;
+        std::fprintf(stderr, "zrfx: standard output: %s\n", cause.c_str());
     } catch (const std::exception& error) {
         std::fprintf(stderr, "zrfx: %s\n", error.what());
     }

@@ -16,7 +16,7 @@
 namespace tools {
 namespace {
 
-// What an interrupted process has to remove: the file, and what writing an archive puts beside it.
+// An interrupted process has to remove the file, and all that writing an archive puts beside it.
 constexpr std::array kSuffixes{"", ".rewrite"};
 constexpr std::array kSignals{SIGINT, SIGTERM, SIGHUP};
 std::array<char[PATH_MAX + 16], kSuffixes.size()> s_leftOver;
@@ -63,7 +63,7 @@ bool isBeingWritten(const std::string& path) {
     return isLocked;
 }
 
-// What a writer from before commits appended left beside the replaced file belongs to nothing, but
+// Files that an older writer left beside the replaced file belong to nothing, but
 // programs of that time would still act on it. Whatever else bears the name stays.
 void removeJournal(const std::string& path) {
     const std::string journal = path + ".journal";

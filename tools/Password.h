@@ -8,9 +8,9 @@ namespace tools {
 /// Where the password of a file comes from. It is never an argument, which others could see in the
 /// list of processes.
 struct PasswordSource {
-    std::string file;              ///< Path of a file whose first line it is; may be empty.
+    std::string file{};            ///< Path of a file whose first line it is; may be empty.
     const char* environment = "";  ///< Name of an environment variable.
-    std::string prompt;            ///< What a terminal is asked with; empty asks nobody.
+    std::string prompt{};          ///< What a terminal is asked with; empty asks nobody.
     bool isRepeated = false;       ///< Asked twice, since a new password may be mistyped.
 };
 

@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 
+#include "StandardOutput.h"
 #include "Text.h"
 #include "catalogue/ZROZRFxPropDef.h"
 

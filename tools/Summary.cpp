@@ -16,6 +16,8 @@
 #include "blocks/sets/ZRFxSetBlock.h"
 #include "content/Content.h"
 #include "documents/ZRFxXml.h"
+#include "quantities/DerivedQuantities.h"
+#include "quantities/ResultLookup.h"
 #include "types/ZRFxElementType.h"
 
 namespace tools {
@@ -113,19 +115,43 @@ std::vector<int> stateIds(const ZRFxStatesBlock& block) {
     return ids;
 }
 
-ValueRange rangeOf(ZRFxDatabase& database, const ZRFxResultBlock& block, bool* isComplete) {
-    ValueRange range;
+void takeDerived(const Quantity& quantity, const ZRFxResultBlock& block, const Reals& reals,
+                 ValueRange& range) {
+    const auto components = static_cast<std::size_t>(reals.components);
+    std::vector<float> derived;
+    derived.reserve(reals.values.size() / components);
+    for (std::size_t i = 0; i < reals.values.size(); i += components) {
+        derived.push_back(
+            quantity.of(reals.values.subspan(i, components), hasEngineeringShear(block)));
+    }
+    range.take(derived);
+}
+
+// The derived quantity that says how large the values are: null for scalars.
+std::optional<Quantity> sizeOf(const ZRFxResultBlock& block) {
+    for (const Quantity& quantity : Quantity::all(componentCount(block))) {
+        if (quantity.isDerived()) return quantity;
+    }
+    return std::nullopt;
+}
+
+void summarizeValues(ZRFxDatabase& database, const ZRFxResultBlock& block, ResultSummary& result,
+                     bool* isComplete) {
+    const std::optional<Quantity> size = sizeOf(block);
+    if (size) result.derivedName = size->name();
     for (std::int64_t i = 0; i < block.GetStateCount(); ++i) {
         for (const int id : itemsOf(block.GetState(i)->m_aiValuesBlockIDs)) {
             const auto values = readBlock<ZRFxResultValuesBlock>(database, id);
             if (values.isNull()) {
                 *isComplete = false;
             } else {
-                range.take(realsOf(*values).values);
+                const Reals reals = realsOf(*values);
+                result.range.take(reals.values);
+                const bool fits = reals.components == componentCount(block);
+                if (size && fits) takeDerived(*size, block, reals, result.derivedRange);
             }
         }
     }
-    return range;
 }
 
 std::size_t valuesBlockCount(const ZRFxDatabase& database) {
@@ -142,9 +168,11 @@ void summarizeResults(ZRFxDatabase& database, bool withRanges, DatabaseSummary& 
                                    ResultTypeName(result.resultType).Bytes(),
                                    ResultMappingName(result.resultMapping).Bytes(),
                                    stateIds(block),
+                                   {},
+                                   {},
                                    {}});
         if (withRanges) {
-            summary.results.back().range = rangeOf(database, block, &summary.isComplete);
+            summarizeValues(database, block, summary.results.back(), &summary.isComplete);
             for (std::int64_t i = 0; i < block.GetStateCount(); ++i) {
                 progress.advance(block.GetState(i)->m_aiValuesBlockIDs.GetSize());
             }

@@ -33,6 +33,8 @@ struct ResultSummary {
     std::string mapping;
     std::vector<int> states;
     ValueRange range;
+    std::string derivedName;  ///< "magnitude" or "von_mises", by its type; empty for others.
+    ValueRange derivedRange;
 };
 
 struct TransformationSummary {
@@ -54,7 +56,7 @@ struct PartSummary {
     std::string name;
 };
 
-/// What is in a database, told without keeping any of its data.
+/// The contents of a database, without any of its data.
 struct DatabaseSummary {
     std::map<std::string, std::vector<int>> blocks;  ///< Ids by the name of the block type.
     std::int64_t nodes = 0;

@@ -71,12 +71,4 @@ std::string byteText(std::uint64_t bytes) {
     return text;
 }
 
-void print(std::string_view text) {
-    std::fwrite(text.data(), 1, text.size(), stdout);
-}
-
-void printJson(const Json& json) {
-    print(json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n");
-}
-
 }  // namespace tools

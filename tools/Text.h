@@ -31,7 +31,7 @@ inline std::string utf8(const unstruct::ZRString& text) {
 /// U+FFFD.
 std::string printable(std::string_view text);
 
-/// A message of the library without the name of the file, where that is told anyway.
+/// A message of the library without the name of the file, for where the name stands anyway.
 std::string withoutFileName(std::string message, const std::string& file);
 
 /// "1 element", "2 elements".
@@ -42,11 +42,5 @@ std::string numbered(std::string_view what, std::int64_t number);
 
 /// Bytes for people: "12.3 MB".
 std::string byteText(std::uint64_t bytes);
-
-/// Writes text to standard output; with a failure the program ends in failure.
-void print(std::string_view text);
-
-/// Writes one JSON document to standard output. Text in it that is not UTF-8 is replaced.
-void printJson(const Json& json);
 
 }  // namespace tools

@@ -1,13 +1,13 @@
 #include "ToolContext.h"
 
 #include <cstdio>
+#include <filesystem>
 #include <utility>
 
 #include "NuoCore/CoreComponent.h"
 #include "NuoCore/Instance.h"
 #include "NuoCore/LogManager.h"
 #include "NuoZRFx/ZRFxComponent.h"
-#include "Password.h"
 #include "Text.h"
 #include "access/ZROZRFxAccess.h"
 
@@ -57,8 +57,17 @@ int ToolContext::fail(const std::string& file, std::string cause) {
     return FAILURE;
 }
 
-bool ToolContext::passwordFor(const std::string& file, std::string* password) {
+bool ToolContext::isEmpty(const std::string& file) {
+    std::error_code error;
+    if (std::filesystem::file_size(file, error) != 0 || error) return false;
+    fail(file, "the file is empty");
+    return true;
+}
+
+bool ToolContext::passwordFor(const std::string& file, PasswordSource source,
+                              std::string* password) {
     password->clear();
+    if (isEmpty(file)) return false;
     unstruct::ZRFxAccess access;
     unstruct::ZRFxArchiveInfo info;
     if (!access.Open(file, unstruct::ZRZipAccessMode::READ_ONLY) || !access.GetArchiveInfo(&info)) {
@@ -67,8 +76,8 @@ bool ToolContext::passwordFor(const std::string& file, std::string* password) {
     }
     if (!info.encrypted) return true;
     std::string error;
-    const auto given =
-        readPassword({m_passwordFile, "ZRFX_PASSWORD", "Password of " + file + ": "}, &error);
+    source.prompt = "Password of " + file + ": ";
+    const auto given = readPassword(source, &error);
     if (!given) {
         fail(file, error);
         return false;

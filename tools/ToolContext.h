@@ -6,10 +6,11 @@
 
 #include "LogCollector.h"
 #include "NuoCore/PtrRef.h"
+#include "Password.h"
 
 namespace tools {
 
-/// What all commands share: the global options, the library's messages, passwords, and the exit
+/// Shared by all commands: the global options, the library's messages, passwords, and the exit
 /// code. One a process; its commands run one after the other on one thread.
 class ToolContext {
 public:
@@ -31,16 +32,24 @@ public:
     /// library's messages when it is not given. Gives FAILURE.
     int fail(const std::string& file, std::string cause = {});
 
+    /// Whether a file has no byte, which is reported then: it would pass for an empty archive.
+    bool isEmpty(const std::string& file);
+
     /// The password of an existing file: empty when the file is not encrypted, else from
     /// --password-file, ZRFX_PASSWORD or the terminal. False after a report.
-    bool passwordFor(const std::string& file, std::string* password);
+    bool passwordFor(const std::string& file, std::string* password) {
+        return passwordFor(file, {m_passwordFile, "ZRFX_PASSWORD"}, password);
+    }
+
+    /// The same from other places, of which the prompt for the terminal is not one.
+    bool passwordFor(const std::string& file, PasswordSource source, std::string* password);
 
     /// The password to encrypt a new file with, from `passwordFile`, the environment variable or
     /// the terminal, where it is asked twice. False after a report.
     bool newPasswordFor(const std::string& file, const std::string& passwordFile,
                         const char* environment, std::string* password);
 
-    /// What --password-file names; empty when it was not given.
+    /// The argument of --password-file; empty when it was not given.
     const std::string& passwordFile() const { return m_passwordFile; }
 
     LogCollector& log() { return *m_log; }

@@ -1,18 +1,19 @@
 # Completion of zrfx for bash: commands, their options, and files.
 _zrfx() {
     local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD-1]}
-    local commands="info list check extract cat diff copy import properties" command="" word
+    local commands="info list check extract cat stats diff copy import properties help version" command="" word
     for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
         if [[ " $commands " == *" $word "* ]]; then command=$word; break; fi
     done
     case $previous in
-        --level | --limit | --relative | --absolute | --database | --block | --name | --timeout)
+        --level | --limit | --relative | --absolute | --database | --block | --name | --timeout | --digits | \
+            --result | --state | --component | --part | --set | --node | --element)
             return ;;
         -o | --output)
             compopt -o filenames
             mapfile -t COMPREPLY < <(compgen -d -- "$current")
             return ;;
-        --password-file | --new-password-file)
+        --password-file | --new-password-file | --other-password-file)
             compopt -o filenames
             mapfile -t COMPREPLY < <(compgen -f -- "$current")
             return ;;
@@ -28,11 +29,12 @@ _zrfx() {
             list) options+=" --json" ;;
             check) options+=" --json --limit" ;;
             extract) options+=" --output" ;;
-            cat) options+=" --database --block --csv" ;;
-            diff) options+=" --relative --absolute" ;;
-            copy) options+=" --level --text --binary --password --new-password-file --no-password" ;;
+            cat) options+=" --database --block --result --state --component --part --set --node --element --coordinates --history --csv" ;;
+            stats) options+=" --result --state --part --set --json --csv" ;;
+            diff) options+=" --relative --absolute --other-password-file" ;;
+            copy) options+=" --level --digits --text --binary --password --new-password-file --no-password" ;;
             properties) options+=" --markdown" ;;
-            import) options+=" --name --level --text --follow --timeout" ;;
+            import) options+=" --name --level --digits --text --password --follow --timeout" ;;
         esac
         mapfile -t COMPREPLY < <(compgen -W "$options" -- "$current")
         return

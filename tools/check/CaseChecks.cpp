@@ -107,7 +107,7 @@ void CaseCheck::checkProperties(const nvf::XmlElement& root) {
     }
 }
 
-// What settings refer to: textures of the case and results of its database.
+// Settings refer to textures of the case and to results of its database.
 void CaseCheck::checkProperty(const nvf::PropertySet& set, const nvf::String& key,
                               const nvf::Variant& value) {
     const std::string name = key.toUtf8();

@@ -20,19 +20,25 @@ void warnUnreferred(int type, const char* message, CheckedDatabase& checked) {
     }
 }
 
-}  // namespace
-
-CheckedDatabase::CheckedDatabase(ZRFxDatabase& database, Findings& findings, std::set<int> cases)
-    : caseIds(std::move(cases)), m_database(database), m_findings(findings) {
-    for (const int id : blockIds(database, BLOCK_RESULTS)) {
-        const auto block = openBlock<ZRFxResultBlock>(database, id);
-        if (block->ReadMetaData()) resultIds.insert(block->GetDescription().resultID);
+// How the block fits the others.
+void checkModel(const ZRFxBlock& block, CheckedDatabase& checked) {
+    const auto outline = checked.model().OutlineOf(block.GetType(), block.GetID());
+    if (!outline) return;
+    for (const ZRFxReference& reference : outline->references) {
+        checked.referredBlocks.insert({reference.blockType, reference.id});
     }
-    for (const int id : blockIds(database, BLOCK_TRANSFORMATION_RESULTS)) {
-        const auto block = openBlock<ZRFxTransformationResultsBlock>(database, id);
-        if (block->ReadMetaData()) resultIds.insert(block->GetResultID());
+    for (const ZRFxFinding& finding :
+         checked.model().CheckBlock(block.GetType(), block.GetID(), *outline)) {
+        Reporter reporter = checked.reporter(finding.check, block);
+        if (finding.isError) {
+            reporter.error(finding.place, finding.message);
+        } else {
+            reporter.warning(finding.place, finding.message);
+        }
     }
 }
+
+}  // namespace
 
 Reporter CheckedDatabase::reporter(const char* check) const {
     return {m_findings, check, m_database.EntryName("Database.xml").Bytes()};
@@ -75,7 +81,7 @@ std::unique_ptr<IdIndex> CheckedDatabase::loadElementIds(int blockId) {
 }
 
 void checkBlock(const ZRFxBlock& block, CheckedDatabase& checked) {
-    checkReferences(block, checked);
+    checkModel(block, checked);
     checkNumbers(block, checked);
     groupOf(block).check(block, checked);
 }

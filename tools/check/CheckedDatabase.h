@@ -14,26 +14,22 @@
 #include "blocks/mesh/ZRFxNodeBlock.h"
 #include "check/Findings.h"
 #include "check/IdIndex.h"
+#include "database/ZRFxModelCheck.h"
 #include "database/ZROZRFxDatabase.h"
 
 namespace tools {
 
-/// How many items a block has for result values to belong to.
-struct ItemCounts {
-    std::int64_t items = 0;         ///< Nodes, elements or polygons.
-    std::int64_t elementNodes = 0;  ///< The nodes of all elements.
-    std::int64_t surfaces = 0;      ///< The surfaces of all elements.
-};
-
-/// What the checks of the blocks of one database need to know of its other blocks. It holds counts
-/// and ids of states and results; nodes and element ids of the last blocks asked for, not of all.
+/// A database whose blocks are being checked. It holds nodes and element ids of the last blocks
+/// asked for, not of all.
 class CheckedDatabase {
 public:
-    /// Reads the descriptions of results, whose ids may be referred to before they come.
-    CheckedDatabase(unstruct::ZRFxDatabase& database, Findings& findings, std::set<int> caseIds);
+    CheckedDatabase(unstruct::ZRFxDatabase& database, Findings& findings)
+        : m_database(database), m_model(database), m_findings(findings) {}
 
     unstruct::ZRFxDatabase& database() const { return m_database; }
-    bool hasBlock(int type, int id) const { return m_database.GetBlockByID(type, id) != nullptr; }
+
+    /// How its blocks fit together, as far as their documents say.
+    unstruct::ZRFxModelCheck& model() { return m_model; }
 
     /// Adds findings about a block, which lie in its document.
     Reporter reporter(const char* check, const unstruct::ZRFxBlock& block) const {
@@ -52,15 +48,7 @@ public:
     /// The ids of the elements of a block; null when the block cannot be read or has none.
     const IdIndex* elementIds(int blockId);
 
-    std::multiset<int> resultIds;
-    const std::set<int> caseIds;
-
     /// Filled while the blocks are checked, in the order of their types.
-    std::set<int> stateIds;
-    bool hasStateInfo = false;
-    std::map<std::pair<int, int>, ItemCounts> itemCounts;  ///< By block type and id.
-    std::map<int, int> mappingOfValues;                    ///< By id of the result values block.
-    std::map<int, int> dimensionsOfValues;                 ///< As the result's type asks for.
     std::set<std::pair<int, int>> referredBlocks;          ///< Type and id.
     std::map<std::pair<int, int>, std::set<int>> partIds;  ///< By geometry block and geometry.
 
@@ -74,6 +62,7 @@ private:
     std::unique_ptr<IdIndex> loadElementIds(int blockId);
 
     unstruct::ZRFxDatabase& m_database;
+    unstruct::ZRFxModelCheck m_model;
     Findings& m_findings;
     Cache<Nodes> m_nodes;
     Cache<IdIndex> m_elementIds;

@@ -9,7 +9,7 @@ namespace {
 
 using nuo::Vec3d;
 
-// A face comes as its corners, then the mid-side nodes behind each corner in turn.
+// A face comes as its corners, then the mid-side node after each corner in turn.
 std::vector<unsigned int> outlineOf(const std::vector<unsigned int>& face, bool isQuadratic) {
     if (!isQuadratic) return face;
     std::vector<unsigned int> outline;

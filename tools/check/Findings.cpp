@@ -10,6 +10,17 @@ void Findings::add(Finding finding) {
     m_findings.push_back(std::move(finding));
 }
 
+void Findings::addCause(Finding cause) {
+    cause.message = withoutFileName(std::move(cause.message), m_file);
+    std::erase_if(m_findings, [&](const Finding& finding) {
+        if (finding.severity != Severity::ERROR || finding.message != cause.message) return false;
+        --m_errorCount;
+        --m_counts[{finding.check, finding.entry}];
+        return true;
+    });
+    add(std::move(cause));
+}
+
 std::vector<Finding> Findings::kept(Severity severity) const {
     std::vector<Finding> kept;
     std::map<std::pair<std::string, std::string>, std::size_t> numbers;

@@ -22,14 +22,17 @@ struct Finding {
     std::string message;
 };
 
-/// What a check of a file has found. Of one check in one entry only the first findings are kept one
-/// by one; how many more there are is told in one line.
+/// The findings in a file. Of one check in one entry only the first findings are kept one by one;
+/// one line says how many more there are.
 class Findings {
 public:
     /// `limit` findings are kept of each check in each entry; 0 keeps all.
     Findings(std::string file, std::size_t limit) : m_file(std::move(file)), m_limit(limit) {}
 
     void add(Finding finding);
+
+    /// Adds an error that others, which have the same message, come from: it takes their place.
+    void addCause(Finding cause);
 
     std::size_t errorCount() const { return m_errorCount; }
     std::size_t warningCount() const { return m_warningCount; }

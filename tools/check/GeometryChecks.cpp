@@ -188,19 +188,6 @@ private:
     std::vector<Vec3d> m_outline;
 };
 
-ItemCounts countItems(const ZRFxElementBlock& block) {
-    ItemCounts counts;
-    for (std::int64_t i = 0; i < block.GetNumElementGroups(); ++i) {
-        const ZRFxElementBlockGroup& group = *block.GetElementGroup(i);
-        counts.items += group.m_iNumElements;
-        counts.elementNodes += group.m_aiConnectivity.GetSize();
-        counts.surfaces += group.IsPolyhedron() ? group.m_aiPolyhedronFaceNodeCounts.GetSize()
-                                                : group.m_iNumElements *
-                                                      ZRFEMSurfacesPerElement(group.m_iElementType);
-    }
-    return counts;
-}
-
 void checkElementIds(const ZRFxElementBlock& block, const CheckedDatabase& checked) {
     ZRIntArray ids;
     if (block.GetWithIDs() && block.GetAllElementIDs(&ids)) {
@@ -245,7 +232,6 @@ void checkPartIds(const ZRFxGeometryBlock& block, const ZRFxGeometryState& state
 }  // namespace
 
 void checkNodes(const ZRFxNodeBlock& nodes, CheckedDatabase& checked) {
-    checked.itemCounts[{BLOCK_NODES, nodes.GetID()}].items = nodes.GetNodes().GetSize();
     if (nodes.GetNodeIDs()) {
         warnDuplicates("node", itemsOf(*nodes.GetNodeIDs()),
                        checked.reporter("duplicate-id", nodes));
@@ -265,7 +251,6 @@ void checkNodes(const ZRFxNodeBlock& nodes, CheckedDatabase& checked) {
 }
 
 void checkElements(const ZRFxElementBlock& elements, CheckedDatabase& checked) {
-    checked.itemCounts[{BLOCK_ELEMENTS, elements.GetID()}] = countItems(elements);
     checkElementIds(elements, checked);
     const NodeFinder finder =
         finderOf(elements, elements.GetNodeBlockID(), elements.GetMapToNodeIDs(), checked);
@@ -279,8 +264,6 @@ void checkElements(const ZRFxElementBlock& elements, CheckedDatabase& checked) {
 }
 
 void checkFaceSet(const ZRFxIndexedFaceSetBlock& faces, CheckedDatabase& checked) {
-    checked.itemCounts[{BLOCK_INDEXED_FACE_SET, faces.GetID()}] = {
-        faces.GetNumPolygons(), faces.GetConnects().GetSize(), 0};
     const NodeFinder finder =
         finderOf(faces, faces.GetNodeBlockID(), faces.GetMapToNodeIDs(), checked);
     if (!finder.isUsable()) return;
@@ -335,8 +318,8 @@ void checkSet(const ZRFxSetBlock& set, CheckedDatabase& checked) {
     Reporter reporter = checked.reporter("set-item", set);
     for (std::int64_t g = 0; g < set.GetItemsCount(); ++g) {
         const ZRFxSetBlockItems& group = *set.GetItems(g);
-        const auto counts = checked.itemCounts.find({BLOCK_ELEMENTS, group.m_iBlockID});
-        if (counts == checked.itemCounts.end()) continue;
+        const ZRFxItemCounts* counts = checked.model().CountsOf(BLOCK_ELEMENTS, group.m_iBlockID);
+        if (!counts) continue;
         const IdIndex* ids =
             set.GetItemsSpecifiedAsIDs() ? checked.elementIds(group.m_iBlockID) : nullptr;
         if (set.GetItemsSpecifiedAsIDs() && !ids) {
@@ -345,8 +328,7 @@ void checkSet(const ZRFxSetBlock& set, CheckedDatabase& checked) {
         }
         for (std::int64_t i = 0; i < group.m_aiItems.GetSize(); ++i) {
             const std::int32_t item = group.m_aiItems[i];
-            const bool isThere =
-                ids ? ids->indexOf(item) >= 0 : item >= 0 && item < counts->second.items;
+            const bool isThere = ids ? ids->indexOf(item) >= 0 : item >= 0 && item < counts->items;
             if (isThere) continue;
             reporter.error(numbered("group", g) + numbered(", item", i),
                            "there is no element " + std::string(ids ? "of id " : "") +

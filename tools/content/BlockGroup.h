@@ -8,17 +8,15 @@
 namespace tools {
 
 class CheckedDatabase;
-class References;
 class Table;
 
-/// What the commands need of the block classes of one group. Each group is a module, which has
-/// these four operations for every class of its list: one that is left out does not compile, and a
+/// The commands' view of the block classes of one group. Each group is a module, which has
+/// these three operations for every class of its list: one that is left out does not compile, and a
 /// class of which there is nothing to say has an empty one.
 struct BlockGroup {
     using Block = unstruct::ZRFxBlock;
 
     void (*describe)(const Block& block, Content& content);       ///< All that the block holds.
-    void (*collect)(const Block& block, References& references);  ///< All that it refers to.
     void (*write)(const Block& block, Table& table);              ///< Its values as a table.
     void (*check)(const Block& block, CheckedDatabase& checked);  ///< What only its class can tell.
 };

@@ -47,7 +47,7 @@ class Content {
 public:
     std::vector<Field> take() { return std::move(m_fields); }
 
-    /// What is added until the scope ends lies in this place.
+    /// Gives a place to all that is added until the scope ends.
     class Scope {
     public:
         Scope(Content& content, const std::string& place)

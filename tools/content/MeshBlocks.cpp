@@ -3,7 +3,6 @@
 #include "check/BlockChecks.h"
 #include "content/BlockGroup.h"
 #include "content/Content.h"
-#include "content/References.h"
 #include "content/Table.h"
 
 namespace tools {
@@ -15,8 +14,6 @@ void describe(const ZRFxNodeBlock& block, Content& content) {
     content.add("coordinates", block.GetNodes());
     content.add("ids", block.GetNodeIDs());
 }
-
-void collect(const ZRFxNodeBlock&, References&) {}
 
 void write(const ZRFxNodeBlock& block, Table& table) {
     table.header(block.GetNodeIDs() ? "id" : nullptr, kVectorKind.components);
@@ -33,10 +30,6 @@ void describe(const ZRFxIndexedFaceSetBlock& block, Content& content) {
     content.add("nodes", block.GetConnects());
     content.add("first nodes of the polygons", block.GetPolygonStarts());
     content.add("ids", block.GetIDs());
-}
-
-void collect(const ZRFxIndexedFaceSetBlock& block, References& references) {
-    references.block(BLOCK_NODES, block.GetNodeBlockID(), "node block");
 }
 
 void write(const ZRFxIndexedFaceSetBlock& block, Table& table) {
@@ -97,12 +90,6 @@ void describe(const ZRFxElementBlock& block, Content& content) {
     }
 }
 
-void collect(const ZRFxElementBlock& block, References& references) {
-    references.block(BLOCK_NODES, block.GetNodeBlockID(), "node block");
-    references.optionalBlock(BLOCK_CROSS_SECTIONS, block.GetCrossSectionsID(),
-                             "cross sections block");
-}
-
 void write(const ZRFxElementBlock& block, Table& table) {
     table.header(block.GetWithIDs() ? "id" : nullptr,
                  {"type", block.GetMapToNodeIDs() ? "node_ids" : "node_indices"});
@@ -130,24 +117,6 @@ void describe(const ZRFxGeometryBlock& block, Content& content) {
                 content.add("block type", ZRFxBlockTypeName(part.blockType));
                 content.add("block", part.blockID);
                 content.add("geometry id", part.apiGeometryID);
-            }
-        }
-    }
-}
-
-void collect(const ZRFxGeometryBlock& block, References& references) {
-    for (std::int64_t s = 0; s < block.GetStateCount(); ++s) {
-        const ZRFxGeometryState& state = *block.GetState(s);
-        // One record alone stands for all states, whatever its state.
-        if (block.GetStateCount() > 1) {
-            references.state(state.GetStateID(), numbered("record", s));
-        }
-        for (int g = 0; g < state.GetGeometryCountPerState(); ++g) {
-            for (int p = 0; p < state.GetPartCount(g); ++p) {
-                const ZRFxGeometryPart part = state.GetPart(g, p);
-                references.block(part.blockType, part.blockID,
-                                 numbered("state", state.GetStateID()) + numbered(", geometry", g) +
-                                     numbered(", part", p));
             }
         }
     }
@@ -190,8 +159,6 @@ void describe(const ZRFxGeometryInfoBlock& block, Content& content) {
     }
 }
 
-void collect(const ZRFxGeometryInfoBlock&, References&) {}
-
 void write(const ZRFxGeometryInfoBlock& block, Table& table) {
     table.header({"geometry", "part_id", "name", "parent_part_id"});
     for (int g = 0; g < block.GetGeometryCountPerState(); ++g) {
@@ -221,8 +188,6 @@ void describe(const ZRFxCrossSectionsBlock& block, Content& content) {
     }
 }
 
-void collect(const ZRFxCrossSectionsBlock&, References&) {}
-
 void write(const ZRFxCrossSectionsBlock& block, Table& table) {
     writeFields(block, table);
 }
@@ -234,9 +199,6 @@ void check(const ZRFxCrossSectionsBlock&, CheckedDatabase&) {}
 const BlockGroup kMeshBlocks{
     [](const ZRFxBlock& block, Content& content) {
         Visit<ZRFxMeshBlockClasses>(block, [&](const auto& own) { describe(own, content); });
-    },
-    [](const ZRFxBlock& block, References& references) {
-        Visit<ZRFxMeshBlockClasses>(block, [&](const auto& own) { collect(own, references); });
     },
     [](const ZRFxBlock& block, Table& table) {
         Visit<ZRFxMeshBlockClasses>(block, [&](const auto& own) { write(own, table); });

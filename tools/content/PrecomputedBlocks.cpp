@@ -3,7 +3,6 @@
 #include "check/BlockChecks.h"
 #include "content/BlockGroup.h"
 #include "content/Content.h"
-#include "content/References.h"
 #include "content/Table.h"
 
 namespace tools {
@@ -54,46 +53,6 @@ void describeStates(const ZRFxPrecomputedBlock& block, Content& content) {
     }
 }
 
-void collect(const ZRFxPrecomputedTrace& trace, const std::string& place, References& references) {
-    references.block(BLOCK_NODES, trace.positionNodeBlockID, place + ", positions");
-    references.optionalBlock(BLOCK_RESULT_VALUES, trace.timeResultBlockID, place + ", times");
-    references.optionalBlock(BLOCK_RESULT_VALUES, trace.scalarResultBlockID, place + ", scalars");
-    references.optionalBlock(BLOCK_RESULT_VALUES, trace.vectorResultBlockID, place + ", vectors");
-}
-
-void collect(const ZRFxPrecomputedPart& part, const std::string& place, References& references) {
-    references.block(BLOCK_INDEXED_FACE_SET, part.ifsBlockID, place + ", face set");
-    references.optionalBlock(BLOCK_NODES, part.nodeBlockID, place + ", nodes");
-    references.optionalBlock(BLOCK_RESULT_VALUES, part.fringesResultBlockID, place + ", fringes");
-    references.optionalBlock(BLOCK_RESULT_VALUES, part.vectorResultBlockID, place + ", vectors");
-}
-
-void collect(const ZRFxPrecomputedGrid& grid, const std::string& place, References& references) {
-    references.block(BLOCK_NODES, grid.nodeBlockID, place + ", nodes");
-    references.optionalBlock(BLOCK_RESULT_VALUES, grid.computedResultBlockID,
-                             place + ", computed values");
-    references.optionalBlock(BLOCK_RESULT_VALUES, grid.scalarResultBlockID, place + ", scalars");
-    references.optionalBlock(BLOCK_RESULT_VALUES, grid.vectorResultBlockID, place + ", vectors");
-}
-
-template <typename Items>
-void collectEach(const Items& items, const std::string& place, References& references) {
-    for (std::int64_t i = 0; i < items.GetSize(); ++i) {
-        collect(*items[i], place + " " + std::to_string(i), references);
-    }
-}
-
-void collectStates(const ZRFxPrecomputedBlock& block, References& references) {
-    for (std::int64_t s = 0; s < block.GetStateCount(); ++s) {
-        const ZRFxPrecomputedState& state = *block.GetState(s);
-        const std::string place = numbered("state", state.m_iStateID);
-        references.state(state.m_iStateID, place);
-        collectEach(state.apTraces, place + ", trace", references);
-        collectEach(state.apParts, place + ", part", references);
-        collectEach(state.apGrids, place + ", grid", references);
-    }
-}
-
 void describe(const ZRFxPrecomputedItemBlock& block, Content& content) {
     content.add("item type", PrecomputedItemTypeName(block.m_iItemType));
     content.add("item id", block.m_iItemID);
@@ -101,18 +60,11 @@ void describe(const ZRFxPrecomputedItemBlock& block, Content& content) {
     describeStates(block, content);
 }
 
-void collect(const ZRFxPrecomputedItemBlock& block, References& references) {
-    references.optionalCase(block.m_iCaseID);
-    collectStates(block, references);
-}
-
 void write(const ZRFxPrecomputedItemBlock& block, Table& table) {
     writeFields(block, table);
 }
 
-void check(const ZRFxPrecomputedItemBlock& block, CheckedDatabase& checked) {
-    checkPrecomputed(block, checked);
-}
+void check(const ZRFxPrecomputedItemBlock&, CheckedDatabase&) {}
 
 void describeSurface(const ZRFxPrecomputedSurfaceBlock& block, Content& content) {
     content.add("case", block.m_iCaseID);
@@ -126,12 +78,6 @@ void describeSurface(const ZRFxPrecomputedSurfaceBlock& block, Content& content)
     describeStates(block, content);
 }
 
-void collectSurface(const ZRFxPrecomputedSurfaceBlock& block, References& references) {
-    references.optionalCase(block.m_iCaseID);
-    references.optionalResult(block.m_iMapScalarResultId, "scalar result");
-    references.optionalResult(block.m_iMapVectorResultId, "vector result");
-}
-
 void describe(const ZRFxPrecomputedCuttingPlaneBlock& block, Content& content) {
     content.add("cutting plane", block.m_iCuttingPlaneID);
     content.add("point", block.m_vPoint);
@@ -142,18 +88,11 @@ void describe(const ZRFxPrecomputedCuttingPlaneBlock& block, Content& content) {
     describeSurface(block, content);
 }
 
-void collect(const ZRFxPrecomputedCuttingPlaneBlock& block, References& references) {
-    collectSurface(block, references);
-    collectStates(block, references);
-}
-
 void write(const ZRFxPrecomputedCuttingPlaneBlock& block, Table& table) {
     writeFields(block, table);
 }
 
-void check(const ZRFxPrecomputedCuttingPlaneBlock& block, CheckedDatabase& checked) {
-    checkPrecomputed(block, checked);
-}
+void check(const ZRFxPrecomputedCuttingPlaneBlock&, CheckedDatabase&) {}
 
 void describe(const ZRFxPrecomputedIsosurfaceBlock& block, Content& content) {
     content.add("iso-surface", block.m_iIsosurfaceID);
@@ -162,19 +101,11 @@ void describe(const ZRFxPrecomputedIsosurfaceBlock& block, Content& content) {
     describeSurface(block, content);
 }
 
-void collect(const ZRFxPrecomputedIsosurfaceBlock& block, References& references) {
-    collectSurface(block, references);
-    references.optionalResult(block.m_iIsoScalarResultId, "iso result");
-    collectStates(block, references);
-}
-
 void write(const ZRFxPrecomputedIsosurfaceBlock& block, Table& table) {
     writeFields(block, table);
 }
 
-void check(const ZRFxPrecomputedIsosurfaceBlock& block, CheckedDatabase& checked) {
-    checkPrecomputed(block, checked);
-}
+void check(const ZRFxPrecomputedIsosurfaceBlock&, CheckedDatabase&) {}
 
 void describe(const ZRFxPrecomputedIsovolumeBlock& block, Content& content) {
     content.add("iso-volume", block.m_iIsovolumeID);
@@ -186,19 +117,11 @@ void describe(const ZRFxPrecomputedIsovolumeBlock& block, Content& content) {
     describeSurface(block, content);
 }
 
-void collect(const ZRFxPrecomputedIsovolumeBlock& block, References& references) {
-    collectSurface(block, references);
-    references.optionalResult(block.m_iIsoScalarResultId, "iso result");
-    collectStates(block, references);
-}
-
 void write(const ZRFxPrecomputedIsovolumeBlock& block, Table& table) {
     writeFields(block, table);
 }
 
-void check(const ZRFxPrecomputedIsovolumeBlock& block, CheckedDatabase& checked) {
-    checkPrecomputed(block, checked);
-}
+void check(const ZRFxPrecomputedIsovolumeBlock&, CheckedDatabase&) {}
 
 void describe(const ZRFxPrecomputedParticleTraceGroupBlock& block, Content& content) {
     content.add("case", block.m_iCaseID);
@@ -214,19 +137,6 @@ void describe(const ZRFxPrecomputedParticleTraceGroupBlock& block, Content& cont
     }
 }
 
-void collect(const ZRFxPrecomputedParticleTraceGroupBlock& block, References& references) {
-    references.optionalCase(block.m_iCaseID);
-    references.optionalResult(block.m_iVectorResultId, "vector result");
-    references.optionalResult(block.m_iMapScalarResultId, "scalar result");
-    for (std::int64_t i = 0; i < block.GetTraceCount(); ++i) {
-        const ZRFxParticleTrace& trace = *block.GetTrace(i);
-        const std::string place = numbered("trace", i);
-        references.block(BLOCK_NODES, trace.positionsBlockID, place + ", positions");
-        references.optionalBlock(BLOCK_RESULT_VALUES, trace.timeStampsBlockID, place + ", times");
-        references.optionalBlock(BLOCK_RESULT_VALUES, trace.mapScalarsBlockID, place + ", scalars");
-    }
-}
-
 void write(const ZRFxPrecomputedParticleTraceGroupBlock& block, Table& table) {
     writeFields(block, table);
 }
@@ -238,10 +148,6 @@ void check(const ZRFxPrecomputedParticleTraceGroupBlock&, CheckedDatabase&) {}
 const BlockGroup kPrecomputedBlocks{
     [](const ZRFxBlock& block, Content& content) {
         Visit<ZRFxPrecomputedBlockClasses>(block, [&](const auto& own) { describe(own, content); });
-    },
-    [](const ZRFxBlock& block, References& references) {
-        Visit<ZRFxPrecomputedBlockClasses>(block,
-                                           [&](const auto& own) { collect(own, references); });
     },
     [](const ZRFxBlock& block, Table& table) {
         Visit<ZRFxPrecomputedBlockClasses>(block, [&](const auto& own) { write(own, table); });

@@ -3,7 +3,6 @@
 #include "check/BlockChecks.h"
 #include "content/BlockGroup.h"
 #include "content/Content.h"
-#include "content/References.h"
 #include "content/Table.h"
 
 namespace tools {
@@ -28,8 +27,6 @@ void describe(const ZRFxStateInfoBlock& block, Content& content) {
     }
 }
 
-void collect(const ZRFxStateInfoBlock&, References&) {}
-
 void write(const ZRFxStateInfoBlock& block, Table& table) {
     table.header({"id", "name", "value", "type", "group_id", "group"});
     for (std::int64_t i = 0; i < block.GetStateCount(); ++i) {
@@ -44,26 +41,13 @@ void write(const ZRFxStateInfoBlock& block, Table& table) {
     }
 }
 
-void check(const ZRFxStateInfoBlock& block, CheckedDatabase& checked) {
-    checkStateInfo(block, checked);
-}
+void check(const ZRFxStateInfoBlock&, CheckedDatabase&) {}
 
 void describeStates(const ZRFxStatesBlock& block, Content& content) {
     for (std::int64_t s = 0; s < block.GetStateCount(); ++s) {
         const ZRFxStateValues& state = *block.GetState(s);
         content.add((numbered("state", state.m_iStateID) + ", values blocks").c_str(),
                     state.m_aiValuesBlockIDs);
-    }
-}
-
-void collectStates(const ZRFxStatesBlock& block, int valuesType, References& references) {
-    for (std::int64_t s = 0; s < block.GetStateCount(); ++s) {
-        const ZRFxStateValues& state = *block.GetState(s);
-        const std::string place = numbered("state", state.m_iStateID);
-        references.state(state.m_iStateID, place);
-        for (const int id : itemsOf(state.m_aiValuesBlockIDs)) {
-            references.block(valuesType, id, place);
-        }
     }
 }
 
@@ -95,28 +79,17 @@ void describe(const ZRFxResultBlock& block, Content& content) {
     describeStates(block, content);
 }
 
-void collect(const ZRFxResultBlock& block, References& references) {
-    references.optionalResult(block.GetDescription().baseResultID, "base result");
-    collectStates(block, BLOCK_RESULT_VALUES, references);
-}
-
 void write(const ZRFxResultBlock& block, Table& table) {
     writeStates(block, table);
 }
 
-void check(const ZRFxResultBlock& block, CheckedDatabase& checked) {
-    checkResult(block, checked);
-}
+void check(const ZRFxResultBlock&, CheckedDatabase&) {}
 
 void describe(const ZRFxResultValuesBlock& block, Content& content) {
     content.add("target block", block.GetMapToBlockID());
     content.add("dimensions", block.GetNumDimensions());
     content.add("values", realsOf(block));
     content.add("item ids", block.GetIDs());
-}
-
-void collect(const ZRFxResultValuesBlock& block, References& references) {
-    references.target(block.GetMapToBlockID());
 }
 
 void write(const ZRFxResultValuesBlock& block, Table& table) {
@@ -135,17 +108,11 @@ void describe(const ZRFxTransformationResultsBlock& block, Content& content) {
     describeStates(block, content);
 }
 
-void collect(const ZRFxTransformationResultsBlock& block, References& references) {
-    collectStates(block, BLOCK_TRANSFORMATION_RESULT_VALUES, references);
-}
-
 void write(const ZRFxTransformationResultsBlock& block, Table& table) {
     writeStates(block, table);
 }
 
-void check(const ZRFxTransformationResultsBlock& block, CheckedDatabase& checked) {
-    checkTransformationResult(block, checked);
-}
+void check(const ZRFxTransformationResultsBlock&, CheckedDatabase&) {}
 
 void describe(const ZRFxTransformationResultValuesBlock& block, Content& content) {
     content.add("target block", block.GetMapToBlockID());
@@ -156,10 +123,6 @@ void describe(const ZRFxTransformationResultValuesBlock& block, Content& content
                         block.GetMatrix().rowCol(row, column));
         }
     }
-}
-
-void collect(const ZRFxTransformationResultValuesBlock& block, References& references) {
-    references.block(block.GetMapToBlockType(), block.GetMapToBlockID(), "target block");
 }
 
 void write(const ZRFxTransformationResultValuesBlock& block, Table& table) {
@@ -187,10 +150,6 @@ void describe(const ZRFxPositionResultValuesBlock& block, Content& content) {
     content.add("vector types", block.m_aiVectorTypes);
 }
 
-void collect(const ZRFxPositionResultValuesBlock& block, References& references) {
-    references.block(BLOCK_ELEMENTS, block.m_iMapToBlockID, "target block");
-}
-
 void write(const ZRFxPositionResultValuesBlock& block, Table& table) {
     writeFields(block, table);
 }
@@ -208,8 +167,6 @@ void describe(const ZRFx2DPlotDataBlock& block, Content& content) {
     }
 }
 
-void collect(const ZRFx2DPlotDataBlock&, References&) {}
-
 void write(const ZRFx2DPlotDataBlock& block, Table& table) {
     writeFields(block, table);
 }
@@ -221,9 +178,6 @@ void check(const ZRFx2DPlotDataBlock&, CheckedDatabase&) {}
 const BlockGroup kResultsBlocks{
     [](const ZRFxBlock& block, Content& content) {
         Visit<ZRFxResultsBlockClasses>(block, [&](const auto& own) { describe(own, content); });
-    },
-    [](const ZRFxBlock& block, References& references) {
-        Visit<ZRFxResultsBlockClasses>(block, [&](const auto& own) { collect(own, references); });
     },
     [](const ZRFxBlock& block, Table& table) {
         Visit<ZRFxResultsBlockClasses>(block, [&](const auto& own) { write(own, table); });

@@ -3,7 +3,6 @@
 #include "check/BlockChecks.h"
 #include "content/BlockGroup.h"
 #include "content/Content.h"
-#include "content/References.h"
 #include "content/Table.h"
 
 namespace tools {
@@ -20,12 +19,6 @@ void describe(const ZRFxSetBlock& block, Content& content) {
         const Content::Scope scope(content, numbered("group", i));
         content.add("block", items.m_iBlockID);
         content.add("items", items.m_aiItems);
-    }
-}
-
-void collect(const ZRFxSetBlock& block, References& references) {
-    for (std::int64_t i = 0; i < block.GetItemsCount(); ++i) {
-        references.block(BLOCK_ELEMENTS, block.GetItems(i)->m_iBlockID, numbered("group", i));
     }
 }
 
@@ -49,9 +42,6 @@ void check(const ZRFxSetBlock& block, CheckedDatabase& checked) {
 const BlockGroup kSetsBlocks{
     [](const ZRFxBlock& block, Content& content) {
         Visit<ZRFxSetsBlockClasses>(block, [&](const auto& own) { describe(own, content); });
-    },
-    [](const ZRFxBlock& block, References& references) {
-        Visit<ZRFxSetsBlockClasses>(block, [&](const auto& own) { collect(own, references); });
     },
     [](const ZRFxBlock& block, Table& table) {
         Visit<ZRFxSetsBlockClasses>(block, [&](const auto& own) { write(own, table); });

@@ -2,6 +2,7 @@
 
 #include <variant>
 
+#include "StandardOutput.h"
 #include "Text.h"
 #include "content/BlockGroup.h"
 

@@ -13,14 +13,14 @@
 
 namespace tools {
 
-/// What a reader delivers, whatever the format of its file: plain data. All ids are those of the
-/// file, 0 or more.
+/// The contents of a file as a reader delivers them, whatever its format: plain data. All ids are
+/// those of the file, 0 or more.
 
 /// Values of this size or above stand for "no value".
 constexpr float kUndefined = 2.99e38f;
 
-/// What a file says about itself. It counts as it is when the first result is delivered, or at the
-/// end when there is none.
+/// The description that a file gives of itself. It counts as it is when the first result is
+/// delivered, or at the end when there is none.
 struct ImportHeader {
     std::string title;
     std::string program;  ///< Name and version of what made the file.
@@ -72,7 +72,7 @@ struct ImportState {
 
 /// One result among values: what is the same in all states.
 struct ImportField {
-    /// What a viewer would show first.
+    /// By its role a viewer is given the result to show first.
     enum Role { PLAIN, STRESS, TEMPERATURE };
 
     nuo::zrfx::ResultBlock::ResultType type = nuo::zrfx::ResultBlock::SCALAR;
@@ -114,7 +114,7 @@ struct ImportData {
     ImportElements elements;
     ImportValues values;
     std::string damage;              ///< Place and reason.
-    std::vector<std::string> notes;  ///< What was changed or left out, a line each.
+    std::vector<std::string> notes;  ///< On anything changed or left out, one per line.
 };
 
 }  // namespace tools

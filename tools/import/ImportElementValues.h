@@ -19,7 +19,7 @@ public:
     /// left out.
     std::size_t strayCount() const { return m_strayCount; }
 
-    /// What one values block holds.
+    /// The contents of one values block.
     struct PartValues {
         std::vector<int> ids;  ///< Empty when there is a value for each item.
         std::vector<float> values;

@@ -51,6 +51,15 @@ std::uint64_t ImportFile::size() const {
     return fstat(m_descriptor, &status) == 0 ? static_cast<std::uint64_t>(status.st_size) : 0;
 }
 
+std::string ImportFile::lastBytes(std::size_t count) const {
+    const std::uint64_t end = size();
+    std::string bytes(static_cast<std::size_t>(std::min<std::uint64_t>(count, end)), '\0');
+    const ssize_t read =
+        pread(m_descriptor, bytes.data(), bytes.size(), static_cast<off_t>(end - bytes.size()));
+    bytes.resize(read > 0 ? static_cast<std::size_t>(read) : 0);
+    return bytes;
+}
+
 void ImportFile::close() {
     if (m_descriptor >= 0) ::close(m_descriptor);
     m_descriptor = -1;

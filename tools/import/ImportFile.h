@@ -37,10 +37,10 @@ public:
     /// Looks at the next line.
     std::optional<std::string_view> peekLine();
 
-    /// What follows the last whole line, valid until the next call.
+    /// The rest after the last whole line, valid until the next call.
     std::string_view unfinishedLine() const { return {m_window.data() + m_begin, available()}; }
 
-    /// The last line, where it has no end. None after the last end of a line.
+    /// The last line, if nothing ends it; none otherwise.
     std::optional<std::string_view> readLastLine();
 
     /// The next bytes, valid until the next call; null, and nothing consumed, when there are not so
@@ -55,6 +55,9 @@ public:
 
     /// Bytes of the file as it is now.
     std::uint64_t size() const;
+
+    /// The last bytes of the file as it is now; fewer where it does not have so many.
+    std::string lastBytes(std::size_t count) const;
 
     /// Whether reading has failed, with errno.
     bool hasFailed() const { return m_hasFailed; }

@@ -37,11 +37,14 @@ public:
     virtual std::uint64_t fileSize() const = 0;
     virtual std::uint64_t position() const = 0;
 
-    // What follows is for formats that can be followed while they are written.
+    // The rest is for formats that can be followed while they are written.
 
     /// After INCOMPLETE: the id of the state of the result within which the file ends; 0 when
     /// that is not known.
     virtual int begunState() const { return 0; }
+
+    /// Whether the file ends as one that is finished: nothing will be added to it.
+    virtual bool isFinished() const { return false; }
 
     /// Whether the file was shortened since it was opened, or another one is at its path.
     virtual bool wasWrittenAnew(const std::string& /*path*/) const { return false; }

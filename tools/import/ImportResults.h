@@ -51,7 +51,7 @@ public:
     const nuo::zrfx::StateInfoBlock& states() const { return *m_states; }
     const std::vector<Series>& series() const { return m_series; }
 
-    /// What was not taken as it came, a line each.
+    /// Notes on anything that was not taken as it came, one per line.
     std::vector<std::string> notes() const;
 
 private:

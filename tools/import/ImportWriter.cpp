@@ -1,5 +1,6 @@
 #include "import/ImportWriter.h"
 
+#include "SolverRun.h"
 #include "Text.h"
 #include "import/ImportView.h"
 
@@ -13,9 +14,10 @@ bool ImportWriter::begin(const ImportHeader& header) {
     m_inputError = hasMesh() ? "" : "it has no mesh";
     if (!hasMesh() || !createFile()) return false;
     std::string description = m_target.description;
-    for (const std::string& text : {header.title, header.program, header.date}) {
+    for (const std::string& text : {header.title, header.program}) {
         if (!text.empty()) description += ", " + text;
     }
+    if (!header.date.empty() && !m_file.addUserTextFile(kSolverRunText, header.date)) return false;
     m_database =
         new Database(&m_file, m_target.name, 0, header.simulation, header.solution, description);
     if (m_database->id() < 0 || !m_mesh.write(*m_database, header.partNames)) return false;
@@ -55,7 +57,8 @@ bool ImportWriter::writeLists() {
 bool ImportWriter::commit() {
     if (!writeLists()) return false;
     if (!m_output) return m_file.flush();
-    if (!putInPlace() || !m_file.openForAppend(m_target.file)) return false;
+    if (!putInPlace() || !m_file.openForAppend(m_target.file, m_target.settings.password))
+        return false;
     m_database = m_file.database(0);
     m_case = m_file.fileCase(0);
     return m_database && m_case;

@@ -54,7 +54,7 @@ public:
     const std::string& inputError() const { return m_inputError; }
     const std::string& outputError() const { return m_outputError; }
 
-    /// What was imported, in a line; and what was not taken as it came, a line each.
+    /// A summary in one line, and notes on anything that was not taken as it came, one per line.
     std::string summary() const;
     std::vector<std::string> notes() const;
 

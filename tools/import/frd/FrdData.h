@@ -8,7 +8,7 @@
 
 namespace tools {
 
-/// What the lines before the mesh say about the run: plain data.
+/// The lines before the mesh, which describe the run: plain data.
 struct FrdHeader {
     std::string program;                       ///< Name and version of the solver.
     std::string date;                          ///< Day and time as the solver wrote them.
@@ -25,7 +25,7 @@ struct FrdElementGroup {
 /// By material number and .frd element type.
 using FrdElements = std::map<std::pair<int, int>, FrdElementGroup>;
 
-/// What is the same for all results of one state.
+/// Common to all results of one state.
 struct FrdStep {
     enum Analysis : int { STATIC = 0, TIME_STEP = 1, FREQUENCY = 2, LOAD_STEP = 3, BUCKLING = 4 };
 

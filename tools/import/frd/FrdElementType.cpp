@@ -9,7 +9,7 @@ using nuo::zrfx::ElementBlock;
 
 constexpr int kStraight[] = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9};
 
-// The upright edges come before those of the top in the file, behind them here.
+// The file has the upright edges before those of the top; here they come after them.
 constexpr int kHexahedron20[] = {0,  1,  2,  3,  4,  5,  6,  7,  8,  9,
                                  10, 11, 16, 17, 18, 19, 12, 13, 14, 15};
 

@@ -48,7 +48,7 @@ protected:
     /// file can hold them.
     FrdElementGroup* elementGroup(int type, int material, std::uint64_t count);
 
-    /// What a hostile count may reserve is bounded by what the file can hold.
+    /// The size of the file bounds the memory that a hostile count may reserve.
     template <typename T>
     static void reserve(std::vector<T>& items, std::uint64_t count, std::uint64_t most) {
         items.reserve(static_cast<std::size_t>(std::min(count, most)));

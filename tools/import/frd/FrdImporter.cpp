@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <utility>
 
+#include "Text.h"
 #include "import/frd/FrdElementType.h"
 
 namespace tools {
@@ -29,7 +30,12 @@ bool isLinear(const FrdStep& step) {
     return step.increment <= 1 && step.value == step.step;
 }
 
+bool isElectromagnetic(const FrdResult& result) {
+    return result.name == "ELPOT" || result.name == "CURR" || result.name.starts_with("EMF");
+}
+
 Database::SimulationType simulationType(const FrdResult& first) {
+    if (isElectromagnetic(first)) return Database::ELECTROMAGNETIC;
     if (isDisplacement(first)) return Database::STRUCTURAL;
     return isThermal(first) ? Database::THERMAL : Database::OTHER_SIMULATION;
 }
@@ -60,6 +66,11 @@ std::string stateName(const FrdStep& step) {
     }
     if (step.analysis != FrdStep::FREQUENCY) {
         if (step.step == 0) return "";  // not known: called by its id
+        // The solver counts increments from 1, but has none for the frequencies of a response.
+        if (step.analysis == FrdStep::TIME_STEP && step.increment == 0) {
+            return "Step " + std::to_string(step.step) + ", at " +
+                   numberText(static_cast<float>(step.value));
+        }
         return "Step " + std::to_string(step.step) + ", increment " +
                std::to_string(step.increment);
     }
@@ -83,10 +94,10 @@ StateInfoBlock::ReferenceValueType referenceType(const FrdStep& step) {
     }
 }
 
-ImportState stateFrom(int id, const FrdStep& step) {
+ImportState stateFrom(int id, const FrdStep& step, const std::string& name) {
     const bool isModeShape =
         step.analysis == FrdStep::FREQUENCY || step.analysis == FrdStep::BUCKLING;
-    return {id, stateName(step), step.value, referenceType(step), isModeShape};
+    return {id, name, step.value, referenceType(step), isModeShape};
 }
 
 // ---- Results
@@ -107,11 +118,13 @@ bool areTensor(const FrdComponent* components) {
     return true;
 }
 
-ResultBlock::ResultType typeOf(const FrdResult& result, std::size_t first) {
+// In an electromagnetic analysis the vector potential has the name of displacements.
+ResultBlock::ResultType typeOf(const FrdResult& result, std::size_t first, bool hasDisplacements) {
     const FrdComponent* components = &result.components[first];
     const std::size_t left = result.components.size() - first;
     if (left >= 3 && areVector(components)) {
-        return isDisplacement(result) ? ResultBlock::DISPLACEMENT : ResultBlock::VECTOR;
+        return hasDisplacements && isDisplacement(result) ? ResultBlock::DISPLACEMENT
+                                                          : ResultBlock::VECTOR;
     }
     return left >= 6 && areTensor(components) ? ResultBlock::TENSOR : ResultBlock::SCALAR;
 }
@@ -133,9 +146,9 @@ void nameField(const FrdResult& result, std::size_t first, ImportField& field) {
     }
 }
 
-ImportField fieldFrom(const FrdResult& result, std::size_t first) {
+ImportField fieldFrom(const FrdResult& result, std::size_t first, bool hasDisplacements) {
     ImportField field;
-    field.type = typeOf(result, first);
+    field.type = typeOf(result, first, hasDisplacements);
     field.role = roleOf(result);
     nameField(result, first, field);
     // The solver's shear strains are those of the tensor, half the engineering ones.
@@ -145,10 +158,10 @@ ImportField fieldFrom(const FrdResult& result, std::size_t first) {
     return field;
 }
 
-std::vector<ImportField> fieldsFrom(const FrdResult& result) {
+std::vector<ImportField> fieldsFrom(const FrdResult& result, bool hasDisplacements) {
     std::vector<ImportField> fields;
     for (std::size_t first = 0; first < result.components.size(); first += fields.back().size()) {
-        fields.push_back(fieldFrom(result, first));
+        fields.push_back(fieldFrom(result, first, hasDisplacements));
     }
     return fields;
 }
@@ -212,15 +225,25 @@ void FrdImporter::takeResult() {
         m_data.header.solution = solutionType(result);
     }
     const int state = stateOf(result);
-    if (state != m_stateCount) m_names.clear();
+    if (state != m_stateCount) {
+        m_names.clear();
+        m_stateName = uniqueStateName(result.step);
+    }
     m_names.push_back(result.name);
     m_stateCount = state;
     m_step = result.step;
-    values.state = stateFrom(state, result.step);
-    values.fields = fieldsFrom(result);
+    values.state = stateFrom(state, result.step, m_stateName);
+    values.fields = fieldsFrom(result, m_data.header.simulation != Database::ELECTROMAGNETIC);
     values.ids.swap(result.nodeIds);
     values.values.swap(result.values);
     m_hasBuffers = true;
+}
+
+// Two modes may have one buckling factor, and two steps of a restarted run one number.
+std::string FrdImporter::uniqueStateName(const FrdStep& step) {
+    const std::string name = stateName(step);
+    const int count = ++m_stateNameCounts[name];
+    return name.empty() || count == 1 ? name : name + " (" + std::to_string(count) + ")";
 }
 
 // So that the next result is read into memory that is there already.

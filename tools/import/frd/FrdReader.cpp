@@ -60,6 +60,14 @@ std::unique_ptr<FrdForm> makeForm(int number, FrdContent& content) {
 
 }  // namespace
 
+bool FrdReader::isFinished() const {
+    constexpr std::size_t kLongestEnd = 128;  // with blanks up to the width of a line
+    const std::string end = m_content.file.lastBytes(kLongestEnd);
+    const std::size_t last = end.find_last_not_of("\r\n");
+    const std::size_t before = end.rfind('\n', last);
+    return last != std::string::npos && isEnd(std::string_view(end).substr(before + 1));
+}
+
 FrdReader::Event FrdReader::next() {
     m_isBetweenBlocks = true;
     m_hasBegun = false;

@@ -47,6 +47,9 @@ public:
                m_content.file.isReplacedAt(path);
     }
 
+    /// Whether the file ends with the marker that the solver writes last.
+    bool isFinished() const;
+
     std::uint64_t position() const { return m_content.file.place().offset; }
     std::uint64_t fileSize() const { return m_content.file.size(); }
 

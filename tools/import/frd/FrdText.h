@@ -6,7 +6,7 @@
 
 namespace tools {
 
-/// What stands in `width` columns from `column` on, of a line that may be shorter.
+/// The text in `width` columns from `column` on, of a line that may be shorter.
 std::string_view frdField(std::string_view line, std::size_t column, std::size_t width);
 
 /// Whether a line within a block has a key, which is two characters such as "-1".

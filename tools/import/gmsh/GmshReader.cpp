@@ -422,7 +422,7 @@ ImportState GmshReader::stateOf(const View& view) {
     return state;
 }
 
-// Views of one name are results of their own, unless they are pieces of one.
+// Views of the same name are different results, unless they are pieces of one.
 ImportField GmshReader::fieldOf(const View& view, ResultBlock::ResultMapping mapping) {
     ImportField field;
     field.type = typeOf(view.componentCount);

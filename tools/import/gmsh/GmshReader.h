@@ -27,7 +27,7 @@ public:
 private:
     struct Section;
 
-    // What the lines before the values of a view say.
+    // The lines before the values of a view.
     struct View {
         std::string name;
         float time = 0;

@@ -26,7 +26,7 @@ public:
     bool read(float* value) { return readFloat(next(), value); }
     bool read(double* value) { return readDouble(next(), value); }
 
-    /// What follows the words so far.
+    /// The rest of the line after the words so far.
     std::string_view rest() const { return m_rest; }
 
 private:

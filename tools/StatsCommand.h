@@ -1,0 +1,9 @@
+#pragma once
+
+#include "ToolContext.h"
+
+namespace tools {
+
+void addStatsCommand(CLI::App& application, ToolContext& context);
+
+}  // namespace tools
