@@ -25,6 +25,8 @@ std::string adviceFor(Error::Code code) {
             return "The file is damaged.";
         case Error::DISK_FULL:
             return "The disk is full. Save to another place?";
+        case Error::CANCELLED:
+            return "Stopped. What was saved last is unchanged.";
         case Error::NO_PERMISSION:
             return "You may not open this file.";
         default:

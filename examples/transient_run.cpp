@@ -2,6 +2,7 @@
 // element, and a scalar for each element; a case shows them.
 #include <NuoZRFx/NuoZRFx.h>
 
+#include <iostream>
 #include <vector>
 
 using namespace nuo;
@@ -104,5 +105,8 @@ int main() {
         }
         if (!file.flush()) return 1;
     }
-    return writeCase(file, *database) && file.close() ? 0 : 1;
+    if (!writeCase(file, *database)) return 1;
+    const std::vector<nuo::Str> findings = database->check();
+    for (const nuo::Str& finding : findings) std::cerr << finding.toStdString() << "\n";
+    return file.close() && findings.empty() ? 0 : 1;
 }
