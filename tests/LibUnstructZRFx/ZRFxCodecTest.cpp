@@ -1,5 +1,7 @@
 #include "container/ZRFxCodec.h"
 
+#include <zlib.h>
+
 #include "support/ZipTestFiles.h"
 
 namespace unstruct {
@@ -70,6 +72,90 @@ TEST(ZRFxCodec, CrcContinuesOverPieces) {
     uint32_t nCrc = ZRFxCodec::Crc32(0, sData.data(), 4);
     nCrc = ZRFxCodec::Crc32(nCrc, nullptr, 0);
     EXPECT_EQ(ZRFxCodec::Crc32(nCrc, sData.data() + 4, 5), 0xCBF43926u);
+}
+
+TEST(ZRFxCodec, CrcsOfPiecesAreCombined) {
+    const std::string sData = ziptest::RandomBytes(70000);
+    for (const size_t nFirst : {0u, 1u, 8u, 255u, 256u, 32768u, 69999u, 70000u}) {
+        const uint32_t nSecond = ZRFxCodec::Crc32(0, &sData[nFirst], sData.size() - nFirst);
+        EXPECT_EQ(ZRFxCodec::CombinedCrc(ZRFxCodec::Crc32(0, sData.data(), nFirst), nSecond,
+                                         sData.size() - nFirst),
+                  ZRFxCodec::Crc32(0, sData.data(), sData.size()));
+    }
+    // Zeros over zeros, as long as an entry can be.
+    EXPECT_EQ(ZRFxCodec::CombinedCrc(0x12345678, 0, 0xFFFFFFFEu),
+              crc32_combine(0x12345678, 0, 0xFFFFFFFE));
+}
+
+// Data of many kinds, from that which does not shrink to that which packs to next to nothing.
+std::string DataOfKind(unsigned nKind, size_t nSize, std::minstd_rand* pRandom) {
+    if (nKind == 0) return ziptest::RandomBytes(nSize, (*pRandom)());
+    if (nKind == 1)
+        return ziptest::SmoothField(nSize / 4 + 1, (*pRandom)() % 1000).substr(0, nSize);
+    std::string s(nSize, '\0');
+    // Few letters; runs; integers that count up; text of changing kind.
+    unsigned nRun = 0;
+    char cRun = 0;
+    for (size_t i = 0; i < nSize; ++i) {
+        if (nRun-- == 0) {
+            nRun = (*pRandom)() % 300;
+            cRun = static_cast<char>((*pRandom)());
+        }
+        const unsigned nRandom = (*pRandom)() >> 8;
+        s[i] = nKind == 2          ? static_cast<char>('a' + nRandom % 3)
+               : nKind == 3        ? cRun
+               : nKind == 4        ? static_cast<char>((i / 4) >> 8 * (i % 4))
+               : i / 5000 % 2 == 0 ? static_cast<char>(nRandom)
+                                   : static_cast<char>('a' + nRandom % 20);
+    }
+    return s;
+}
+
+// As zlib does it; what it gives is one byte longer when data is left.
+std::string InflatedByZlib(const std::string& sPacked, size_t nSize) {
+    z_stream stream{};
+    inflateInit2(&stream, -MAX_WBITS);
+    std::string sData(nSize + 1, '\0');
+    stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(sPacked.data()));
+    stream.avail_in = static_cast<uInt>(sPacked.size());
+    stream.next_out = reinterpret_cast<Bytef*>(sData.data());
+    stream.avail_out = static_cast<uInt>(sData.size());
+    const bool bWhole = inflate(&stream, Z_FINISH) == Z_STREAM_END && stream.avail_in == 0;
+    inflateEnd(&stream);
+    return sData.substr(0, bWhole ? stream.total_out : 0);
+}
+
+TEST(ZRFxCodec, PiecesAreOneStreamToEveryInflater) {
+    const bool bLong = getenv("NUO_LONG_TESTS") != nullptr;
+    const size_t nArrays = bLong ? 1'000'000 : 4'000;
+    const ZRFxCodec::Way aWays[] = {{true, 1},  {true, 2},  {true, 3},  {false, 1},
+                                    {false, 3}, {false, 5}, {false, 7}, {false, 9}};
+    std::minstd_rand random(7);
+    ZRFxCodec codec;
+    for (size_t i = 0; i < nArrays; ++i) {
+        const ZRFxCodec::Way way = aWays[i % std::size(aWays)];
+        // Every short length, and now and then one of several pieces around their borders.
+        const size_t nPiece = i % 50 == 0 ? 60000 + random() % 20000 : 1 + random() % 5000;
+        const size_t nSize = i % 3 != 0 ? i / 3 % 301 : nPiece * (random() % 3) + random() % 3;
+        const std::string sData = DataOfKind(random() % 6, nSize, &random);
+        std::string sStream;
+        std::string sBack(nSize, '\0');
+        for (size_t nAt = 0; nAt == 0 || nAt < nSize; nAt += nPiece) {
+            const size_t nPart = std::min(nPiece, nSize - nAt);
+            const bool bLast = nAt + nPart == nSize;
+            std::string sPacked(ZRFxCodec::PieceBound(nPart), 'x');
+            auto* pPacked = reinterpret_cast<uint8_t*>(sPacked.data());
+            size_t nPacked = 0;
+            ASSERT_TRUE(codec.DeflatePiece(way, sData.data() + nAt, nPart, bLast, pPacked,
+                                           sPacked.size(), &nPacked));
+            ASSERT_GT(nPacked, 0u) << i;
+            sStream.append(sPacked, 0, nPacked);
+            ASSERT_TRUE(codec.InflatePiece(pPacked, nPacked, bLast, &sBack[nAt], nPart)) << i;
+        }
+        ASSERT_TRUE(sBack == sData) << i;
+        ASSERT_TRUE(codec.Inflate(sStream.data(), sStream.size(), sBack.data(), nSize)) << i;
+        ASSERT_TRUE(sBack == sData && InflatedByZlib(sStream, nSize) == sData) << i;
+    }
 }
 
 }  // namespace

@@ -1,12 +1,6 @@
 #include "blocks/mesh/ZRFxElementBlock.h"
 
-#include <gtest/gtest.h>
-
 #include <climits>
-#include <initializer_list>
-#include <memory>
-#include <string>
-#include <vector>
 
 #include "support/ArchiveTest.h"
 #include "support/SampleBlocks.h"
@@ -15,6 +9,7 @@ namespace unstruct {
 namespace {
 
 using test::Damage;
+using test::DamagedBlock;
 using test::Ints;
 using test::NewInts;
 
@@ -31,8 +26,8 @@ std::unique_ptr<ZRFxElementBlockGroup> Triangles(std::initializer_list<std::int3
     auto group = std::make_unique<ZRFxElementBlockGroup>();
     group->m_iElementType = ELEMENT_TRIANGLE;
     group->m_iNumElements = static_cast<std::int64_t>(nodes.size() / 3);
-    group->m_aiConnectivity = Ints(nodes);
-    group->m_aiIDs = Ints(ids);
+    group->m_aiConnectivity = test::ArrayOf<std::int32_t>(nodes);
+    group->m_aiIDs = test::ArrayOf<std::int32_t>(ids);
     return group;
 }
 
@@ -76,18 +71,18 @@ TEST_F(ZRFxElementBlockTest, NodeIndicesCountFromOneInTheFileAndIDsStandAsTheyAr
                   isIDs ? "0\n7\n2147483646\n" : "1\n8\n2147483647\n");
         auto* read = dynamic_cast<ZRFxElementBlock*>(m_database.GetBlockByID(BLOCK_ELEMENTS, 1));
         ASSERT_TRUE(read->ReadBlock());
-        EXPECT_EQ(read->GetElementGroup(0)->m_aiConnectivity, Ints({0, 7, 2147483646}));
+        EXPECT_EQ(read->GetElementGroup(0)->m_aiConnectivity, Ints(0, 7, 2147483646));
     }
 }
 
 TEST_F(ZRFxElementBlockTest, OnlyWhatAppliesIsWritten) {
     auto group = Triangles({0, 1, 2}, {});
-    group->m_aiPolyhedronFaceCounts = Ints({1});
-    group->m_aiExpansionMapping = Ints({0});
+    group->m_aiPolyhedronFaceCounts = Ints(1);
+    group->m_aiExpansionMapping = Ints(0);
     ASSERT_TRUE(m_block->AddElementGroup(group));
-    m_block->AddUserProperties(std::make_unique<ZRIntArray>(Ints({1})));
+    m_block->AddUserProperties(std::make_unique<ZRIntArray>(Ints(1)));
     m_block->AddUserProperties(std::make_unique<ZRIntArray>());
-    m_block->AddUserProperties(std::make_unique<ZRIntArray>(Ints({3})));
+    m_block->AddUserProperties(std::make_unique<ZRIntArray>(Ints(3)));
     Write(m_block.p());
     EXPECT_EQ(FilesOf("Elements0001"),
               (std::vector<std::string>{"Elements0001-0001.dat", "Elements0001-0001-Properties.dat",
@@ -110,22 +105,15 @@ TEST_F(ZRFxElementBlockTest, GroupWithoutExpansionMappingWritesNoVectors) {
 TEST_F(ZRFxElementBlockTest, IDsAndIndicesRunOverAllGroups) {
     auto first = Triangles({0, 1, 2, 2, 1, 3}, {7, 5});
     auto second = Triangles({0, 1, 2}, {6});
-    ASSERT_TRUE(m_block->AddElementGroup(first));
-    ASSERT_TRUE(m_block->AddElementGroup(second));
+    ASSERT_TRUE(m_block->AddElementGroup(first) && m_block->AddElementGroup(second));
     ZRIntArray ids;
     ASSERT_TRUE(m_block->GetAllElementIDs(&ids));
-    EXPECT_EQ(ids, Ints({7, 5, 6}));
+    EXPECT_EQ(ids, Ints(7, 5, 6));
     ASSERT_TRUE(m_block->RenumberElementIndices());
-    EXPECT_EQ(m_block->GetElementGroup(1)->m_aiElementIndices, Ints({2}));
+    EXPECT_EQ(m_block->GetElementGroup(1)->m_aiElementIndices, Ints(2));
     m_block->GetElementGroup(1)->m_aiIDs.Add(8);
     ExpectAssertion(m_block->GetAllElementIDs(&ids),
                     "paiElementIDs->GetNumItems() == iNumElements");
-}
-
-class DamagedElements : public test::DatabaseTest, public testing::WithParamInterface<Damage> {};
-
-TEST_P(DamagedElements, AreRefusedAndStayUnread) {
-    ExpectUnreadable(GetParam());
 }
 
 Damage Of(const char* name, const char* file, const char* from, const char* to,
@@ -150,14 +138,10 @@ const std::vector<Damage> kDamages = {
        "Error reading element data"),
     Of("NodeZero", "-0001.txt", nullptr, "1\n2\n0\n3\n",
        "^'#-0001' holds node index -1 at position 2, expected none below 0",
-       [](ZRFxBlock& b) {
-           Group(b, 0).m_aiConnectivity = Ints({0, 1, -1, 2});
-       }),
+       [](ZRFxBlock& b) { Group(b, 0).m_aiConnectivity = Ints(0, 1, -1, 2); }),
     Of("NodeLowest", "-0001.txt", nullptr, "1\n2\n2\n-2147483648\n",
        "^'#-0001' holds node index -2147483648 at position 3, expected none below 0",
-       [](ZRFxBlock& b) {
-           Group(b, 0).m_aiConnectivity = Ints({0, 1, 1, INT_MIN});
-       }),
+       [](ZRFxBlock& b) { Group(b, 0).m_aiConnectivity = Ints(0, 1, 1, INT_MIN); }),
     Of("IDsMissingInOneGroup", ".xml", " IDs=\"Elements\\Elements0001-0002-IDs\"", "",
        "Either all element groups must have IDs or none. (Element block ID 1)",
        [](ZRFxBlock& b) { Group(b, 1).m_aiIDs.RemoveAll(); }),
@@ -167,9 +151,7 @@ const std::vector<Damage> kDamages = {
        [](ZRFxBlock& b) { Group(b, 0).m_aiElementIndices.Add(2); }),
     Of("IndexNegative", "-0001-ElementIndices.txt", nullptr, "1\n-1\n",
        "^'#-0001-ElementIndices' holds element index -1 at position 1, expected none below 0",
-       [](ZRFxBlock& b) {
-           Group(b, 0).m_aiElementIndices = Ints({1, -1});
-       }),
+       [](ZRFxBlock& b) { Group(b, 0).m_aiElementIndices = Ints(1, -1); }),
     Of("MappingTooShort", ".xml", "-ExpansionMapping\" NumItems=\"2\"",
        "-ExpansionMapping\" NumItems=\"1\"",
        "^'#-0001-ExpansionMapping' holds 1 cross section indices, expected 2",
@@ -181,29 +163,21 @@ const std::vector<Damage> kDamages = {
     Of("MappingNegative", "-0001-ExpansionMapping.txt", nullptr, "0\n-1\n",
        "^'#-0001-ExpansionMapping' holds cross section index -1 at position 1, expected none below "
        "0",
-       [](ZRFxBlock& b) {
-           Group(b, 0).m_aiExpansionMapping = Ints({0, -1});
-       }),
+       [](ZRFxBlock& b) { Group(b, 0).m_aiExpansionMapping = Ints(0, -1); }),
     Of("NodeCountsMissing", ".xml", "<PolyhedronElementNodeCounts", "<Other",
        "Error reading polyhedrons (PolyhedronElementNodeCounts)"),
     Of("FaceNodeCountsMissing", ".xml", "<PolyhedronFaceNodeCounts", "<Other",
        "Error reading polyhedrons (PolyhedronFaceNodeCounts)"),
     Of("NodeCountsNotOfTheNodes", "-0003-PolyhedronStartNodes.txt", nullptr, "4\n5\n",
        "^'@.xml' holds 8 polyhedron nodes, expected 9",
-       [](ZRFxBlock& b) {
-           Group(b, 2).m_aiPolyhedronElementNodeCounts = Ints({4, 5});
-       }),
+       [](ZRFxBlock& b) { Group(b, 2).m_aiPolyhedronElementNodeCounts = Ints(4, 5); }),
     Of("NodeCountNegative", "-0003-PolyhedronStartNodes.txt", nullptr, "12\n-4\n",
        "^'@.xml' holds PolyhedronElementNodeCounts -4 at position 1, expected none below 0\n"
        "Error reading polyhedrons (PolyhedronElementNodeCounts)",
-       [](ZRFxBlock& b) {
-           Group(b, 2).m_aiPolyhedronElementNodeCounts = Ints({12, -4});
-       }),
+       [](ZRFxBlock& b) { Group(b, 2).m_aiPolyhedronElementNodeCounts = Ints(12, -4); }),
     Of("FaceCountsHuge", "-0003-PolyhedronFaceCounts.txt", nullptr, "2147483647\n2147483647\n",
        "^'@.xml' holds 8 polyhedron faces, expected 4294967294",
-       [](ZRFxBlock& b) {
-           Group(b, 2).m_aiPolyhedronFaceCounts = Ints({INT_MAX, INT_MAX});
-       }),
+       [](ZRFxBlock& b) { Group(b, 2).m_aiPolyhedronFaceCounts = Ints(INT_MAX, INT_MAX); }),
     Of("FaceNodeCountsNotOfTheNodes", "-0003-PolyhedronFaceNodeCounts.txt", "3\n3\n", "3\n4\n",
        "^'@.xml' holds 24 polyhedron face nodes, expected 25",
        [](ZRFxBlock& b) { Group(b, 2).m_aiPolyhedronFaceNodeCounts.WritableData()[1] = 4; }),
@@ -212,46 +186,24 @@ const std::vector<Damage> kDamages = {
        [](ZRFxBlock& b) { Group(b, 2).m_aiPolyhedronFaceLocalNodes.WritableData()[2] = 4; }),
     Of("PropertiesUnrecorded", ".xml", "<Properties>", "<Properties/><Properties>",
        "Error reading element data"),
-};
-
-INSTANTIATE_TEST_SUITE_P(All, DamagedElements, testing::ValuesIn(kDamages),
-                         [](const auto& test) { return std::string(test.param.name); });
-
-// Contents that no file can hold, or that reading reports in other words.
-const std::vector<Damage> kUnwritable = {
+    // In memory only.
     Of("IDsTooFew", nullptr, nullptr, nullptr, "^'#-0001-IDs' holds 1 IDs, expected 2",
        [](ZRFxBlock& b) { Group(b, 0).m_aiIDs.SetSize(1); }),
     Of("NodeHighest", nullptr, nullptr, nullptr,
        "^'#-0001' holds node index 2147483647 at position 3, expected at most 2147483646",
-       [](ZRFxBlock& b) {
-           Group(b, 0).m_aiConnectivity = Ints({0, 1, 1, INT_MAX});
-       }),
+       [](ZRFxBlock& b) { Group(b, 0).m_aiConnectivity = Ints(0, 1, 1, INT_MAX); }),
     Of("NodeCountsTooMany", nullptr, nullptr, nullptr,
        "^'@.xml' holds 3 polyhedron node counts, expected 2",
-       [](ZRFxBlock& b) {
-           Group(b, 2).m_aiPolyhedronElementNodeCounts = Ints({4, 3, 1});
-       }),
+       [](ZRFxBlock& b) { Group(b, 2).m_aiPolyhedronElementNodeCounts = Ints(4, 3, 1); }),
     Of("FaceCountsTooMany", nullptr, nullptr, nullptr,
        "^'@.xml' holds 3 polyhedron face counts, expected 2",
-       [](ZRFxBlock& b) {
-           Group(b, 2).m_aiPolyhedronFaceCounts = Ints({4, 3, 1});
-       }),
+       [](ZRFxBlock& b) { Group(b, 2).m_aiPolyhedronFaceCounts = Ints(4, 3, 1); }),
     Of("PropertiesTooFew", nullptr, nullptr, nullptr,
        "^'#-0003-Properties' holds 1 properties, expected 5",
-       [](ZRFxBlock& b) { Elements(b).AddUserProperties(NewInts({1})); }),
+       [](ZRFxBlock& b) { Elements(b).AddUserProperties(NewInts(1)); }),
 };
 
-class UnwritableElements : public test::DatabaseTest, public testing::WithParamInterface<Damage> {};
-
-TEST_P(UnwritableElements, LeaveTheDatabaseAsItIs) {
-    ExpectUnwritable(GetParam());
-}
-
-INSTANTIATE_TEST_SUITE_P(AsRead, UnwritableElements,
-                         testing::ValuesIn(test::OfBlocksInMemory(kDamages)),
-                         [](const auto& test) { return std::string(test.param.name); });
-INSTANTIATE_TEST_SUITE_P(InMemory, UnwritableElements, testing::ValuesIn(kUnwritable),
-                         [](const auto& test) { return std::string(test.param.name); });
+INSTANTIATE_TEST_SUITE_P(Elements, DamagedBlock, testing::ValuesIn(kDamages), test::NameOf);
 
 }  // namespace
 }  // namespace unstruct

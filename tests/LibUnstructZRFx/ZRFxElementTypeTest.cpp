@@ -1,13 +1,9 @@
 #include "types/ZRFxElementType.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <iterator>
 #include <set>
 #include <sstream>
-#include <string>
-#include <vector>
 
 #include "NuoCore/Vec3d.h"
 #include "support/LogCapture.h"

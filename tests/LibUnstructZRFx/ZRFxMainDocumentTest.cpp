@@ -1,10 +1,6 @@
 #include "documents/ZRFxMainDocument.h"
 
-#include <gtest/gtest.h>
-
-#include <string>
 #include <utility>
-#include <vector>
 
 #include "support/ArchiveTest.h"
 
@@ -114,8 +110,7 @@ TEST_F(ZRFxMainDocumentTest, DamagedDocumentIsReportedByEachOperation) {
     Put("ZRF.xml", "<Zrf/>");
     ExpectRefused(m_access.AddCase(aCase, true),
                   {"Error validating main document file, <ZRF> missing"});
-    ASSERT_TRUE(m_access.RemoveFile("C\\Case.xml"));
-    ASSERT_TRUE(m_access.RemoveFile("D\\Database.xml"));
+    ASSERT_TRUE(m_access.RemoveFile("C\\Case.xml") && m_access.RemoveFile("D\\Database.xml"));
     Put("ZRF.xml", "<ZRF/>");
     ExpectRefused(m_access.AddDatabase(database, true),
                   {"Database root not found in main document"});

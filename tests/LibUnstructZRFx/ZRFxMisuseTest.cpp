@@ -1,17 +1,6 @@
 #include <functional>
 
-#include "blocks/mesh/ZRFxCrossSectionsBlock.h"
-#include "blocks/mesh/ZRFxElementBlock.h"
-#include "blocks/mesh/ZRFxGeometryBlock.h"
-#include "blocks/mesh/ZRFxGeometryInfoBlock.h"
-#include "blocks/mesh/ZRFxIndexedFaceSetBlock.h"
-#include "blocks/mesh/ZRFxNodeBlock.h"
-#include "blocks/precomputed/ZRFxPrecomputedBlock.h"
-#include "blocks/results/ZRFx2DPlotDataBlock.h"
-#include "blocks/results/ZRFxResultBlock.h"
-#include "blocks/results/ZRFxResultValuesBlock.h"
-#include "blocks/results/ZRFxStateInfoBlock.h"
-#include "blocks/sets/ZRFxSetBlock.h"
+#include "blocks/ZROZRFxBlocks.h"
 #include "data/ZROZRFxImageJpeg.h"
 #include "documents/ZRFxFileRecord.h"
 #include "documents/ZRFxXml.h"

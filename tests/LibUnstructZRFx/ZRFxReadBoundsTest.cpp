@@ -1,8 +1,5 @@
 #include "data/ZRFxReadBounds.h"
 
-#include <string>
-
-#include "blocks/ZRFxBlock.h"
 #include "support/ArchiveTest.h"
 #include "support/SampleBlocks.h"
 

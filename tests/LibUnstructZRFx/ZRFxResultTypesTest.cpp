@@ -1,7 +1,5 @@
 #include "types/ZRFxResultTypes.h"
 
-#include <gtest/gtest.h>
-
 #include "blocks/mesh/ZRFxCrossSectionsBlock.h"
 #include "support/LogCapture.h"
 #include "types/ZRFxModelTypes.h"

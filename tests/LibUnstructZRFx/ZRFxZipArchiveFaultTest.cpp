@@ -3,7 +3,6 @@
 #include <sys/wait.h>
 
 #include <functional>
-#include <random>
 
 #include "container/ZRFxZipArchive.h"
 #include "support/FaultySystem.h"
@@ -153,34 +152,20 @@ INSTANTIATE_TEST_SUITE_P(Faults, FailingCalls,
                                          Manner{FaultySystem::Failing::kOnce, 10},
                                          Manner{FaultySystem::Failing::kFromThenOn, 10}));
 
-TEST(FullDisk, EntryThatDoesNotFitIsRefusedAndTheOthersStay) {
-    TemporaryFolder folder;
-    FaultySystem system;
-    ZRFxZipArchive archive;
-    ASSERT_TRUE(archive.Open(folder.File("m.zrfx"), ZRZipAccessMode::CREATE));
-    ASSERT_TRUE(AddText(&archive, "first", "waits"));
-    const std::string sLarge = RandomBytes(2 << 20);
-    system.FailCall(1, ENOSPC, FaultySystem::Failing::kFromThenOn);
-    EXPECT_FALSE(AddText(&archive, "large", sLarge, 0));
-    EXPECT_NE(archive.LastError().find("No space left on device"), std::string::npos)
-        << archive.LastError();
-    EXPECT_FALSE(archive.Contains("large"));
-    EXPECT_FALSE(archive.Close());
-    system.Recover();
-    EXPECT_TRUE(AddText(&archive, "large", sLarge, 0)) << archive.LastError();
-    EXPECT_TRUE(archive.Close()) << archive.LastError();
-    EXPECT_EQ(ReadModel(folder.File("m.zrfx")), (Model{{"first", "waits"}, {"large", sLarge}}));
-}
-
 // Killed writers --------------------------------------------------------------------------------
 
 // A solver: state after state with its documents, each committed and told to the parent.
 class Solver {
 public:
     static std::string StateName(int nState) { return "State" + std::to_string(nState) + ".dat"; }
+    // Some states are large, and shrink: several threads pack and write their pieces.
     static std::string StateData(int nState) {
-        return RandomBytes(1000 + static_cast<size_t>(nState * 7919 % 300000),
-                           static_cast<unsigned>(nState) + 1);
+        const bool bLarge = nState % 4 == 1;
+        std::string s =
+            RandomBytes(1000 + static_cast<size_t>(nState * 7919 % 300000) + (bLarge ? 600'000 : 0),
+                        static_cast<unsigned>(nState) + 1);
+        for (size_t i = 0; bLarge && i < s.size(); i += 4) s[i] = 0;
+        return s;
     }
 
     Solver(const std::string& sPath, ZRZipAccessMode eMode, int nFirst, int nStates) {
@@ -216,10 +201,11 @@ private:
                     int nProgress) {
         ZRFxZipArchive archive;
         archive.SetPendingLimit(50000);  // Most states are written ahead of their commit.
+        archive.SetThreads(3);
         if (!archive.Open(sPath, eMode)) return 1;
         if (write(nProgress, "o", 1) != 1) return 1;
         for (int i = nFirst; i < nFirst + nStates; ++i) {
-            if (!AddText(&archive, StateName(i), StateData(i)) ||
+            if (!AddText(&archive, StateName(i), StateData(i), 1) ||
                 !ReplaceText(&archive, "Database-TOC.xml", std::string(1000 + 10 * i, 'x')) ||
                 !ReplaceText(&archive, "ZRF.xml", std::to_string(i + 1)) || !archive.Commit() ||
                 write(nProgress, "c", 1) != 1) {
@@ -329,142 +315,6 @@ TEST_F(KilledWriter, ReadersBesideALivingWriterSeeWholeStates) {
     EXPECT_EQ(solver.StepsDone(), 151);
     EXPECT_GT(nOpened, 10);
     ExpectWhole(150);
-}
-
-// Readers beside a writer ------------------------------------------------------------------------
-
-// Another process commits states, some of them large, and a document that lists them.
-class BesideAWriter : public testing::Test {
-protected:
-    static constexpr int kStates = 200;
-
-    void SetUp() override {
-        for (int i = 0; i < kStates; ++i) m_asStates.push_back(RandomBytes(SizeOf(i), Seed(i)));
-        m_nWriter = fork();
-        if (m_nWriter == 0) _exit(Write());
-        while (!IsDone() && CountStates(m_sPath) <= 0) usleep(1000);
-    }
-    void TearDown() override {
-        int nStatus = 0;
-        waitpid(m_nWriter, &nStatus, 0);
-        EXPECT_TRUE(WIFEXITED(nStatus) && WEXITSTATUS(nStatus) == 0);
-    }
-    bool IsDone() const {
-        siginfo_t info{};
-        waitid(P_PID, static_cast<id_t>(m_nWriter), &info, WEXITED | WNOHANG | WNOWAIT);
-        return info.si_pid != 0;
-    }
-    // Reads all, which must be one state, and gives its number.
-    int ExpectState(ZRFxZipArchive* pArchive) {
-        std::string sLog;
-        if (!ReadText(pArchive, "Log.xml", &sLog)) ADD_FAILURE() << pArchive->LastError();
-        if (sLog.size() < Line(0).size()) return -1;
-        const int nStates = static_cast<int>((sLog.size() - Line(0).size()) / Line(1).size());
-        EXPECT_EQ(pArchive->EntryCount(), static_cast<size_t>(nStates) + 1);
-        EXPECT_EQ(sLog, Log(nStates));
-        for (int i = 0; i < nStates; ++i) {
-            std::string sData;
-            EXPECT_TRUE(ReadText(pArchive, Solver::StateName(i), &sData)) << pArchive->LastError();
-            EXPECT_EQ(sData == m_asStates[static_cast<size_t>(i)], true) << i;
-        }
-        return nStates;
-    }
-    int ExpectState(const std::string& sPath) {
-        ZRFxZipArchive reader;
-        EXPECT_TRUE(reader.Open(sPath, ZRZipAccessMode::READ_ONLY)) << reader.LastError();
-        return ExpectState(&reader);
-    }
-    static int CountStates(const std::string& sPath) {
-        ZRFxZipArchive reader;
-        return reader.Open(sPath, ZRZipAccessMode::READ_ONLY)
-                   ? static_cast<int>(reader.EntryCount()) - 1
-                   : 0;
-    }
-
-    TemporaryFolder m_folder;
-    const std::string m_sPath = m_folder.File("model.zrfx");
-    std::mt19937 m_random{1};
-
-private:
-    static size_t SizeOf(int nState) {
-        return nState % 60 == 20 ? size_t{9} << 20 : static_cast<size_t>(500 + nState * 37 % 3000);
-    }
-    static unsigned Seed(int nState) { return static_cast<unsigned>(nState) + 1; }
-    // The first is long, so that few commits are ordinary archives.
-    static std::string Line(int nState) {
-        if (nState > 0) return "<State Index=\"" + std::to_string(1000 + nState) + "\"/>\n";
-        std::string sLine;
-        for (int i = 0; i < 20000; ++i) sLine += std::to_string(i);
-        return sLine;
-    }
-    static std::string Log(int nStates) {
-        std::string sLog;
-        for (int i = 0; i <= nStates; ++i) sLog += Line(i);
-        return sLog;
-    }
-    int Write() const {
-        ZRFxZipArchive archive;
-        uint64_t nRevision = 0;
-        uint64_t nLog = Line(0).size();
-        if (!archive.Open(m_sPath, ZRZipAccessMode::CREATE) ||
-            !archive.Grow("Log.xml", 0, Line(0), 6, &nRevision)) {
-            return 1;
-        }
-        for (int i = 0; i < kStates; ++i) {
-            const std::string& sState = m_asStates[static_cast<size_t>(i)];
-            if (!archive.Grow("Log.xml", nLog, Line(i + 1), 6, &nRevision) ||
-                !AddText(&archive, Solver::StateName(i), sState, i % 2) || !archive.Commit()) {
-                return 2;
-            }
-            nLog += Line(i + 1).size();
-            usleep(5000);
-        }
-        return archive.Close() ? 0 : 3;
-    }
-
-    std::vector<std::string> m_asStates;
-    pid_t m_nWriter = -1;
-};
-
-TEST_F(BesideAWriter, ReadersSeeWholeStatesAndKeepThemUntilTheyRefresh) {
-    ZRFxZipArchive staying;
-    ZRFxZipArchive refreshing;
-    ASSERT_TRUE(staying.Open(m_sPath, ZRZipAccessMode::READ_ONLY));
-    ASSERT_TRUE(refreshing.Open(m_sPath, ZRZipAccessMode::READ_ONLY));
-    const int nFirst = ExpectState(&staying);
-    int nLast = nFirst;
-    for (bool bDone = false; !bDone && !HasFailure();) {
-        bDone = IsDone();
-        ZRFxArchiveChanges changes;
-        ASSERT_TRUE(refreshing.Refresh(&changes)) << refreshing.LastError();
-        const int nRefreshed = ExpectState(&refreshing);
-        EXPECT_EQ(changes.bAny || nRefreshed == nLast, true);
-        EXPECT_GE(nRefreshed, nLast);
-        EXPECT_EQ(ExpectState(&staying), nFirst);
-        nLast = ExpectState(m_sPath);
-        EXPECT_GE(nLast, nRefreshed);
-        nLast = nRefreshed;
-    }
-    EXPECT_EQ(nLast, kStates);
-}
-
-TEST_F(BesideAWriter, CopyOpensAtACommitOfItsTime) {
-    const std::string sCopy = m_folder.File("copy");
-    for (int nCopies = 0; !IsDone() && !HasFailure(); ++nCopies) {
-        const int nBefore = CountStates(m_sPath);
-        std::ifstream from(m_sPath, std::ios::binary);
-        std::ofstream to(sCopy, std::ios::binary);
-        std::string sPart(size_t{1} << (12 + m_random() % 8), '\0');
-        do {
-            from.read(sPart.data(), static_cast<std::streamsize>(sPart.size()));
-            to.write(sPart.data(), from.gcount());
-            usleep(m_random() % 300);
-        } while (from);
-        to.close();
-        const int nCopied = ExpectState(sCopy);
-        EXPECT_GE(nCopied, nBefore);
-        EXPECT_LE(nCopied, CountStates(m_sPath));
-    }
 }
 
 }  // namespace

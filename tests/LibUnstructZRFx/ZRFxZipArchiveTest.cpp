@@ -1,7 +1,5 @@
 #include "container/ZRFxZipArchive.h"
 
-#include <sys/resource.h>
-
 #include "support/FaultySystem.h"
 #include "support/ZipArchives.h"
 
@@ -60,8 +58,7 @@ TEST_F(ZRFxZipArchiveTest, BadUseIsAnsweredWithItsCause) {
     EXPECT_EQ(m_archive.LastError(), sAt + ", entry 'b': no such entry.");
     EXPECT_FALSE(m_archive.Add("huge", "x", uint64_t{0xFFFFFFFF}));
     EXPECT_EQ(m_archive.LastError(), sAt + ", entry 'huge': the entry is larger than 4 GiB.");
-    ASSERT_TRUE(m_archive.Close());
-    ASSERT_TRUE(m_archive.Open(m_sPath, ZRZipAccessMode::READ_ONLY));
+    ASSERT_TRUE(m_archive.Close() && m_archive.Open(m_sPath, ZRZipAccessMode::READ_ONLY));
     EXPECT_FALSE(m_archive.Remove("a"));
     EXPECT_EQ(m_archive.LastError(), sAt + ", entry 'a': the archive is open for reading only.");
     EXPECT_EQ(ReadModel(m_sPath), (Model{{"a", "x"}}));
@@ -69,23 +66,20 @@ TEST_F(ZRFxZipArchiveTest, BadUseIsAnsweredWithItsCause) {
 
 TEST_F(ZRFxZipArchiveTest, StreamedEntryIsTheSumOfItsPieces) {
     std::string sAll;
-    ASSERT_TRUE(m_archive.Open(m_sPath, ZRZipAccessMode::CREATE));
-    ASSERT_TRUE(m_archive.OpenEntry("ids.txt"));
+    ASSERT_TRUE(m_archive.Open(m_sPath, ZRZipAccessMode::CREATE) && m_archive.OpenEntry("ids.txt"));
     EXPECT_FALSE(m_archive.OpenEntry("other.txt"));
     for (int i = 0; i < 20000; ++i) {
         const std::string sLine = std::to_string(i) + " \n";
         sAll += sLine;
         ASSERT_TRUE(m_archive.WriteEntry(sLine.data(), sLine.size()));
     }
-    ASSERT_TRUE(m_archive.CloseEntry());
-    ASSERT_TRUE(m_archive.OpenEntry("none.txt"));
+    ASSERT_TRUE(m_archive.CloseEntry() && m_archive.OpenEntry("none.txt"));
     ASSERT_TRUE(m_archive.Close()) << m_archive.LastError();
     EXPECT_EQ(ReadModel(m_sPath), (Model{{"ids.txt", sAll}, {"none.txt", ""}}));
 }
 
 TEST_F(ZRFxZipArchiveTest, StreamedEntryThatCannotTakeAPieceIsGivenUp) {
-    ASSERT_TRUE(m_archive.Open(m_sPath, ZRZipAccessMode::CREATE));
-    ASSERT_TRUE(m_archive.OpenEntry("ids.txt"));
+    ASSERT_TRUE(m_archive.Open(m_sPath, ZRZipAccessMode::CREATE) && m_archive.OpenEntry("ids.txt"));
     ASSERT_TRUE(m_archive.WriteEntry("1 \n", 3));
     {
         FaultySystem system;
@@ -98,17 +92,6 @@ TEST_F(ZRFxZipArchiveTest, StreamedEntryThatCannotTakeAPieceIsGivenUp) {
     EXPECT_EQ(ReadModel(m_sPath), (Model{{"other.txt", ""}}));
 }
 
-TEST_F(ZRFxZipArchiveTest, ArchiveDestroyedWithoutCloseLeavesWhatWasCommitted) {
-    WriteModel(m_sPath, SmallModel());
-    for (const ZRZipAccessMode eMode : {ZRZipAccessMode::CREATE, ZRZipAccessMode::UPDATE}) {
-        ZRFxZipArchive archive;
-        ASSERT_TRUE(archive.Open(m_sPath, eMode));
-        ASSERT_TRUE(AddText(&archive, "large", RandomBytes(65 << 20), 0));
-    }
-    EXPECT_EQ(ReadModel(m_sPath), SmallModel());
-    EXPECT_EQ(m_folder.FileCount(), 1u);
-}
-
 TEST_F(ZRFxZipArchiveTest, CreatingKeepsTheOldContentUntilTheFirstCommit) {
     WriteModel(m_sPath, SmallModel());
     ASSERT_TRUE(m_archive.Open(m_sPath, ZRZipAccessMode::CREATE));
@@ -117,8 +100,7 @@ TEST_F(ZRFxZipArchiveTest, CreatingKeepsTheOldContentUntilTheFirstCommit) {
     EXPECT_EQ(ReadModel(m_sPath), SmallModel());
     m_archive.Abandon();
     EXPECT_EQ(ReadModel(m_sPath), SmallModel());
-    ASSERT_TRUE(m_archive.Open(m_sPath, ZRZipAccessMode::CREATE));
-    ASSERT_TRUE(m_archive.Close());
+    ASSERT_TRUE(m_archive.Open(m_sPath, ZRZipAccessMode::CREATE) && m_archive.Close());
     EXPECT_EQ(ReadModel(m_sPath), Model{});
     EXPECT_EQ(ReadWhole(m_sPath).size(), 22u);
 }
@@ -177,23 +159,6 @@ TEST_F(ZRFxZipArchiveTest, DocumentsReplacedAgainAndAgainCostWhatIsNew) {
     EXPECT_LT(system.WrittenCount(), nData + 40 * 1500);
     EXPECT_LT(std::filesystem::file_size(m_sPath), nData + 40 * 1500);
     EXPECT_EQ(Shell("unzip -t " + m_sPath), 0);
-}
-
-TEST_F(ZRFxZipArchiveTest, EntryReplacedFarAheadRewritesTheArchive) {
-    const std::string sBulk = RandomBytes(30 << 20);
-    ASSERT_TRUE(m_archive.Open(m_sPath, ZRZipAccessMode::CREATE));
-    for (const char* sName : {"first", "a", "b", "c"}) {
-        ASSERT_TRUE(AddText(&m_archive, sName, sBulk, 0)) << m_archive.LastError();
-    }
-    ASSERT_TRUE(m_archive.Close());
-    ASSERT_TRUE(m_archive.Open(m_sPath, ZRZipAccessMode::UPDATE));
-    ASSERT_TRUE(m_archive.Remove("first"));
-    ASSERT_TRUE(AddText(&m_archive, "ZRF.xml", "<ZRF/>"));
-    ASSERT_TRUE(m_archive.Close()) << m_archive.LastError();
-    EXPECT_LT(std::filesystem::file_size(m_sPath), 91u << 20);
-    EXPECT_EQ(m_folder.FileCount(), 1u);
-    EXPECT_EQ(ReadModel(m_sPath),
-              (Model{{"a", sBulk}, {"b", sBulk}, {"c", sBulk}, {"ZRF.xml", "<ZRF/>"}}));
 }
 
 TEST_F(ZRFxZipArchiveTest, SeventyThousandEntries) {

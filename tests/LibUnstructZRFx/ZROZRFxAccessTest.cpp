@@ -1,13 +1,7 @@
 #include "access/ZROZRFxAccess.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <filesystem>
 #include <fstream>
 #include <functional>
-#include <string>
-#include <vector>
 
 #include "support/ArchiveTest.h"
 #include "support/TemporaryFolder.h"
@@ -37,8 +31,7 @@ protected:
     void WriteFile(const std::string& path, const std::vector<std::string>& names,
                    const char* password = "") {
         ZRFxAccess access;
-        ASSERT_TRUE(access.Open(path, ZRZipAccessMode::CREATE));
-        ASSERT_TRUE(access.SetPassword(password));
+        ASSERT_TRUE(access.Open(path, ZRZipAccessMode::CREATE) && access.SetPassword(password));
         for (const std::string& name : names) {
             ASSERT_TRUE(access.WriteDataRaw(name, "text", 4, false));
         }

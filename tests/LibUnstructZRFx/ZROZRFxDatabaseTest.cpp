@@ -1,16 +1,9 @@
 #include "database/ZROZRFxDatabase.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <algorithm>
-#include <filesystem>
 #include <functional>
-#include <string>
 #include <utility>
-#include <vector>
 
-#include "blocks/mesh/ZRFxNodeBlock.h"
 #include "support/ArchiveTest.h"
 #include "support/FaultySystem.h"
 #include "support/SampleBlocks.h"
@@ -63,8 +56,7 @@ TEST_F(ZRFxDatabaseTest, DescriptionAndTableOfContentsAreWrittenAsDocumented) {
     Write(SampleBlock(BLOCK_NODES, 3));
     Write(SampleBlock(BLOCK_SET, 2));
     Write(SampleBlock(BLOCK_SET, 12));
-    ASSERT_TRUE(m_database.WriteTOC());
-    ASSERT_TRUE(m_access.Close());
+    ASSERT_TRUE(m_database.WriteTOC() && m_access.Close());
     test::Entries entries = test::UnpackWithPython(m_file);
     EXPECT_EQ(entries[kDescription],
               "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
@@ -139,8 +131,7 @@ TEST_F(ZRFxDatabaseTest, EntriesUnderSlashesAreFoundAndReplaced) {
         ZRFxDatabase database(&m_access);
         ASSERT_TRUE(database.Parse(1));
         database.SetTextMode(!hasTOC);
-        ASSERT_TRUE(SampleBlock(BLOCK_NODES, 1)->WriteBlock(&database));
-        ASSERT_TRUE(database.WriteTOC());
+        ASSERT_TRUE(SampleBlock(BLOCK_NODES, 1)->WriteBlock(&database) && database.WriteTOC());
         ExpectTexts({kParsing});
         ExpectBlocks({"Nodes 1", "Elements 1"});
         ZRStringArray names;

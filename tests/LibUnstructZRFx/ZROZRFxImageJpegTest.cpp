@@ -1,10 +1,6 @@
 #include "data/ZROZRFxImageJpeg.h"
 
-#include <gtest/gtest.h>
-
 #include <cstdlib>
-#include <string>
-#include <vector>
 
 #include "support/ArchiveTest.h"
 
@@ -66,8 +62,7 @@ TEST_F(ZRFxImageTest, RawImageIsItsSizeAndItsPixels) {
     EXPECT_EQ(Get("b.raw"), std::string(8, '\0'));
     for (const char* name : {"a.raw", "b.raw"}) {
         nuo::Image image = Gradient(3, 2);
-        ASSERT_TRUE(m_access.ReadImage(name, &image));
-        ASSERT_TRUE(m_access.WriteImage("again.raw", image));
+        ASSERT_TRUE(m_access.ReadImage(name, &image) && m_access.WriteImage("again.raw", image));
         EXPECT_EQ(Get("again.raw"), Get(name));
     }
 }
@@ -149,9 +144,7 @@ std::string ProgressiveJpegOf(int scanCount) {
     bytes += std::string(64, '\1');
     bytes += std::string("\xFF\xC2\0\xB\x8\0\x8\0\x8\1\1\x11\0\xFF\xC4\0\x14\0\1", 19);
     bytes += std::string(16, '\0');
-    for (int i = 0; i < scanCount; ++i) {
-        bytes += std::string("\xFF\xDA\0\x8\1\1\0\0\0\0\x7F", 11);
-    }
+    for (int i = 0; i < scanCount; ++i) bytes += std::string("\xFF\xDA\0\x8\1\1\0\0\0\0\x7F", 11);
     return bytes + "\xFF\xD9";
 }
 

@@ -1,8 +1,5 @@
 #include "catalogue/ZROZRFxPropDef.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <set>
 
 #include "support/LogCapture.h"

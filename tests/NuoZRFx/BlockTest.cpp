@@ -1,9 +1,5 @@
-#include <gmock/gmock.h>
-
 #include <array>
 #include <limits>
-#include <string>
-#include <vector>
 
 #include "support/InterfaceTest.h"
 #include "support/Model.h"
@@ -25,16 +21,12 @@ class BlockTest : public InterfaceTest {
 protected:
     // Writes a block beside a frame into a new file, and reads it back.
     PtrRef<Block> WriteAndRead(const Block& block) {
-        const nuo::Str name = nuo::Str(m_folder.File("block.zrfx"));
-        EXPECT_TRUE(m_file.create(name, FileSettings()));
+        Create();
         const PtrRef<Database> database = WriteDatabase(m_file, "a", 0);
         EXPECT_TRUE(database->writeBlock(&block));
-        EXPECT_TRUE(m_file.close());
-        EXPECT_TRUE(m_file.open(name));
+        Reopen();
         return m_file.database(0)->blockById(block.blockType(), block.blockId());
     }
-
-    File m_file;
 };
 
 class BareBlock : public Block {
@@ -45,7 +37,7 @@ public:
 TEST_F(BlockTest, BlockOfAForeignClassIsRefused) {
     const PtrRef<BareBlock> block = new BareBlock;
     EXPECT_EQ(Block::INVALID_BLOCK, block->blockType());
-    ASSERT_TRUE(m_file.create(nuo::Str(m_folder.File("block.zrfx")), FileSettings()));
+    Create();
     const PtrRef<Database> database = WriteDatabase(m_file, "a", 0);
     ExpectRefused(database->writeBlock(block.p()),
                   {"Block::zrfxBlock() not implemented in derived class",
@@ -82,8 +74,7 @@ TEST_F(BlockTest, NodeDataIsReadInPlaceAndFreeAgainOnceWritten) {
     EXPECT_EQ(ids.data(), nodes->nodeIdData());
     EXPECT_EQ(1, nodes->nodeIndex(4));
     const std::string before = Describe(*nodes);
-    const nuo::Str name = nuo::Str(m_folder.File("block.zrfx"));
-    ASSERT_TRUE(m_file.create(name, FileSettings()));
+    Create();
     const PtrRef<Database> database = WriteDatabase(m_file, "a", 0);
     ASSERT_TRUE(database->writeBlock(nodes.p()));
     xyz.assign(6, -1.0f);
@@ -513,8 +504,7 @@ TEST_F(BlockTest, ItemsOfSetsGoIntoTheGroupOfTheirBlock) {
 }
 
 TEST_F(BlockTest, BlocksThatWereReadKnowTheIdsInThem) {
-    const nuo::Str name = nuo::Str(m_folder.File("ids.zrfx"));
-    ASSERT_TRUE(m_file.create(name, FileSettings()));
+    Create();
     const PtrRef<Database> database = WriteDatabase(m_file, "a", 0);
     const PtrRef<StateInfoBlock> states = new StateInfoBlock;
     for (const int id : {7, 5}) states->addStateInfo(id, "", 0, StateInfoBlock::TIME);

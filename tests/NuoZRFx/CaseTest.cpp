@@ -1,10 +1,5 @@
 #include "NuoZRFx/Case.h"
 
-#include <gmock/gmock.h>
-
-#include <string>
-#include <vector>
-
 #include "support/InterfaceTest.h"
 #include "support/Model.h"
 #include "support/OutputOf.h"
@@ -18,7 +13,7 @@ using testing::SizeIs;
 
 class CaseTest : public InterfaceTest {
 protected:
-    CaseTest() { EXPECT_TRUE(m_file.create(m_name, FileSettings())); }
+    void SetUp() override { Create(); }
 
     void ExpectNotConstructed(File* file, const nuo::Str& name, int id, int databaseId,
                               const std::vector<std::string>& messages) {
@@ -26,19 +21,11 @@ protected:
         ExpectRefused(view->id() >= 0, messages);
     }
 
-    void Reopen() {
-        ASSERT_TRUE(m_file.close());
-        ASSERT_TRUE(m_file.open(m_name));
-    }
-
     // Replaces a text in the names and documents of the closed file.
     void Replace(const std::string& from, const std::string& to) {
         EXPECT_EQ("", OutputOf("python3 " NUO_TEST_FOLDER "/support/replace_in_archive.py '" +
                                m_name.toStdString() + "' '" + from + "' '" + to + "'"));
     }
-
-    const nuo::Str m_name = nuo::Str(m_folder.File("file.zrfx"));
-    File m_file;
 };
 
 TEST_F(CaseTest, WhatCannotBeConstructedIsReportedAndNotPartOfTheFile) {
@@ -158,8 +145,7 @@ TEST_F(CaseTest, CaseThatCannotBeWrittenIsReportedAndCanBeMended) {
     ExpectRefused(m_file.close(), {"Error writing the snapshot image to the ZRFx file.",
                                    "Eror writing case.", "Could not write case (id 4) to file."});
     view->setSnapshot(nullptr);
-    ASSERT_TRUE(m_file.close());
-    ASSERT_TRUE(m_file.openForAppend(m_name));
+    ASSERT_TRUE(m_file.close() && m_file.openForAppend(m_name));
     m_file.fileCase(0)->setSnapshot(&empty);
     ExpectRefused(m_file.flush(), {"Error writing the snapshot image to the ZRFx file.",
                                    "Error writing case.", "Could not write case (id 4) to file."});
@@ -207,7 +193,7 @@ TEST_F(CaseTest, FileThatFailedToOpenTakesNoCases) {
 TEST_F(CaseTest, FolderOfACaseStaysWhateverItIsCalled) {
     for (const std::string folder : {"Front view", "Case5", "Views/4"}) {
         nuo::Image image = MakeImage(8, 8);
-        ASSERT_TRUE(m_file.create(m_name, FileSettings()));
+        Create();
         PtrRef<Case> view = new Case(&m_file, "View", 4, 0);
         view->setDescription("text");
         view->setSnapshot(&image);

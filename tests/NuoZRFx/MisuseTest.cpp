@@ -1,10 +1,6 @@
-#include <gmock/gmock.h>
-
 #include <climits>
 #include <cmath>
 #include <limits>
-#include <string>
-#include <vector>
 
 #include "support/InterfaceTest.h"
 #include "support/Model.h"

@@ -1,6 +1,3 @@
-#include <gmock/gmock.h>
-
-#include <string>
 #include <tuple>
 
 #include "support/InterfaceTest.h"
@@ -30,41 +27,33 @@ protected:
 };
 
 TEST_P(ModelTest, EveryBlockAndCaseComesBackEqual) {
-    const std::string name = m_folder.File("model.zrfx");
-    File file;
-    ASSERT_TRUE(file.create(Str(name), Settings()));
-    ASSERT_TRUE(WriteModel(file, "Tr\u00E4ger"));
-    EXPECT_TRUE(file.addUserTextFile("notes", "first\nsecond \u4E2D\u6587"));
-    ASSERT_TRUE(file.close());
-
-    ASSERT_TRUE(file.open(Str(name), Settings().password));
-    EXPECT_THAT(Describe(file), ElementsAreArray(DescribeModel("Tr\u00E4ger")));
-    ASSERT_EQ(1u, file.userTextFileCount());
-    EXPECT_EQ(Str("notes"), file.userTextFileName(0));
-    EXPECT_EQ(Str("first\nsecond \u4E2D\u6587"), file.userTextFileContent(0));
-    EXPECT_EQ(Settings().binary, file.settings()->binary);
-    EXPECT_EQ(Settings().vendorName, file.settings()->vendorName);
-    EXPECT_EQ(Settings().applicationName, file.settings()->applicationName);
-    EXPECT_TRUE(file.close());
+    Create(Settings());
+    ASSERT_TRUE(WriteModel(m_file, "Tr\u00E4ger"));
+    EXPECT_TRUE(m_file.addUserTextFile("notes", "first\nsecond \u4E2D\u6587"));
+    ASSERT_TRUE(m_file.close() && m_file.open(m_name, Settings().password));
+    EXPECT_THAT(Describe(m_file), ElementsAreArray(DescribeModel("Tr\u00E4ger")));
+    ASSERT_EQ(1u, m_file.userTextFileCount());
+    EXPECT_EQ(Str("notes"), m_file.userTextFileName(0));
+    EXPECT_EQ(Str("first\nsecond \u4E2D\u6587"), m_file.userTextFileContent(0));
+    EXPECT_EQ(Settings().binary, m_file.settings()->binary);
+    EXPECT_EQ(Settings().vendorName, m_file.settings()->vendorName);
+    EXPECT_EQ(Settings().applicationName, m_file.settings()->applicationName);
 }
 
 // What a block was read from may be gone; it is written as if it had been made anew.
 TEST_P(ModelTest, BlocksThatWereReadAreWrittenToAnotherFile) {
-    File source;
-    ASSERT_TRUE(source.create(Str(m_folder.File("source.zrfx")), Settings()));
-    ASSERT_TRUE(WriteModel(source, "x"));
-    ASSERT_TRUE(source.close());
-    ASSERT_TRUE(source.open(Str(m_folder.File("source.zrfx")), Settings().password));
-
+    Create(Settings());
+    ASSERT_TRUE(WriteModel(m_file, "x"));
+    ASSERT_TRUE(m_file.close() && m_file.open(m_name, Settings().password));
     std::vector<PtrRef<Block>> blocks;
     for (int type = Block::NODES; type < Block::SET; ++type) {
         const auto blockType = static_cast<Block::BlockType>(type);
-        for (std::size_t i = 0; i < source.database(0)->blockCount(blockType); ++i) {
-            blocks.push_back(source.database(0)->blockByIndex(blockType, i));
+        for (std::size_t i = 0; i < m_file.database(0)->blockCount(blockType); ++i) {
+            blocks.push_back(m_file.database(0)->blockByIndex(blockType, i));
         }
     }
-    for (std::size_t i = 0; i < 2; ++i) blocks.push_back(source.database(0)->setBlockByIndex(i));
-    ASSERT_TRUE(source.close());
+    for (std::size_t i = 0; i < 2; ++i) blocks.push_back(m_file.database(0)->setBlockByIndex(i));
+    ASSERT_TRUE(m_file.close());
 
     File copy;
     ASSERT_TRUE(copy.create(Str(m_folder.File("copy.zrfx")), FileSettings()));
@@ -78,36 +67,31 @@ TEST_P(ModelTest, BlocksThatWereReadAreWrittenToAnotherFile) {
 using NamesTest = InterfaceTest;
 
 TEST_F(NamesTest, CharactersThatXmlForbidsAreReplacedSoThatEveryReaderTakesTheFile) {
-    const std::string name = m_folder.File("names.zrfx");
     const std::string forbidden = "\x1B\uFFFF";
     const std::string written = "\uFFFD\uFFFD";
     PtrRef<nuo::PropertySet> set = new nuo::PropertySet(Str(forbidden));
     set->setValue(Str(forbidden), Str(forbidden));
     PtrRef<nuo::PropertySetCollection> properties = new nuo::PropertySetCollection;
     properties->addPropertySet(set.p());
-    File file;
-    ASSERT_TRUE(file.create(Str(name), FileSettings()));
-    ASSERT_TRUE(WriteModel(file, forbidden));
-    const PtrRef<Case> view = new Case(&file, Str(forbidden), 9, 0);
+    Create();
+    ASSERT_TRUE(WriteModel(m_file, forbidden));
+    const PtrRef<Case> view = new Case(&m_file, Str(forbidden), 9, 0);
     view->setProperties(properties.p());  // not of the catalogue
     TakeTexts();
-    ASSERT_TRUE(file.close());
-
-    ASSERT_TRUE(file.open(Str(name)));
-    EXPECT_EQ(Describe(*file.database(0)), DescribeModel(written).front());
-    const Case& read = *file.fileCase(2);
+    Reopen();
+    EXPECT_EQ(Describe(*m_file.database(0)), DescribeModel(written).front());
+    const Case& read = *m_file.fileCase(2);
     EXPECT_EQ(read.name(), Str(written));
     ASSERT_EQ(read.properties()->count(), 1u);
     EXPECT_EQ(read.properties()->propertySet(0)->classType(), Str(written));
     EXPECT_EQ(read.properties()->propertySet(0)->value(Str(written)).toStr(), Str(written));
-    EXPECT_TRUE(file.close());
     if (OutputOf("python3 -c 'print(1)' 2>&1") != "1\n") GTEST_SKIP() << "needs python3";
     EXPECT_EQ(OutputOf("python3 -c \"import sys, zipfile, xml.etree.ElementTree as tree\n"
                        "z = zipfile.ZipFile(sys.argv[1])\n"
                        "names = [n for n in z.namelist() if n.endswith('.xml')]\n"
                        "for n in names: tree.fromstring(z.read(n))\n"
                        "print(len(names) > 40)\" '" +
-                       name + "' 2>&1"),
+                       m_name.toStdString() + "' 2>&1"),
               "True\n");
 }
 

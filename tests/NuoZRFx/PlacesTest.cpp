@@ -1,9 +1,6 @@
-#include <gmock/gmock.h>
-
+#include <algorithm>
 #include <cstdlib>
-#include <string>
 #include <thread>
-#include <vector>
 
 #include "support/CommaLocale.h"
 #include "support/InterfaceTest.h"
@@ -23,10 +20,8 @@ protected:
         settings.binary = isBinary;
         settings.vendorName = settings.applicationName = nuo::Str(text);
         File file;
-        ASSERT_TRUE(file.create(nuo::Str(path), settings));
-        ASSERT_TRUE(WriteModel(file, text));
-        ASSERT_TRUE(file.addUserTextFile(nuo::Str(text), nuo::Str(text)));
-        ASSERT_TRUE(file.close());
+        ASSERT_TRUE(file.create(nuo::Str(path), settings) && WriteModel(file, text));
+        ASSERT_TRUE(file.addUserTextFile(nuo::Str(text), nuo::Str(text)) && file.close());
         EXPECT_TRUE(File::isZRFxFile(nuo::Str(path)));
         ASSERT_TRUE(file.open(nuo::Str(path)));
         EXPECT_THAT(Describe(file), ElementsAreArray(DescribeModel(text)));
@@ -80,17 +75,44 @@ TEST_F(PlacesTest, ThreadsWorkOnFilesOfTheirOwn) {
     EXPECT_EQ(24u, TakeTexts().size());
 }
 
+TEST_F(PlacesTest, ThreadsThatPackAndUnpackChangeNothingThatIsRead) {
+    std::vector<float> coordinates(1'500'000);
+    for (std::size_t i = 0; i < coordinates.size(); ++i) {
+        coordinates[i] = static_cast<float>(i * i % 7919) * 0.3f;
+    }
+    const nuo::Str path(m_folder.File("file.zrfx"));
+    for (const int threads : {1, 0, 3}) {
+        FileSettings settings;
+        settings.threads = threads;
+        File file;
+        ASSERT_TRUE(file.create(path, settings));
+        EXPECT_EQ(threads, file.settings()->threads);
+        const nuo::PtrRef<Database> database =
+            new Database(&file, "Model", 0, Database::STRUCTURAL, Database::LINEAR_STATIC, "");
+        const nuo::PtrRef<NodeBlock> nodes = new NodeBlock(1, false);
+        ASSERT_TRUE(nodes->setNodes(coordinates, {}) && database->writeBlock(nodes.p()));
+        ASSERT_TRUE(file.flush());
+        File reader;
+        reader.setThreads(4 - threads);
+        ASSERT_TRUE(reader.open(path));
+        EXPECT_EQ(4 - threads, reader.settings()->threads);
+        const nuo::PtrRef<Block> read = reader.database(0)->blockById(Block::NODES, 1);
+        ASSERT_TRUE(read.notNull());
+        const float* values = static_cast<NodeBlock*>(read.p())->nodeData();
+        EXPECT_TRUE(std::equal(coordinates.begin(), coordinates.end(), values));
+        file.abandon();
+    }
+}
+
 // Python's own ZIP and XML modules check documents, registries and data files of the file.
 TEST_F(PlacesTest, IndependentReaderFindsTheModel) {
     if (std::system("python3 -c 'import zipfile' >/dev/null 2>&1") != 0) {
         GTEST_SKIP() << "no python3";
     }
-    File file;
-    ASSERT_TRUE(file.create(nuo::Str(m_folder.File("file.zrfx")), FileSettings()));
-    ASSERT_TRUE(WriteModel(file, "Tr\u00E4ger"));
-    ASSERT_TRUE(file.close());
+    Create();
+    ASSERT_TRUE(WriteModel(m_file, "Tr\u00E4ger") && m_file.close());
     const std::string command =
-        "python3 " NUO_TEST_FOLDER "/support/read_model.py '" + m_folder.File("file.zrfx") + "'";
+        "python3 " NUO_TEST_FOLDER "/support/read_model.py '" + m_name.toStdString() + "'";
     EXPECT_EQ(0, std::system(command.c_str()));
 }
 

@@ -1,9 +1,7 @@
 // Readers beside a writer: those that stay as they are, those that follow, those that come anew.
-#include <gmock/gmock.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <filesystem>
 #include <random>
 #include <set>
 
@@ -123,8 +121,6 @@ protected:
             steps->insert(std::stoi(text.substr(at + mark.size())));
         }
     }
-
-    const nuo::Str m_name{m_folder.File("model.zrfx")};
 };
 
 TEST_F(RefreshTest, ReaderShowsWhatWasFlushedWhenItIsRefreshedAndNotBefore) {
@@ -147,16 +143,14 @@ TEST_F(RefreshTest, ReaderShowsWhatWasFlushedWhenItIsRefreshedAndNotBefore) {
         EXPECT_EQ(1, StepOf(staying));
     }
     EXPECT_EQ(database.p(), following.database(0));
-    ASSERT_TRUE(writing.close());
-    ASSERT_TRUE(following.refresh());
+    ASSERT_TRUE(writing.close() && following.refresh());
     EXPECT_EQ(11, StepOf(following));
 }
 
 TEST_F(RefreshTest, DatabasesCasesAndTextsOfOthersAreShown) {
     File writing, reading;
     ASSERT_TRUE(writing.create(m_name, FileSettings()));
-    ASSERT_TRUE(Solver(writing).Step(1) && writing.close());
-    ASSERT_TRUE(reading.open(m_name));
+    ASSERT_TRUE(Solver(writing).Step(1) && writing.close() && reading.open(m_name));
     EXPECT_EQ(0u, reading.userTextFileCount());
     ASSERT_TRUE(writing.openForAppend(m_name));
     const PtrRef<Database> second = WriteDatabase(writing, "Second", 5);
@@ -171,8 +165,7 @@ TEST_F(RefreshTest, DatabasesCasesAndTextsOfOthersAreShown) {
     EXPECT_EQ(nuo::Str("first"), reading.fileCase(0)->description());
     EXPECT_EQ(nuo::Str("text"), reading.userTextFileContent(0));
     view->setDescription("second");
-    ASSERT_TRUE(writing.close());
-    ASSERT_TRUE(reading.refresh());
+    ASSERT_TRUE(writing.close() && reading.refresh());
     EXPECT_EQ(nuo::Str("second"), reading.fileCase(0)->description());
     EXPECT_EQ(1u, reading.fileCaseCount());
 }
@@ -181,15 +174,13 @@ TEST_F(RefreshTest, FileThatTakesTheNameIsShownInstead) {
     File writing, reading;
     ASSERT_TRUE(writing.create(m_name, FileSettings()));
     ASSERT_TRUE(WriteModel(writing, "old") && writing.close());
-    ASSERT_TRUE(reading.open(m_name));
-    ASSERT_TRUE(writing.create(m_name, FileSettings()));
+    ASSERT_TRUE(reading.open(m_name) && writing.create(m_name, FileSettings()));
     Solver solver(writing);
     bool isChanged = true;
     ASSERT_TRUE(reading.refresh(&isChanged));
     EXPECT_FALSE(isChanged);
     EXPECT_EQ(DescribeModel("old"), Describe(reading));
-    ASSERT_TRUE(solver.Step(1));
-    ASSERT_TRUE(reading.refresh(&isChanged));
+    ASSERT_TRUE(solver.Step(1) && reading.refresh(&isChanged));
     EXPECT_TRUE(isChanged);
     EXPECT_EQ(1u, reading.databaseCount());
     EXPECT_EQ(0u, reading.fileCaseCount());

@@ -5,9 +5,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <fstream>
-#include <string>
 #include <string_view>
-#include <vector>
 
 #include "support/InterfaceTest.h"
 #include "support/Model.h"
@@ -106,11 +104,9 @@ TEST_F(SecretsTest, PasswordIsNowhereInMemoryOnceTheFileIsClosed) {
         Wipe(settings.password);
     }
     ASSERT_TRUE(WriteModel(file, "text"));
-    ASSERT_TRUE(file.close());
-    ASSERT_TRUE(file.open(nuo::Str(path), password));
+    ASSERT_TRUE(file.close() && file.open(nuo::Str(path), password));
     Describe(file);
-    ASSERT_TRUE(file.close());
-    ASSERT_TRUE(file.openForAppend(nuo::Str(path), password));
+    ASSERT_TRUE(file.close() && file.openForAppend(nuo::Str(path), password));
     const auto isInMemory = [&] {
         bool isFound = false;
         forEachRegion([&](const std::vector<char>& bytes) {

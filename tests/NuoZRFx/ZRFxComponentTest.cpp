@@ -29,8 +29,7 @@ TEST(ZRFxComponentTest, FirstInitializationCountsAndLaterOnesChangeNothing) {
     nuo::Instance first = instanceWith(nuo::FailedAssertAction::CONTINUE, 4711);
     nuo::Instance second = instanceWith(nuo::FailedAssertAction::CONSOLE, 0);
     EXPECT_FALSE(ZRFxComponent::isInitialized());
-    ASSERT_TRUE(ZRFxComponent::initialize(&first));
-    ASSERT_TRUE(ZRFxComponent::initialize(&second));
+    ASSERT_TRUE(ZRFxComponent::initialize(&first) && ZRFxComponent::initialize(&second));
     EXPECT_TRUE(ZRFxComponent::isInitialized());
     EXPECT_EQ(4711, ZRFxComponent::licenseNumber());
     EXPECT_FALSE(ZRFxComponent::isEvaluationVersion());

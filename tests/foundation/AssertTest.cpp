@@ -1,8 +1,5 @@
 #include "nvf/Assert.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <csignal>
 #include <thread>
 

@@ -1,8 +1,5 @@
 #include "nvf/LogManager.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <atomic>
 #include <thread>
 

@@ -1,7 +1,5 @@
 #include "NuoCore/NuoCore.h"
 
-#include <gtest/gtest.h>
-
 #include <climits>
 #include <memory>
 #include <stdexcept>

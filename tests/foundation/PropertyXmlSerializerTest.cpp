@@ -1,7 +1,5 @@
 #include "nvf/PropertyXmlSerializer.h"
 
-#include <gtest/gtest.h>
-
 #include <cfloat>
 #include <climits>
 #include <cmath>

@@ -1,7 +1,5 @@
 #include "nvf/Variant.h"
 
-#include <gtest/gtest.h>
-
 #include "NuoCore/Variant.h"
 #include "nvf/PropertySetCollection.h"
 #include "support/LogCapture.h"

@@ -41,25 +41,6 @@ ref<XmlDocument> DocumentOf(const Texts& texts) {
     return document;
 }
 
-TEST(XmlDocument, EveryTextComesBackEqual) {
-    const Texts& texts = kHardTexts;
-    ref<XmlDocument> document = DocumentOf(texts);
-    for (int generation = 0; generation < 2; ++generation) {
-        const std::string bytes = document->toUtf8();
-        document = new XmlDocument;
-        ASSERT_TRUE(document->parse(bytes));
-        XmlElement item = document->getRootElement("Root").firstChildElement("Item");
-        XmlElement nest = document->getRootElement().firstChildElement("Nest");
-        for (const char* text : texts) {
-            EXPECT_EQ(item.valueText().toUtf8(), text);
-            EXPECT_EQ(item.getAttributeString("a", "none").toUtf8(), text);
-            EXPECT_EQ(nest.firstChildElement().textUtf8(), text);
-            item = item.nextSiblingElement("Item");
-            nest = nest.nextSiblingElement("Nest");
-        }
-    }
-}
-
 // Prints text and attribute of every item in hexadecimal, a line each.
 constexpr const char* kOtherReader =
     "python3 -c \"import sys, xml.etree.ElementTree as tree\n"

@@ -1,10 +1,7 @@
 #include "support/ArchiveTest.h"
 
-#include <gmock/gmock.h>
-
 #include <algorithm>
 #include <fstream>
-#include <iterator>
 
 #include "support/OutputOf.h"
 #include "support/SampleBlocks.h"
@@ -68,8 +65,7 @@ void ArchiveTest::SetUp() {
 }
 
 void ArchiveTest::Reopen(ZRZipAccessMode mode) {
-    ASSERT_TRUE(m_access.Close());
-    ASSERT_TRUE(m_access.Open(&m_file, mode));
+    ASSERT_TRUE(m_access.Close() && m_access.Open(&m_file, mode));
 }
 
 void ArchiveTest::Put(const std::string& name, std::string_view bytes) {
@@ -150,15 +146,12 @@ std::string DatabaseTest::TakeAbbreviated(const ZRFxBlock& block) {
     return Replaced(texts, ZRFxBlockTypeName(block.GetType()).Bytes() + " block ID 1: ", "^");
 }
 
-std::vector<Damage> OfBlocksInMemory(const std::vector<Damage>& damages) {
-    std::vector<Damage> found;
-    std::copy_if(damages.begin(), damages.end(), std::back_inserter(found),
-                 [](const Damage& damage) { return damage.apply != nullptr; });
-    return found;
-}
-
 void PrintTo(const Damage& damage, std::ostream* stream) {
     *stream << damage.name;
+}
+
+std::string NameOf(const testing::TestParamInfo<Damage>& test) {
+    return test.param.name;
 }
 
 bool CreateDatabase(ZRFxDatabase& database, int id) {

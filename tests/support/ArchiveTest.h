@@ -2,9 +2,6 @@
 
 #include <iosfwd>
 #include <map>
-#include <string>
-#include <string_view>
-#include <vector>
 
 #include "access/ZROZRFxAccess.h"
 #include "container/ZRFxZipMemFile.h"
@@ -49,7 +46,9 @@ protected:
 struct Damage {
     const char* name;
     int type;
-    const char* file;  ///< What follows the base name of the block.
+    /// What follows the base name of the block; null for a fault that no file can have, or that
+    /// reading reports in other words.
+    const char* file;
     const char* from;  ///< Null for the whole contents.
     const char* to;    ///< Null to remove the file.
     /// One a line; "#" stands for the base name, "@" for the same with the database's folder, "^"
@@ -58,9 +57,6 @@ struct Damage {
     /// Does the same to the block in memory; null when no block can be brought to it.
     void (*apply)(unstruct::ZRFxBlock& block) = nullptr;
 };
-
-/// Those of the damages that a block can have in memory.
-std::vector<Damage> OfBlocksInMemory(const std::vector<Damage>& damages);
 
 void PrintTo(const Damage& damage, std::ostream* stream);
 
@@ -89,6 +85,11 @@ private:
     /// The messages since the last call, abbreviated as those of a damage are.
     std::string TakeAbbreviated(const unstruct::ZRFxBlock& block);
 };
+
+/// A block with a fault, which readers refuse, and writers in the same words.
+class DamagedBlock : public DatabaseTest, public testing::WithParamInterface<Damage> {};
+
+std::string NameOf(const testing::TestParamInfo<Damage>& test);
 
 /// A database with that id and a name, created in an archive.
 bool CreateDatabase(unstruct::ZRFxDatabase& database, int id);

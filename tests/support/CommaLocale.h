@@ -1,9 +1,6 @@
 #pragma once
 
-#include <stdlib.h>
-
 #include <clocale>
-#include <string>
 
 #include "support/TemporaryFolder.h"
 

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <atomic>
 #include <cerrno>
 #include <cstdlib>
+#include <mutex>
 #include <string>
 
 #include "container/ZRFxSystem.h"
@@ -9,7 +11,7 @@
 namespace ziptest {
 
 // Counts the system calls of the archive layer, fails the N-th, and keeps what was written.
-// Installed as long as it lives.
+// Installed as long as it lives. Calls may come from several threads.
 class FaultySystem : public unstruct::ZRFxSystem {
 public:
     enum class Failing { kOnce, kFromThenOn };
@@ -30,6 +32,7 @@ public:
     void KeepWrittenBytes() { m_bKeep = true; }
     const std::string& WrittenBytes() const { return m_sWritten; }
     uint64_t WrittenCount() const { return m_nWritten; }
+    uint64_t ReadCount() const { return m_nRead; }
     int ChangeCount() const { return m_nChanges; }
 
     int Open(const char* sPath, int nFlags, mode_t nMode) override {
@@ -37,6 +40,7 @@ public:
         return Fails() ? -1 : ZRFxSystem::Open(sPath, nFlags, nMode);
     }
     ssize_t ReadAt(int nFile, void* pData, size_t nSize, off_t nOffset) override {
+        m_nRead += nSize;
         return Fails() ? -1 : ZRFxSystem::ReadAt(nFile, pData, nSize, nOffset);
     }
     ssize_t WriteAt(int nFile, const void* pData, size_t nSize, off_t nOffset) override {
@@ -44,7 +48,7 @@ public:
         // A call that fails half-way, as on a full disk, has written something before.
         if (Fails()) return ZRFxSystem::WriteAt(nFile, pData, nSize / 2, nOffset), Refuse();
         m_nWritten += nSize;
-        if (m_bKeep) m_sWritten.append(static_cast<const char*>(pData), nSize);
+        if (m_bKeep) Keep(static_cast<const char*>(pData), nSize);
         return ZRFxSystem::WriteAt(nFile, pData, nSize, nOffset);
     }
     int Flush(int nFile) override { return Fails() ? -1 : ZRFxSystem::Flush(nFile); }
@@ -85,25 +89,31 @@ public:
 
 private:
     bool Fails() {
-        ++m_nCalls;
-        const bool bFails = m_nFailAt > 0 && (m_eFailing == Failing::kOnce ? m_nCalls == m_nFailAt
-                                                                           : m_nCalls >= m_nFailAt);
+        const int nCall = ++m_nCalls;
+        const bool bFails = m_nFailAt > 0 && (m_eFailing == Failing::kOnce ? nCall == m_nFailAt
+                                                                           : nCall >= m_nFailAt);
         if (bFails) errno = m_nErrno;
         return bFails;
+    }
+    void Keep(const char* pData, size_t nSize) {
+        const std::lock_guard lock(m_mutex);
+        m_sWritten.append(pData, nSize);
     }
     ssize_t Refuse() const {
         errno = m_nErrno;
         return -1;
     }
 
-    int m_nCalls = 0;
+    std::atomic<int> m_nCalls{0};
     int m_nFailAt = 0;
     int m_nErrno = 0;
     Failing m_eFailing = Failing::kOnce;
     bool m_bKeep = false;
+    std::mutex m_mutex;
     std::string m_sWritten;
-    uint64_t m_nWritten = 0;
-    int m_nChanges = 0;
+    std::atomic<uint64_t> m_nRead{0};
+    std::atomic<uint64_t> m_nWritten{0};
+    std::atomic<int> m_nChanges{0};
 };
 
 }  // namespace ziptest

@@ -1,7 +1,5 @@
 #include "support/InterfaceTest.h"
 
-#include <gmock/gmock.h>
-
 #include <mutex>
 #include <utility>
 
@@ -41,6 +39,7 @@ InterfaceTest::InterfaceTest() : m_recorder(new Recorder) {
 }
 
 InterfaceTest::~InterfaceTest() {
+    m_file.abandon();
     nuo::CoreComponent::logManager()->setDestination(nullptr);
 }
 
@@ -62,6 +61,14 @@ void InterfaceTest::ExpectRefused(bool isDone, const std::vector<std::string>& m
     const testing::ScopedTrace trace(where.file_name(), static_cast<int>(where.line()), "call");
     EXPECT_FALSE(isDone);
     EXPECT_THAT(TakeTexts(), testing::ElementsAreArray(messages));
+}
+
+void InterfaceTest::Create(const nuo::zrfx::FileSettings& settings) {
+    ASSERT_TRUE(m_file.create(m_name, settings));
+}
+
+void InterfaceTest::Reopen() {
+    ASSERT_TRUE(m_file.close() && m_file.open(m_name));
 }
 
 void InterfaceTest::TearDown() {

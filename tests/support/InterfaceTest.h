@@ -1,10 +1,9 @@
 #pragma once
 
 #include <NuoZRFx/NuoZRFx.h>
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <source_location>
-#include <string>
 #include <vector>
 
 #include "support/TemporaryFolder.h"
@@ -38,7 +37,15 @@ protected:
 
     void TearDown() override;
 
+    /// Creates the file of that name.
+    void Create(const nuo::zrfx::FileSettings& settings = nuo::zrfx::FileSettings());
+
+    /// Closes it, and opens it for reading.
+    void Reopen();
+
     TemporaryFolder m_folder;
+    const nuo::Str m_name = nuo::Str(m_folder.File("file.zrfx"));
+    nuo::zrfx::File m_file;
 
 private:
     class Recorder;

@@ -1,7 +1,5 @@
 #include "support/LogCapture.h"
 
-#include <gmock/gmock.h>
-
 #include <mutex>
 #include <utility>
 

@@ -1,5 +1,6 @@
 #include "support/Model.h"
 
+#include <cstring>
 #include <sstream>
 
 namespace test {
@@ -190,104 +191,117 @@ void addProperties(const nuo::PropertySetCollection* properties, Facts& facts) {
     }
 }
 
-std::vector<PtrRef<Block>> makeMesh() {
+// A text that ends with another one. Joining them takes memory of the test's own, which the tests
+// of missing memory leave alone; a std::string would take that of a library.
+Str with(const char* before, const std::string& text) {
+    std::vector<char> whole(before, before + std::strlen(before));
+    whole.insert(whole.end(), text.c_str(), text.c_str() + text.size() + 1);
+    return Str(whole.data());
+}
+
+std::vector<PtrRef<Block>> makeMesh(const std::string&, bool& isWhole) {
     PtrRef<NodeBlock> nodes = new NodeBlock(1, true);
     for (int i = 0; i < 12; ++i) {
-        nodes->addNode(static_cast<float>(i & 1), 0.5f * static_cast<float>(i >> 1 & 1),
-                       -0.25f * static_cast<float>(i >> 2), 100 + 7 * i);
+        isWhole &= nodes->addNode(static_cast<float>(i & 1), 0.5f * static_cast<float>(i >> 1 & 1),
+                                  -0.25f * static_cast<float>(i >> 2), 100 + 7 * i);
     }
+    isWhole &= nodes->nodeIndex(107) == 1;
     PtrRef<NodeBlock> plainNodes = new NodeBlock(2, false);
-    plainNodes->setNodes(std::vector<float>{0, 0, 0, 1, 0, 0, 1, 1, 0, 1.5e-20f, 3e38f, -1}, {});
+    isWhole &= plainNodes->setNodes(
+        std::vector<float>{0, 0, 0, 1, 0, 0, 1, 1, 0, 1.5e-20f, 3e38f, -1}, {});
 
     PtrRef<ElementBlock> solids = new ElementBlock(1, true, false);
     solids->setNodeBlockId(1);
-    solids->addElement(ElementBlock::HEXAHEDRONS, {0, 1, 3, 2, 4, 5, 7, 6}, 10);
-    solids->addElements(ElementBlock::TETRAHEDRONS, {0, 1, 2, 4, 8, 9, 10, 11}, {20, 30});
-    solids->addPolyhedron({{0, 1, 2}, {0, 3, 1}, {1, 3, 2}, {0, 2, 3}}, 40);
-    solids->addPolyhedron({{4, 5, 7, 6}, {4, 8, 5}, {5, 8, 7}, {7, 8, 6}, {6, 8, 4}}, 50);
-    solids->addElement(ElementBlock::HEXAHEDRONS, {4, 5, 7, 6, 8, 9, 11, 10}, 60);
+    isWhole &= solids->addElement(ElementBlock::HEXAHEDRONS, {0, 1, 3, 2, 4, 5, 7, 6}, 10);
+    isWhole &=
+        solids->addElements(ElementBlock::TETRAHEDRONS, {0, 1, 2, 4, 8, 9, 10, 11}, {20, 30});
+    isWhole &= solids->addPolyhedron({{0, 1, 2}, {0, 3, 1}, {1, 3, 2}, {0, 2, 3}}, 40);
+    isWhole &=
+        solids->addPolyhedron({{4, 5, 7, 6}, {4, 8, 5}, {5, 8, 7}, {7, 8, 6}, {6, 8, 4}}, 50);
+    isWhole &= solids->addElement(ElementBlock::HEXAHEDRONS, {4, 5, 7, 6, 8, 9, 11, 10}, 60);
     PtrRef<ElementBlock> shells = new ElementBlock(2, false, true);
     shells->setNodeBlockId(1);
-    shells->addElements(ElementBlock::QUADS, {100, 107, 121, 114}, {});
-    shells->addElements(ElementBlock::BEAMS, {100, 177, 107, 170}, {});
+    isWhole &= shells->addElements(ElementBlock::QUADS, {100, 107, 121, 114}, {});
+    isWhole &= shells->addElements(ElementBlock::BEAMS, {100, 177, 107, 170}, {});
     return {nodes, plainNodes, solids, shells};
 }
 
-std::vector<PtrRef<Block>> makeFrame(const std::string& text) {
+std::vector<PtrRef<Block>> makeFrame(const std::string& text, bool& isWhole) {
     PtrRef<GeometryBlock> geometry = new GeometryBlock(2);
-    geometry->setElementBlocksForState(0, {1, 2}, 0, {7, 8});
-    geometry->setElementBlocksForState(0, {2, 1}, 3, {7, 8});
-    geometry->addElementBlockForState(1, 2, 0, 0);
-    geometry->addElementBlockForState(1, 1, 0, 3);
+    isWhole &= geometry->setElementBlocksForState(0, {1, 2}, 0, {7, 8});
+    isWhole &= geometry->setElementBlocksForState(0, {2, 1}, 3, {7, 8});
+    isWhole &= geometry->addElementBlockForState(1, 2, 0, 0);
+    isWhole &= geometry->addElementBlockForState(1, 1, 0, 3);
     PtrRef<GeometryInfoBlock> parts = new GeometryInfoBlock(2);
-    parts->addPartInfo(0, 7, Str("Solid " + text));
-    parts->addPartInfo(0, 8, Str("Shell"));
-    parts->addPartInfo(1, 0, Str(""));
+    isWhole &= parts->addPartInfo(0, 7, with("Solid ", text));
+    isWhole &= parts->addPartInfo(0, 8, "Shell");
+    isWhole &= parts->addPartInfo(1, 0, "");
     PtrRef<StateInfoBlock> states = new StateInfoBlock;
-    states->addStateInfo(0, Str("Step " + text), 0.125f, StateInfoBlock::TIME);
-    states->addStateInfo(3, "", 50, StateInfoBlock::FREQUENCY);
-    states->addStateInfo(4, "Gravity", -1, StateInfoBlock::LOAD_CASE);
-    states->addStateInfo(5, "Rest", 1e30f, StateInfoBlock::OTHER);
-    states->addGroupInfo(9, Str("Group " + text), {0, 4});
-    states->addGroupInfo(8, "", {3});
+    isWhole &= states->addStateInfo(0, with("Step ", text), 0.125f, StateInfoBlock::TIME);
+    isWhole &= states->addStateInfo(3, "", 50, StateInfoBlock::FREQUENCY);
+    isWhole &= states->addStateInfo(4, "Gravity", -1, StateInfoBlock::LOAD_CASE);
+    isWhole &= states->addStateInfo(5, "Rest", 1e30f, StateInfoBlock::OTHER);
+    isWhole &= states->addGroupInfo(9, with("Group ", text), {0, 4});
+    isWhole &= states->addGroupInfo(8, "", {3});
     return {geometry, parts, states};
 }
 
 PtrRef<ResultBlock> makeResult(int id, ResultBlock::ResultType type,
-                               ResultBlock::ResultMapping mapping, const std::string& name) {
+                               ResultBlock::ResultMapping mapping, const Str& name, bool& isWhole) {
     PtrRef<ResultBlock> result = new ResultBlock(id, type, mapping);
-    result->setName(Str(name));
+    result->setName(name);
     result->setResultId(10 * id);
-    result->addResultValuesBlock(id, 0);
-    result->setResultValuesBlocks({3, 1, 2}, 3);
+    isWhole &= result->addResultValuesBlock(id, 0);
+    isWhole &= result->setResultValuesBlocks({3, 1, 2}, 3);
     return result;
 }
 
-std::vector<PtrRef<Block>> makeResults(const std::string& text) {
+std::vector<PtrRef<Block>> makeResults(const std::string& text, bool& isWhole) {
     PtrRef<ResultValuesBlock> scalars = new ResultValuesBlock(1, ResultValuesBlock::SCALAR1D, true);
-    scalars->addResultValue1d(1.5f, 10);
-    scalars->addResultValue1d(2.99e38f, 30);
-    scalars->setMapToBlockId(1, Block::ELEMENTS);
+    isWhole &= scalars->addResultValue1d(1.5f, 10);
+    isWhole &= scalars->addResultValue1d(2.99e38f, 30);
+    isWhole &= scalars->setMapToBlockId(1, Block::ELEMENTS);
     PtrRef<ResultValuesBlock> vectors =
         new ResultValuesBlock(2, ResultValuesBlock::VECTOR3D, false);
-    vectors->addResultValue3d(0.5f, -1, 1e-6f);
-    vectors->addResultValue3d(0, 0, 2);
-    vectors->setMapToBlockId(1, Block::NODES);
+    isWhole &= vectors->setResultValues({0.5f, -1, 1e-6f}, {});
+    isWhole &= vectors->addResultValue3d(0, 0, 2);
+    isWhole &= vectors->setMapToBlockId(1, Block::NODES);
     PtrRef<ResultValuesBlock> tensors = new ResultValuesBlock(3, ResultValuesBlock::TENSOR6D, true);
-    tensors->setResultValues({1, 2, 3, 4, 5, 6, -1, -2, -3, -4, -5, -6.5f}, {20, 10});
-    tensors->setMapToBlockId(1, Block::ELEMENTS);
+    isWhole &= tensors->setResultValues({1, 2, 3, 4, 5, 6, -1, -2, -3, -4, -5, -6.5f}, {20, 10});
+    isWhole &= tensors->setMapToBlockId(1, Block::ELEMENTS);
 
-    PtrRef<ResultBlock> stress =
-        makeResult(1, ResultBlock::SCALAR, ResultBlock::ELEMENT_MAPPING, "Stress " + text);
-    stress->addAttribute("unit", Str("N/mm\u00B2 " + text));
+    PtrRef<ResultBlock> stress = makeResult(1, ResultBlock::SCALAR, ResultBlock::ELEMENT_MAPPING,
+                                            with("Stress ", text), isWhole);
+    stress->addAttribute("unit", with("N/mm\u00B2 ", text));
     stress->addAttribute("empty", "");
-    PtrRef<ResultBlock> displacement =
-        makeResult(2, ResultBlock::DISPLACEMENT, ResultBlock::NODE_MAPPING, "Displacement");
+    PtrRef<ResultBlock> displacement = makeResult(
+        2, ResultBlock::DISPLACEMENT, ResultBlock::NODE_MAPPING, "Displacement", isWhole);
     displacement->setDefaultDisplacementScaleFactor(2.5f);
     displacement->setRelativeDisplacementResults(true);
     PtrRef<ResultBlock> strain =
-        makeResult(3, ResultBlock::TENSOR, ResultBlock::ELEMENT_NODE_MAPPING, "Strain");
+        makeResult(3, ResultBlock::TENSOR, ResultBlock::ELEMENT_NODE_MAPPING, "Strain", isWhole);
     strain->setStrainType(ResultBlock::STANDARD_STRAIN);
     PtrRef<ResultBlock> flow =
-        makeResult(4, ResultBlock::VECTOR, ResultBlock::SURFACE_MAPPING, "Flow");
+        makeResult(4, ResultBlock::VECTOR, ResultBlock::SURFACE_MAPPING, "Flow", isWhole);
     return {scalars, vectors, tensors, stress, displacement, strain, flow};
 }
 
-std::vector<PtrRef<Block>> makeMovesAndSets(const std::string& text) {
+std::vector<PtrRef<Block>> makeMovesAndSets(const std::string& text, bool& isWhole) {
     PtrRef<TransformationResultBlock> move = new TransformationResultBlock(1);
+    move->setName(with("Move ", text));
     move->setResultId(77);
-    move->addTransformationResultValuesBlock(1, 0);
-    move->setTransformationResultValuesBlocks({1, 2}, 3);
+    isWhole &= move->addTransformationResultValuesBlock(1, 0);
+    isWhole &= move->setTransformationResultValuesBlocks({1, 2}, 3);
     PtrRef<TransformationResultValuesBlock> moved = new TransformationResultValuesBlock(1);
     nuo::Mat4d matrix;
     matrix.setRowCol(0, 3, 12.25);
     matrix.setRowCol(3, 0, -0.5);
     moved->setMatrix(matrix);
-    moved->setMapToBlockId(2, Block::ELEMENTS);
+    isWhole &= moved->setMapToBlockId(2, Block::ELEMENTS);
 
     PtrRef<SetBlock> load = new SetBlock(1, true);
     load->setSetId(5);
-    load->setSetName(Str("Load " + text));
+    load->setSetName(with("Load ", text));
     load->addItem(10, 1);
     const int items[] = {20, 30};
     load->addItems(items, 2, 1);
@@ -300,9 +314,8 @@ std::vector<PtrRef<Block>> makeMovesAndSets(const std::string& text) {
     return {move, moved, load, empty};
 }
 
-void append(std::vector<PtrRef<Block>>& blocks, const std::vector<PtrRef<Block>>& more) {
-    blocks.insert(blocks.end(), more.begin(), more.end());
-}
+constexpr std::vector<PtrRef<Block>> (*kGroups[kBlockGroupCount])(const std::string&, bool&) = {
+    makeMesh, makeFrame, makeResults, makeMovesAndSets};
 
 bool writeCases(File& file, const std::string& text) {
     PtrRef<Case> view = new Case(&file, Str("View " + text), 3, 0);
@@ -406,11 +419,17 @@ PtrRef<Database> WriteDatabase(File& file, const Str& name, int id) {
     return database;
 }
 
+std::vector<PtrRef<Block>> MakeBlockGroup(std::size_t group, const std::string& text) {
+    bool isWhole = true;
+    const std::vector<PtrRef<Block>> blocks = kGroups[group](text, isWhole);
+    return isWhole ? blocks : std::vector<PtrRef<Block>>();
+}
+
 std::vector<PtrRef<Block>> MakeBlocks(const std::string& text) {
-    std::vector<PtrRef<Block>> blocks = makeMesh();
-    append(blocks, makeFrame(text));
-    append(blocks, makeResults(text));
-    append(blocks, makeMovesAndSets(text));
+    std::vector<PtrRef<Block>> blocks;
+    for (std::size_t group = 0; group < kBlockGroupCount; ++group) {
+        for (const PtrRef<Block>& block : MakeBlockGroup(group, text)) blocks.push_back(block);
+    }
     return blocks;
 }
 

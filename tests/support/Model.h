@@ -28,6 +28,10 @@ PtrRef<nuo::zrfx::Database> WriteDatabase(nuo::zrfx::File& file, const Str& name
 /// Blocks of all public types, with every kind of contents, whose texts contain `text`.
 std::vector<PtrRef<nuo::zrfx::Block>> MakeBlocks(const std::string& text);
 
+/// A part of them; none where an operation on one of them failed.
+inline constexpr std::size_t kBlockGroupCount = 4;
+std::vector<PtrRef<nuo::zrfx::Block>> MakeBlockGroup(std::size_t group, const std::string& text);
+
 /// Two databases of all blocks and two cases, one with everything that a case can have.
 bool WriteModel(nuo::zrfx::File& file, const std::string& text);
 

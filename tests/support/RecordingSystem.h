@@ -1,12 +1,8 @@
 #pragma once
 
-#include <filesystem>
-#include <fstream>
 #include <map>
 #include <memory>
 #include <optional>
-#include <string>
-#include <vector>
 
 #include "container/ZRFxSystem.h"
 #include "support/FileHistory.h"

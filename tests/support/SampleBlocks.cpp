@@ -1,25 +1,6 @@
 #include "support/SampleBlocks.h"
 
 #include "ZRUndefined.h"
-#include "blocks/mesh/ZRFxCrossSectionsBlock.h"
-#include "blocks/mesh/ZRFxElementBlock.h"
-#include "blocks/mesh/ZRFxGeometryBlock.h"
-#include "blocks/mesh/ZRFxGeometryInfoBlock.h"
-#include "blocks/mesh/ZRFxIndexedFaceSetBlock.h"
-#include "blocks/mesh/ZRFxNodeBlock.h"
-#include "blocks/precomputed/ZRFxPrecomputedCuttingPlaneBlock.h"
-#include "blocks/precomputed/ZRFxPrecomputedIsosurfaceBlock.h"
-#include "blocks/precomputed/ZRFxPrecomputedIsovolumeBlock.h"
-#include "blocks/precomputed/ZRFxPrecomputedItemBlock.h"
-#include "blocks/precomputed/ZRFxPrecomputedParticleTraceGroupBlock.h"
-#include "blocks/results/ZRFx2DPlotDataBlock.h"
-#include "blocks/results/ZRFxPositionResultValuesBlock.h"
-#include "blocks/results/ZRFxResultBlock.h"
-#include "blocks/results/ZRFxResultValuesBlock.h"
-#include "blocks/results/ZRFxStateInfoBlock.h"
-#include "blocks/results/ZRFxTransformationResultValuesBlock.h"
-#include "blocks/results/ZRFxTransformationResultsBlock.h"
-#include "blocks/sets/ZRFxSetBlock.h"
 
 namespace test {
 
@@ -30,23 +11,13 @@ namespace {
 constexpr const char* kName = "Tr\u00E4ger \u4E2D\u6587 \U0001F600 <&\"'>\n%1";
 
 template <typename T>
-ZRArray<T> ArrayOf(std::initializer_list<T> items) {
-    ZRArray<T> array;
-    array.Assign(items.begin(), static_cast<std::int64_t>(items.size()));
-    return array;
-}
-
-template <typename T>
 std::unique_ptr<T> New(T item) {
     return std::make_unique<T>(std::move(item));
 }
 
-ZRVec3fArray Vectors(std::initializer_list<nuo::Vec3f> items) {
-    return ArrayOf<nuo::Vec3f>(items);
-}
-
 void Fill(ZRFxNodeBlock& block) {
-    block.SetNodes(Vectors({{0, 0, 0}, {1, 0, -0.5f}, {0, 1.25f, 1e-20f}}), NewInts({7, 3, 5}));
+    block.SetNodes(ArrayOf<nuo::Vec3f>({{0, 0, 0}, {1, 0, -0.5f}, {0, 1.25f, 1e-20f}}),
+                   NewInts(7, 3, 5));
 }
 
 void Fill(ZRFxIndexedFaceSetBlock& block) {
@@ -55,7 +26,7 @@ void Fill(ZRFxIndexedFaceSetBlock& block) {
     block.SetNodeBlockID(1);
     block.SetConnects(kConnects, 7);
     block.SetPolygons(kStarts, 2);
-    block.SetIDs(NewInts({10, 20}));
+    block.SetIDs(NewInts(10, 20));
 }
 
 ZRFxElementBlockGroup Group(int type, int count, ZRIntArray connectivity, ZRIntArray ids) {
@@ -77,24 +48,24 @@ void Fill(ZRFxElementBlock& block) {
     block.SetNodeBlockID(1);
     block.SetCrossSectionsID(4);
     block.SetNumEccPerElement(2);
-    ZRFxElementBlockGroup beams = Group(ELEMENT_BEAM, 2, Ints({0, 1, 1, 2}), Ints({11, 12}));
-    beams.m_aiElementIndices = Ints({1, 0});
-    beams.m_aiExpansionMapping = Ints({0, 1});
-    beams.m_aDirections = Vectors({{0, 0, 1}, {0, 1, 0}});
-    beams.m_aEccentricities = Vectors({{0, 0, 1}, {0, 0, 2}, {0, 0, 3}, {0, 0, 4}});
+    ZRFxElementBlockGroup beams = Group(ELEMENT_BEAM, 2, Ints(0, 1, 1, 2), Ints(11, 12));
+    beams.m_aiElementIndices = Ints(1, 0);
+    beams.m_aiExpansionMapping = Ints(0, 1);
+    beams.m_aDirections = ArrayOf<nuo::Vec3f>({{0, 0, 1}, {0, 1, 0}});
+    beams.m_aEccentricities = ArrayOf<nuo::Vec3f>({{0, 0, 1}, {0, 0, 2}, {0, 0, 3}, {0, 0, 4}});
     AddGroup(block, std::move(beams));
-    AddGroup(block, Group(ELEMENT_TRIANGLE, 1, Ints({2, 1, 0}), Ints({13})));
+    AddGroup(block, Group(ELEMENT_TRIANGLE, 1, Ints(2, 1, 0), Ints(13)));
     ZRFxElementBlockGroup solids =
-        Group(ELEMENT_POLYHEDRON, 2, Ints({0, 1, 2, 3, 3, 2, 1, 4}), Ints({14, 15}));
+        Group(ELEMENT_POLYHEDRON, 2, Ints(0, 1, 2, 3, 3, 2, 1, 4), Ints(14, 15));
     const ZRIntArray faces =
-        Ints({0, 1, 3, 1, 2, 3, 2, 0, 3, 0, 2, 1, 0, 1, 3, 1, 2, 3, 2, 0, 3, 0, 2, 1});
-    solids.m_aiPolyhedronElementNodeCounts = Ints({4, 4});
-    solids.m_aiPolyhedronFaceCounts = Ints({4, 4});
+        Ints(0, 1, 3, 1, 2, 3, 2, 0, 3, 0, 2, 1, 0, 1, 3, 1, 2, 3, 2, 0, 3, 0, 2, 1);
+    solids.m_aiPolyhedronElementNodeCounts = Ints(4, 4);
+    solids.m_aiPolyhedronFaceCounts = Ints(4, 4);
     solids.m_aiPolyhedronFaceLocalNodes = faces;
-    solids.m_aiPolyhedronFaceNodeCounts = Ints({3, 3, 3, 3, 3, 3, 3, 3});
+    solids.m_aiPolyhedronFaceNodeCounts = Ints(3, 3, 3, 3, 3, 3, 3, 3);
     AddGroup(block, std::move(solids));
-    block.AddUserProperties(NewInts({1, 2, 3, 4, 5}));
-    block.AddUserProperties(NewInts({-1, -2, -3, -4, -5}));
+    block.AddUserProperties(NewInts(1, 2, 3, 4, 5));
+    block.AddUserProperties(NewInts(-1, -2, -3, -4, -5));
 }
 
 void Fill(ZRFxGeometryBlock& block) {
@@ -113,7 +84,7 @@ void Fill(ZRFxResultValuesBlock& block) {
     constexpr float kU = kUndefinedValue;
     const float tensors[] = {1, 2, 3, 4, 5, 6.5f, kU, kU, kU, kU, kU, kU};
     block.SetScalars(tensors, 12);
-    block.SetIDs(NewInts({3, 5}));
+    block.SetIDs(NewInts(3, 5));
 }
 
 void Fill(ZRFxResultBlock& block) {
@@ -131,7 +102,7 @@ void Fill(ZRFxResultBlock& block) {
               RESULT_UNKNOWN,
               18,
               result.attributes};
-    block.AddState(1)->m_aiValuesBlockIDs = Ints({1, 2});
+    block.AddState(1)->m_aiValuesBlockIDs = Ints(1, 2);
     block.AddState(2);
 }
 
@@ -145,21 +116,21 @@ void Fill(ZRFxCrossSectionsBlock& block) {
 
 void Fill(ZRFxStateInfoBlock& block) {
     block.AddState(
-        {1, kName, 0.1f, REFERENCE_TIME, 9, kName, {true, true, true, Ints({4, -5}), Ints({1})}});
+        {1, kName, 0.1f, REFERENCE_TIME, 9, kName, {true, true, true, Ints(4, -5), Ints(1)}});
     block.AddState({2, "", -1e30f, REFERENCE_LOAD_CASE, -1, "", {}});
 }
 
 void Fill(ZRFxSetBlock& block) {
     block.SetSetID(8);
     block.SetName(kName);
-    block.AddItems(New(ZRFxSetBlockItems{1, BLOCK_ELEMENTS, Ints({2, 0})}));
-    block.AddItems(New(ZRFxSetBlockItems{2, BLOCK_ELEMENTS, Ints({1})}));
+    block.AddItems(New(ZRFxSetBlockItems{1, BLOCK_ELEMENTS, Ints(2, 0)}));
+    block.AddItems(New(ZRFxSetBlockItems{2, BLOCK_ELEMENTS, Ints(1)}));
 }
 
 void Fill(ZRFx2DPlotDataBlock& block) {
     block.SetName(kName);
-    block.AddVariable(New(ZRFxPlotVariable{"Time", ArrayOf({0.f, 0.5f})}));
-    block.AddVariable(New(ZRFxPlotVariable{kName, ArrayOf({kUndefinedValue, -3.f})}));
+    block.AddVariable(New(ZRFxPlotVariable{"Time", ArrayOf<float>({0.f, 0.5f})}));
+    block.AddVariable(New(ZRFxPlotVariable{kName, ArrayOf<float>({kUndefinedValue, -3.f})}));
 }
 
 void Fill(ZRFxTransformationResultValuesBlock& block) {
@@ -172,7 +143,7 @@ void Fill(ZRFxTransformationResultValuesBlock& block) {
 void Fill(ZRFxTransformationResultsBlock& block) {
     block.SetName(kName);
     block.SetResultID(4);
-    block.AddState(3)->m_aiValuesBlockIDs = Ints({9});
+    block.AddState(3)->m_aiValuesBlockIDs = Ints(9);
 }
 
 void FillState(ZRFxPrecomputedBlock& block) {
@@ -198,10 +169,11 @@ void Fill(ZRFxPositionResultValuesBlock& block) {
     block.m_bGlobalPositions = true;
     block.m_vectorColor = {1, 0.1f, 0};
     block.m_fScalingFactor = 0.3f;
-    block.m_positions = Vectors({{0, 0, 0.5f}, {0, 1, 0.25f}});
-    block.m_aiElementIndices = Ints({2, 0});
-    block.m_vectors = Vectors({{0, 0, 1}, {kUndefinedValue, kUndefinedValue, kUndefinedValue}});
-    block.m_aiVectorTypes = Ints({VECTOR_SYMMETRIC_REVERSE_ARROW, VECTOR_NORMAL_ARROW});
+    block.m_positions = ArrayOf<nuo::Vec3f>({{0, 0, 0.5f}, {0, 1, 0.25f}});
+    block.m_aiElementIndices = Ints(2, 0);
+    block.m_vectors =
+        ArrayOf<nuo::Vec3f>({{0, 0, 1}, {kUndefinedValue, kUndefinedValue, kUndefinedValue}});
+    block.m_aiVectorTypes = Ints(VECTOR_SYMMETRIC_REVERSE_ARROW, VECTOR_NORMAL_ARROW);
 }
 
 void Fill(ZRFxGeometryInfoBlock& block) {
@@ -284,14 +256,6 @@ constexpr Sample kSamples[] = {
 };
 
 }  // namespace
-
-ZRIntArray Ints(std::initializer_list<std::int32_t> items) {
-    return ArrayOf<std::int32_t>(items);
-}
-
-std::unique_ptr<ZRIntArray> NewInts(std::initializer_list<std::int32_t> items) {
-    return std::make_unique<ZRIntArray>(Ints(items));
-}
 
 nvf::ref<ZRFxBlock> SampleBlock(int type, int id) {
     for (const Sample& sample : kSamples) {

@@ -8,7 +8,6 @@
 #include <cstdlib>
 #include <fstream>
 #include <sstream>
-#include <vector>
 
 #include "container/ZRFxZipArchive.h"
 

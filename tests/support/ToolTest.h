@@ -1,9 +1,5 @@
 #pragma once
 
-#include <gtest/gtest.h>
-
-#include <string>
-
 #include "support/LogCapture.h"
 #include "support/TemporaryFolder.h"
 

@@ -2,7 +2,6 @@
 
 #include <map>
 #include <ostream>
-#include <string>
 
 #include "container/ZRFxZipArchive.h"
 #include "support/ZipTestFiles.h"

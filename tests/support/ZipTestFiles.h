@@ -1,13 +1,12 @@
 #pragma once
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>
 #include <fstream>
 #include <random>
-#include <string>
 #include <vector>
 
 #include "support/TemporaryFolder.h"

@@ -5,6 +5,7 @@
 """
 
 import json
+import os
 import pathlib
 import signal
 import subprocess
@@ -13,36 +14,9 @@ import tempfile
 import time
 import unittest
 
+from frd_files import END, HEAD, displacement, result
+
 ZRFX = sys.argv.pop(1)
-HEAD = """    1C
-    1UMAT    1STEEL
-    2C                             4                                     1
- -1         1 0.00000E+00 0.00000E+00 0.00000E+00
- -1         2 1.00000E+00 0.00000E+00 0.00000E+00
- -1         3 0.00000E+00 1.00000E+00 0.00000E+00
- -1         4 0.00000E+00 0.00000E+00 1.00000E+00
- -3
-    3C                             1                                     1
- -1         1    3    0    1
- -2         1         2         3         4
- -3
-"""
-END = " 9999\n"
-
-
-def result(step, name, components, nodes, analysis=1, kind=1):
-    lines = [f"    1PSTEP{step:26d}{1:12d}{step:12d}",
-             f"  100CL  101{step / 4:12.5E}{len(nodes):12d}{'':20s}{analysis:2d}{step:5d}{'':10s} 1",
-             f" -4  {name:8s}{len(components):5d}    1"]
-    lines += [f" -5  {c:8s}    1{kind:5d}    0    0    0" for c in components]
-    for node in nodes:
-        lines.append(f" -1{node:10d}" + "".join(f"{node + i / 8:12.5E}"
-                                                for i in range(len(components))))
-    return "\n".join(lines) + "\n -3\n"
-
-
-def displacement(step, analysis=1):
-    return result(step, "DISP", ["D1", "D2", "D3"], [1, 2, 3, 4], analysis, kind=2)
 
 
 class ImportTest(unittest.TestCase):
@@ -112,7 +86,7 @@ class ImportTest(unittest.TestCase):
 
     def test_failed_import_leaves_the_file_that_was_there(self):
         self.out.write_text("precious")
-        for content, reason in [("", "line 1: the file ends without"), (END, "it has no mesh"),
+        for content, reason in [("", "the file is empty"), (END, "it has no mesh"),
                                 ("rubbish\n", "line 1: this is no line of a CalculiX result file"),
                                 (HEAD.replace(" 4\n -3", " 7\n -3") + END,
                                  "element 1 refers to node 7, which is not there")]:
@@ -133,6 +107,49 @@ class ImportTest(unittest.TestCase):
             self.assertEqual(run.stderr.count("\n"), 1, run.stderr)
         self.assertEqual(self.zrfx("import", self.frd.parent, self.out).returncode, 1)
         self.assertEqual(self.frd.read_text(), HEAD + END)
+
+    def test_states_of_a_response_have_names_of_their_own(self):
+        self.frd.write_text(HEAD + displacement(1) + displacement(2).replace(
+            f"{1:12d}{2:12d}\n", f"{0:12d}{2:12d}\n") + displacement(3, analysis=4).replace(
+            "7.50000E-01", "4.82000E+01") + displacement(4, analysis=4).replace(
+            "1.00000E+00    ", "4.82000E+01    ", 1) + END)
+        self.assertEqual(self.imported().returncode, 0)
+        self.assertEqual([s["name"] for s in self.states()],
+                         ["Step 1, increment 1", "Step 2, at 0.5", "Buckling factor 48.2",
+                          "Buckling factor 48.2 (2)"])
+
+    def test_vector_potential_is_no_displacement(self):
+        self.frd.write_text(HEAD + result(1, "ELPOT", ["V"], [1, 2]) + displacement(2) + END)
+        self.assertEqual(self.imported().returncode, 0)
+        database = self.info()["databases"][0]
+        self.assertEqual([(r["name"], r["type"]) for r in database["results"]],
+                         [("V", "Scalar"), ("DISP", "Vector")])
+        self.assertEqual(database["simulationType"], "Electromagnetic")
+
+    def test_password_encrypts(self):
+        self.frd.write_text(HEAD + displacement(1) + displacement(2) + END)
+        password = self.frd.with_name("password")
+        password.write_text("sesame\n")
+        environment = dict(os.environ, ZRFX_NEW_PASSWORD="sesame")
+        for options in (["--password-file", password], ["--password"],
+                        ["--password", "--follow", "--timeout", "5"]):
+            run = subprocess.run([ZRFX, "import", self.frd, self.out, *options],
+                                 env=environment, capture_output=True, text=True)
+            self.assertEqual((run.returncode, run.stderr), (0, ""), options)
+            self.assertIn("needed", self.zrfx("info", self.out).stderr)
+            shown = self.zrfx("info", self.out, "--password-file", password).stdout
+            self.assertIn("binary, compressed, encrypted", shown)
+
+    def test_two_runs_differ_in_nothing_but_the_date(self):
+        other = self.out.with_name("other.zrfx")
+        for out, day in ((self.out, "20"), (other, "21")):
+            date = f"    1UDATE              {day}.november.2026\n    1UTIME              10:20:30\n"
+            self.frd.write_text(HEAD.replace("    1UMAT", date + "    1UMAT") + displacement(1) + END)
+            self.assertEqual(self.zrfx("import", self.frd, out).returncode, 0)
+        run = self.zrfx("diff", self.out, other)
+        self.assertEqual((run.returncode, run.stdout), (0, ""))
+        self.assertIn("solver run        21.november.2026 10:20:30\n",
+                      self.zrfx("info", other).stdout)
 
     # ---- Growing files
 
@@ -166,6 +183,26 @@ class ImportTest(unittest.TestCase):
         self.assertEqual(len(self.states()), 2)
         self.assertEqual([r["states"] for r in self.info()["databases"][0]["results"]],
                          [[1, 2], [2]])
+
+    def test_file_of_an_earlier_run_is_waited_for(self):
+        self.append(HEAD + displacement(1) + END)
+        hour_ago = time.time() - 3600
+        os.utime(self.frd, (hour_ago, hour_ago))
+        self.assertEqual(self.follow("--timeout", "0.3").wait(20), 1)
+        process = self.follow()
+        time.sleep(0.5)
+        self.assertFalse(self.out.exists())
+        self.frd.write_text(HEAD + displacement(1) + displacement(2) + END)
+        self.assertEqual(process.wait(20), 0)
+        self.assertEqual(len(self.states()), 2)
+        self.assertEqual(process.stderr.read(),
+                         f"zrfx: {self.frd}: holds the results of an earlier run; "
+                         "waiting for those of the new one\n")
+
+    def test_file_that_was_finished_at_once_is_followed(self):
+        self.append(HEAD + displacement(1) + END)
+        self.assertEqual(self.follow("--timeout", "5").wait(20), 0)
+        self.assertEqual(len(self.states()), 1)
 
     def test_interrupted_follow_leaves_a_good_file(self):
         process = self.follow()
