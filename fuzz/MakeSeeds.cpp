@@ -80,6 +80,11 @@ void storeContainers(const fs::path& folder, const test::Entries& entries) {
     store(folder, "encrypted-records.zrfx",
           withRecords(container(true, 5, {*entries.find("ZRF.xml")}), {*entries.find("ZRF.xml")},
                       "geheim"));
+    test::Entries large = entries;
+    large["Database001\\Large.dat"] = std::string(std::size_t{5} << 20, 'x');
+    store(folder, "pieces.zrfx", container(false, 1, large));
+    store(folder, "encrypted-pieces.zrfx",
+          container(true, 1, {{"Large.dat", large["Database001\\Large.dat"]}}));
     store(folder, "empty.zrfx", container(false, 5, {}));
 }
 
