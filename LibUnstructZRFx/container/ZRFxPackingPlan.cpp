@@ -29,7 +29,9 @@ constexpr size_t kFastPiece = size_t{256} << 10;
 constexpr size_t kSmallPiece = size_t{128} << 10;
 constexpr size_t kMostGrowth = 8;
 // Below, libdeflate packs in one piece.
-constexpr size_t kSmallestInSmallPieces = size_t{4} << 20;
+constexpr size_t kSmallestInSmallPieces = size_t{512} << 10;
+// From here on, the first piece takes at most 1/32 of the time.
+constexpr size_t kSmallestTried = 32 * kSmallPiece;
 
 // Some slices of the data, and how long they get.
 class Sample {
@@ -48,6 +50,7 @@ public:
 
     size_t PackedSize(const Way& way) {
         size_t nSum = 0;
+        m_bOneBlock = true;
         for (const uint8_t* pSlice : m_apSlices) {
             size_t nPacked = 0;
             if (!m_codec.DeflatePiece(way, pSlice, m_nSlice, true, m_packed.data(), m_packed.size(),
@@ -55,15 +58,20 @@ public:
                 throw std::bad_alloc();
             }
             nSum += nPacked;
+            m_bOneBlock = m_bOneBlock && (m_packed[0] & 1) != 0;
         }
         return nSum;
     }
+
+    // Whether that made one block of each slice.
+    bool IsOneBlock() const { return m_bOneBlock; }
 
 private:
     ZRFxCodec& m_codec;
     std::vector<const uint8_t*> m_apSlices;
     size_t m_nSlice = 0;
     std::vector<uint8_t> m_packed;
+    bool m_bOneBlock = true;
 };
 
 Way WayOf(int nLevel, size_t nFast, Sample* pSample) {
@@ -104,8 +112,10 @@ ZRFxPackingPlan ZRFxPackingPlan::Of(ZRFxCodec* pCodec, const uint8_t* pData, siz
         plan.nPieceSize *= 2;
     }
     while (plan.PieceCount(nSize) > ZRFxPieceList::kMostPieces) plan.nPieceSize *= 2;
-    const bool bInPieces = plan.way.bFast || (nSize >= kSmallestInSmallPieces &&
-                                              IsOneBlock(pCodec, plan.way, pData, plan.nPieceSize));
+    const bool bInPieces =
+        plan.way.bFast ||
+        (nSize >= kSmallestInSmallPieces && sample.IsOneBlock() &&
+         (nSize < kSmallestTried || IsOneBlock(pCodec, plan.way, pData, plan.nPieceSize)));
     if (!bInPieces) plan.nPieceSize = nSize;
     return plan;
 }
