@@ -69,6 +69,11 @@ public:
 
     /// Ways of using the library that make a difference.
     virtual std::vector<std::string> ModelVariants() const { return {""}; }
+    /// Whether a variant has something of its own at that level.
+    virtual bool Takes(const PeerPacking&) const { return true; }
+    /// Whether what is read is what was written; otherwise values keep kRoundedDigits digits.
+    virtual bool IsExact(const PeerPacking&) const { return true; }
+    static constexpr int kRoundedDigits = 4;
     /// The same for small objects; none when the library has nothing of the kind.
     virtual std::vector<std::string> ObjectVariants() const { return {}; }
 
@@ -89,6 +94,10 @@ public:
     /// the first array of that state.
     virtual void ReadField(const std::string& sPath, const PeerPacking& packing, size_t nState,
                            PeerReceived* pReceived) = 0;
+
+    /// The values of one node in all states, of the first field; none when the library has nothing
+    /// of the kind.
+    virtual std::vector<float> ReadHistory(const std::string&, size_t /*nNode*/) { return {}; }
 
     /// A file of many small arrays, each to be found by its name.
     virtual void WriteObjects(const std::string&, const PeerPacking&,

@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
+#include <cmath>
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
@@ -87,6 +88,30 @@ std::vector<PeerBytes> AllArrays(const Peer& peer, size_t nStates) {
     return aArrays;
 }
 
+// Half a unit of the last digit that was to be kept.
+bool AreRounded(PeerBytes written, PeerBytes read) {
+    const double dBound = 0.5 * std::pow(10.0, -Peer::kRoundedDigits);
+    for (size_t i = 0; i + sizeof(float) <= written.size(); i += sizeof(float)) {
+        float fWritten = 0, fRead = 0;
+        std::memcpy(&fWritten, written.data() + i, sizeof(float));
+        std::memcpy(&fRead, read.data() + i, sizeof(float));
+        if (!(std::abs(double{fRead} - fWritten) <= dBound * std::abs(double{fWritten})))
+            return false;
+    }
+    return true;
+}
+
+void RequireRounded(const std::vector<PeerBytes>& aWritten, const PeerReceived& received) {
+    const std::vector<PeerBytes>& aRead = received.Arrays();
+    Require(aRead.size() == aWritten.size(), "number of arrays read");
+    for (size_t i = 0; i < aRead.size(); ++i) {
+        const bool bSame = aRead[i].size() == aWritten[i].size() &&
+                           std::memcmp(aRead[i].data(), aWritten[i].data(), aRead[i].size()) == 0;
+        Require(bSame || AreRounded(aWritten[i], aRead[i]),
+                "array " + std::to_string(i) + " within the promised error");
+    }
+}
+
 void RequireEqual(const std::vector<PeerBytes>& aWritten, const PeerReceived& received) {
     const std::vector<PeerBytes>& aRead = received.Arrays();
     Require(aRead.size() == aWritten.size(), "number of arrays read");
@@ -109,7 +134,9 @@ public:
         if (!sPassword.empty() && !m_peer->HasPassword()) return;
         for (const std::string& sVariant : m_peer->ModelVariants()) {
             for (int nLevel : m_options.anLevels) {
-                if (nLevel == 0 || m_peer->HasLevels()) Model({nLevel, sVariant, sPassword});
+                const PeerPacking packing{nLevel, sVariant, sPassword};
+                if ((nLevel > 0 && !m_peer->HasLevels()) || !m_peer->Takes(packing)) continue;
+                Model(packing);
             }
         }
     }
@@ -143,6 +170,7 @@ public:
         };
         Print("append", packing, m_peer->State(nLast), Measure(append));
         Field(packing, nLast / 2);
+        History(packing, nLast);
     }
 
 private:
@@ -173,6 +201,29 @@ private:
         });
     }
 
+    // One node in all states, and beside it the arrays that it lies in.
+    void History(const PeerPacking& packing, size_t nStates) {
+        const size_t nNode = m_data.NodeCount() / 2;
+        m_peer->Write(m_folder.File(), packing, nStates);
+        std::vector<float> aRead = m_peer->ReadHistory(m_folder.File(), nNode);
+        if (aRead.empty()) return;
+        std::vector<float> aWritten;
+        std::vector<PeerBytes> aArrays;
+        for (size_t i = 0; i < nStates; ++i) {
+            aWritten.push_back(m_data.aStates[i].aFields[0].aValues[nNode]);
+            aArrays.push_back(m_peer->State(i)[0]);
+        }
+        PeerCase peerCase;
+        peerCase.work = [&] { aRead = m_peer->ReadHistory(m_folder.File(), nNode); };
+        peerCase.check = [&] { Require(aRead == aWritten, "the history as it was written"); };
+        Print("history", packing, {BytesOf(aWritten)}, Measure(peerCase));
+        PrintRead("history by arrays", packing, aArrays, [&](PeerReceived* pReceived) {
+            for (size_t i = 0; i < nStates; ++i) {
+                m_peer->ReadField(m_folder.File(), packing, i, pReceived);
+            }
+        });
+    }
+
     void PrintWrite(const std::string& sCase, const PeerPacking& packing,
                     const std::vector<PeerBytes>& aArrays, const std::function<void()>& write) {
         PeerCase peerCase;
@@ -190,7 +241,10 @@ private:
         PeerReceived received;
         PeerCase peerCase;
         peerCase.work = [&] { read(&received); };
-        peerCase.check = [&] { RequireEqual(aArrays, received); };
+        peerCase.check = [&] {
+            m_peer->IsExact(packing) ? RequireEqual(aArrays, received)
+                                     : RequireRounded(aArrays, received);
+        };
         PeerFigures figures = Measure(peerCase);
         figures.dMemory -= static_cast<double>(TotalSize(aArrays));
         Print(sCase, packing, aArrays, figures);

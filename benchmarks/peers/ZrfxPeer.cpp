@@ -17,14 +17,24 @@ int IdOf(size_t i) {
     return static_cast<int>(i) + 1;
 }
 
+constexpr const char* kTwoThreads = "2 threads";
+constexpr const char* kRounded = "4 digits";
+
+int ThreadsOf(const PeerPacking& packing) {
+    return packing.sVariant == kTwoThreads ? 2 : 1;
+}
+
 FileSettings SettingsOf(const PeerPacking& packing) {
     FileSettings settings;
     settings.compressionLevel = packing.nLevel;
     settings.password = packing.sPassword.c_str();
+    settings.threads = ThreadsOf(packing);
+    settings.significantDigits = packing.sVariant == kRounded ? Peer::kRoundedDigits : 0;
     return settings;
 }
 
 void Open(File& file, const std::string& sPath, const PeerPacking& packing) {
+    file.setThreads(ThreadsOf(packing));
     Require(file.open(sPath.c_str(), packing.sPassword.c_str()), "open");
 }
 
@@ -83,6 +93,11 @@ public:
         return "NuoZRFx " + ZRFxComponent::versionString().toStdString();
     }
     bool HasPassword() const override { return true; }
+    std::vector<std::string> ModelVariants() const override { return {"", kTwoThreads, kRounded}; }
+    bool Takes(const PeerPacking& packing) const override {
+        return packing.sVariant.empty() || packing.nLevel == 5;
+    }
+    bool IsExact(const PeerPacking& packing) const override { return packing.sVariant != kRounded; }
     std::vector<std::string> ObjectVariants() const override { return {"blocks", "data"}; }
 
     void Prepare(const PeerDataSet& data) override { m_pData = &data; }
@@ -145,12 +160,23 @@ public:
         KeepState(database, *result, IdOf(nState), pReceived);
     }
 
+    std::vector<float> ReadHistory(const std::string& sPath, size_t nNode) override {
+        File file;
+        Open(file, sPath, {});
+        Database& database = *file.database(0);
+        const auto result = ReadBlock<ResultBlock>(database, Block::RESULT, 1);
+        std::vector<float> aValues(result->stateCount());
+        Require(database.readHistory(*result, 1, nNode, nuo::Span<float>(aValues)), "readHistory");
+        return aValues;
+    }
+
     void WriteObjects(const std::string& sPath, const PeerPacking& packing,
                       const std::vector<std::vector<float>>& aaObjects) override {
         if (packing.sVariant == "data") return WriteEntries(sPath, packing, aaObjects);
         File file;
         Require(file.create(sPath.c_str(), SettingsOf(packing)), "create");
         const PtrRef<Database> database = AddDatabase(file);
+        WriteObjectMesh(*database, aaObjects[0].size());
         WriteBlock(*database, *StateInfos(1));
         for (size_t i = 0; i < aaObjects.size(); ++i) {
             WriteValues(*database, IdOf(i), 1, aaObjects[i]);
@@ -186,6 +212,20 @@ private:
                 elements->addElementData(group.eType, group.aNodes.data(), group.Count(), nullptr),
                 "addElementData");
         }
+        WriteBlock(database, *nodes);
+        WriteBlock(database, *elements);
+    }
+
+    // What the values of small objects belong to.
+    static void WriteObjectMesh(Database& database, size_t nNodes) {
+        constexpr int kNodes[] = {0, 1, 2, 3};
+        PtrRef<NodeBlock> nodes = new NodeBlock(1, false);
+        PtrRef<ElementBlock> elements = new ElementBlock(1, false, false);
+        const std::vector<float> aCoordinates(3 * nNodes);
+        elements->setNodeBlockId(1);
+        Require(nodes->setNodeData(aCoordinates.data(), nNodes, nullptr) &&
+                    elements->addElementData(ElementBlock::TETRAHEDRONS, kNodes, 1, nullptr),
+                "mesh");
         WriteBlock(database, *nodes);
         WriteBlock(database, *elements);
     }
