@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "access/ZRFxEntryNames.h"
 #include "access/ZROZRFxAccess.h"
 #include "data/ZRFxTextData.h"
 #include "documents/ZRFxXml.h"
@@ -17,14 +18,17 @@ using namespace textdata;
 // Lines reach the archive in pieces of this size.
 constexpr std::size_t kTextPiece = 65536;
 
+// Of the binary form and the text form.
+constexpr const char* kDataExtensions[] = {".dat", ".txt"};
+
 constexpr const char* kItemsDiffer =
     "Number of specified items (%1) does not match number of items (%2) in '%3'";
 bool isTextEntry(const ZRString& entry) {
-    return entry.Extension().ToUpper() == ".TXT";
+    return HasExtension(entry.Bytes(), ".txt");
 }
 
 bool hasDataExtension(const ZRString& name) {
-    return isTextEntry(name) || name.Extension().ToUpper() == ".DAT";
+    return isTextEntry(name) || HasExtension(name.Bytes(), ".dat");
 }
 
 // The part of a line that messages show: enough to find it.
@@ -212,12 +216,18 @@ ZRFxAccess* ZRFxDataFolder::GetAccess() const {
 }
 
 bool ZRFxDataFolder::RemoveDataFile(const ZRString& name) {
-    return GetAccess() && m_pAccess->RemoveFile(EntryName(name) + ".dat") &&
-           m_pAccess->RemoveFile(EntryName(name) + ".txt");
+    if (!GetAccess()) return false;
+    std::string entry = EntryName(name).Bytes();
+    const std::size_t length = entry.size();
+    return std::ranges::all_of(kDataExtensions, [&](const char* extension) {
+        entry.resize(length);
+        entry += extension;
+        return m_pAccess->RemoveFile(entry);
+    });
 }
 
 ZRString ZRFxDataFolder::EntryName(const ZRString& name) const {
-    return m_sFolder + std::string(1, kFolderSeparator) + name;
+    return InFolder(m_sFolder, name);
 }
 
 bool ZRFxDataFolder::PrepareToWrite(const ZRString& name) {

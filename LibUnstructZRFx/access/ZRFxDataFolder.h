@@ -53,6 +53,7 @@ public:
     /// The archive; null after an assertion when there is none.
     ZRFxAccess* GetAccess() const;
     const ZRString& GetFolder() const { return m_sFolder; }
+    const nvf::ref<nvf::Logger>& GetLogger() const { return m_logger; }
     bool IsTextMode() const { return m_bTextMode; }
 
     /// Whether data files are written as text (".txt") or binary (".dat"), which they are at first.

@@ -23,7 +23,10 @@ char lower(char c) {
 }  // namespace
 
 ZRString InFolder(const ZRString& folder, const ZRString& name) {
-    return folder + std::string(1, kFolderSeparator) + name;
+    std::string entry;
+    entry.reserve(folder.Bytes().size() + name.Bytes().size() + 8);  // an extension may follow
+    entry.append(folder.Bytes()).append(1, kFolderSeparator).append(name.Bytes());
+    return entry;
 }
 
 std::string WithSlashes(std::string name) {

@@ -1,7 +1,6 @@
 #include "blocks/ZRFxBlock.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <optional>
 #include <string>
 #include <utility>
@@ -14,6 +13,16 @@
 #include "nvf/LogManager.h"
 
 namespace unstruct {
+namespace {
+
+// With four digits or more.
+void appendNumber(std::int64_t number, std::string* text) {
+    if (number < 0) text->push_back('-');
+    const std::string digits = std::to_string(number < 0 ? -number : number);
+    text->append(digits.size() < 4 ? 4 - digits.size() : 0, '0').append(digits);
+}
+
+}  // namespace
 
 ZRFxBlock::Writing::Writing(ZRFxBlock* pBlock, ZRFxBlockStore* pDatabase)
     : m_block(*pBlock), m_sOwnFileName(pBlock->m_sFileName), m_pDatabase(pDatabase) {
@@ -34,7 +43,10 @@ void ZRFxBlock::Writing::Start() {
 }
 
 ZRFxBlock::ZRFxBlock(ZRFxBlockStore* pDatabase, int id, int type)
-    : m_pDatabase(pDatabase), m_iID(id), m_iType(type), m_logger(nvf::archiveLogger()) {}
+    : m_pDatabase(pDatabase),
+      m_iID(id),
+      m_iType(type),
+      m_logger(pDatabase ? pDatabase->GetLogger() : nvf::archiveLogger()) {}
 
 bool ZRFxBlock::ReadBlock() {
     NVF_ASSERT(m_pDatabase);
@@ -100,9 +112,11 @@ bool ZRFxBlock::ReadPart(ZRFxArrayKind kind, int group, std::int64_t first, std:
 
 ZRString ZRFxBlock::GetFilebase() const {
     const std::string typeName = ZRFxBlockTypeName(m_iType).Bytes();
-    char number[16];
-    std::snprintf(number, sizeof(number), "%.4d", m_iID);
-    return typeName + kFolderSeparator + typeName + number;
+    std::string base;
+    base.reserve(2 * typeName.size() + 20);
+    base.append(typeName).append(1, kFolderSeparator).append(typeName);
+    appendNumber(m_iID, &base);
+    return base;
 }
 
 ZRString ZRFxBlock::GetDocumentName() const {
@@ -111,9 +125,9 @@ ZRString ZRFxBlock::GetDocumentName() const {
 }
 
 ZRString ZRFxBlock::GetFilebase(std::int64_t number) const {
-    char suffix[32];
-    std::snprintf(suffix, sizeof(suffix), "-%.4lld", static_cast<long long>(number));
-    return GetFilebase() + suffix;
+    std::string base = GetFilebase().Bytes() + "-";
+    appendNumber(number, &base);
+    return base;
 }
 
 bool ZRFxBlock::FailUnfit(const ZRString& file, const char* what, std::int64_t found,
@@ -244,9 +258,11 @@ bool ZRFxBlock::FailRange(std::int64_t numItems, std::int64_t first, std::int64_
 }
 
 bool ZRFxBlock::WriteFiles() {
-    nvf::XmlDocument doc;
-    if (!DoWriteBlock(CreateRootElement(&doc))) return false;
-    return WriteXml(doc) || Log().fail("File write error");
+    nvf::XmlDocument* doc = m_pDatabase->DocumentToWrite();
+    const bool isWritten =
+        DoWriteBlock(CreateRootElement(doc)) && (WriteXml(*doc) || Log().fail("File write error"));
+    doc->clear();
+    return isWritten;
 }
 
 bool ZRFxBlock::WriteXml(const nvf::XmlDocument& doc) {

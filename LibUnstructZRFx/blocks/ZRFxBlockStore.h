@@ -21,6 +21,10 @@ public:
     using ZRFxDataFolder::ZRFxDataFolder;
     virtual ~ZRFxBlockStore() = default;
 
+    /// Where a block makes its document. All blocks use the same one after each other, and so the
+    /// memory that it has.
+    nvf::XmlDocument* DocumentToWrite() { return &m_documentToWrite; }
+
     /// Notes that a block is about to be stored, with its outline unless that is to be read.
     virtual void NoteWriting(const ZRFxBlock& block, std::optional<ZRFxOutline> outline) = 0;
 
@@ -50,6 +54,9 @@ public:
 
     /// Reads a document by its entry name, whole or relative to the folder.
     virtual bool ReadXmlFile(const ZRString& fileName, nvf::XmlDocument* doc) const = 0;
+
+private:
+    nvf::XmlDocument m_documentToWrite;
 };
 
 }  // namespace unstruct

@@ -1,5 +1,7 @@
 #include "documents/ZRFxFileRecord.h"
 
+#include <utility>
+
 #include "documents/ZRFxXml.h"
 #include "nvf/Assert.h"
 #include "nvf/LogManager.h"
@@ -11,7 +13,7 @@ bool AddFileRecord(nvf::XmlElement& element, const char* key, const ZRFxFileReco
     if (element.isNull() || record.filename.IsBlank()) {
         return nvf::archiveLogger()->fail("Error adding '%1' to database.", record.filename);
     }
-    nvf::XmlElement file = element.addChildElement(key);
+    nvf::XmlElement file = element.addChildElementUtf8(key, {});
     SetAttribute(file, "Filename", record.filename);
     file.setAttributeUtf8("NumItems", std::to_string(record.numItems));
     if (!record.ids.IsEmpty()) SetAttribute(file, "IDs", record.ids);
@@ -22,12 +24,17 @@ bool GetFileRecord(const nvf::XmlElement& element, const char* key, ZRFxFileReco
     NVF_ASSERT(record);
     const nvf::XmlElement file = element.firstChildElement(key);
     int numItems = 0;
-    if (!record || file.isNull() || GetAttribute(file, "Filename").IsBlank() ||
-        !nvf::parseNumber(file.getAttributeUtf8("NumItems", ""), numItems)) {
+    if (!record || file.isNull()) return false;
+    ZRString filename = GetAttribute(file, "Filename");
+    if (filename.IsBlank() || !nvf::parseNumber(file.getAttributeUtf8("NumItems", ""), numItems)) {
         return false;
     }
-    *record = {GetAttribute(file, "Filename"), numItems, GetAttribute(file, "IDs")};
+    *record = {std::move(filename), numItems, GetAttribute(file, "IDs")};
     return true;
+}
+
+int GetFileNumItems(const nvf::XmlElement& element, const char* key) {
+    return element.firstChildElement(key).getAttributeInt("NumItems", 0);
 }
 
 }  // namespace unstruct

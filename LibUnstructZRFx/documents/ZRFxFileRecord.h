@@ -23,4 +23,7 @@ bool AddFileRecord(nvf::XmlElement& element, const char* key, const ZRFxFileReco
 /// or no number of items.
 bool GetFileRecord(const nvf::XmlElement& element, const char* key, ZRFxFileRecord* record);
 
+/// How many items the record under a key says that there are; 0 when it is missing or says nothing.
+int GetFileNumItems(const nvf::XmlElement& element, const char* key);
+
 }  // namespace unstruct

@@ -22,8 +22,8 @@ pugi::xml_node nodeOf(pugi::xml_node_struct* node) {
 pugi::xml_attribute attributeToSet(pugi::xml_node node, const char* name) {
     const pugi::xml_attribute existing = node.attribute(name);
     if (existing) return existing;
-    pugi::xml_attribute added = node.append_attribute(name);
-    return added.set_name(name) ? added : pugi::xml_attribute();
+    const pugi::xml_attribute added = node.append_attribute(name);
+    return *added.name() ? added : pugi::xml_attribute();
 }
 
 pugi::xml_node appendedChild(pugi::xml_node node, const char* name) {
@@ -206,11 +206,16 @@ XmlDocument::XmlDocument() : m_impl(std::make_unique<Impl>()) {}
 XmlDocument::~XmlDocument() = default;
 
 XmlElement XmlDocument::createRootElement(const char* name, const char* namespaceUri) {
-    m_impl->document.reset();
+    clear();
     XmlElement root(appendedChild(m_impl->document, name).internal_object(), &m_impl->isIncomplete);
     m_impl->isIncomplete = root.isNull();
     root.setAttributeUtf8("xmlns", namespaceUri);
     return root;
+}
+
+void XmlDocument::clear() {
+    m_impl->document.remove_children();  // a reset would give all memory back
+    m_impl->isIncomplete = false;
 }
 
 bool XmlDocument::parse(std::string_view text, String* error) {

@@ -23,6 +23,9 @@ public:
     XmlDocument();
     ~XmlDocument() override;
 
+    /// Empties the document; a page of its memory stays for what comes next.
+    void clear();
+
     /// Empties the document and gives it a root element with that default namespace.
     XmlElement createRootElement(const char* name, const char* namespaceUri);
 

@@ -60,10 +60,8 @@ bool ZRFxIndexedFaceSetBlock::DoWriteBlock(nvf::XmlElement root) {
 
 // The data file holds the number of nodes of each polygon in front of them.
 void ZRFxIndexedFaceSetBlock::DoOutline(const nvf::XmlElement& root, ZRFxOutline* outline) const {
-    ZRFxFileRecord file;
-    GetFileRecord(root, "File", &file);
     const int numPolygons = root.getAttributeInt("NumPolygons", 0);
-    outline->counts = ZRFxItemCounts{numPolygons, file.numItems - numPolygons};
+    outline->counts = ZRFxItemCounts{numPolygons, GetFileNumItems(root, "File") - numPolygons};
     outline->nodes = ZRFxNodesUse{root.getAttributeInt("NodeBlock", -1),
                                   m_bMapToNodeIDs ? -1 : HighestOf(m_aiConnects)};
     outline->AddBlock(BLOCK_NODES, outline->nodes->nodeBlockID, "node block");

@@ -159,11 +159,9 @@ bool ZRFxResultValuesBlock::DoWriteBlock(nvf::XmlElement root) {
 }
 
 void ZRFxResultValuesBlock::DoOutline(const nvf::XmlElement& root, ZRFxOutline* outline) const {
-    ZRFxFileRecord file;
-    GetFileRecord(root, "File", &file);
-    *outline = ZRFxOutline::OfValues({root.getAttributeInt("MapToBlockID", -1),
-                                      root.getAttributeInt("NumDimensions", 0), file.numItems,
-                                      root.getAttributeBool("WithID", false)});
+    *outline = ZRFxOutline::OfValues(
+        {root.getAttributeInt("MapToBlockID", -1), root.getAttributeInt("NumDimensions", 0),
+         GetFileNumItems(root, "File"), root.getAttributeBool("WithID", false)});
 }
 
 bool ZRFxResultValuesBlock::FindArray(const nvf::XmlElement& root, ZRFxArrayKind kind,
@@ -195,8 +193,10 @@ bool ZRFxResultValuesBlock::ReadData(const ZRString& name, std::int64_t numItems
 }
 
 bool ZRFxResultValuesBlock::CheckComponents(const ZRString& file, const ZRFxValueKind& kind) const {
+    const std::int64_t expected = GetNumItems() * kind.Dimension();
+    if (m_afResults.GetSize() == expected) return true;
     const std::string what = std::string(kind.name) + " components";
-    return CheckCount(file, what.c_str(), m_afResults.GetSize(), GetNumItems() * kind.Dimension());
+    return FailUnfit(file, what.c_str(), m_afResults.GetSize(), expected);
 }
 
 bool ZRFxResultValuesBlock::FailDimensions() const {
