@@ -102,6 +102,7 @@ bool ZRFxCodec::DeflateFast(int nLevel, const void* pData, size_t nSize, bool bL
     if (!m_pStreamBuffer) m_pStreamBuffer.reset(new (std::nothrow) uint8_t[kBufferSize]);
     if (!m_pStream || !m_pStreamBuffer) return false;
     isal_deflate_stateless_init(m_pStream.get());
+    m_pStream->hist_bits = 0;  // the default; the call above leaves what the memory held
     m_pStream->level = static_cast<uint32_t>(std::min(nLevel, 3));
     m_pStream->level_buf = m_pStreamBuffer.get();
     m_pStream->level_buf_size = kBufferSize;

@@ -111,6 +111,34 @@ std::string DataOfKind(unsigned nKind, size_t nSize, std::minstd_rand* pRandom) 
     return s;
 }
 
+// Whichever threads pack them, pieces have the same bytes: a codec is made where others were.
+TEST(ZRFxCodec, WhatMemoryHeldBeforeDoesNotShowInPieces) {
+    const std::string sData = ziptest::SmoothField(size_t{64} << 10);
+    const auto packed = [&](const ZRFxCodec::Way& way) {
+        ZRFxCodec codec;
+        std::string sPacked(ZRFxCodec::PieceBound(sData.size()), '\0');
+        size_t nPacked = 0;
+        EXPECT_TRUE(codec.DeflatePiece(way, sData.data(), sData.size(), true,
+                                       reinterpret_cast<uint8_t*>(sPacked.data()), sPacked.size(),
+                                       &nPacked));
+        return sPacked.substr(0, nPacked);
+    };
+    const auto leave = [](uint16_t nValue) {
+        std::vector<std::vector<uint16_t>> aaRooms;
+        for (size_t nLength = 1000; nLength < 200'000; nLength += 1000) {
+            aaRooms.emplace_back(nLength, nValue);
+        }
+    };
+    for (const ZRFxCodec::Way& way : {ZRFxCodec::Way{true, 1}, ZRFxCodec::Way{false, 5}}) {
+        leave(0);
+        const std::string sFirst = packed(way);
+        for (uint16_t nValue : {2, 9, 0xFFFF}) {
+            leave(nValue);
+            EXPECT_EQ(packed(way), sFirst) << nValue;
+        }
+    }
+}
+
 // As zlib does it; what it gives is one byte longer when data is left.
 std::string InflatedByZlib(const std::string& sPacked, size_t nSize) {
     z_stream stream{};

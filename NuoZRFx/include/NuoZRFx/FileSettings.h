@@ -21,8 +21,8 @@ public:
 
     /// How many threads pack and unpack large arrays, the caller's own among them: 0 for as many as
     /// ZRFxComponent::setThreads allows, 1 for the caller's alone. Calls return when the work is
-    /// done. Whatever the number, files hold the same data in the same pieces; the packed size of
-    /// an array may differ by some bytes. See also File::setThreads.
+    /// done. Whatever the number, arrays are packed into the same bytes. See also
+    /// File::setThreads.
     int threads = 0;
 
     Str vendorName;       ///< Who makes the exporting application.
