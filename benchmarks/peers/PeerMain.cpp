@@ -22,6 +22,7 @@ struct Options {
     size_t nNodes = 1'000'000;
     size_t nStates = 3;
     size_t nObjects = 20'000;
+    std::string sData = "solid";
     std::string sZrfx;
     std::string sFolder = ".";
 };
@@ -259,10 +260,10 @@ private:
             "\"user\": %.6f, \"system\": %.6f, \"memory\": %.0f, \"written\": %.0f, "
             "\"rounds\": %d}\n",
             m_peer->Name().c_str(), m_peer->Version().c_str(), packing.sVariant.c_str(),
-            sCase.c_str(), m_options.sZrfx.empty() ? "solid" : "file", m_data.NodeCount(),
-            m_data.ElementCount(), m_data.aStates.size(), packing.nLevel, TotalSize(aArrays),
-            LargestSize(aArrays), m_folder.Size(), figures.dWall, figures.dUser, figures.dSystem,
-            figures.dMemory, figures.dWritten, figures.nRounds);
+            sCase.c_str(), m_options.sData.c_str(), m_data.NodeCount(), m_data.ElementCount(),
+            m_data.aStates.size(), packing.nLevel, TotalSize(aArrays), LargestSize(aArrays),
+            m_folder.Size(), figures.dWall, figures.dUser, figures.dSystem, figures.dMemory,
+            figures.dWritten, figures.nRounds);
         std::fflush(stdout);
     }
 
@@ -293,6 +294,7 @@ int main(int argc, char** argv) {
     app.add_option("--nodes", options.nNodes, "Nodes of the solid, about");
     app.add_option("--states", options.nStates, "States of the solid; append adds one");
     app.add_option("--objects", options.nObjects, "Small objects");
+    app.add_option("--data", options.sData, "What the figures call the model");
     app.add_option("--zrfx", options.sZrfx, "Take the model from a ZRFx file");
     app.add_option("--folder", options.sFolder, "Where the files are written");
     CLI11_PARSE(app, argc, argv);
