@@ -9,11 +9,11 @@
 #include <utility>
 #include <vector>
 
+#include "IdIndex.h"
 #include "ToolContext.h"
 #include "blocks/mesh/ZRFxElementBlock.h"
 #include "blocks/mesh/ZRFxNodeBlock.h"
 #include "check/Findings.h"
-#include "check/IdIndex.h"
 #include "database/ZRFxModelCheck.h"
 #include "database/ZROZRFxDatabase.h"
 

@@ -7,9 +7,9 @@
 #include <string>
 #include <vector>
 
+#include "IdIndex.h"
 #include "NuoCore/PtrRef.h"
 #include "NuoZRFx/Database.h"
-#include "check/IdIndex.h"
 #include "import/ImportData.h"
 
 namespace tools {

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "check/IdIndex.h"
+#include "IdIndex.h"
 #include "content/Content.h"
 
 namespace tools {

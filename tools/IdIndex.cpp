@@ -1,4 +1,4 @@
-#include "check/IdIndex.h"
+#include "IdIndex.h"
 
 #include <algorithm>
 
