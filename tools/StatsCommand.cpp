@@ -6,6 +6,7 @@
 #include "Progress.h"
 #include "StandardOutput.h"
 #include "content/Table.h"
+#include "quantities/ExtremeText.h"
 #include "quantities/Statistics.h"
 
 namespace tools {
@@ -34,19 +35,6 @@ struct Entry {
     StateName state;
     QuantityStatistics statistics;
 };
-
-Json extremeJson(const Extreme& extreme, int mapping) {
-    const RowNames names = rowNamesOf(mapping);
-    Json json = {{"value", jsonNumber(extreme.value)}, {names.id, extreme.row.id}};
-    if (names.second) json[names.second] = extreme.row.node;
-    json["part"] = extreme.part ? Json(*extreme.part) : Json(nullptr);
-    json["partName"] = extreme.partName;
-    json["position"] = nullptr;
-    if (!extreme.position) return json;
-    const nuo::Vec3f& at = *extreme.position;
-    json["position"] = {jsonNumber(at.x), jsonNumber(at.y), jsonNumber(at.z)};
-    return json;
-}
 
 Json entryJson(const Entry& entry) {
     const QuantityStatistics& statistics = entry.statistics;
@@ -111,16 +99,6 @@ void writeCsv(const std::vector<Entry>& entries) {
     }
 }
 
-std::string placeText(const Extreme& extreme, int mapping) {
-    const RowNames names = rowNamesOf(mapping);
-    std::string text = numberText(extreme.value) + " at " + numbered(names.id, extreme.row.id);
-    if (names.second) text += std::string(", ") + numbered(names.second, extreme.row.node);
-    if (!extreme.partName.empty()) text += " of " + extreme.partName;
-    if (!extreme.position) return text;
-    return text + " (" + numberText(extreme.position->x) + ", " + numberText(extreme.position->y) +
-           ", " + numberText(extreme.position->z) + ")";
-}
-
 void printText(const std::vector<Entry>& entries) {
     const Entry* before = nullptr;
     for (const Entry& entry : entries) {
@@ -140,8 +118,8 @@ void printText(const std::vector<Entry>& entries) {
             continue;
         }
         const int mapping = entry.result->resultMapping;
-        line += "min " + placeText(statistics.min, mapping) + ", max " +
-                placeText(statistics.max, mapping) + ", mean " +
+        line += "min " + extremeText(statistics.min, mapping) + ", max " +
+                extremeText(statistics.max, mapping) + ", mean " +
                 numberText(static_cast<float>(statistics.mean)) + " of " +
                 std::to_string(statistics.count);
         if (statistics.undefinedCount > 0) {

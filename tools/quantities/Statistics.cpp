@@ -24,6 +24,8 @@ void take(float value, const ResultRow& row, QuantityStatistics& statistics) {
     }
 }
 
+}  // namespace
+
 void locate(ResultRows& rows, int mapping, int state, Extreme& extreme) {
     extreme.position = rows.positionOf(extreme.row, mapping);
     const PartItems* part = rows.partOf(extreme.row, mapping, state);
@@ -31,8 +33,6 @@ void locate(ResultRows& rows, int mapping, int state, Extreme& extreme) {
     extreme.part = part->id;
     extreme.partName = part->name;
 }
-
-}  // namespace
 
 bool computeStatistics(ResultRows& rows, const ZRFxResultBlock& result, int state,
                        ItemFilter* filter, std::vector<QuantityStatistics>* statistics) {

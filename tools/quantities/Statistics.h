@@ -21,6 +21,9 @@ struct Extreme {
     std::optional<nuo::Vec3f> position;
 };
 
+/// Adds part and position, from what the row says.
+void locate(ResultRows& rows, int mapping, int state, Extreme& extreme);
+
 /// What one quantity of a result is like in one state. Items without a value do not count.
 struct QuantityStatistics {
     std::string quantity;
