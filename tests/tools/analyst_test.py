@@ -4,20 +4,15 @@
     analyst_test.py PROGRAM
 """
 
-import csv
-import io
 import json
 import os
-import pathlib
 import subprocess
-import sys
-import tempfile
 import unittest
 import zipfile
 
 from frd_files import END, HEAD, displacement, result
+from tool_case import ToolCase
 
-ZRFX = sys.argv.pop(1)
 TENSOR = ["SXX", "SYY", "SZZ", "SXY", "SYZ", "SZX"]
 
 
@@ -26,28 +21,11 @@ def von_mises(t):
     return (squares / 2 + 3 * sum(s * s for s in t[3:])) ** 0.5
 
 
-class AnalystTest(unittest.TestCase):
+class AnalystTest(ToolCase):
     def setUp(self):
-        folder = tempfile.TemporaryDirectory()
-        self.addCleanup(folder.cleanup)
-        self.folder = pathlib.Path(folder.name)
+        super().setUp()
         self.model("beam", HEAD + displacement(1) + displacement(2) +
                    result(2, "STRESS", TENSOR, [1, 2, 3, 4], kind=4) + END)
-
-    def model(self, name, content):
-        frd = self.folder / f"{name}.frd"
-        frd.write_text(content)
-        self.output(f"import {name}.frd {name}.zrfx")
-
-    def zrfx(self, arguments, **options):
-        options = {"stdout": subprocess.PIPE} | options
-        return subprocess.run([ZRFX, *arguments.split()], cwd=self.folder, stderr=subprocess.PIPE,
-                              text=True, **options)
-
-    def output(self, arguments):
-        run = self.zrfx(arguments)
-        self.assertEqual((run.returncode, run.stderr), (0, ""), arguments)
-        return run.stdout
 
     def damage(self, entry, name="damaged.zrfx"):
         """A copy of the model in which bytes of an entry are changed."""
@@ -59,10 +37,6 @@ class AnalystTest(unittest.TestCase):
         data[at + 3] ^= 0x55
         (self.folder / name).write_bytes(data)
         return info.filename
-
-    def table(self, arguments):
-        """What pandas would read of a table in CSV: rows by the names of the columns."""
-        return list(csv.DictReader(io.StringIO(self.output(arguments + " --csv"))))
 
     def test_results_are_shown_by_name_with_their_items(self):
         rows = self.table("cat beam.zrfx --result DISP")
