@@ -6,7 +6,7 @@ _zrfx() {
         if [[ " $commands " == *" $word "* ]]; then command=$word; break; fi
     done
     case $previous in
-        --level | --limit | --relative | --absolute | --database | --block | --name | --timeout | --digits | \
+        --level | --limit | --relative | --absolute | --floor | --ignore | --database | --block | --name | --timeout | --digits | \
             --result | --state | --component | --part | --set | --node | --element)
             return ;;
         -o | --output)
@@ -31,7 +31,7 @@ _zrfx() {
             extract) options+=" --output" ;;
             cat) options+=" --database --block --result --state --component --part --set --node --element --coordinates --history --csv" ;;
             stats) options+=" --result --state --part --set --json --csv" ;;
-            diff) options+=" --relative --absolute --other-password-file" ;;
+            diff) options+=" --relative --absolute --floor --ignore --results-only --exact --json --other-password-file" ;;
             copy) options+=" --level --digits --text --binary --password --new-password-file --no-password" ;;
             properties) options+=" --markdown" ;;
             import) options+=" --name --level --digits --text --password --follow --timeout" ;;

@@ -236,7 +236,7 @@ TEST_F(ZrfxTest, CopiesMeanTheSameInEveryForm) {
         SCOPED_TRACE(options);
         EXPECT_EQ(Output("copy " + before + " b.zrfx --password-file secret " + options), "");
         const bool isText = options == "--text";
-        EXPECT_EQ(Output("diff a.zrfx b.zrfx --password-file secret" +
+        EXPECT_EQ(Output("diff --exact a.zrfx b.zrfx --password-file secret" +
                          std::string(isText ? " --relative 1e-5 --absolute 1e-5" : "")),
                   "");
         before = isText ? "a.zrfx" : "b.zrfx";  // text rounds
@@ -274,7 +274,7 @@ TEST_F(ZrfxTest, DiffPrintsOnlyDifferences) {
         std::filesystem::copy_file(Path("a.zrfx"), Path("b.zrfx"),
                                    std::filesystem::copy_options::overwrite_existing);
         Edit("b.zrfx", edit.entry, edit.from, edit.to);
-        const test::Ended run = Zrfx("diff a.zrfx b.zrfx " + std::string(edit.options));
+        const test::Ended run = Zrfx("diff --exact a.zrfx b.zrfx " + std::string(edit.options));
         EXPECT_EQ(run.out, edit.difference);
         EXPECT_EQ(run.exitCode, run.out.empty() ? 0 : 1);
     }
@@ -288,7 +288,7 @@ TEST_F(ZrfxTest, FailedCopyLeavesWhatWasThere) {
     const test::Ended run = Zrfx("copy in.zrfx out.zrfx");
     EXPECT_EQ(run.exitCode, 1);
     EXPECT_THAT(run.err, StartsWith("zrfx: in.zrfx: Unable to read raw data from 'Database000"));
-    Output("diff out.zrfx kept.zrfx");
+    Output("diff --exact out.zrfx kept.zrfx");
     EXPECT_EQ(Zrfx("copy in.zrfx new.zrfx").exitCode, 1);
     for (const auto& file : std::filesystem::directory_iterator(Path(""))) {
         EXPECT_THAT(file.path().filename().string(), testing::Not(HasSubstr("new")));
@@ -298,8 +298,8 @@ TEST_F(ZrfxTest, FailedCopyLeavesWhatWasThere) {
 TEST_F(ZrfxTest, CopyWithFewerDigitsSaysSoAndDiffersByNoMore) {
     WriteSound("a.zrfx");
     Output("copy a.zrfx b.zrfx --digits 1");
-    EXPECT_THAT(Zrfx("diff a.zrfx b.zrfx").out, HasSubstr("values"));
-    std::istringstream differences(Zrfx("diff a.zrfx b.zrfx --relative 5e-2").out);
+    EXPECT_THAT(Zrfx("diff --exact a.zrfx b.zrfx").out, HasSubstr("values"));
+    std::istringstream differences(Zrfx("diff --exact a.zrfx b.zrfx --relative 5e-2").out);
     int count = 0;
     for (std::string line; std::getline(differences, line); ++count) {
         EXPECT_THAT(line, HasSubstr("SignificantDigits"));
@@ -320,7 +320,7 @@ TEST_F(ZrfxTest, CopyOntoItselfReclaimsSpace) {
     }
     EXPECT_THAT(Output("check a.zrfx"), HasSubstr("Waste.dat: nothing refers to this entry"));
     Output("copy a.zrfx a.zrfx");
-    Output("diff before.zrfx a.zrfx");
+    Output("diff --exact before.zrfx a.zrfx");
     EXPECT_LT(std::filesystem::file_size(Path("a.zrfx")), size + 100);
 }
 
@@ -421,7 +421,7 @@ TEST_F(ZrfxTest, PasswordComesFromFileOrEnvironment) {
     std::ofstream(Path("wrong")) << "open barley";
     std::ofstream(Path("empty"));
     Output("copy a.zrfx s.zrfx --password-file right");
-    Output("diff a.zrfx s.zrfx --password-file right");
+    Output("diff --exact a.zrfx s.zrfx --password-file right");
     Output("list s.zrfx");
     setenv("ZRFX_PASSWORD", "open sesame", 1);
     for (const char* command : {"info", "check", "extract -o x"}) {

@@ -27,6 +27,8 @@ void addGroup(const ZRFxElementBlockGroup& group, ElementItems& items) {
                                           ? group.m_aiPolyhedronFaceCounts[i]
                                           : ZRFEMSurfacesPerElement(group.m_iElementType));
     }
+    items.types.insert(items.types.end(), static_cast<std::size_t>(group.m_iNumElements),
+                       group.m_iElementType);
     const auto nodes = itemsOf(group.m_aiConnectivity);
     items.nodes.insert(items.nodes.end(), nodes.begin(), nodes.end());
     const auto ids = itemsOf(group.m_aiIDs);

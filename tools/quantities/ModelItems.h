@@ -23,6 +23,7 @@ struct NodeItems {
 struct ElementItems {
     int nodeBlock = -1;
     std::vector<int> ids;
+    std::vector<int> types;              ///< As ZRFxElementType has them.
     std::vector<std::size_t> begins{0};  ///< Of the nodes of each element, and the end.
     std::vector<std::int64_t> nodes;
     std::vector<int> surfaceCounts;  ///< Of each element.
