@@ -17,6 +17,7 @@
 #include "StandardOutput.h"
 #include "import/ImportFormats.h"
 #include "import/ImportWriter.h"
+#include "import/deck/ImportDeck.h"
 
 namespace tools {
 namespace {
@@ -34,6 +35,7 @@ constexpr std::chrono::seconds kRecent{5};
 struct ImportOptions {
     std::string input;
     std::string output;
+    std::string deck;
     std::string name;
     int level = nuo::zrfx::FileSettings().compressionLevel;
     int digits = 0;
@@ -79,7 +81,9 @@ public:
         : m_options(options),
           m_context(context),
           m_reader(importFormatOf(options.input).makeReader()),
-          m_writer(targetOf(options, password)) {}
+          m_writer(targetOf(options, password)) {
+        if (!options.deck.empty()) m_deck = std::make_unique<ImportDeck>(options.deck);
+    }
 
     int run();
 
@@ -88,6 +92,7 @@ private:
     bool openNew();
     bool isOfEarlierRun();
     bool readNext();
+    bool addDeck();
     bool addValues();
     bool wait(Clock::duration needed);
     bool reopen();
@@ -95,6 +100,7 @@ private:
     bool isOverdue() const;
     bool failImport();
     bool reportDamage(const std::string& damage);
+    void printNotes();
     int finish();
 
     const ImportOptions& m_options;
@@ -109,6 +115,7 @@ private:
     int m_damageCount = 0;
     bool m_hasFailed = false;
     bool m_hasToldOfWaiting = false;
+    std::unique_ptr<ImportDeck> m_deck;
 };
 
 int ImportRun::run() {
@@ -168,9 +175,10 @@ bool ImportRun::readNext() {
     m_progress->setDone(m_reader->position());
     switch (event) {
         case ImportReader::NODES:
+            if (m_deck) m_deck->noteNodes(m_reader->data().nodes);
             return m_writer.addNodes(m_reader->data().nodes) || failImport();
         case ImportReader::ELEMENTS:
-            return m_writer.addElements(m_reader->data().elements) || failImport();
+            return addDeck() && (m_writer.addElements(m_reader->data().elements) || failImport());
         case ImportReader::RESULT:
             return addValues() || failImport();
         case ImportReader::DAMAGE:
@@ -182,6 +190,16 @@ bool ImportRun::readNext() {
         default:
             return false;
     }
+}
+
+bool ImportRun::addDeck() {
+    std::string error;
+    ImportData& data = m_reader->data();
+    if (!m_deck || m_deck->addTo(data.elements, data.header, &error)) return true;
+    m_progress->finish();
+    m_hasFailed = true;
+    m_context.fail(m_deck->path(), error);
+    return false;
 }
 
 bool ImportRun::addValues() {
@@ -242,6 +260,19 @@ bool ImportRun::reportDamage(const std::string& damage) {
     return false;
 }
 
+void ImportRun::printNotes() {
+    std::vector<std::string> notes = m_writer.notes();
+    for (const std::string& note : m_reader->data().notes) notes.push_back(note);
+    if (m_deck) notes.insert(notes.end(), m_deck->notes().begin(), m_deck->notes().end());
+    const bool wantsReason = !m_writer.hasResults() && importFormatOf(m_options.input).canHaveDeck;
+    if (wantsReason) {
+        notes.push_back(
+            "the mesh is all that is in it, there are no results" +
+            (m_deck ? ": " + m_deck->whyNoResults() : std::string("; --deck may tell why")));
+    }
+    for (const std::string& note : notes) print(printable(note) + "\n");
+}
+
 int ImportRun::finish() {
     const bool isExplained = m_damageCount > 0 && !m_writer.hasMesh();
     if (isExplained) return ToolContext::FAILURE;
@@ -250,9 +281,7 @@ int ImportRun::finish() {
         return ToolContext::FAILURE;
     }
     print(m_options.output + ": " + m_writer.summary() + "\n");
-    for (const auto& notes : {m_writer.notes(), m_reader->data().notes}) {
-        for (const std::string& note : notes) print(note + "\n");
-    }
+    printNotes();
     return m_damageCount > 0 ? ToolContext::FAILURE : ToolContext::FINE;
 }
 
@@ -275,6 +304,10 @@ int runImport(const ImportOptions& options, ToolContext& context) {
     }
     if (options.isFollowing && !importFormatOf(options.input).canBeFollowed) {
         context.fail(options.input, "files of this format cannot be followed");
+        return ToolContext::WRONG_USAGE;
+    }
+    if (!options.deck.empty() && !importFormatOf(options.input).canHaveDeck) {
+        context.fail(options.input, "files of this format have no deck");
         return ToolContext::WRONG_USAGE;
     }
     std::string password;
@@ -302,6 +335,7 @@ std::string formatsText() {
 
 constexpr const char* kExamples =
     "  zrfx import beam.frd beam.zrfx\n"
+    "  zrfx import beam.frd beam.zrfx --deck beam.inp\n"
     "  zrfx import mesh.msh mesh.zrfx\n"
     "  zrfx import beam.frd beam.zrfx --name \"Beam, load case 2\" --level 9\n"
     "  ccx beam & zrfx import --follow beam.frd beam.zrfx   # readable while the solver runs\n";
@@ -317,6 +351,10 @@ void addImportCommand(CLI::App& application, ToolContext& context) {
         ->required();
     command->add_option("OUT.zrfx", options->output, "File to make; an existing one is replaced")
         ->required();
+    command
+        ->add_option("--deck", options->deck,
+                     "Input deck of the results: its sets, surfaces and sections")
+        ->type_name("FILE.inp");
     command->add_option("--name", options->name,
                         "Name of the model and its view; that of the result file by default");
     command->add_option("--level", options->level, "Compression, 0 (none) to 9 (smallest)")

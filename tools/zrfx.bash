@@ -13,7 +13,7 @@ _zrfx() {
             compopt -o filenames
             mapfile -t COMPREPLY < <(compgen -d -- "$current")
             return ;;
-        --password-file | --new-password-file | --other-password-file)
+        --deck | --password-file | --new-password-file | --other-password-file)
             compopt -o filenames
             mapfile -t COMPREPLY < <(compgen -f -- "$current")
             return ;;
@@ -34,7 +34,7 @@ _zrfx() {
             diff) options+=" --relative --absolute --floor --ignore --results-only --exact --json --other-password-file" ;;
             copy) options+=" --level --digits --text --binary --password --new-password-file --no-password" ;;
             properties) options+=" --markdown" ;;
-            import) options+=" --name --level --digits --text --password --follow --timeout" ;;
+            import) options+=" --deck --name --level --digits --text --password --follow --timeout" ;;
         esac
         mapfile -t COMPREPLY < <(compgen -W "$options" -- "$current")
         return

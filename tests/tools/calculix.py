@@ -435,8 +435,11 @@ def check_deck(shop, source, name):
         check(f"{name}: no reason is given", run.returncode == 0 or frd.name in run.stderr)
         if not output.exists():
             return "refused: " + run.stderr.strip().split(": ", 2)[-1]
-        checked = shop.run("check", output)
-        check(f"{name}: {checked.stdout}", checked.returncode == 0)
+        with_deck = folder / "deck.zrfx"
+        shop.run("import", frd, with_deck, "--deck", folder / (name + ".inp"))
+        for file in (output, with_deck):
+            checked = shop.run("check", file)
+            check(f"{name}: {checked.stdout}{checked.stderr}", checked.returncode == 0)
         values = compare(read_frd(frd), Model(output)) if is_whole else 0
         return f"{values} values" if is_solved else f"what the failing solver wrote, {values} values"
 

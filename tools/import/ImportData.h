@@ -46,6 +46,8 @@ struct ImportElementGroup {
     /// Empty where the two are the same.
     std::span<const int> order;
 
+    bool isHidden = false;  ///< The part says what belongs together; the view does not show it.
+
     std::size_t placeInFile(std::size_t node) const {
         return order.empty() ? node : static_cast<std::size_t>(order[node]);
     }
@@ -60,6 +62,7 @@ struct ImportSet {
 struct ImportElements {
     std::vector<ImportElementGroup> groups;  ///< In any order.
     std::vector<ImportSet> sets;
+    std::map<int, std::string> partNames;  ///< In place of those of the header.
 };
 
 struct ImportState {

@@ -18,9 +18,9 @@ std::unique_ptr<ImportReader> make() {
 
 constexpr ImportFormat kFormats[] = {
     {".frd", "the results of CalculiX", "text or binary; results at elements are left out", true,
-     make<FrdImporter>},
+     true, make<FrdImporter>},
     {".msh", "a mesh of gmsh with its views",
-     "text of version 2 or 4.1; boundary elements in no physical group are left out", false,
+     "text of version 2 or 4.1; boundary elements in no physical group are left out", false, false,
      make<GmshReader>},
 };
 

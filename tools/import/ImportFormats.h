@@ -14,6 +14,7 @@ struct ImportFormat {
     const char* content;  ///< As in "Makes a ZRFx file of ...".
     const char* limits;   ///< What is read of it, and what is left out.
     bool canBeFollowed;   ///< While a program writes the file.
+    bool canHaveDeck;     ///< Whether the deck of a solver says more of it.
     std::unique_ptr<ImportReader> (*makeReader)();
 };
 

@@ -105,7 +105,7 @@ void ImportMesh::addToParts(std::size_t groupIndex) {
     const ImportElementGroup& group = m_elements.groups[groupIndex];
     if (m_parts.empty() || m_parts.back().id != group.partId) {
         const int blockId = static_cast<int>(m_parts.size()) + 1;
-        m_parts.push_back({group.partId, blockId, groupIndex, elementCount()});
+        m_parts.push_back({group.partId, blockId, group.isHidden, groupIndex, elementCount()});
     }
     ++m_parts.back().groupCount;
     m_parts.back().elementCount += group.ids.size();
@@ -158,14 +158,20 @@ bool ImportMesh::writePart(Database& database, const Part& part) const {
     return database.writeBlock(block.p());
 }
 
+std::string ImportMesh::partName(int id, const std::map<int, std::string>& partNames) const {
+    for (const auto* names : {&m_elements.partNames, &partNames}) {
+        const auto found = names->find(id);
+        if (found != names->end() && !found->second.empty()) return found->second;
+    }
+    return "Part " + std::to_string(id);
+}
+
 bool ImportMesh::writeGeometry(Database& database,
                                const std::map<int, std::string>& partNames) const {
     PtrRef<GeometryBlock> geometry = new GeometryBlock(1);
     PtrRef<GeometryInfoBlock> info = new GeometryInfoBlock(1);
     for (const Part& part : m_parts) {
-        const auto found = partNames.find(part.id);
-        const bool isNamed = found != partNames.end() && !found->second.empty();
-        const std::string name = isNamed ? found->second : "Part " + std::to_string(part.id);
+        const std::string name = partName(part.id, partNames);
         if (!geometry->addElementBlock(0, part.blockId, part.id) ||
             !info->addPartInfo(0, part.id, name)) {
             return false;

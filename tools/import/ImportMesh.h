@@ -24,6 +24,7 @@ public:
     struct Part {
         int id;
         int blockId;
+        bool isHidden;
         std::size_t firstGroup;    ///< Of its groups, which follow one another.
         std::size_t firstElement;  ///< Of its elements, counted over all parts.
         std::size_t groupCount = 0;
@@ -63,6 +64,7 @@ private:
     void addToParts(std::size_t groupIndex);
     bool writeNodes(nuo::zrfx::Database& database) const;
     bool writePart(nuo::zrfx::Database& database, const Part& part) const;
+    std::string partName(int id, const std::map<int, std::string>& partNames) const;
     bool writeGeometry(nuo::zrfx::Database& database,
                        const std::map<int, std::string>& partNames) const;
     bool writeSet(nuo::zrfx::Database& database, int id, const ImportSet& set) const;

@@ -44,10 +44,11 @@ const Series* fringes(const ImportResults& results) {
     return found ? found : findSeries(results, [](const Series&) { return true; });
 }
 
-PtrRef<PropertySet> partSettings(int partId) {
+PtrRef<PropertySet> partSettings(const ImportMesh::Part& part) {
     PtrRef<PropertySet> set = new PropertySet("part_settings");
     set->setValue("context_geometry_index", 0u);
-    set->setValue("context_part_id", partId);
+    set->setValue("context_part_id", part.id);
+    if (part.isHidden) set->setValue("visible", false);
     set->setValue("draw_style", "surface_mesh");
     set->setValue("displacement_visible", true);
     return set;
@@ -87,7 +88,7 @@ PtrRef<PropertySetCollection> importViewSettings(const ImportMesh& mesh,
     settings->addPropertySet(resultSelection(results).p());
     settings->addPropertySet(stateSelection(results.states()).p());
     for (const ImportMesh::Part& part : mesh.parts()) {
-        settings->addPropertySet(partSettings(part.id).p());
+        settings->addPropertySet(partSettings(part).p());
     }
     return settings;
 }

@@ -39,6 +39,8 @@ public:
     /// Whether there is a mesh, without which there is nothing to write.
     bool hasMesh() const { return m_mesh.isComplete(); }
 
+    bool hasResults() const { return m_results && !m_results->series().empty(); }
+
     /// Whether there are results that commit() would write, and whether they are all of their
     /// state, given the state of the result that comes next.
     bool hasNews() const { return m_hasNews; }
