@@ -1,6 +1,7 @@
 #include "CopyCommand.h"
 
 #include <algorithm>
+#include <map>
 #include <memory>
 #include <set>
 
@@ -13,6 +14,7 @@
 #include "blocks/mesh/ZRFxGeometryBlock.h"
 #include "blocks/mesh/ZRFxGeometryInfoBlock.h"
 #include "documents/ZRFxXml.h"
+#include "selection/ModelSelection.h"
 
 namespace tools {
 namespace {
@@ -23,6 +25,7 @@ constexpr const char* kExamples =
     "  zrfx copy big.zrfx small.zrfx --level 9\n"
     "  zrfx copy plate.zrfx plate.zrfx            # reclaims unused space\n"
     "  zrfx copy big.zrfx small.zrfx --digits 4      # of result values\n"
+    "  zrfx copy big.zrfx small.zrfx --results STRESS,DISP --states last --parts Flange\n"
     "  zrfx copy plate.zrfx secret.zrfx --password\n"
     "  zrfx copy secret.zrfx plain.zrfx --no-password --text";
 
@@ -38,18 +41,24 @@ struct Options {
     bool wantsPassword = false;
     bool wantsNoPassword = false;
     std::string newPasswordFile;
+    ModelChoice choice;
 };
+
+// What is wanted of each database, by its id; of none when all is.
+using Selections = std::map<int, std::unique_ptr<ModelSelection>>;
 
 /// Copies what is in one archive to another that is new: databases block by block, each in the form
 /// of the new file, everything else entry by entry as it is. One block is in memory at a time.
 class Copy {
 public:
-    Copy(FileReader& in, const Entries& entries, ZRFxAccess& out, bool isText, int digits)
+    Copy(FileReader& in, const Entries& entries, ZRFxAccess& out, bool isText, int digits,
+         const Selections& selections)
         : m_in(in),
           m_entries(entries),
           m_out(out),
           m_isText(isText),
           m_digits(digits),
+          m_selections(selections),
           m_progress("copying", Progress::Unit::BYTES, entries.totalSize()) {}
 
     bool run() { return copyMainDocument() && copyDatabases() && copyCases() && copyOthers(); }
@@ -86,24 +95,33 @@ private:
         }
         m_folders.push_back(in.GetFolder().Bytes());
         for (int i = 0; i < in.GetNumBlocks(); ++i) {
-            const auto block = readBlock(in, in.GetBlock(i)->GetType(), in.GetBlock(i)->GetID());
-            if (block.isNull() || !block->WriteBlock(&out)) return false;
-            if (block->GetType() == BLOCK_GEOMETRY && !copyLegacyInfo(*block, in, out)) {
-                return false;
-            }
+            if (!copyBlock(*in.GetBlock(i), in, out)) return false;
             m_progress.advance(m_entries.sizeOf(in, in.GetBlock(i)->GetFileName()));
         }
         return out.WriteTOC();
     }
 
+    bool copyBlock(const ZRFxBlock& entry, ZRFxDatabase& in, ZRFxDatabase& out) {
+        const ModelSelection* selection = selectionOf(in.GetID());
+        if (selection && !selection->keeps(entry.GetType(), entry.GetID())) return true;
+        const auto block = readBlock(in, entry.GetType(), entry.GetID());
+        return block.notNull() && writeReduced(*block, selection, out) &&
+               (block->GetType() != BLOCK_GEOMETRY || copyLegacyInfo(*block, in, out));
+    }
+
+    static bool writeReduced(ZRFxBlock& block, const ModelSelection* selection, ZRFxDatabase& out) {
+        return selection ? selection->reduced(block)->WriteBlock(&out) : block.WriteBlock(&out);
+    }
+
     // Geometries of the legacy layout tell the names of the parts, too; the new form does not.
-    static bool copyLegacyInfo(const ZRFxBlock& block, ZRFxDatabase& in, ZRFxDatabase& out) {
+    bool copyLegacyInfo(const ZRFxBlock& block, ZRFxDatabase& in, ZRFxDatabase& out) const {
         const auto& geometry = static_cast<const ZRFxGeometryBlock&>(block);
         if (geometry.HasGeometryCountPerState() || in.GetNumBlocks(BLOCK_GEOMETRY_INFO) > 0) {
             return true;
         }
         const nvf::ref<ZRFxGeometryInfoBlock> info = new ZRFxGeometryInfoBlock(&in, block.GetID());
-        return geometry.GetLegacyGeometryInfo(info.p()) && info->WriteBlock(&out);
+        return geometry.GetLegacyGeometryInfo(info.p()) &&
+               writeReduced(*info, selectionOf(in.GetID()), out);
     }
 
     bool copyCases() {
@@ -118,8 +136,26 @@ private:
                 return false;
             }
             m_copied.insert(withBackslashes(info.path.Bytes()));
+            if (selectionOf(info.databaseId) && !copySettings(info, document)) return false;
         }
         return true;
+    }
+
+    const ModelSelection* selectionOf(int database) const {
+        const auto found = m_selections.find(database);
+        return found == m_selections.end() ? nullptr : found->second.get();
+    }
+
+    // The viewer settings of a case, without those of what is not copied.
+    bool copySettings(const ZRFxCaseInfo& info, const nvf::XmlDocument& document) {
+        const ZRString given = GetAttribute(document.getRootElement("Case"), "ZRFxProperties");
+        const ZRString name = given.IsBlank() ? ZRString("ZRFxProperties.xml") : given;
+        const ZRString entry = info.folder + std::string(1, kFolderSeparator) + name;
+        if (!m_in.access().Contains(entry)) return true;
+        nvf::PropertySetCollection settings;
+        if (!m_in.access().ReadProperties(entry, &settings)) return false;
+        m_copied.insert(withBackslashes(entry.Bytes()));
+        return m_out.WriteProperties(entry, *selectionOf(info.databaseId)->reduced(settings));
     }
 
     // Files of cases, user texts, and what other programs have put there. In the folders of
@@ -153,6 +189,7 @@ private:
     ZRFxAccess& m_out;
     const bool m_isText;
     const int m_digits;  // of result values; 0 keeps all
+    const Selections& m_selections;
     Progress m_progress;
     std::set<std::string> m_copied;
     std::vector<std::string> m_folders;
@@ -190,7 +227,8 @@ bool chooseForm(ToolContext& context, const Options& options, FileReader& in, Fo
     return true;
 }
 
-bool writeCopy(FileReader& in, const Form& form, const std::string& path) {
+bool writeCopy(FileReader& in, const Form& form, const Selections& selections,
+               const std::string& path) {
     ZRFxZipArchive archive;
     ZRFxAccess out;
     if (!archive.Open(in.path(), ZRZipAccessMode::READ_ONLY)) return false;
@@ -198,8 +236,8 @@ bool writeCopy(FileReader& in, const Form& form, const std::string& path) {
     if (!out.Open(path, ZRZipAccessMode::CREATE)) return false;
     out.SetCompression(form.level, ZRFxAccess::kDefaultSmartness, ZRFxAccess::kDefaultBufferSize,
                        ZRFxAccess::kDefaultBufferSize);
-    if (out.SetPassword(form.password) && Copy(in, entries, out, form.isText, form.digits).run() &&
-        out.Close()) {
+    if (out.SetPassword(form.password) &&
+        Copy(in, entries, out, form.isText, form.digits, selections).run() && out.Close()) {
         return true;
     }
     out.Abandon();
@@ -214,6 +252,16 @@ int failCopy(ToolContext& context, const Options& options, const std::string& te
     return context.fail(options.out, cause.replace(at, temporaryPath.size(), options.out));
 }
 
+bool select(const Options& options, FileReader& in, Selections* selections, std::string* error) {
+    if (options.choice.isEmpty()) return true;
+    for (const auto& database : in.databases()) {
+        auto selection = std::make_unique<ModelSelection>(*database, options.choice);
+        if (!selection->resolve(error)) return false;
+        selections->emplace(database->GetID(), std::move(selection));
+    }
+    return true;
+}
+
 int copy(ToolContext& context, const Options& options) {
     FileReader in(context);
     Form form;
@@ -222,10 +270,12 @@ int copy(ToolContext& context, const Options& options) {
         return context.fail(options.in, "some case cannot be read; zrfx check tells which");
     }
     if (!chooseForm(context, options, in, &form)) return ToolContext::FAILURE;
-    OutputFile output(options.out);
     std::string error;
+    Selections selections;
+    if (!select(options, in, &selections, &error)) return context.fail(options.in, error);
+    OutputFile output(options.out);
     if (!output.prepare(&error)) return context.fail(options.out, error);
-    if (!writeCopy(in, form, output.temporaryPath())) {
+    if (!writeCopy(in, form, selections, output.temporaryPath())) {
         return failCopy(context, options, output.temporaryPath());
     }
     if (!output.finish(&error)) return context.fail(options.out, error);
@@ -249,6 +299,14 @@ void addCopyCommand(CLI::App& application, ToolContext& context) {
                      "Significant digits of result values, 1 to 6; by default they keep all")
         ->type_name("N")
         ->check(wholeNumber(1, 6));
+    const auto addList = [&](const char* name, auto& list, const char* type, const char* text) {
+        command->add_option(name, list, text)->type_name(type)->allow_extra_args(false);
+    };
+    addList("--results", options->choice.results, "NAME,...", "Only these results, by name or id");
+    addList("--states", options->choice.states, "STATE,...",
+            "Only these states, by id or name, or last");
+    addList("--parts", options->choice.parts, "PART,...",
+            "Only these parts, by name or id, with their nodes and values");
     CLI::Option* text = command->add_flag("--text", options->isText, "Data files as lines of text");
     command->add_flag("--binary", options->isBinary, "Data files as packed values")->excludes(text);
     CLI::Option* none =

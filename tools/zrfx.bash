@@ -7,7 +7,7 @@ _zrfx() {
     done
     case $previous in
         --level | --limit | --relative | --absolute | --floor | --ignore | --database | --block | --name | --timeout | --digits | \
-            --result | --state | --component | --part | --set | --node | --element)
+            --result | --results | --state | --states | --parts | --component | --part | --set | --node | --element)
             return ;;
         -o | --output)
             compopt -o filenames
@@ -32,7 +32,7 @@ _zrfx() {
             cat) options+=" --database --block --result --state --component --part --set --node --element --coordinates --history --csv" ;;
             stats) options+=" --result --state --part --set --json --csv" ;;
             diff) options+=" --relative --absolute --floor --ignore --results-only --exact --json --other-password-file" ;;
-            copy) options+=" --level --digits --text --binary --password --new-password-file --no-password" ;;
+            copy) options+=" --results --states --parts --level --digits --text --binary --password --new-password-file --no-password" ;;
             properties) options+=" --markdown" ;;
             import) options+=" --deck --name --level --digits --text --password --follow --timeout" ;;
         esac
