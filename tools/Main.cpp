@@ -12,6 +12,7 @@
 #include "ImportCommand.h"
 #include "InfoCommand.h"
 #include "ListCommand.h"
+#include "MergeCommand.h"
 #include "NuoZRFx/ZRFxComponent.h"
 #include "PropertiesCommand.h"
 #include "StandardOutput.h"
@@ -29,6 +30,7 @@ void addCommands(CLI::App& application, tools::ToolContext& context) {
     tools::addStatsCommand(application, context);
     tools::addDiffCommand(application, context);
     tools::addCopyCommand(application, context);
+    tools::addMergeCommand(application, context);
     tools::addImportCommand(application, context);
     tools::addPropertiesCommand(application, context);
 }

@@ -1,7 +1,7 @@
 # Completion of zrfx for bash: commands, their options, and files.
 _zrfx() {
     local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD-1]}
-    local commands="info list check extract cat stats diff copy import properties help version" command="" word
+    local commands="info list check extract cat stats diff copy merge import properties help version" command="" word
     for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
         if [[ " $commands " == *" $word "* ]]; then command=$word; break; fi
     done
@@ -32,6 +32,7 @@ _zrfx() {
             cat) options+=" --database --block --result --state --component --part --set --node --element --coordinates --history --csv" ;;
             stats) options+=" --result --state --part --set --json --csv" ;;
             diff) options+=" --relative --absolute --floor --ignore --results-only --exact --json --other-password-file" ;;
+            merge) options+=" --output" ;;
             copy) options+=" --results --states --parts --level --digits --text --binary --password --new-password-file --no-password" ;;
             properties) options+=" --markdown" ;;
             import) options+=" --deck --name --level --digits --text --password --follow --timeout" ;;

@@ -103,6 +103,44 @@ class SelectTest(ToolCase):
             self.assertEqual((run.returncode, run.stderr), (1, f"zrfx: a.zrfx: {message}\n"))
             self.assertFalse((self.folder / "b.zrfx").exists())
 
+    def test_run_that_went_on_is_one_run(self):
+        self.model("first", HEAD + state(1) + state(2) + END)
+        self.model("second", HEAD + state(2) + state(3) + END)
+        self.assertEqual(
+            self.output("merge first.zrfx second.zrfx -o whole.zrfx"),
+            "second.zrfx: 1 state added, 1 state left out that the file has by reference value\n")
+        self.database("whole.zrfx")
+        names = "--ignore name --ignore description"
+        self.assertEqual(self.zrfx(f"diff whole.zrfx a.zrfx {names}").stdout, "")
+        self.output("merge first.zrfx second.zrfx -o first.zrfx")
+        self.assertEqual(self.zrfx("diff whole.zrfx first.zrfx").stdout, "")
+
+    def test_parts_of_one_model_come_together(self):
+        self.output("copy a.zrfx steel.zrfx --parts STEEL")
+        self.output("copy a.zrfx brass.zrfx --parts BRASS")
+        self.assertEqual(self.output("merge steel.zrfx brass.zrfx brass.zrfx -o all.zrfx"),
+                         2 * "brass.zrfx: 1 part added\n")
+        found = self.database("all.zrfx")
+        self.assertEqual([p["name"] for p in found["parts"]], ["STEEL", "BRASS", "BRASS (2)"])
+        self.assertEqual([s["id"] for s in found["states"]], [1, 2, 3])
+        self.assertEqual((found["nodes"], found["elements"]), (12, 3))
+        for part in ("STEEL", "BRASS"):
+            self.output(f"copy all.zrfx part.zrfx --parts {part}")
+            for name in ("DISP", "STRESS"):
+                self.assertEqual(self.table(f"cat part.zrfx --result {name}"),
+                                 self.table(f"cat {part.lower()}.zrfx --result {name}"))
+
+    def test_what_cannot_be_put_together_leaves_nothing(self):
+        (self.folder / "bad.zrfx").write_text("no archive")
+        for files, code, message in [
+                ("a.zrfx", 2, "merge: there is nothing to put together with one file"),
+                ("a.zrfx bad.zrfx", 1, "bad.zrfx: not a ZIP archive, or its end is missing"),
+                ("a.zrfx none.zrfx", 1, "none.zrfx: File not found")]:
+            run = self.zrfx(f"merge {files} -o out.zrfx")
+            self.assertEqual((run.returncode, run.stdout, run.stderr),
+                             (code, "", f"zrfx: {message}\n"))
+            self.assertEqual(list(self.folder.glob("*out*")), [])
+
 
 if __name__ == "__main__":
     unittest.main()
