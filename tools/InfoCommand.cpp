@@ -10,6 +10,7 @@
 #include "SolverRun.h"
 #include "StandardOutput.h"
 #include "Summary.h"
+#include "Terminal.h"
 #include "Text.h"
 #include "documents/ZRFxXml.h"
 
@@ -189,10 +190,12 @@ constexpr std::size_t kMostDamages = 5;
 
 void printLine(int indent, const std::string& label, const std::string& text) {
     if (text.empty()) return;
+    constexpr std::size_t kColumn = 18;
+    const std::size_t used = static_cast<std::size_t>(indent) + label.size();
     std::string line(static_cast<std::size_t>(indent), ' ');
-    line += label;
-    if (line.size() < 18) line.append(18 - line.size(), ' ');
-    print(line + printable(text) + "\n");
+    line += indent == 0 ? painted(label, Paint::BOLD) : label;
+    if (used < kColumn) line.append(kColumn - used, ' ');
+    print(line + wrapped(printable(text), kColumn + 2, std::max(used, kColumn)) + "\n");
 }
 
 // Of long lists the first and the last lines.

@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstring>
 
 #include "StandardOutput.h"
+#include "Terminal.h"
 #include "Text.h"
 #include "container/ZRFxZipArchive.h"
 
@@ -55,7 +57,7 @@ void printLine(std::uint64_t size, std::uint64_t packedSize, const std::string& 
     std::snprintf(
         line, sizeof(line), "%14llu %14llu %6.1f %%  %-11s ", static_cast<unsigned long long>(size),
         static_cast<unsigned long long>(packedSize), 100 * ratio(size, packedSize), method.c_str());
-    print(line + printable(name) + "\n");
+    print(line + shortened(printable(name), std::strlen(line)) + "\n");
 }
 
 void printTable(const Entries& entries) {

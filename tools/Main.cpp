@@ -13,6 +13,7 @@
 #include "InfoCommand.h"
 #include "ListCommand.h"
 #include "MergeCommand.h"
+#include "NamesCommand.h"
 #include "NuoZRFx/ZRFxComponent.h"
 #include "PropertiesCommand.h"
 #include "StandardOutput.h"
@@ -31,6 +32,7 @@ void addCommands(CLI::App& application, tools::ToolContext& context) {
     tools::addDiffCommand(application, context);
     tools::addCopyCommand(application, context);
     tools::addMergeCommand(application, context);
+    tools::addNamesCommand(application, context);
     tools::addImportCommand(application, context);
     tools::addPropertiesCommand(application, context);
 }

@@ -5,6 +5,7 @@
 #include "FileReader.h"
 #include "Progress.h"
 #include "StandardOutput.h"
+#include "Terminal.h"
 #include "content/Table.h"
 #include "quantities/ExtremeText.h"
 #include "quantities/Statistics.h"
@@ -106,9 +107,10 @@ void printText(const std::vector<Entry>& entries) {
             !before || before->result != entry.result || before->state.id != entry.state.id;
         before = &entry;
         if (isNew) {
-            print(printable(std::string(entry.result->name.Bytes()) + ", state " +
-                            std::to_string(entry.state.id) + " \"" + entry.state.name + "\"") +
-                  "\n");
+            const std::string title = std::string(entry.result->name.Bytes()) + ", state " +
+                                      std::to_string(entry.state.id) + " \"" + entry.state.name +
+                                      "\"";
+            print(painted(printable(title), Paint::BOLD) + "\n");
         }
         const QuantityStatistics& statistics = entry.statistics;
         std::string line = "  " + statistics.quantity;
@@ -125,7 +127,7 @@ void printText(const std::vector<Entry>& entries) {
         if (statistics.undefinedCount > 0) {
             line += ", " + std::to_string(statistics.undefinedCount) + " without";
         }
-        print(printable(line) + "\n");
+        print(wrapped(printable(line), 18) + "\n");
     }
 }
 

@@ -1,5 +1,7 @@
 #include "check/Findings.h"
 
+#include "Terminal.h"
+
 namespace tools {
 
 void Findings::add(Finding finding) {
@@ -40,7 +42,9 @@ std::string Findings::text() const {
     std::string text;
     for (const Severity severity : {Severity::ERROR, Severity::WARNING}) {
         for (const Finding& finding : kept(severity)) {
-            text += severity == Severity::ERROR ? "error: " : "warning: ";
+            text += severity == Severity::ERROR ? painted("error", Paint::RED)
+                                                : painted("warning", Paint::YELLOW);
+            text += ": ";
             text += printable(finding.entry) + ": ";
             if (!finding.place.empty()) text += printable(finding.place) + ": ";
             text += printable(finding.message) + "\n";

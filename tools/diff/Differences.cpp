@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+#include "Terminal.h"
+
 namespace tools {
 namespace {
 
@@ -50,8 +52,11 @@ void Differences::add(Difference difference) {
 std::string Differences::text() const {
     std::string text;
     for (const Difference& item : m_items) {
-        text += printable(item.place + ": " + item.text) + "\n";
-        for (const std::string& note : item.notes) text += "  " + printable(note) + "\n";
+        text += painted(printable(item.place), Paint::BOLD) + ": " +
+                wrapped(printable(item.text), 2, item.place.size() + 2) + "\n";
+        for (const std::string& note : item.notes) {
+            text += "  " + wrapped(printable(note), 4, 2) + "\n";
+        }
     }
     return text;
 }

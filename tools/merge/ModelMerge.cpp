@@ -62,8 +62,8 @@ bool ModelMerge::run() {
 }
 
 int ModelMerge::freeId(int type) const {
-    const auto ids = blockIds(m_into, type);
-    return ids.empty() ? 1 : ids.back() + 1;
+    const int count = m_into.GetNumBlocks(type);
+    return count == 0 ? 1 : m_into.GetBlock(type, count - 1)->GetID() + 1;
 }
 
 bool ModelMerge::compareMeshes(bool* areSame) {
