@@ -8,6 +8,7 @@ wrote. Exit code 77 says that the test was left out.
                                                 "followed", imported while the solver runs
     calculix.py --zrfx PROGRAM references       reference results of Debian's calculix-ccx-test; all of
                                                 them with NUO_LONG_TESTS=1
+    calculix.py --zrfx PROGRAM statistics       ten of them as numpy computes extremes and means
     calculix.py --zrfx PROGRAM decks            solves the package's 355 decks, with NUO_LONG_TESTS=1
 """
 
@@ -15,7 +16,9 @@ import argparse
 import collections
 import concurrent.futures
 import gzip
+import importlib.util
 import itertools
+import json
 import math
 import os
 import pathlib
@@ -418,6 +421,67 @@ def check_references(shop):
         print(path.stem, compare(read_frd(path), shop.imported(path)), "values")
 
 
+def expected_statistics(values):
+    """Of rows of three or six components, by the names that the program has for the quantities."""
+    import numpy
+    names = "x y z" if values.shape[1] == 3 else "xx yy zz xy yz zx"
+    quantities = dict(zip(names.split(), values.T))
+    if values.shape[1] == 3:
+        return quantities | {"magnitude": numpy.linalg.norm(values, axis=1)}
+    xx, yy, zz, xy, yz, zx = values.T
+    matrices = numpy.stack([xx, xy, zx, xy, yy, yz, zx, yz, zz], axis=1).reshape(-1, 3, 3)
+    principal = numpy.linalg.eigvalsh(matrices)[:, ::-1]
+    deviators = matrices - numpy.trace(matrices, axis1=1, axis2=2)[:, None, None] / 3 * numpy.eye(3)
+    quantities |= {f"principal_{i + 1}": principal[:, i] for i in range(3)}
+    return quantities | {"von_mises": numpy.sqrt(1.5 * (deviators ** 2).sum(axis=(1, 2))),
+                         "maximum_shear": (principal[:, 0] - principal[:, 2]) / 2}
+
+
+def check_result_statistics(found, result):
+    import numpy
+    nodes = numpy.array(list(result.values))
+    values = numpy.array(list(result.values.values())).astype(numpy.float32).astype(float)
+    scale = abs(values).max()
+    for quantity, expected in expected_statistics(values).items():
+        own = found[quantity]
+        place = f"{result.name}, {quantity}"
+        check(f"number of {place}", own["count"] == len(nodes))
+        check(f"mean of {place}", abs(own["mean"] - expected.mean()) <= 1e-6 * scale)
+        for name, extreme in (("min", expected.min()), ("max", expected.max())):
+            check(f"{name} of {place}", abs(own[name]["value"] - extreme) <= 2e-6 * scale)
+            [at] = expected[nodes == own[name]["node"]]
+            check(f"node of the {name} of {place}", abs(at - extreme) <= 2e-6 * scale)
+
+
+def check_statistics(shop):
+    """Ten results with displacements and stresses, as numpy computes them."""
+    count = 0
+    for source in sorted(PACKAGE.glob("*.frd.ref.gz"), key=lambda path: -path.stat().st_size):
+        path = shop.folder / (source.name.split(".")[0] + ".frd")
+        path.write_bytes(gzip.decompress(source.read_bytes()))
+        _, _, results = read_frd(path)
+        chosen = [r for r in results if r.name in ("DISP", "STRESS", "TOSTRAIN") and
+                  r.step == results[-1].step]
+        are_finite = all(math.isfinite(v) for r in chosen for row in r.values.values() for v in row)
+        are_plain = len({r.name for r in chosen}) == len(chosen) > 1
+        if path.stat().st_size > 3 * 10**6 or not are_finite or not are_plain:
+            continue
+        output = shop.folder / "out.zrfx"
+        shop.imported(path, output)
+        shown = shop.run("stats", output, "--json", "--state", "last")
+        check(shown.stderr, shown.returncode == 0)
+        found = {}
+        for entry in json.loads(shown.stdout)["statistics"]:
+            found.setdefault(entry["result"], {})[entry["quantity"]] = entry
+        for result in chosen:
+            check_result_statistics(found[result.name], result)
+        print(path.stem, [f"{r.name}: {len(r.values)}" for r in chosen])
+        count += 1
+        if count == 10:
+            return
+    check(f"only {count} results", False)
+
+
 def check_deck(shop, source, name):
     """A line on what came of a deck; a failure is raised."""
     with tempfile.TemporaryDirectory(dir=shop.folder) as work:
@@ -472,11 +536,13 @@ def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("--zrfx", required=True)
     parser.add_argument("what", choices=["element", "text", "binary", "followed", "references",
-                                         "decks"])
+                                         "statistics", "decks"])
     parser.add_argument("name", nargs="?")
     given = parser.parse_args()
-    needs_package = given.what in ("references", "decks")
+    needs_package = given.what in ("references", "statistics", "decks")
     if not shutil.which("ccx") or needs_package and not PACKAGE.is_dir():
+        sys.exit(LEFT_OUT)
+    if given.what == "statistics" and not importlib.util.find_spec("numpy"):
         sys.exit(LEFT_OUT)
     if given.what == "decks" and not IS_LONG:
         sys.exit(LEFT_OUT)
@@ -486,6 +552,8 @@ def main():
             check_element(shop, given.name)
         elif given.what == "references":
             check_references(shop)
+        elif given.what == "statistics":
+            check_statistics(shop)
         elif given.what == "decks":
             check_decks(shop)
         else:
