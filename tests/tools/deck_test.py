@@ -76,6 +76,7 @@ class DeckTest(DeckCase):
         for deck, nodes in [
                 ("*NSET, NSET=A\n1, 2,\n4\n", [1, 2, 4]),
                 ("*nset,\n nset = A , generate\r\n1, 3, 2\n", [1, 3]),
+                ("*NSET, NSET=A,\n1, 2,\n4\n", [1, 2, 4]),
                 ("*NSET, NSET=a\n3\n*NSET, NSET=\"A\"\n1, 3\n", [1, 3]),
                 ("*NSET, NSET=B\n2, 3\n*NSET, NSET=C\nb\n*NSET, NSET=A\nC, 1\n", [1, 2, 3]),
                 ("*NSET, NSET=A\n*INCLUDE, INPUT=more.inp\n4\n", [2, 4]),
@@ -142,6 +143,9 @@ class DeckTest(DeckCase):
             self.assertEqual((run.returncode, run.stdout), (1, ""), error)
             self.assertRegex(run.stderr, "^zrfx: job.inp: .*" + re.escape(error) + "\n$")
             self.assertFalse((self.folder / "none.zrfx").exists())
+        run = self.zrfx("import job.frd none.zrfx --deck job.frd")
+        self.assertEqual(run.stderr,
+                         "zrfx: job.frd: this is no input deck: it has no keyword\n")
         run = self.zrfx("import job.frd none.zrfx --deck missing.inp")
         self.assertEqual(run.stderr, "zrfx: missing.inp: No such file or directory\n")
 

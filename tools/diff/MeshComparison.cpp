@@ -111,29 +111,35 @@ void MeshComparison::compareNodes(const Nodes& a, const Nodes& b) {
             std::ranges::equal(from, to, [&](float x, float y) { return m_tolerance.holds(x, y); });
         if (!isSame) moved.push_back(pair);
     }
-    if (byId.isComplete() && moved.empty()) return;
-    const auto keyOf = [](const nuo::Vec3f& position) { return coordinatesOf(position); };
+    if ((byId.isComplete() && moved.empty()) || areRenumbered(a, b)) return;
+    addMissing("nodes", idsAt(a.ids, byId.onlyA), idsAt(b.ids, byId.onlyB));
+    if (!moved.empty()) addMoved(a, b, moved, byId.both.size());
+}
+
+bool MeshComparison::areRenumbered(const Nodes& a, const Nodes& b) {
     std::vector<std::array<float, 3>> keysOfA(a.positions.size());
     std::vector<std::array<float, 3>> keysOfB(b.positions.size());
-    std::ranges::transform(a.positions, keysOfA.begin(), keyOf);
-    std::ranges::transform(b.positions, keysOfB.begin(), keyOf);
+    std::ranges::transform(a.positions, keysOfA.begin(), coordinatesOf);
+    std::ranges::transform(b.positions, keysOfB.begin(), coordinatesOf);
     const ItemPairs byPosition = pairByKey(keysOfA, keysOfB);
-    if (byPosition.isComplete()) {
-        for (const auto& [i, j] : byPosition.both) m_numberings.nodes.add(a.ids[i], b.ids[j]);
-        return addRenumbered("nodes", m_numberings.nodes.changedCount(), a.ids.size());
-    }
-    addMissing("nodes", idsAt(a.ids, byId.onlyA), idsAt(b.ids, byId.onlyB));
-    if (moved.empty()) return;
+    if (!byPosition.isComplete()) return false;
+    for (const auto& [i, j] : byPosition.both) m_numberings.nodes.add(a.ids[i], b.ids[j]);
+    addRenumbered("nodes", m_numberings.nodes.changedCount(), a.ids.size());
+    return true;
+}
+
+void MeshComparison::addMoved(const Nodes& a, const Nodes& b,
+                              const std::vector<ItemPairs::Pair>& moved, std::size_t all) {
     const auto lengthOf = [&](const ItemPairs::Pair& pair) {
         return distance(a.positions[pair.a], b.positions[pair.b]);
     };
     const ItemPairs::Pair farthest = *std::ranges::max_element(moved, {}, lengthOf);
-    m_differences.add(m_place + ", nodes",
-                      std::to_string(moved.size()) + " of " + std::to_string(byId.both.size()) +
-                          " lie elsewhere, farthest " + numbered("node", a.ids[farthest.a]) +
-                          " by " + numberText(static_cast<float>(lengthOf(farthest))) + ": " +
-                          positionText(a.positions[farthest.a]) + " and " +
-                          positionText(b.positions[farthest.b]));
+    m_differences.add(m_place + ", nodes", std::to_string(moved.size()) + " of " +
+                                               std::to_string(all) + " lie elsewhere, farthest " +
+                                               numbered("node", a.ids[farthest.a]) + " by " +
+                                               numberText(static_cast<float>(lengthOf(farthest))) +
+                                               ": " + positionText(a.positions[farthest.a]) +
+                                               " and " + positionText(b.positions[farthest.b]));
 }
 
 void MeshComparison::compareElements(const Elements& a, const Elements& b) {

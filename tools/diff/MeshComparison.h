@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "diff/Differences.h"
+#include "diff/ItemPairs.h"
 #include "diff/Numbering.h"
 #include "diff/Side.h"
 #include "diff/Tolerances.h"
@@ -49,6 +50,9 @@ private:
     bool gatherNodes(ModelItems& model, Nodes& nodes);
     bool gatherElements(ModelItems& model, const Numbering& numbering, Elements& elements);
     void compareNodes(const Nodes& a, const Nodes& b);
+    bool areRenumbered(const Nodes& a, const Nodes& b);
+    void addMoved(const Nodes& a, const Nodes& b, const std::vector<ItemPairs::Pair>& moved,
+                  std::size_t all);
     void compareElements(const Elements& a, const Elements& b);
     void addMissing(const std::string& what, const Ids& onlyA, const Ids& onlyB);
     void addRenumbered(const std::string& what, std::size_t count, std::size_t all);

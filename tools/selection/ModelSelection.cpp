@@ -337,7 +337,9 @@ void ModelSelection::reduceElements(ZRFxElementBlock& block) const {
         ZRIntArray& nodes = block.GetElementGroup(g)->m_aiConnectivity;
         std::vector<std::int32_t> renumbered;
         for (const std::int32_t node : itemsOf(nodes)) {
-            renumbered.push_back(found->second.newOfOld[static_cast<std::size_t>(node)]);
+            const auto& newOfOld = found->second.newOfOld;
+            const auto old = static_cast<std::size_t>(node);
+            renumbered.push_back(old < newOfOld.size() ? newOfOld[old] : -1);  // cannot be written
         }
         assign(renumbered, nodes);
     }
@@ -360,12 +362,15 @@ void ModelSelection::reduceValues(ZRFxResultValuesBlock& block) const {
         }
     }
     std::vector<float> values;
+    std::int64_t count = 0;
     for (const std::int64_t row : rows) {
+        const auto end = (static_cast<std::size_t>(row) + 1) * components;
+        if (end > reals.values.size()) break;  // there are too few
+        ++count;
         const auto own =
             reals.values.subspan(static_cast<std::size_t>(row) * components, components);
         values.insert(values.end(), own.begin(), own.end());
     }
-    const auto count = static_cast<std::int64_t>(rows.size());
     if (components == 3) {
         block.SetVectors(reinterpret_cast<const nuo::Vec3f*>(values.data()), count);
     } else {

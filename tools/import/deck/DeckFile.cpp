@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
+#include <utility>
 
 namespace tools {
 namespace {
@@ -44,6 +45,12 @@ std::vector<std::string> fieldsOf(std::string_view text) {
     }
 }
 
+// "NSET=A", or one of those without a value.
+bool isParameter(std::string_view text) {
+    const std::string first = inCapitals(text.substr(0, text.find(',')));
+    return first.find('=') != std::string::npos || first == "GENERATE";
+}
+
 }  // namespace
 
 std::string DeckLine::parameter(const std::string& name) const {
@@ -76,6 +83,10 @@ bool DeckFile::fail(const std::string& reason) {
 
 // The next line that is no comment, of the file that is read or of the one that included it.
 bool DeckFile::readText(std::string* text) {
+    if (m_readAhead) {
+        *text = *std::exchange(m_readAhead, std::nullopt);
+        return true;
+    }
     while (!m_sources.empty()) {
         ImportFile& file = m_sources.back()->file;
         auto line = file.readLine();
@@ -109,10 +120,14 @@ bool DeckFile::next(DeckLine* line) {
     return false;
 }
 
-// A comma at the end goes on in the next line.
+// A comma at the end goes on in the next line, unless that has data already.
 bool DeckFile::readKeyword(std::string text, DeckLine* line) {
     constexpr std::size_t kLongest = 1 << 16;
     for (std::string more; text.ends_with(',') && text.size() < kLongest && readText(&more);) {
+        if (!isParameter(more)) {
+            m_readAhead = more;
+            break;
+        }
         text += more;
     }
     line->isKeyword = true;

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -52,6 +53,7 @@ private:
 
     std::string m_folder;
     std::vector<std::unique_ptr<Source>> m_sources;  // the last one is read
+    std::optional<std::string> m_readAhead;          // a line
     int m_includeCount = 0;
     std::string m_error;
 };

@@ -45,7 +45,9 @@ bool DeckReader::read(const std::string& path, std::string* error) {
     }
     DeckLine line;
     bool isGood = true;
+    bool isDeck = false;
     while (isGood && m_file.next(&line)) {
+        isDeck |= line.isKeyword;
         if (line.isKeyword) {
             begin(line);
         } else if (m_take) {
@@ -54,6 +56,7 @@ bool DeckReader::read(const std::string& path, std::string* error) {
     }
     endCard();
     *error = isGood ? m_file.error() : m_error;
+    if (error->empty() && !isDeck) *error = "this is no input deck: it has no keyword";
     return error->empty();
 }
 

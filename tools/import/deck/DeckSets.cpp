@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <limits>
 #include <utility>
 
 #include "import/deck/DeckElementType.h"
@@ -10,6 +11,8 @@ namespace tools {
 namespace {
 
 using nuo::zrfx::ElementBlock;
+
+constexpr const char* kNoIds = "is left out: no ids are free above those of the mesh";
 
 // A face by the number of its nodes.
 ElementBlock::ElementType faceType(std::size_t nodeCount) {
@@ -79,30 +82,35 @@ std::string DeckSets::partName(int part) const {
 void DeckSets::divide(std::span<const DeckSection> sections) {
     const std::vector<int> sectionOf = sectionsOf(sections);
     const int sectionCount = static_cast<int>(sections.size());
+    std::map<int, int> restParts;  // by the old id
+    for (const ImportElementGroup& group : m_elements.groups) restParts[group.partId] = 0;
+    m_lastPart = sectionCount;
+    for (auto& [old, part] : restParts) {
+        part = ++m_lastPart;
+        m_elements.partNames[part] = partName(old);
+    }
+    for (int s = 0; s < sectionCount; ++s) {
+        m_elements.partNames[s + 1] = sections[static_cast<std::size_t>(s)].name;
+    }
     std::map<std::pair<int, std::size_t>, ImportElementGroup> divided;  // by part and old group
     for (std::size_t e = 0; e < m_places.size(); ++e) {
-        const auto [g, index] = m_places[e];
-        const ImportElementGroup& from = m_elements.groups[g];
-        const int section = sectionOf[e];
-        const int part = section >= 0 ? section + 1 : sectionCount + 1 + from.partId;
-        auto [to, isNew] = divided.try_emplace({part, g});
-        ImportElementGroup& group = to->second;
-        if (isNew) {
-            group.partId = part;
-            group.type = from.type;
-            group.order = from.order;
-            m_elements.partNames[part] = section >= 0
-                                             ? sections[static_cast<std::size_t>(section)].name
-                                             : partName(from.partId);
-        }
-        const std::size_t count = ElementBlock::nodesPerElement(from.type);
-        const auto nodes = from.nodes.begin() + static_cast<std::ptrdiff_t>(index * count);
-        group.ids.push_back(from.ids[index]);
-        group.nodes.insert(group.nodes.end(), nodes, nodes + static_cast<std::ptrdiff_t>(count));
-        m_lastPart = std::max(m_lastPart, part);
+        const ImportElementGroup& from = m_elements.groups[m_places[e].group];
+        const int part = sectionOf[e] >= 0 ? sectionOf[e] + 1 : restParts[from.partId];
+        moveElement(from, m_places[e].index, part, divided[{part, m_places[e].group}]);
     }
     m_elements.groups.clear();
     for (auto& [key, group] : divided) m_elements.groups.push_back(std::move(group));
+}
+
+void DeckSets::moveElement(const ImportElementGroup& from, std::size_t index, int part,
+                           ImportElementGroup& to) {
+    const auto count = static_cast<std::ptrdiff_t>(ElementBlock::nodesPerElement(from.type));
+    const auto nodes = from.nodes.begin() + static_cast<std::ptrdiff_t>(index) * count;
+    to.partId = part;
+    to.type = from.type;
+    to.order = from.order;
+    to.ids.push_back(from.ids[index]);
+    to.nodes.insert(to.nodes.end(), nodes, nodes + count);
 }
 
 void DeckSets::note(const std::string& what, const std::string& name, const char* reason) {
@@ -112,6 +120,13 @@ void DeckSets::note(const std::string& what, const std::string& name, const char
 void DeckSets::addSet(const DeckSet& set) {
     if (set.lacksItems) note("set of elements", set.name, "has elements that the results lack");
     if (!set.ids.empty()) m_elements.sets.push_back({set.name, set.ids});
+}
+
+// Of a part and its elements.
+bool DeckSets::hasIdsFor(std::size_t elementCount) const {
+    constexpr int kHighest = std::numeric_limits<int>::max();
+    return m_lastPart < kHighest &&
+           elementCount <= static_cast<std::size_t>(kHighest - m_lastElement);
 }
 
 int DeckSets::newPart(const std::string& name, const char* kind) {
@@ -132,6 +147,7 @@ ImportElementGroup DeckSets::newGroup(int part, ElementType type) const {
 void DeckSets::addPoints(const DeckSet& set) {
     if (set.lacksItems) note("set of nodes", set.name, "has nodes that the results lack");
     if (set.ids.empty() || set.ids.size() == m_nodeCount) return;
+    if (!hasIdsFor(set.ids.size())) return note("set of nodes", set.name, kNoIds);
     ImportElementGroup group = newGroup(newPart(set.name, "nodes"), ElementBlock::POINTS);
     group.nodes = set.ids;
     for (std::size_t i = 0; i < set.ids.size(); ++i) group.ids.push_back(++m_lastElement);
@@ -161,6 +177,7 @@ std::vector<int> DeckSets::faceNodes(int element, int face) const {
 }
 
 void DeckSets::addSurface(const DeckSurface& surface) {
+    if (!hasIdsFor(surface.faces.size())) return note("surface", surface.name, kNoIds);
     std::map<ElementType, ImportElementGroup> groups;
     bool lacksFaces = surface.lacksFaces;
     int part = 0;

@@ -39,6 +39,9 @@ private:
     void findElements();
     std::vector<int> sectionsOf(std::span<const DeckSection> sections) const;
     void divide(std::span<const DeckSection> sections);
+    static void moveElement(const ImportElementGroup& from, std::size_t index, int part,
+                            ImportElementGroup& to);
+    bool hasIdsFor(std::size_t elementCount) const;
     std::string partName(int part) const;
     void addSet(const DeckSet& set);
     // Sets of all nodes say nothing, and would take the most.
