@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <cstdint>
 #include <cstring>
+#include <functional>
 
 #include "import/ImportNumbers.h"
 #include "import/deck/DeckElementType.h"
@@ -17,7 +18,9 @@ std::string inCapitals(std::string text) {
     return text;
 }
 
+// Sets are in order when they are asked for, and not after each of their lines.
 void normalize(std::vector<int>& ids) {
+    if (std::ranges::adjacent_find(ids, std::greater_equal<>()) == ids.end()) return;
     std::ranges::sort(ids);
     const auto repeated = std::ranges::unique(ids);
     ids.erase(repeated.begin(), repeated.end());
@@ -50,18 +53,22 @@ bool DeckReader::read(const std::string& path, std::string* error) {
         isDeck |= line.isKeyword;
         if (line.isKeyword) {
             begin(line);
+            isGood = m_error.empty();
         } else if (m_take) {
             isGood = (this->*m_take)(line);
         }
     }
-    endCard();
+    for (auto* sets : {&m_model.nodeSets, &m_model.elementSets}) {
+        for (DeckSet& set : *sets) normalize(set.ids);
+    }
     *error = isGood ? m_file.error() : m_error;
     if (error->empty() && !isDeck) *error = "this is no input deck: it has no keyword";
     return error->empty();
 }
 
 void DeckReader::begin(const DeckLine& line) {
-    endCard();
+    m_target = {};
+    m_take = nullptr;
     const std::string& keyword = line.keyword;
     const Take items =
         line.parameters.contains("GENERATE") ? &DeckReader::takeRange : &DeckReader::takeItems;
@@ -73,12 +80,6 @@ void DeckReader::begin(const DeckLine& line) {
     if (keyword.ends_with("SECTION") || keyword.ends_with("SECTIONS")) beginSection(line);
     m_model.hasStep |= keyword == "STEP";
     m_model.asksForResults |= std::ranges::find(kOutputs, keyword) != std::end(kOutputs);
-}
-
-void DeckReader::endCard() {
-    if (m_target.sets) normalize(set().ids);
-    m_target = {};
-    m_take = nullptr;
 }
 
 void DeckReader::beginSet(const Target& target, const std::string& name, Take take) {
@@ -120,9 +121,12 @@ void DeckReader::beginSurface(const DeckLine& line) {
     m_take = &DeckReader::takeFace;
 }
 
-const DeckSet* DeckReader::findSet(const Target& target, const std::string& name) const {
+const DeckSet* DeckReader::findSet(const Target& target, const std::string& name) {
     const auto found = target.places->find(inCapitals(name));
-    return found == target.places->end() ? nullptr : &(*target.sets)[found->second];
+    if (found == target.places->end()) return nullptr;
+    DeckSet& set = (*target.sets)[found->second];
+    normalize(set.ids);
+    return &set;
 }
 
 // Sets of sets could grow without end.

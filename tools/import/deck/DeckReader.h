@@ -22,7 +22,7 @@ public:
     DeckReader(std::span<const int> nodes, std::span<const int> elements)
         : m_nodes(nodes), m_elements(elements), m_nodeIndex(nodes), m_elementIndex(elements) {}
 
-    /// False, with the reason, when the deck is not sound; errno has it when there is none.
+    /// False, with the reason, when the deck cannot be read or is not sound.
     bool read(const std::string& path, std::string* error);
 
     DeckModel& model() { return m_model; }
@@ -45,9 +45,8 @@ private:
     void beginElements(const DeckLine& line);
     void beginSection(const DeckLine& line);
     void beginSurface(const DeckLine& line);
-    void endCard();
     DeckSet& set() { return (*m_target.sets)[m_setIndex]; }
-    const DeckSet* findSet(const Target& target, const std::string& name) const;
+    const DeckSet* findSet(const Target& target, const std::string& name);
 
     bool takeItems(const DeckLine& line);
     bool takeRange(const DeckLine& line);
