@@ -1,5 +1,7 @@
 #include "quantities/Statistics.h"
 
+#include <utility>
+
 #include "ZRUndefined.h"
 
 namespace tools {
@@ -7,7 +9,7 @@ namespace {
 
 using namespace unstruct;
 
-void take(float value, const ResultRow& row, QuantityStatistics& statistics) {
+void takeValue(float value, const ResultRow& row, QuantityStatistics& statistics) {
     if (IsUndefined(value)) {
         ++statistics.undefinedCount;
         return;
@@ -34,25 +36,36 @@ void locate(ResultRows& rows, int mapping, int state, Extreme& extreme) {
     extreme.partName = part->name;
 }
 
-bool computeStatistics(ResultRows& rows, const ZRFxResultBlock& result, int state,
-                       ItemFilter* filter, std::vector<QuantityStatistics>* statistics) {
-    const auto quantities = Quantity::all(componentCount(result));
-    const bool isEngineering = hasEngineeringShear(result);
-    statistics->assign(quantities.size(), {});
-    const bool isRead = rows.forEach(result, state, filter, [&](const ResultRow& row) {
-        for (std::size_t q = 0; q < quantities.size(); ++q) {
-            take(quantities[q].of(row.values, isEngineering), row, (*statistics)[q]);
-        }
-    });
-    for (std::size_t q = 0; q < quantities.size(); ++q) {
-        QuantityStatistics& own = (*statistics)[q];
-        own.quantity = quantities[q].name();
+StatisticsCollector::StatisticsCollector(const ZRFxResultBlock& result)
+    : m_quantities(Quantity::all(componentCount(result))),
+      m_isEngineering(hasEngineeringShear(result)),
+      m_mapping(result.GetDescription().resultMapping),
+      m_statistics(m_quantities.size()) {}
+
+void StatisticsCollector::take(const ResultRow& row) {
+    for (std::size_t q = 0; q < m_quantities.size(); ++q) {
+        takeValue(m_quantities[q].of(row.values, m_isEngineering), row, m_statistics[q]);
+    }
+}
+
+std::vector<QuantityStatistics> StatisticsCollector::finish(ResultRows& rows, int state) {
+    for (std::size_t q = 0; q < m_quantities.size(); ++q) {
+        QuantityStatistics& own = m_statistics[q];
+        own.quantity = m_quantities[q].name();
         if (own.count == 0) continue;
         own.mean /= static_cast<double>(own.count);
-        const int mapping = result.GetDescription().resultMapping;
-        locate(rows, mapping, state, own.min);
-        locate(rows, mapping, state, own.max);
+        locate(rows, m_mapping, state, own.min);
+        locate(rows, m_mapping, state, own.max);
     }
+    return std::move(m_statistics);
+}
+
+bool computeStatistics(ResultRows& rows, const ZRFxResultBlock& result, int state,
+                       ItemFilter* filter, std::vector<QuantityStatistics>* statistics) {
+    StatisticsCollector collector(result);
+    const bool isRead =
+        rows.forEach(result, state, filter, [&](const ResultRow& row) { collector.take(row); });
+    *statistics = collector.finish(rows, state);
     return isRead;
 }
 

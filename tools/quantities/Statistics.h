@@ -34,6 +34,23 @@ struct QuantityStatistics {
     Extreme max;
 };
 
+/// Gathers the statistics of all quantities of a result in a state from its rows.
+class StatisticsCollector {
+public:
+    explicit StatisticsCollector(const unstruct::ZRFxResultBlock& result);
+
+    void take(const ResultRow& row);
+
+    /// The statistics of what was taken, with the places of the extremes.
+    std::vector<QuantityStatistics> finish(ResultRows& rows, int state);
+
+private:
+    const std::vector<Quantity> m_quantities;
+    const bool m_isEngineering;
+    const int m_mapping;
+    std::vector<QuantityStatistics> m_statistics;
+};
+
 /// The statistics of all quantities of a result in a state, over the chosen items. False when
 /// something cannot be read, with the library's message.
 bool computeStatistics(ResultRows& rows, const unstruct::ZRFxResultBlock& result, int state,
