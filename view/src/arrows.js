@@ -1,0 +1,62 @@
+// Arrows that show vectors at nodes.
+
+import vtkDataArray from '@kitware/vtk.js/Common/Core/DataArray';
+import vtkPolyData from '@kitware/vtk.js/Common/DataModel/PolyData';
+import vtkArrowSource from '@kitware/vtk.js/Filters/Sources/ArrowSource';
+import vtkActor from '@kitware/vtk.js/Rendering/Core/Actor';
+import vtkGlyph3DMapper from '@kitware/vtk.js/Rendering/Core/Glyph3DMapper';
+
+const mostArrows = 20000;
+
+/** @typedef {{ positions: Float32Array, vectors: Float32Array }} Field  Three numbers a node. */
+
+/** The nodes that have a vector of some length, thinned out where there are many. @param {Field[]} fields @returns {Field} */
+function shownOf(fields) {
+    const count = fields.reduce((sum, field) => sum + field.vectors.length / 3, 0);
+    const step = Math.ceil(count / mostArrows);
+    /** @type {number[]} */
+    const positions = [];
+    /** @type {number[]} */
+    const vectors = [];
+    for (const field of fields) {
+        for (let i = 0; i < field.vectors.length; i += 3 * step) {
+            const vector = field.vectors.subarray(i, i + 3);
+            if (!(Math.hypot(...vector) > 0)) continue;
+            positions.push(...field.positions.subarray(i, i + 3));
+            vectors.push(...vector);
+        }
+    }
+    return { positions: Float32Array.from(positions), vectors: Float32Array.from(vectors) };
+}
+
+export class Arrows {
+    #mapper = vtkGlyph3DMapper.newInstance();
+    #actor = vtkActor.newInstance();
+
+    /** @param {{ addActor: Function }} renderer */
+    constructor(renderer) {
+        const arrow = vtkArrowSource.newInstance({ tipResolution: 12, shaftResolution: 8 });
+        this.#mapper.setInputConnection(arrow.getOutputPort(), 1);
+        this.#mapper.setOrientationArray('vectors');
+        this.#mapper.setScaleArray('vectors');
+        this.#mapper.setScaleModeToScaleByMagnitude();
+        this.#mapper.setScalarVisibility(false);
+        this.#actor.setMapper(this.#mapper);
+        this.#actor.setPickable(false);
+        this.#actor.setVisibility(false);
+        renderer.addActor(this.#actor);
+    }
+
+    /** @param {Field[]} fields @param {number} factor  Model length for each unit of the result. @param {import('./types.js').Vector} color */
+    show(fields, factor, color) {
+        const { positions, vectors } = shownOf(fields);
+        this.#actor.setVisibility(vectors.length > 0);
+        if (vectors.length === 0) return;
+        const data = vtkPolyData.newInstance();
+        data.getPoints().setData(positions, 3);
+        data.getPointData().addArray(vtkDataArray.newInstance({ name: 'vectors', values: vectors, numberOfComponents: 3 }));
+        this.#mapper.setInputData(data, 0);
+        this.#mapper.setScaleFactor(factor);
+        this.#actor.getProperty().setColor(...color);
+    }
+}
