@@ -19,6 +19,7 @@
 #include "StandardOutput.h"
 #include "StatsCommand.h"
 #include "ToolContext.h"
+#include "ViewCommand.h"
 
 namespace {
 
@@ -29,6 +30,7 @@ void addCommands(CLI::App& application, tools::ToolContext& context) {
     tools::addExtractCommand(application, context);
     tools::addCatCommand(application, context);
     tools::addStatsCommand(application, context);
+    tools::addViewCommand(application, context);
     tools::addDiffCommand(application, context);
     tools::addCopyCommand(application, context);
     tools::addMergeCommand(application, context);

@@ -20,7 +20,7 @@ _zrfx() {
     elif [[ $previous == : && ${COMP_WORDS[COMP_CWORD-3]} == --block ]]; then
         previous=--block:${COMP_WORDS[COMP_CWORD-2]}
     fi
-    local commands="info list check extract cat stats diff copy merge import names properties help version"
+    local commands="info list check extract cat stats view diff copy merge import names properties help version"
     local command="" file="" word
     for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
         if [[ -z $command && " $commands " == *" $word "* ]]; then
@@ -55,7 +55,9 @@ _zrfx() {
             mapfile -t COMPREPLY < <(compgen -d -- "$current"
                 [[ $command == extract ]] || compgen -f -- "$current")
             return ;;
-        --deck | --password-file | --new-password-file | --other-password-file)
+        --case | --size)
+            return ;;
+        --deck | --png | --password-file | --new-password-file | --other-password-file)
             compopt -o filenames
             mapfile -t COMPREPLY < <(compgen -f -- "$current")
             return ;;
@@ -73,6 +75,7 @@ _zrfx() {
             extract) options+=" --output" ;;
             cat) options+=" --database --block --result --state --component --part --set --node --element --coordinates --history --csv" ;;
             stats) options+=" --result --state --part --set --json --csv" ;;
+            view) options+=" --output --png --snapshot --size --case --database --result --state --limit --straight --open" ;;
             diff) options+=" --relative --absolute --floor --ignore --results-only --exact --json --other-password-file" ;;
             merge) options+=" --output" ;;
             copy) options+=" --results --states --parts --level --digits --text --binary --password --new-password-file --no-password" ;;
