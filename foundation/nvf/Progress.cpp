@@ -1,6 +1,7 @@
 #include "nvf/Progress.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "nvf/FirstError.h"
 
@@ -11,6 +12,20 @@ namespace {
 constexpr double kStep = 0.005;
 
 thread_local Progress* t_current = nullptr;
+
+// Takes the operation out of sight while its caller is asked: what the caller does with other files
+// is no part of it, and neither are the errors of that.
+class Aside {
+public:
+    Aside() : m_current(std::exchange(t_current, nullptr)) {}
+    ~Aside() { t_current = m_current; }
+    Aside(const Aside&) = delete;
+    Aside& operator=(const Aside&) = delete;
+
+private:
+    Progress* const m_current;
+    const FirstError m_errors{Reason::NONE};
+};
 
 }  // namespace
 
@@ -63,6 +78,7 @@ void Progress::report() {
     if (fraction < m_reported + kStep) return;
     m_reported = fraction;
     try {
+        const Aside aside;
         m_isStopped = !m_report(fraction);
     } catch (...) {
         m_isStopped = true;

@@ -136,6 +136,41 @@ TEST_F(ProgressTest, OperationStoppedAnywhereLeavesWhatWasCommittedLastAndCanBeR
     }
 }
 
+// Another file is written and read in each call, with a callback of its own, and one is missing.
+TEST_F(ProgressTest, CallbackMayUseOtherFiles) {
+    for (const LongOperation& operation : kOperations) {
+        SCOPED_TRACE(operation.name);
+        File file;
+        Prepare(&file, operation);
+        const nuo::Str otherName(m_folder.File("other.zrfx"));
+        int depth = 0;
+        int otherCalls = 0;
+        std::vector<double> fractions;
+        const auto useOther = [&] {
+            File other;
+            other.setProgressCallback([&](double) { return ++otherCalls > 0; });
+            const bool isWritten = other.create(otherName, FileSettings()) &&
+                                   WriteDatabase(other, "o", 0)->writeBlock(MakeValues(9).p()) &&
+                                   other.close();
+            return isWritten && !other.open("missing.zrfx") && other.open(otherName) &&
+                   other.database(0)->read<ResultValuesBlock>(9).notNull();
+        };
+        file.setProgressCallback([&](double fraction) {
+            EXPECT_EQ(0, depth++);
+            fractions.push_back(fraction);
+            EXPECT_TRUE(fractions.size() > 2 || useOther());
+            --depth;
+            return fraction < 0.5;
+        });
+        EXPECT_FALSE(operation.run(file, m_name));
+        EXPECT_EQ(Error::CANCELLED, operation.errorOf(file).code());
+        EXPECT_TRUE(std::is_sorted(fractions.begin(), fractions.end()));
+        EXPECT_GT(otherCalls, 2);
+        TakeTexts();
+        Restore(&file);
+    }
+}
+
 TEST_F(ProgressTest, ExceptionOfTheCallbackStopsTheOperationAndGoesNoFurther) {
     File file;
     file.setProgressCallback([](double) -> bool { throw 1; });
