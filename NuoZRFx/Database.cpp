@@ -56,6 +56,27 @@ PtrRef<Block> readBlock(ZRFxDatabase& database, const ZRFxBlock* entry, const Re
     return DatabasePrivate::wrap(block.p());
 }
 
+BlockSummary summaryOf(const unstruct::ZRFxOutline& outline) {
+    BlockSummary summary;
+    summary.hasIds = outline.hasIDs;
+    if (outline.counts) {
+        summary.itemCount = static_cast<std::size_t>(outline.counts->items);
+        summary.elementNodeCount = static_cast<std::size_t>(outline.counts->elementNodes);
+        summary.surfaceCount = static_cast<std::size_t>(outline.counts->surfaces);
+    }
+    if (outline.nodes) {
+        summary.targetBlockId = outline.nodes->nodeBlockID;
+        summary.refersNodesByIds = outline.nodes->byIDs;
+    }
+    if (outline.values) {
+        summary.itemCount = static_cast<std::size_t>(outline.values->numItems);
+        summary.dimension = outline.values->dimension;
+        summary.hasIds = outline.values->hasIDs;
+        summary.targetBlockId = outline.values->targetID;
+    }
+    return summary;
+}
+
 }  // namespace
 
 Database::Database(File* file, const Str& name, int id, SimulationType simulationType,
@@ -240,17 +261,21 @@ auto Database::readingParts(const char* operation, Operation run) {
 }
 
 std::size_t Database::itemCount(Block::BlockType type, int id) {
-    std::size_t count = 0;
-    readingParts("itemCount", [&](PartReader& reader) {
+    BlockSummary summary;
+    readSummary(type, id, &summary);
+    return summary.itemCount;
+}
+
+bool Database::readSummary(Block::BlockType type, int id, BlockSummary* summary) {
+    return readingParts("readSummary", [&](PartReader& reader) {
+        if (!nvf::requireThat("summary", summary, "readSummary: the summary is null")) return false;
         const auto outline = reader.outlineOf(type, id);
         if (!outline) return false;
-        if (outline->counts) count = static_cast<std::size_t>(outline->counts->items);
-        if (outline->values) count = static_cast<std::size_t>(outline->values->numItems);
+        *summary = summaryOf(*outline);
         return outline->counts || outline->values ||
                failBecause(Reason::INVALID_ARGUMENT, "Blocks of type %1 have no items.",
                            static_cast<int>(type));
     });
-    return count;
 }
 
 std::vector<ElementGroupSize> Database::elementGroupSizes(int elementBlockId) {

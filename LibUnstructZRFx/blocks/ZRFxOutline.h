@@ -66,6 +66,7 @@ struct ZRFxResultOutline {
 struct ZRFxNodesUse {
     int nodeBlockID = -1;
     std::int32_t highestIndex = -1;  ///< -1 when it is not known, as when nodes are named by id.
+    bool byIDs = false;
 };
 
 /// All that one block says of the others of its database, without its data: enough to see whether

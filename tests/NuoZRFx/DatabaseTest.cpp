@@ -497,6 +497,12 @@ TEST_P(PartsTest, PartsAreThoseOfTheWholeArrays) {
     EXPECT_EQ(kNodes, Read().itemCount(Block::NODES, 1));
     EXPECT_EQ(kQuads + 1, Read().itemCount(Block::ELEMENTS, 1));
     EXPECT_EQ(1u, Read().itemCount(Block::RESULT_VALUES, 3));
+    BlockSummary summary;
+    ASSERT_TRUE(Read().readSummary(Block::ELEMENTS, 1, &summary));
+    EXPECT_TRUE(summary.elementNodeCount == 4 * kQuads + 3 && summary.hasIds &&
+                summary.targetBlockId == 1 && !summary.refersNodesByIds);
+    ASSERT_TRUE(Read().readSummary(Block::RESULT_VALUES, 3, &summary));
+    EXPECT_TRUE(summary.dimension == 3 && summary.targetBlockId == 1);
     const std::vector<ElementGroupSize> groups = Read().elementGroupSizes(1);
     ASSERT_EQ(2u, groups.size());
     EXPECT_EQ(ElementBlock::QUADS, groups[1].type);

@@ -210,6 +210,7 @@ void ZRFxElementBlock::DoOutline(const nvf::XmlElement& root, ZRFxOutline* outli
         addGroup(element, outline);
     }
     outline->nodes = ZRFxNodesUse{root.getAttributeInt("NodeBlock", -1)};
+    outline->nodes->byIDs = root.getAttributeBool("MapToNodeIDs", false);
     for (const auto& group : m_apElementGroups) {
         if (m_bMapToNodeIDs) break;
         outline->nodes->highestIndex =

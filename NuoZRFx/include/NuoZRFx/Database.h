@@ -11,6 +11,7 @@
 #include "NuoCore/Span.h"
 #include "NuoCore/Str.h"
 #include "NuoZRFx/Block.h"
+#include "NuoZRFx/BlockSummary.h"
 #include "NuoZRFx/ElementGroupSize.h"
 #include "NuoZRFx/Error.h"
 
@@ -163,6 +164,11 @@ public:
     /// The number of nodes, elements or result values of a block, by its document. 0, with a
     /// message, when there is no such block, it cannot be read, or is of another type.
     std::size_t itemCount(Block::BlockType type, int id);
+
+    /// How much data a block of nodes, elements or result values has, whether with ids, and what it
+    /// belongs to, by its document: no data is read. False, with a message, when there is no such
+    /// block, it cannot be read, or is of another type.
+    bool readSummary(Block::BlockType type, int id, BlockSummary* summary);
 
     /// Type and number of the elements of each group of an element block; empty, with a message,
     /// when there is no such block or it cannot be read.

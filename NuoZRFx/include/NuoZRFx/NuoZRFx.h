@@ -3,6 +3,7 @@
 // All public classes of the component, and those of the core that they use.
 #include "NuoCore/NuoCore.h"
 #include "NuoZRFx/Block.h"
+#include "NuoZRFx/BlockSummary.h"
 #include "NuoZRFx/Case.h"
 #include "NuoZRFx/Database.h"
 #include "NuoZRFx/ElementBlock.h"
