@@ -8,8 +8,8 @@ import zrfx
 
 with zrfx.open("transient_run.zrfx") as f:
     result = f.models["Impact"].results["DISP"]
-    with tqdm(total=len(result.states)) as bar:
-        table = result.to_dataframe(progress=lambda done, total: bar.update())
+    with tqdm(total=1) as bar:
+        table = result.to_dataframe(progress=lambda done: bar.update(done - bar.n))
 print(table.groupby("time")["x"].max())
 
 with xarray.open_dataset("transient_run.zrfx", engine="zrfx") as data:  # a state is read when it is used

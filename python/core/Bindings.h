@@ -14,6 +14,7 @@ using DatabaseClass = py::class_<DatabaseHandle>;
 void bindFile(py::module_& module);
 DatabaseClass bindDatabase(py::module_& module);
 void bindMesh(py::module_& module, DatabaseClass& database);
+void bindParts(DatabaseClass& database);
 void bindGeometry(DatabaseClass& database);
 void bindResults(DatabaseClass& database);
 void bindTransformations(DatabaseClass& database);

@@ -1,5 +1,7 @@
 #include "Buffers.h"
 
+#include <cstring>
+
 namespace nuo::python {
 namespace {
 
@@ -10,12 +12,17 @@ std::vector<py::ssize_t> contiguousStrides(const std::vector<py::ssize_t>& shape
     return strides;
 }
 
-// Where int is long, both codes stand for it; a byte order may be given.
-bool hasFormat(const py::buffer_info& info, char format, py::ssize_t itemSize) {
-    const std::string codes = format == 'i' ? "il" : std::string(1, format);
-    const bool isNative = info.format.size() == 1 || info.format.find_first_of("@=<") == 0;
-    return isNative && info.itemsize == itemSize && info.format.size() <= 2 &&
-           codes.find(info.format.back()) != std::string::npos;
+// All items of arrays have 4 bytes, but for bytes. Where int is long, both codes stand for it; a
+// byte order may be given.
+bool hasFormat(const Py_buffer& view, char format) {
+    const char* own = view.format ? view.format : "B";
+    if (*own != '\0' && std::strchr("@=<", *own)) ++own;
+    const bool isCode = *own == format || (format == 'i' && *own == 'l');
+    return isCode && own[1] == '\0' && view.itemsize == (format == 'B' ? 1 : 4);
+}
+
+std::string needed(char format) {
+    return std::string("needs a C-contiguous array of format '") + format + "'";
 }
 
 }  // namespace
@@ -31,25 +38,18 @@ py::buffer_info Array::info() const {
             true};
 }
 
-template <typename T>
-Input<T>::Input(const py::object& source) : m_isNone(source.is_none()) {
-    if (m_isNone) return;
-    m_info = py::reinterpret_borrow<py::buffer>(source).request();
-    const auto size = static_cast<py::ssize_t>(sizeof(T));
-    const bool isContiguous =
-        m_info.size == 0 || m_info.strides == contiguousStrides(m_info.shape, size);
-    if (m_info.ndim == 0 || !hasFormat(m_info, kFormat<T>, size) || !isContiguous) {
-        throw py::type_error(std::string("needs a C-contiguous array of format '") + kFormat<T> +
-                             "', not of '" + m_info.format + "'");
+Memory::Memory(const py::object& object, char format, bool isWritten) {
+    auto view = std::make_unique<Py_buffer>();
+    const int flags = PyBUF_C_CONTIGUOUS | PyBUF_FORMAT | (isWritten ? PyBUF_WRITABLE : 0);
+    if (PyObject_GetBuffer(object.ptr(), view.get(), flags) != 0) {
+        py::raise_from(PyExc_TypeError, needed(format).c_str());
+        throw py::error_already_set();
     }
-    m_data = static_cast<const T*>(m_info.ptr);
-    m_count = static_cast<std::size_t>(m_info.size);
-    m_rows = static_cast<std::size_t>(m_info.shape[0]);
+    m_view.reset(view.release());
+    if (m_view->ndim > 0 && hasFormat(*m_view, format)) return;
+    const char* own = m_view->format ? m_view->format : "B";
+    throw py::type_error(needed(format) + ", not of '" + own + "'");
 }
-
-template class Input<float>;
-template class Input<int>;
-template class Input<unsigned char>;
 
 void bindBuffers(py::module_& module) {
     py::class_<Array>(module, "Array", py::buffer_protocol()).def_buffer([](const Array& array) {

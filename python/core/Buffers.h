@@ -63,29 +63,61 @@ private:
     std::vector<py::ssize_t> m_shape;
 };
 
-/// The memory of an object with the buffer protocol, held while this lives; none for None. Raises
-/// TypeError unless its items are of type T and lie one after the other: nothing is converted here.
+/// The memory of an object with the buffer protocol, held while this lives. Raises TypeError unless
+/// its items are of the format asked for and lie one after the other: nothing is converted here.
+class Memory {
+public:
+    Memory() = default;
+    Memory(const py::object& object, char format, bool isWritten);
+
+    std::size_t rows() const { return static_cast<std::size_t>(m_view->shape[0]); }
+    std::size_t count() const { return static_cast<std::size_t>(m_view->len / m_view->itemsize); }
+    void* data() const { return m_view->buf; }
+    bool isNone() const { return !m_view; }
+
+private:
+    struct Release {
+        void operator()(Py_buffer* view) const {
+            PyBuffer_Release(view);
+            delete view;
+        }
+    };
+    std::unique_ptr<Py_buffer, Release> m_view;
+};
+
+/// An array that is read; none for None.
 template <typename T>
 class Input {
 public:
-    explicit Input(const py::object& source);
+    explicit Input(const py::object& source)
+        : m_memory(source.is_none() ? Memory() : Memory(source, kFormat<T>, false)) {}
 
-    Span<const T> items() const { return Span<const T>::of(m_data, m_count); }
-    std::size_t rows() const { return m_rows; }
-    std::size_t rowLength() const { return m_rows == 0 ? 0 : m_count / m_rows; }
-    bool isNone() const { return m_isNone; }
+    Span<const T> items() const {
+        return isNone()
+                   ? Span<const T>()
+                   : Span<const T>::of(static_cast<const T*>(m_memory.data()), m_memory.count());
+    }
+    std::size_t rows() const { return isNone() ? 0 : m_memory.rows(); }
+    std::size_t rowLength() const { return rows() == 0 ? 0 : m_memory.count() / rows(); }
+    bool isNone() const { return m_memory.isNone(); }
 
 private:
-    py::buffer_info m_info;
-    const T* m_data = nullptr;
-    std::size_t m_count = 0;
-    std::size_t m_rows = 0;
-    bool m_isNone = true;
+    Memory m_memory;
 };
 
-extern template class Input<float>;
-extern template class Input<int>;
-extern template class Input<unsigned char>;
+/// An array that is filled.
+template <typename T>
+class Output {
+public:
+    explicit Output(const py::object& target) : m_memory(target, kFormat<T>, true) {}
+
+    Span<T> items() const {
+        return Span<T>::of(static_cast<T*>(m_memory.data()), m_memory.count());
+    }
+
+private:
+    Memory m_memory;
+};
 
 void bindBuffers(py::module_& module);
 

@@ -58,6 +58,14 @@ DatabaseClass bindDatabase(py::module_& module) {
                  }
                  return ids;
              })
+        .def("check",
+             [](const DatabaseHandle& handle) {
+                 py::list findings;
+                 for (const Str& finding : ask(handle, [](Database& d) { return d.check(); })) {
+                     findings.append(py::cast(finding));
+                 }
+                 return findings;
+             })
         .def("unused_block_id", [](const DatabaseHandle& handle, const std::string& type) {
             const auto blocks = blockType(type);
             return ask(handle, [&](Database& d) { return d.unusedBlockId(blocks); });

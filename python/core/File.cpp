@@ -1,3 +1,7 @@
+#include <pybind11/stl.h>
+
+#include <optional>
+
 #include "Bindings.h"
 #include "Call.h"
 
@@ -18,6 +22,8 @@ FileSettings settingsOf(const py::dict& options) {
     settings.binary = options["binary"].cast<bool>();
     settings.digitallySigned = options["signed"].cast<bool>();
     settings.compressionLevel = options["level"].cast<int>();
+    settings.significantDigits = options["digits"].cast<int>();
+    settings.threads = options["threads"].cast<int>();
     settings.vendorName = options["vendor"].cast<Str>();
     settings.applicationName = options["application"].cast<Str>();
     settings.password = options["password"].cast<Str>();
@@ -31,8 +37,8 @@ py::dict readSettings(const FileHandle& handle) {
     });
     using py::literals::operator""_a;
     return py::dict("binary"_a = settings.binary, "signed"_a = settings.digitallySigned,
-                    "level"_a = settings.compressionLevel, "vendor"_a = settings.vendorName,
-                    "application"_a = settings.applicationName);
+                    "level"_a = settings.compressionLevel, "digits"_a = settings.significantDigits,
+                    "vendor"_a = settings.vendorName, "application"_a = settings.applicationName);
 }
 
 void create(const FileHandle& handle, const Str& path, const py::dict& options) {
@@ -56,6 +62,35 @@ bool refresh(const FileHandle& handle) {
     bool isChanged = false;
     call(handle, [&](File& file) { return file.refresh(&isChanged); });
     return isChanged;
+}
+
+// Owned by the library, which may let it go without the interpreter's lock, or after the
+// interpreter.
+std::shared_ptr<py::function> shared(py::function callback) {
+    return {new py::function(std::move(callback)), [](py::function* owned) {
+                if (!Py_IsInitialized() || _Py_IsFinalizing()) return;
+                const py::gil_scoped_acquire lock;
+                delete owned;
+            }};
+}
+
+// An exception stops the operation and is raised by it.
+bool goesOn(const py::function& callback, double fraction) {
+    const py::gil_scoped_acquire lock;
+    try {
+        return !callback(fraction).is(py::bool_(false));
+    } catch (py::error_already_set&) {
+        Messages::keepException(std::current_exception());
+        return false;
+    }
+}
+
+void setProgress(const FileHandle& handle, const std::optional<py::function>& callback) {
+    zrfx::ProgressCallback progress;
+    if (callback) {
+        progress = [owned = shared(*callback)](double done) { return goesOn(*owned, done); };
+    }
+    ask(handle, [&](File& file) { return file.setProgressCallback(std::move(progress)), true; });
 }
 
 template <typename T, typename Get>
@@ -130,6 +165,11 @@ void bindFile(py::module_& module) {
                  ask(handle, [](File& file) { return file.abandon(), true; });
              })
         .def("refresh", &refresh)
+        .def("set_progress", &setProgress)
+        .def("set_threads",
+             [](const FileHandle& handle, int threads) {
+                 ask(handle, [&](File& file) { return file.setThreads(threads), true; });
+             })
         .def("settings", &readSettings)
         .def("databases", &databases)
         .def("cases", &cases)

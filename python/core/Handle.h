@@ -2,8 +2,11 @@
 
 #include <pybind11/pybind11.h>
 
+#include <atomic>
 #include <memory>
 #include <mutex>
+#include <stdexcept>
+#include <thread>
 
 #include "NuoCore/PtrRef.h"
 #include "NuoCore/Str.h"
@@ -12,12 +15,33 @@ namespace nuo::python {
 
 namespace py = pybind11;
 
-/// An object of the library as Python holds it. One thread at a time may use a file with all that
-/// is reached from it, so the handles of one file share its mutex.
+/// Lets one thread at a time use a file with all that is reached from it. A thread that has it
+/// already is inside the file's progress callback: it gets an exception instead of waiting for
+/// itself.
+class FileMutex {
+public:
+    void lock() {
+        if (m_owner == std::this_thread::get_id()) {
+            throw std::logic_error("a progress callback cannot use the file that calls it");
+        }
+        m_mutex.lock();
+        m_owner = std::this_thread::get_id();
+    }
+    void unlock() {
+        m_owner = std::thread::id();
+        m_mutex.unlock();
+    }
+
+private:
+    std::mutex m_mutex;
+    std::atomic<std::thread::id> m_owner{};
+};
+
+/// An object of the library as Python holds it. The handles of one file share its mutex.
 template <typename T>
 struct Handle {
     PtrRef<T> object;
-    std::shared_ptr<std::mutex> mutex = std::make_shared<std::mutex>();
+    std::shared_ptr<FileMutex> mutex = std::make_shared<FileMutex>();
 };
 
 }  // namespace nuo::python

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <stdexcept>
+#include <utility>
 
 #include "NuoCore/NuoCore.h"
 #include "NuoZRFx/ZRFxComponent.h"
@@ -66,11 +67,16 @@ void Messages::add(const LogMessage& message) noexcept {
     }
 }
 
+void Messages::keepException(std::exception_ptr exception) noexcept {
+    if (t_messages) t_messages->m_exception = std::move(exception);
+}
+
 void Messages::passOn(bool hasFailed) const {
     for (const LogMessage& message : m_messages) {
         const bool isRaised = hasFailed && message.level == LL_ERROR;
         logInPython(pythonLevel(isRaised ? LL_DEBUG : message.level), message.text);
     }
+    if (m_exception) std::rethrow_exception(m_exception);
 }
 
 const LogMessage* Messages::firstError() const {

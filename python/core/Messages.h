@@ -1,5 +1,6 @@
 #pragma once
 
+#include <exception>
 #include <vector>
 
 #include "NuoCore/LogMessage.h"
@@ -18,10 +19,14 @@ public:
 
     void add(const LogMessage& message) noexcept;
 
+    /// Keeps an exception of Python that a progress callback has raised in this thread, for whoever
+    /// has called the operation.
+    static void keepException(std::exception_ptr exception) noexcept;
+
     bool hasError() const { return firstError() != nullptr; }
 
     /// Hands the messages to the logger "zrfx" of Python. Errors of a failed operation, which are
-    /// raised, come at the level DEBUG.
+    /// raised, come at the level DEBUG. Raises the exception of a callback.
     void passOn(bool hasFailed) const;
 
     /// Raises the exception of an error. Where there is none, as for blocks, the first message of
@@ -32,6 +37,7 @@ private:
     const LogMessage* firstError() const;
 
     std::vector<LogMessage> m_messages;
+    std::exception_ptr m_exception;
     Messages* m_outer;
 };
 

@@ -11,6 +11,7 @@ PYBIND11_MODULE(_core, module) {
     bindViewSettings(module);
     auto database = bindDatabase(module);
     bindMesh(module, database);
+    bindParts(database);
     bindGeometry(database);
     bindResults(database);
     bindTransformations(database);

@@ -35,7 +35,8 @@ py::dict readResult(const DatabaseHandle& handle, int id) {
                     "strain"_a = nameOf(block->strainType(), &ResultBlock::strainTypeName),
                     "scale"_a = block->defaultDisplacementScaleFactor(),
                     "relative"_a = block->relativeDisplacementResults(),
-                    "attributes"_a = attributes, "states"_a = statesOf(*block));
+                    "digits"_a = block->significantDigits(), "attributes"_a = attributes,
+                    "states"_a = statesOf(*block));
 }
 
 bool setStates(ResultBlock& block, const py::handle& states) {
@@ -59,6 +60,8 @@ void setDescription(ResultBlock& block, const py::dict& result) {
     for (const auto& [name, value] : result["attributes"].cast<py::dict>()) {
         block.addAttribute(name.cast<Str>(), value.cast<Str>());
     }
+    const int digits = result["digits"].cast<int>();
+    if (digits > 0) block.setSignificantDigits(digits);
 }
 
 void writeResult(const DatabaseHandle& handle, int id, const py::dict& result) {
@@ -88,12 +91,13 @@ ResultValuesBlock::ResultValueDimension dimensionOf(int dimension) {
 }
 
 void writeValues(const DatabaseHandle& handle, int id, int dimension, const py::object& given,
-                 const py::object& ids, int target, bool isOnNodes) {
+                 const py::object& ids, int target, bool isOnNodes, int digits) {
     const Input<float> values(given);
     const Input<int> itemIds(ids);
     const auto kind = dimensionOf(dimension);
     call(handle, [&](Database& database) {
         const PtrRef<ResultValuesBlock> block = new ResultValuesBlock(id, kind, !itemIds.isNone());
+        block->setSignificantDigits(digits);
         return block->setResultValueData(values.items(), itemIds.items()) &&
                block->setMapToBlockId(target, isOnNodes ? Block::NODES : Block::ELEMENTS) &&
                database.writeBlock(block.p());

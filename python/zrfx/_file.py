@@ -4,13 +4,15 @@ from __future__ import annotations
 
 import os
 import threading
+import weakref
 from types import TracebackType
-from typing import Any, ContextManager, Dict, Iterator, List, MutableMapping, Optional, Type, Union
+from typing import Any, Callable, ContextManager, Dict, Iterator, List, MutableMapping, Optional, Type, Union
 
 from . import _core
 from ._cases import Case
 from ._model import Model
 from ._names import Named
+from ._progress import Progress
 from .errors import ClosedError, ReadOnlyError
 from .settings import PropertySet, ViewSettings
 
@@ -50,18 +52,32 @@ class File:
     each other.
     """
 
-    def __init__(self, path: Path, core: _core.File, is_writable: bool, password: Optional[str]) -> None:
+    def __init__(self, path: Path, core: _core.File, is_writable: bool, password: Optional[str],
+                 progress: Optional[Progress] = None) -> None:
         self.path = os.fspath(path)
         self.is_writable = is_writable
         self._password = password
         self._core: Optional[_core.File] = core
         self._lock = threading.RLock()
+        self.progress = progress
         self._models: Dict[int, Model] = {}
         self._read_models()
 
     @property
     def is_open(self) -> bool:
         return self._core is not None
+
+    @property
+    def progress(self) -> Optional[Progress]:
+        """A callback that is called with the fraction, 0 to 1, of an operation that takes long: refresh, flush,
+        close, and reading and writing of arrays. ``False`` stops the operation, which raises CancelledError; an
+        exception stops it too. The callback may use other files, not this one."""
+        return self._progress
+
+    @progress.setter
+    def progress(self, callback: Optional[Progress]) -> None:
+        self._progress = callback
+        self._open.set_progress(None if callback is None else _reporter(weakref.ref(self)))
 
     @property
     def models(self) -> Named[Model]:
@@ -153,7 +169,8 @@ class File:
 
     def _writing(self) -> ContextManager[bool]:
         """The lock to be held while the file is changed; raises unless it is open for writing."""
-        self._open
+        if self._core is None:
+            self._open
         if not self.is_writable:
             raise ReadOnlyError(f"{self.path}: the file was opened for reading")
         return self._lock
@@ -187,32 +204,55 @@ class File:
         return f"<File {self.path!r}, {'open' if self.is_open else 'closed'}>"
 
 
-def open(path: Path, password: Optional[str] = None) -> File:
-    """Opens a file for reading. An encrypted one needs its password.
+def _reporter(file: Callable[[], Optional[File]]) -> Progress:
+    """Calls what the file has as its callback, without keeping the file."""
+    def report(fraction: float) -> object:
+        own = file()
+        return None if own is None or own.progress is None else own.progress(fraction)
+
+    return report
+
+
+def _new_core(threads: int, progress: Optional[Progress]) -> _core.File:
+    core = _core.File()
+    core.set_threads(threads)
+    core.set_progress(progress)
+    return core
+
+
+def open(path: Path, password: Optional[str] = None, *, threads: int = 0, progress: Optional[Progress] = None) -> File:
+    """Opens a file for reading. An encrypted one needs its password. ``threads`` is how many unpack large arrays, 0
+    for as many as there are processors. ``progress`` becomes :attr:`File.progress`, and shows opening too.
 
     Raises :class:`ZrfxError`: NotFoundError, NotZrfxError, PasswordNeededError, WrongPasswordError,
     DamagedError and others.
     """
-    core = _core.File()
+    core = _new_core(threads, progress)
     core.open(os.fspath(path), password or "")
-    return File(path, core, is_writable=False, password=password)
+    return File(path, core, is_writable=False, password=password, progress=progress)
 
 
 def create(path: Path, *, level: int = 5, binary: bool = True, password: Optional[str] = None, vendor: str = "",
-           application: str = "", signed: bool = False) -> File:
+           application: str = "", signed: bool = False, digits: int = 0, threads: int = 0,
+           progress: Optional[Progress] = None) -> File:
     """Creates a file; an existing one is replaced by the first flush, or by close.
 
     ``level`` is 0 (stored) to 9 (smallest). ``binary=False`` stores lines of text, which keep six digits. With
     a password the file is encrypted. ``vendor`` and ``application`` say who makes it; ``signed`` is only noted.
+    ``digits``, 1 to 6, is how many significant digits values of results keep, so that they pack better; 0 keeps all.
+    ``threads`` is how many pack large arrays, 0 for as many as there are processors; ``progress`` becomes
+    :attr:`File.progress`.
     """
-    core = _core.File()
+    core = _new_core(threads, progress)
     core.create(os.fspath(path), {"level": level, "binary": binary, "password": password or "", "vendor": vendor,
-                                  "application": application, "signed": signed})
-    return File(path, core, is_writable=True, password=password)
+                                  "application": application, "signed": signed, "digits": digits, "threads": threads})
+    return File(path, core, is_writable=True, password=password, progress=progress)
 
 
-def append(path: Path, password: Optional[str] = None) -> File:
-    """Opens a file for adding models, states, results and cases. New data takes the form of the existing."""
-    core = _core.File()
+def append(path: Path, password: Optional[str] = None, *, threads: int = 0,
+           progress: Optional[Progress] = None) -> File:
+    """Opens a file for adding models, states, results and cases. New data takes the form of the existing. Threads
+    and progress are those of :func:`open`."""
+    core = _new_core(threads, progress)
     core.open_for_append(os.fspath(path), password or "")
-    return File(path, core, is_writable=True, password=password)
+    return File(path, core, is_writable=True, password=password, progress=progress)

@@ -3,7 +3,7 @@
 from __future__ import annotations
 
 import dataclasses
-from typing import TYPE_CHECKING, Any, Dict, Iterator, List, Mapping, Optional, Sequence, Tuple, Union
+from typing import TYPE_CHECKING, Any, Callable, Dict, Iterator, List, Mapping, Optional, Sequence, Tuple, Union
 
 import numpy as np
 
@@ -72,6 +72,16 @@ class Group:
             return self.polyhedrons[1]
         return np.full(len(self.nodes), self.kind.surfaces, dtype=np.int32)
 
+    def rows(self, rows: slice) -> Group:
+        """A range of the elements."""
+        ids = None if self.ids is None else self.ids[rows]
+        if self.polyhedrons is None:
+            return dataclasses.replace(self, nodes=self.nodes[rows], ids=ids)
+        node_counts, face_counts, face_sizes, local = self.polyhedrons
+        nodes, faces = _span(node_counts, rows), _span(face_counts, rows)
+        return Group(self.kind, self.nodes[nodes], ids,
+                     (node_counts[rows], face_counts[rows], face_sizes[faces], local[_span(face_sizes, faces)]))
+
     def faces(self) -> List[List[List[int]]]:
         """Of polyhedrons: elements as lists of faces, each a list of nodes."""
         assert self.polyhedrons is not None
@@ -90,6 +100,12 @@ class Group:
         return elements
 
 
+def _span(counts: Any, rows: slice) -> slice:
+    """Where the items of a range of rows are, when each row has so many."""
+    first = int(counts[:rows.start].sum())
+    return slice(first, first + int(counts[rows].sum()))
+
+
 class Elements(Mapping[str, Connectivity]):
     """The elements of a part, by type: ``elements["hexahedron"]`` is (n, 8) int32, a read-only view that
     outlives the file. The nodes of an element come in the order of VTK's cell.
@@ -97,13 +113,19 @@ class Elements(Mapping[str, Connectivity]):
     Elements name their nodes by position, from 0, in the nodes of the block ``node_block``; or by node id,
     where ``by_ids``. Values on elements come in the order of ``groups``. Several runs of one type are joined
     by ``[]``, which copies them.
+
+    A range of the elements of a part (:meth:`Part.read_elements`) says by ``first`` where it begins, and by
+    ``first_node`` which row its first node has among results on the nodes of elements.
     """
 
-    def __init__(self, block_id: int, node_block: int, by_ids: bool, groups: List[Group]) -> None:
+    def __init__(self, block_id: int, node_block: int, by_ids: bool, groups: List[Group], first: int = 0,
+                 first_node: int = 0) -> None:
         self.block_id = block_id
         self.node_block = node_block
         self.by_ids = by_ids
         self.groups = groups
+        self.first = first
+        self.first_node = first_node
 
     def __getitem__(self, name: str) -> Connectivity:
         runs = [group for group in self.groups if group.kind.name == name]
@@ -183,6 +205,15 @@ class Part:
     def elements_at(self, state: State) -> Elements:
         """The elements in a state."""
         return self.model._elements(self.model._block_of_part(self, state.id))
+
+    def block_at(self, state: Optional[State] = None) -> int:
+        """The id of the block of elements in a state, the first by default: another one where they change."""
+        return self.model._block_of_part(self, None if state is None else state.id)
+
+    def read_elements(self, rows: Union[slice, Callable[[int], slice]], state: Optional[State] = None) -> Elements:
+        """A range of the elements, for which only its part of the file is unpacked; of the first state by default.
+        ``rows`` is a slice, or makes one of the number of elements."""
+        return self.model._element_rows(self.block_at(state), rows)
 
     @property
     def nodes(self) -> Nodes:

@@ -3,14 +3,15 @@
 from __future__ import annotations
 
 import weakref
-from typing import TYPE_CHECKING, Any, Dict, List, Mapping, Optional, Sequence, Tuple, TypeVar, Union
+from typing import TYPE_CHECKING, Any, Callable, Dict, List, Mapping, Optional, Sequence, Tuple, TypeVar, Union
 
 import numpy as np
 
 from . import _arrays, _core
 from ._mesh import (Connectivity, ElementIds, Elements, NodeBlocks, Nodes, Part, count_items, element_groups,
-                    read_elements, split_by)
+                    read_elements)
 from ._names import Named
+from ._partial import Summary, read_element_rows, read_node_rows
 from ._results import Result, new_result, read_result, write_result
 from ._sets import ElementSet, read_set
 from ._states import KINDS, State, StateGroup, States, shortest
@@ -45,6 +46,7 @@ class Model:
         self._lists: Dict[str, Any] = {}
         self._changed: Dict[str, bool] = {}
         self._counts: Dict[Tuple[str, int], int] = {}
+        self._summaries: Dict[Tuple[str, int], Summary] = {}
         self._node_cache: weakref.WeakValueDictionary[int, Nodes] = weakref.WeakValueDictionary()
         self._element_cache: weakref.WeakValueDictionary[int, Elements] = weakref.WeakValueDictionary()
 
@@ -79,6 +81,11 @@ class Model:
         """All blocks of nodes by their ids."""
         return NodeBlocks(self)
 
+    def read_nodes(self, rows: slice, block: Optional[int] = None) -> Nodes:
+        """A range of the nodes, of which only their part of the file is unpacked; of the first block by default."""
+        id = self._node_block_ids()[0] if block is None else block
+        return read_node_rows(self._core, id, self._summary("nodes", id), rows)
+
     @property
     def parts(self) -> Named[Part]:
         """The parts of all geometries by name."""
@@ -98,7 +105,8 @@ class Model:
     @property
     def results(self) -> Named[Result]:
         """The results by name, without their values."""
-        return Named("result", self._results())
+        found: Named[Result] = self._list("results by name", lambda: Named("result", self._results()))
+        return found
 
     @property
     def transformations(self) -> Named[Transformation]:
@@ -114,6 +122,11 @@ class Model:
     def cases(self) -> Named[Case]:
         """The cases of the file that show this model."""
         return Named("case", [case for case in self.file.cases.values() if case.model_id == self.id])
+
+    def check(self) -> List[str]:
+        """What does not fit together in the model, one sentence each; empty when all is well. While a file is
+        written, its lists of states, parts and results count as they were flushed last. No values are read."""
+        return self._core.check()
 
     def to_xarray(self) -> Any:
         """An xarray.Dataset of all results, read lazily where dask is installed. See
@@ -173,17 +186,19 @@ class Model:
 
     def add_result(self, name: str, kind: str = "scalar", on: str = "nodes", *, unit: Optional[str] = None,
                    attributes: Optional[Mapping[str, str]] = None, strain: Optional[str] = None, scale: float = 1,
-                   relative: bool = False, id: Optional[int] = None) -> Result:
+                   relative: bool = False, digits: int = 0, id: Optional[int] = None) -> Result:
         """Adds a result; :class:`Result` says which ``kind`` and ``on`` there are. Values follow by
         ``state[result] = values``. ``scale`` enlarges displacements at first, ``relative`` ones are relative
-        to the state before."""
+        to the state before. ``digits``, 1 to 6, is how many significant digits the values keep, so that they pack
+        better; 0 keeps what the file says."""
         with self.file._writing():
             own = dict(attributes or {}, **({} if unit is None else {"unit": unit}))
             known = [result.block_id for result in self._results()]
             block = max([*known, *self._core.block_ids("result")], default=0) + 1
             result = new_result(self, block, name, self._unused_result_id() if id is None else id, kind, on, own,
-                                strain, scale, relative)
+                                strain, scale, relative, digits)
             self._results().append(result)
+            self._lists.pop("results by name", None)
             return result
 
     def add_transformation(self, name: str, id: Optional[int] = None) -> Transformation:
@@ -200,15 +215,9 @@ class Model:
                   id: Optional[int] = None) -> State:
         """Appends a state with a time, a frequency, a load case or another value. Without a name it is called
         "State" and its id."""
-        given = [(kind, value) for kind, value in zip(KINDS, (time, frequency, load_case, other)) if value is not None]
-        if len(given) > 1:
-            raise ValueError("a state has one of time, frequency, load_case and other")
-        kind, value = given[0] if given else ("other", 0.0)
+        kind, value = _reference(time, frequency, load_case, other)
         with self.file._writing():
-            used = [state.id for state in self._states()] + [group.id for group in self._groups()]
-            if id is not None and id in used:
-                raise ValueError(f"there is a state or group with the id {id} already")
-            state_id = max(used, default=0) + 1 if id is None else id
+            state_id = self._new_state_id(id)
             state = State(self, state_id, name or f"State {state_id}", shortest(value), kind)
             self._states().append(state)
             self._changed["states"] = True
@@ -220,8 +229,7 @@ class Model:
     def group_states(self, name: str, states: Sequence[State]) -> StateGroup:
         """Groups states, such as those of a load case. A state belongs to the last group it was put in."""
         with self.file._writing():
-            used = [state.id for state in self._states()] + [group.id for group in self._groups()]
-            group = StateGroup(max(used, default=0) + 1, name, [state.id for state in states])
+            group = StateGroup(self._new_state_id(None), name, [state.id for state in states])
             self._groups().append(group)
             self._changed["states"] = True
             return group
@@ -258,6 +266,21 @@ class Model:
         found: List[StateGroup] = self._list("states", self._read_states)[1]
         return found
 
+    def _new_state_id(self, wanted: Optional[int]) -> int:
+        """An id for a state or a group: the one wanted, or the one after the largest."""
+        used: Dict[Optional[int], int] = self._list("state ids", self._used_state_ids)
+        if wanted in used and wanted is not None:
+            raise ValueError(f"there is a state or group with the id {wanted} already")
+        id = used[None] + 1 if wanted is None else wanted
+        used[id] = id
+        used[None] = max(used[None], id)
+        return id
+
+    def _used_state_ids(self) -> Dict[Optional[int], int]:
+        """Ids of states and groups, and the largest for None."""
+        ids = [*(state.id for state in self._states()), *(group.id for group in self._groups())]
+        return {**{id: id for id in ids}, None: max(ids, default=0)}
+
     def _results(self) -> List[Result]:
         found: List[Result] = self._list(
             "results", lambda: [read_result(self, id) for id in self._core.block_ids("result")])
@@ -270,34 +293,38 @@ class Model:
         return found
 
     def _node_block_ids(self) -> List[int]:
-        found: List[int] = self._list("node blocks", lambda: self._core.block_ids("nodes"))
+        found: List[int] = self._list("node blocks", self._read_node_block_ids)
         return found
+
+    def _read_node_block_ids(self) -> List[int]:
+        return self._core.block_ids("nodes")
 
     def _new_values_id(self) -> int:
         """An id for values; no one else adds any while the file is open for writing."""
-        id: int = self._list("values", lambda: self._core.unused_block_id("result_values"))
+        id: int = self._lists.get("values") or self._core.unused_block_id("result_values")
         self._lists["values"] = id + 1
         return id
 
     def _records(self) -> List[Tuple[Optional[int], Geometries]]:
         """Parts by state: one record for all states, or one for each."""
-        def read() -> List[Tuple[Optional[int], Geometries]]:
-            if not self._core.block_ids("geometry"):
-                return [(None, [[]])]
-            records: List[Tuple[Optional[int], Geometries]] = [*self._core.read_geometry()]
-            return records if len(records) > 1 else [(None, records[0][1])] if records else [(None, [[]])]
-
-        found: List[Tuple[Optional[int], Geometries]] = self._list("geometry", read)
+        found: List[Tuple[Optional[int], Geometries]] = self._list("geometry", self._read_records)
         return found
+
+    def _read_records(self) -> List[Tuple[Optional[int], Geometries]]:
+        if not self._core.block_ids("geometry"):
+            return [(None, [[]])]
+        records: List[Tuple[Optional[int], Geometries]] = [*self._core.read_geometry()]
+        return records if len(records) > 1 else [(None, records[0][1])] if records else [(None, [[]])]
 
     def _record(self, state_id: Optional[int]) -> Geometries:
         records = self._records()
         if len(records) == 1 or state_id is None:
             return records[0][1]
-        for id, geometries in records:
-            if id == state_id:
-                return geometries
-        raise KeyError(f"no parts in state {state_id}")
+        index: Dict[Optional[int], Geometries] = self._list("parts by state", dict)
+        index.update(records[len(index):])
+        if state_id not in index:
+            raise KeyError(f"no parts in state {state_id}")
+        return index[state_id]
 
     def _part_names(self) -> Dict[Tuple[int, int], str]:
         def read() -> Dict[Tuple[int, int], str]:
@@ -352,18 +379,30 @@ class Model:
         blocks = self._node_block_ids()
         if len(blocks) < 2:
             return blocks
-        used = [self._elements(block).node_block for parts in self._record(state_id) for block, _ in parts]
+        used = [self._node_block_of(block) for parts in self._record(state_id) for block, _ in parts]
         return list(dict.fromkeys(used)) or blocks
 
     def _target(self, on: str, state_id: Optional[int], part: Union[str, Part]) -> int:
         block = self._block_of_part(self._part(part), state_id)
-        return self._elements(block).node_block if on == "nodes" else block
+        return self._node_block_of(block) if on == "nodes" else block
+
+    def _node_block_of(self, element_block: int) -> int:
+        return self._summary("elements", element_block).target
+
+    def _summary(self, kind: str, block: int) -> Summary:
+        key = (kind, block)
+        if key not in self._summaries:
+            self._summaries[key] = Summary(*self._core.summary(kind, block))
+        return self._summaries[key]
+
+    def _element_rows(self, block: int, rows: Union[slice, Callable[[int], slice]]) -> Elements:
+        summary = self._summary("elements", block)
+        return read_element_rows(self._core, block, summary, rows if isinstance(rows, slice) else rows(summary.items))
 
     def _item_count(self, on: str, target: int) -> int:
         key = (on, target)
         if key not in self._counts:
-            self._counts[key] = (len(self._nodes(target)) if on == "nodes"
-                                 else self._elements(target).item_count(on))
+            self._counts[key] = self._summary("nodes" if on == "nodes" else "elements", target).count(on)
         return self._counts[key]
 
     def _unused_result_id(self) -> int:
@@ -371,11 +410,6 @@ class Model:
                    default=0) + 1
 
     # Writing blocks
-
-    def _forget_block(self, cache: Any, on: Tuple[str, ...], block_id: int) -> None:
-        cache.pop(block_id, None)
-        for what in on:
-            self._counts.pop((what, block_id), None)
 
     def _write_nodes(self, block_id: int, xyz: Any, ids: Optional[Any]) -> Nodes:
         coordinates, own = _arrays.floats(xyz), _arrays.optional_ints(ids)
@@ -386,7 +420,8 @@ class Model:
         with self.file._writing():
             self._core.write_nodes(block_id, coordinates, own)
             self._lists.pop("node blocks", None)
-            self._forget_block(self._node_cache, ("nodes",), block_id)
+            self._node_cache.pop(block_id, None)
+            self._summaries.pop(("nodes", block_id), None)
             self._counts["nodes", block_id] = len(coordinates)
         return Nodes(block_id, coordinates, own)
 
@@ -410,62 +445,12 @@ class Model:
             if len(records) == 1:
                 geometries = records.pop()[1]
                 records += [(each.id, [list(parts) for parts in geometries]) for each in self._states()]
-            place = [id for id, _ in records].index(state.id)
+                self._lists.pop("parts by state", None)
+            place = next(i for i in reversed(range(len(records))) if records[i][0] == state.id)
             for _, geometries in records[place:]:
                 geometries[own.geometry] = [(block if id == own.id else old, id)
                                             for old, id in geometries[own.geometry]]
             self._changed["geometry"] = True
-
-    def _write_values(self, state: State, result: Union[str, Result], values: Any,
-                      part: Union[None, str, Part], nodes: Union[None, int, Nodes], items: Optional[Any]) -> None:
-        own = self.results[result] if isinstance(result, str) else result
-        array, ids = _arrays.floats(values), _arrays.optional_ints(items)
-        tail = own._shape(0)[1:]
-        if array.ndim == 0 or array.shape[1:] != tail:
-            raise ValueError(f"values of a {own.kind} have the shape {('n', *tail)}, not {array.shape}")
-        with self.file._writing():
-            if nodes is not None:
-                targets = [nodes.block_id if isinstance(nodes, Nodes) else nodes]
-            elif part is not None:
-                targets = [self._target(own.on, state.id, part)]
-            else:
-                targets = self._targets(own.on, state.id)
-            if ids is not None:
-                pieces = [array]
-                if len(targets) != 1 or len(ids) != len(array):
-                    raise ValueError("items need one part, and one id for each value")
-            else:
-                pieces = self._pieces(own, array, targets)
-            for target, piece in zip(targets, pieces):
-                self._write_block(state, own, target, piece, ids)
-
-    def _pieces(self, result: Result, array: Any, targets: List[int]) -> List[Any]:
-        sizes = [self._item_count(result.on, target) for target in targets]
-        if sum(sizes) != len(array):
-            raise ValueError(f"{result.name!r} needs values for {sum(sizes)} {result.on}, not for {len(array)}")
-        return [array] if len(targets) == 1 else split_by(sizes, array)
-
-    def _write_block(self, state: State, result: Result, target: int, values: Any, items: Optional[Any]) -> None:
-        blocks = result._blocks.setdefault(state.id, [])
-        block = next((old for old in blocks if (result._targets.get(old) or result._read(old).target) == target), None)
-        added = block is None
-        if block is None:
-            block = self._new_values_id()
-        self._core.write_values(block, len(result.components), values, items, target, result.on == "nodes")
-        result._targets[block] = target
-        if added:
-            blocks.append(block)
-            result._is_changed = True
-
-    def _write_matrix(self, transformation: Transformation, state: State, part: Union[str, Part], matrix: Any) -> None:
-        rows = np.asarray(matrix, dtype=np.float64)
-        if rows.shape != (4, 4):
-            raise ValueError(f"a matrix has the shape (4, 4), not {rows.shape}")
-        with self.file._writing():
-            block = self._core.unused_block_id("transformation_result_values")
-            self._core.write_matrix(block, self._target("elements", state.id, part), rows.tolist())
-            transformation._blocks.setdefault(state.id, []).append(block)
-            transformation._is_changed = True
 
     def _write_lists(self, is_last: bool) -> None:
         """Writes the lists that have changed; a model that is closed without states gets one."""
@@ -487,3 +472,13 @@ class Model:
 
     def __repr__(self) -> str:
         return f"<Model {self.id} {self.name!r}>"
+
+
+def _reference(time: Optional[float], *others: Optional[float]) -> Tuple[str, float]:
+    """The kind and the value of a state."""
+    if time is not None and others == (None, None, None):
+        return "time", time
+    given = [(kind, value) for kind, value in zip(KINDS, (time, *others)) if value is not None]
+    if len(given) > 1:
+        raise ValueError("a state has one of time, frequency, load_case and other")
+    return given[0] if given else ("other", 0.0)

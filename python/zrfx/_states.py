@@ -9,6 +9,7 @@ import numpy as np
 
 from ._mesh import Connectivity, ElementIds, Nodes, Part
 from ._transformations import Transformation
+from ._writing import write_matrix, write_values
 
 if TYPE_CHECKING:
     from ._model import Model
@@ -33,12 +34,12 @@ class State:
         each part by itself. A transformation takes a mapping of parts to matrices (4, 4)."""
         if isinstance(result, Transformation):
             for part, matrix in values.items():
-                self.model._write_matrix(result, self, part, matrix)
-        elif isinstance(values, abc.Mapping):
-            for part, own in values.items():
-                self.write(result, own, part=part)
+                write_matrix(self, result, part, matrix)
+        elif isinstance(values, np.ndarray) or not isinstance(values, abc.Mapping):
+            write_values(self, result, values)
         else:
-            self.write(result, values)
+            for part, own in values.items():
+                write_values(self, result, own, part)
 
     def write(self, result: Union[str, Result], values: Any, *, part: Union[None, str, Part] = None,
               nodes: Union[None, int, Nodes] = None, items: Optional[Any] = None) -> None:
@@ -52,7 +53,7 @@ class State:
 
         Masked values become "no value". NaN is stored as it is, and read as "no value".
         """
-        self.model._write_values(self, result, values, part, nodes, items)
+        write_values(self, result, values, part, nodes, items)
 
     def set_part(self, part: Union[str, Part], elements: Mapping[str, Connectivity], ids: ElementIds = None, *,
                  nodes: Union[None, int, Nodes] = None, by_ids: bool = False) -> None:
@@ -137,4 +138,7 @@ def nearest_state(states: Iterable[State], time: float) -> State:
 
 def shortest(value: float) -> float:
     """A number of single precision as it was meant: 0.1 and not 0.10000000149."""
-    return float(str(np.float32(value)))
+    given = float(value)
+    if 1e-30 < abs(given) < 1e30 and float(f"{given:.6g}") == given:
+        return given  # six digits are kept by single precision
+    return float(str(np.float32(given)))

@@ -43,12 +43,12 @@ class Source(NamedTuple):
         model = _opened(self.path, self.password, (status.st_mtime_ns, status.st_size)).models.by_id(self.model)
         return next(result for result in model._results() if result.block_id == self.result)
 
-    def read(self, state_id: int, target: Optional[int] = None) -> Any:
-        """The values of a state, on one block or on all, NaN where there are none."""
+    def read(self, state_id: int, target: Optional[int] = None, rows: Optional[slice] = None) -> Any:
+        """The values of a state, on one block or a range of those on all, NaN where there are none."""
         result = self.open()
         state = result.model.states.by_id(state_id)
         if target is None:
-            return result.at(state)
+            return result.at(state, rows=rows)
         return without_undefined(result._on_block(state, target), "nan")
 
 
@@ -76,7 +76,7 @@ def to_dask(result: Result) -> Any:
     from dask.base import tokenize
 
     source, states, sizes = source_of(result), result.states, sizes_of(result)
-    tail = result._shape(0)[1:]
+    tail = result._tail
     name = f"zrfx-{result.name}-{tokenize(source, os.stat(source.path).st_mtime_ns)}"
     zeros = (0,) * len(tail)
     graph = {}
@@ -146,7 +146,7 @@ def _variable(result: Result) -> Any:
     import xarray
     from xarray.core import indexing
 
-    tail = result._shape(0)[1:]
+    tail = result._tail
     items = sum(size for _, size in sizes_of(result))
     shape = (len(result.model.states), items, *tail)
     dimensions = ["state", ITEM[result.on], *(COMPONENT_DIMENSION[length] for length in tail)]

@@ -7,9 +7,10 @@ from typing import TYPE_CHECKING, Any, Iterable, Optional
 import numpy as np
 
 from ._items import labels
+from ._progress import Progress, counted
 
 if TYPE_CHECKING:
-    from ._results import Progress, Result, StateLike
+    from ._results import Result, StateLike
 
 
 def to_dataframe(result: Result, states: Optional[Iterable[StateLike]] = None,
@@ -18,20 +19,17 @@ def to_dataframe(result: Result, states: Optional[Iterable[StateLike]] = None,
 
     The index has the levels ``state`` (its id), ``time`` (its value) and ``node``; or ``element``, and ``node``
     or ``surface`` where an element has several values. Undefined values are NaN. ``attrs`` holds name, unit,
-    kind and ``on``.
+    kind and ``on``. ``progress`` is called with the fraction that is done; ``False`` stops.
     """
     import pandas
 
     frames = []
-    chosen = result._chosen(states)
-    for done, state in enumerate(chosen, 1):
+    for state in counted(result._chosen(states), progress):
         items = labels(result.model, result.on, state.id)
         count = len(next(iter(items.values())))
         index = {"state": np.full(count, state.id), "time": np.full(count, state.value), **items}
         frames.append(pandas.DataFrame(result.at(state).reshape(count, -1), columns=list(result.components),
                                        index=pandas.MultiIndex.from_arrays(list(index.values()), names=list(index))))
-        if progress is not None:
-            progress(done, len(chosen))
     table = pandas.concat(frames) if frames else pandas.DataFrame(columns=list(result.components))
     table.attrs.update(name=result.name, unit=result.unit, kind=result.kind, on=result.on)
     return table

@@ -14,7 +14,8 @@ from .lazy import Source, to_xarray
 
 
 class ZrfxArray(BackendArray):  # type: ignore[misc]
-    """The values of a result, (states, items[, components]), read state by state."""
+    """The values of a result, (states, items[, components]), read state by state; of one item, or of a range of items,
+    no more than their part."""
 
     def __init__(self, source: Source, shape: Tuple[int, ...], states: List[Optional[int]]) -> None:
         self.source = source
@@ -35,7 +36,12 @@ class ZrfxArray(BackendArray):  # type: ignore[misc]
 
     def _state(self, index: int, key: Tuple[Any, ...]) -> Any:
         id = self.states[index]
-        values = np.full(self.shape[1:], np.nan, self.dtype) if id is None else self.source.read(id)
+        if id is not None and isinstance(key[0], (int, np.integer)):
+            values, key = self.source.read(id, rows=slice(int(key[0]), int(key[0]) + 1)), (0, *key[1:])
+        elif id is not None and isinstance(key[0], slice) and key[0].step in (None, 1):
+            values, key = self.source.read(id, rows=key[0]), (slice(None), *key[1:])
+        else:
+            values = np.full(self.shape[1:], np.nan, self.dtype) if id is None else self.source.read(id)
         for axis in reversed(range(len(key))):
             values = values[(slice(None),) * axis + (key[axis],)]
         return values

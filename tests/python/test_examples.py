@@ -10,7 +10,7 @@ from conftest import ROOT
 
 EXAMPLES = sorted((ROOT / "examples/python").glob("*.py"))
 PAGE = ROOT / "docs/python.md"
-NEEDS = {"tables_and_datasets": "xarray tqdm pandas", "statistics_on_workers": "dask distributed",
+NEEDS = {"tables_and_datasets": "xarray tqdm pandas", "show_progress": "tqdm", "statistics_on_workers": "dask distributed",
          "other_formats": "meshio", "vtk_pipeline": "vtkmodules"}
 
 

@@ -13,8 +13,8 @@ distributed = pytest.importorskip("distributed")
 
 def test_a_table_has_ids_and_times_as_index(model):
     steps = []
-    table = model.results["DISP"].to_dataframe(progress=lambda *step: steps.append(step))
-    assert steps == [(1, 3), (2, 3), (3, 3)] and table.attrs["unit"] == "mm"
+    table = model.results["DISP"].to_dataframe(progress=steps.append)
+    assert steps == [1 / 3, 2 / 3, 1] and table.attrs["unit"] == "mm"
     assert table.loc[2, 0.2, 105].tolist() == values(12, 3, seed=1)[4].tolist()
     stress = model.results["STRESS"].to_dataframe(states=[-1])
     assert stress.index.names == ["state", "time", "element", "node"]
@@ -33,6 +33,8 @@ def test_a_dataset_is_read_when_it_is_used(plate, chunks):
         one = data.DISP.sel(node=[103, 101], state=3, component="z")
         assert one.values.tolist() == values(12, 3, seed=2)[[2, 0], 2].tolist()
         assert data.STRESS.isel(state=slice(0, 3, 2))[1, 5:7, -1].values.tolist() == values(16, 6, seed=2)[5:7, 5].tolist()
+        assert data.DISP[:, 4].values.tolist() == [values(12, 3, seed=k)[4].tolist() for k in range(3)]
+        assert data.DISP[1, -1].values.tolist() == values(12, 3, seed=1)[11].tolist()
         assert float(data.PE.max()) == 2 and int(data.PE.isnull().sum()) == 6
 
 
