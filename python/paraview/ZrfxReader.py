@@ -34,6 +34,7 @@ _VTK = {"Point": 1, "Beam": 3, "Beam_3": 21, "Triangle": 5, "Triangle_6": 22, "Q
         "Tetrahedron": 10, "Tetrahedron_10": 24, "Hexahedron": 12, "Hexahedron_20": 25, "Pentahedron": 13,
         "Pentahedron_15": 26, "Pyramid": 14, "Pyramid_13": 27, "Brick": 12, "Thick shell": 12, "Shell": 9,
         "Rigid Shell": 9, "Polyhedron": 42}
+_POLYHEDRON = 42
 _COMPONENTS = {3: ("X", "Y", "Z"), 6: ("XX", "YY", "ZZ", "XY", "YZ", "XZ")}
 _WIDTHS = {"Vector": 3, "Displacement": 3, "Tensor": 6}
 _UNDEFINED = np.float32(2.99e38)
@@ -47,21 +48,41 @@ def _true(element, name):
     return element.get(name, "").lower() == "true"
 
 
-class _Run:
-    """Elements of one type: nodes as positions, (elements, nodes); for polyhedrons lists of faces."""
+class _Share:
+    """A range of the elements of a part in a state, with the range of nodes that holds those that they use.
 
-    def __init__(self, kind, nodes, counts):
-        self.kind, self.nodes, self.counts = kind, nodes, counts
+    ``runs`` are pairs of VTK's type and the nodes of elements, as positions in their block: (elements, nodes), for
+    polyhedrons lists of faces. ``rows`` and ``node_rows`` say where elements and nodes are in their blocks,
+    ``corner_rows`` where the nodes of these elements are among those of all; ``ids`` and ``node_ids`` may be None.
+    """
+
+    def __init__(self, block, rows, runs, ids, first_corner):
+        self.block, self.rows, self.runs, self.ids = block, rows, runs, ids
+        self.node_counts = np.concatenate([_node_counts(*run) for run in runs] or [np.zeros(0, int)])
+        self.corner_rows = slice(first_corner, first_corner + int(self.node_counts.sum()))
+        flat = [np.concatenate([_corners(cell) for cell in cells] or [np.zeros(0, int)])
+                if kind == _POLYHEDRON else cells.ravel() for kind, cells in runs]
+        self.used = np.unique(np.concatenate(flat or [np.zeros(0, int)])).astype(np.int64)
+        self.node_rows = slice(int(self.used[0]), int(self.used[-1]) + 1) if len(self.used) else slice(0, 0)
+
+    def set_nodes(self, node_block, xyz, node_ids):
+        """The nodes of the range."""
+        self.node_block, self.node_ids = node_block, node_ids
+        self.points = self.used - self.node_rows.start
+        self.xyz = xyz[self.points]
+
+    def item_rows(self, on):
+        return {"nodes": self.node_rows, "elements": self.rows, "element_nodes": self.corner_rows}[on]
 
 
-class _Mesh:
-    """A part in a state: nodes, their ids, runs of elements, ids of these."""
+def _corners(cell):
+    return np.unique(np.concatenate(cell))
 
-    def __init__(self, xyz, node_ids, runs, ids, block, node_block):
-        self.xyz, self.node_ids, self.runs, self.ids = xyz, node_ids, runs, ids
-        self.block, self.node_block = block, node_block
-        self.count = sum(len(run.counts) for run in runs)
-        self.node_counts = np.concatenate([run.counts for run in runs] or [np.zeros(0, int)])
+
+def _node_counts(kind, cells):
+    if kind == _POLYHEDRON:
+        return np.array([len(_corners(cell)) for cell in cells], int)
+    return np.full(len(cells), cells.shape[1])
 
 
 def _faces(nodes, node_counts, face_counts, face_sizes, local):
@@ -79,6 +100,18 @@ def _faces(nodes, node_counts, face_counts, face_sizes, local):
 def _positions(ids, wanted):
     order = np.argsort(ids, kind="stable")
     return order[np.searchsorted(ids, wanted, sorter=order)]
+
+
+def _placed(items, values, ids, rows):
+    """The values of a range of items, which name theirs by ids, or by position where there are none."""
+    found = np.full((rows.stop - rows.start, values.shape[1]), np.nan, np.float32)
+    if ids is None:
+        inside = (items >= rows.start) & (items < rows.stop)
+        found[items[inside] - rows.start] = values[inside]
+    elif len(ids):
+        inside = np.isin(items, ids)
+        found[_positions(ids, items[inside])] = values[inside]
+    return found
 
 
 class PlainModel:
@@ -127,6 +160,7 @@ class PlainModel:
             values = {int(state.get("ID")): [int(item.text) for each in state for item in each]
                       for state in root if _tag(state) == "State"}
             self.results[root.get("Name")] = (root.get("ResultType"), root.get("ResultMapping"), values)
+        self.displacements = {name for name, (kind, _, _) in self.results.items() if kind == "Displacement"}
         self.sets = {}
         for block in sorted(self._files.get("Set", {})):
             root = self._block("Set", block)
@@ -142,87 +176,102 @@ class PlainModel:
     def _lists(self, kind):
         return list(self._block(kind, min(self._files[kind]))) if kind in self._files else []
 
-    def _array(self, base, code, width=1):
+    def _array(self, base, code, width=1, rows=None):
+        """An array, or a range of its rows: no more of it is kept in memory."""
         name = self._folder + base.replace("\\", "/")
-        if name + ".dat" in self._names:
-            data = self._archive.read(self._names[name + ".dat"])
-            return np.frombuffer(data, "<" + code + "4", len(data) // 4 // width * width)
-        text = self._archive.read(self._names[name + ".txt"]).decode().replace("UNDEF", "3e38 " * width)
-        return np.array(text.split(), code + "4")
+        if name + ".dat" not in self._names:
+            text = self._archive.read(self._names[name + ".txt"]).decode().replace("UNDEF", "3e38 " * width)
+            values = np.array(text.split(), code + "4")
+            return values if rows is None else values[rows.start * width:rows.stop * width]
+        size = 4 * width
+        with self._archive.open(self._names[name + ".dat"]) as entry:
+            if rows is None:
+                data = entry.read()
+                return np.frombuffer(data, "<" + code + "4", len(data) // size * width)
+            entry.seek(rows.start * size)
+            return np.frombuffer(entry.read((rows.stop - rows.start) * size), "<" + code + "4")
 
     def _record(self, parent, name):
         return next((e for e in parent if _tag(e) == name), None)
 
-    def _named(self, parent, name, code="i"):
+    def _named(self, parent, name):
         record = self._record(parent, name)
-        return None if record is None else self._array(record.get("Filename"), code)
+        return None if record is None else self._array(record.get("Filename"), "i")
 
-    def _nodes(self, number):
-        record = self._record(self._block("Nodes", number), "File")
-        if record is None:
-            return np.zeros((0, 3), np.float32), None
-        ids = record.get("IDs")
-        return self._array(record.get("Filename"), "f", 3).reshape(-1, 3), ids and self._array(ids, "i")
+    def element_block(self, part, state):
+        """The elements of the part of an index in a state, by the id of their block."""
+        return self._blocks.get(state, next(iter(self._blocks.values())))[part][1]
 
-    def mesh(self, part, state):
-        """The part of an index."""
-        block = self._blocks.get(state, next(iter(self._blocks.values())))[part][1]
+    def share(self, part, state, share_of):
+        """A share of these elements; the function gives it by their number."""
+        block = self.element_block(part, state)
         root = self._block("Elements", block)
-        node_block = int(root.get("NodeBlock"))
-        xyz, node_ids = self._nodes(node_block)
-        runs, ids = [], []
-        for group in root:
-            if _tag(group) != "ElementGroup":
-                continue
-            record, kind = self._record(group, "File"), _VTK[group.get("Type")]
-            nodes = self._array(record.get("Filename"), "i")
-            nodes = _positions(node_ids, nodes) if _true(root, "MapToNodeIDs") else nodes - 1
+        nodes_root = self._block("Nodes", int(root.get("NodeBlock")))
+        by_ids = self._node_ids(nodes_root) if _true(root, "MapToNodeIDs") else None
+        groups = [group for group in root if _tag(group) == "ElementGroup"]
+        rows = share_of(sum(self._count(group) for group in groups))
+        runs, ids, first, corner = [], [], 0, 0
+        for group in groups:
+            count, record = self._count(group), self._record(group, "File")
+            own = slice(min(max(rows.start - first, 0), count), min(max(rows.stop - first, 0), count))
+            runs.append((_VTK[group.get("Type")], self._cells(group, own, by_ids)))
             if record.get("IDs"):
-                ids.append(self._array(record.get("IDs"), "i"))
-            if kind == 42:
-                counts = self._named(group, "PolyhedronElementNodeCounts")
-                cells = _faces(nodes, counts, self._named(group, "PolyhedronFaceCounts"),
-                               self._named(group, "PolyhedronFaceNodeCounts"),
-                               self._named(group, "PolyhedronFaceLocalNodes"))
-                runs.append(_Run(kind, cells, counts))
-            else:
-                count = int(record.get("NumItems"))
-                runs.append(_Run(kind, nodes.reshape(count, -1), np.full(count, len(nodes) // max(count, 1))))
-        return _Mesh(xyz, node_ids, runs, np.concatenate(ids) if ids else None, block, node_block)
+                ids.append(self._array(record.get("IDs"), "i", 1, own))
+            corner += self._corners_before(group, own.start)
+            first += count
+        share = _Share(block, rows, runs, np.concatenate(ids) if ids else None, corner)
+        record = self._record(nodes_root, "File")
+        xyz = (np.zeros((0, 3), np.float32) if record is None
+               else self._array(record.get("Filename"), "f", 3, share.node_rows).reshape(-1, 3))
+        share.set_nodes(int(root.get("NodeBlock")), xyz, self._node_ids(nodes_root, share.node_rows))
+        return share
 
-    def values(self, name, state, mesh):
-        """On what, and the values on all items; None where the state has none."""
+    def _node_ids(self, root, rows=None):
+        record = self._record(root, "File")
+        return self._array(record.get("IDs"), "i", 1, rows) if record is not None and record.get("IDs") else None
+
+    def _count(self, group):
+        return int(self._record(group, "File").get("NumItems"))
+
+    def _corners_before(self, group, row):
+        counts = self._named(group, "PolyhedronElementNodeCounts")
+        if counts is not None:
+            return int(counts[:row].sum())
+        return row * int(group.get("NumElementNodes")) // max(self._count(group), 1)
+
+    def _cells(self, group, rows, ids):
+        """Elements of a group by the positions of their nodes, whose ids are given where they are named by these."""
+        name, counts = self._record(group, "File").get("Filename"), self._named(group, "PolyhedronElementNodeCounts")
+        width = int(group.get("NumElementNodes")) // max(self._count(group), 1)
+        nodes = self._array(name, "i", width, rows) if counts is None else self._array(name, "i")
+        nodes = nodes - 1 if ids is None else _positions(ids, nodes)
+        if counts is None:
+            return nodes.reshape(rows.stop - rows.start, width)
+        return _faces(nodes, counts, self._named(group, "PolyhedronFaceCounts"),
+                      self._named(group, "PolyhedronFaceNodeCounts"),
+                      self._named(group, "PolyhedronFaceLocalNodes"))[rows]
+
+    def values(self, name, state, share):
+        """On what, and the values of the items of a share; None where the state has none."""
         kind, on, blocks = self.results[name]
         on = {"Node": "nodes", "Element": "elements", "Polygon": "elements", "ElementNode": "element_nodes",
               "PolygonNode": "element_nodes"}.get(on)
-        target = mesh.node_block if on == "nodes" else mesh.block
-        for block in blocks.get(state, []) if on else []:
-            root = self._block("ResultValues", block)
-            if int(root.get("MapToBlockID")) != target:
-                continue
-            width, record = int(root.get("NumDimensions")), self._record(root, "File")
-            values = self._array(record.get("Filename"), "f", width).reshape(-1, width)
-            if record.get("IDs") and _true(root, "WithID"):
-                known, count = (mesh.node_ids, len(mesh.xyz)) if on == "nodes" else (mesh.ids, mesh.count)
-                items, own = self._array(record.get("IDs"), "i"), values
-                values = np.full((count, width), np.nan, np.float32)
-                values[items if known is None else _positions(known, items)] = own
-            return on, np.where(values < _UNDEFINED, values, np.float32(np.nan))
         if not on or state not in blocks:
             return None
-        count = {"nodes": len(mesh.xyz), "elements": mesh.count, "element_nodes": int(mesh.node_counts.sum())}[on]
-        return on, np.full((count, _WIDTHS.get(kind, 1)), np.nan, np.float32)
-
-    def is_displacement(self, name):
-        return self.results[name][0] == "Displacement"
-
-    def set_mask(self, name, part, mesh):
-        by_ids, groups = self.sets[name]
-        mask = np.zeros(mesh.count, np.uint8)
-        for block, items in groups:
-            if block == mesh.block:
-                mask[_positions(mesh.ids, items) if by_ids and mesh.ids is not None else items] = 1
-        return mask
+        rows = share.item_rows(on)
+        for block in blocks[state]:
+            root = self._block("ResultValues", block)
+            if int(root.get("MapToBlockID")) != (share.node_block if on == "nodes" else share.block):
+                continue
+            width, record = int(root.get("NumDimensions")), self._record(root, "File")
+            if record.get("IDs") and _true(root, "WithID"):
+                values = self._array(record.get("Filename"), "f", width).reshape(-1, width)
+                values = _placed(self._array(record.get("IDs"), "i"), values,
+                                 share.node_ids if on == "nodes" else share.ids, rows)
+            else:
+                values = self._array(record.get("Filename"), "f", width, rows).reshape(-1, width)
+            return on, np.where(values < _UNDEFINED, values, np.float32(np.nan))
+        return on, np.full((rows.stop - rows.start, _WIDTHS.get(kind, 1)), np.nan, np.float32)
 
 
 class PackageModel:
@@ -242,78 +291,81 @@ class PackageModel:
         self._model = next(iter(self._file.models.values()))
         self.states = [(state.id, state.value) for state in self._model.states]
         self._parts, self.parts = list(self._model.parts.values()), list(self._model.parts)
-        self.results, self.sets = dict(self._model.results), dict(self._model.sets)
+        self.results = dict(self._model.results)
+        self.displacements = {name for name, own in self.results.items() if own.kind == "displacement"}
+        self.sets = {name: (own.by_ids, own.groups) for name, own in self._model.sets.items()}
 
-    def mesh(self, part, state):
+    def element_block(self, part, state):
+        return self._parts[part].block_at(None if state is None else self._model.states.by_id(state))
+
+    def share(self, part, state, share_of):
         own = self._parts[part]
-        elements = own.elements if state is None else own.elements_at(self._model.states.by_id(state))
-        nodes = self._model.node_blocks[elements.node_block]
-        runs = []
-        for group in elements.groups:
-            index = nodes.index(group.nodes) if elements.by_ids else group.nodes
-            if group.polyhedrons is not None:
-                index = _faces(index, *group.polyhedrons)
-            runs.append(_Run(group.kind.vtk, index, group.node_counts()))
-        mesh = _Mesh(nodes.xyz, nodes.ids, runs, elements.ids, elements.block_id, elements.node_block)
-        mesh.part = own
-        return mesh
+        state = None if state is None else self._model.states.by_id(state)
+        elements = own.read_elements(share_of, state)
+        index = self._model.node_blocks[elements.node_block].index if elements.by_ids else np.asarray
+        runs = [(group.kind.vtk, index(group.nodes) if group.polyhedrons is None
+                 else _faces(index(group.nodes), *group.polyhedrons)) for group in elements.groups]
+        share = _Share(elements.block_id, slice(elements.first, elements.first + elements.count), runs, elements.ids,
+                       elements.first_node)
+        nodes = self._model.read_nodes(share.node_rows, elements.node_block)
+        share.set_nodes(elements.node_block, nodes.xyz, nodes.ids)
+        share.part = own
+        return share
 
-    def values(self, name, state, mesh):
+    def values(self, name, state, share):
         result = self.results[name]
         state = self._model.states.by_id(state)
-        if state not in result.states or result.on not in ("nodes", "elements", "element_nodes"):
+        if result.on not in ("nodes", "elements", "element_nodes") or state.id not in result.state_ids:
             return None
-        values = result.at(state, part=mesh.part)
+        values = result.at(state, part=share.part, rows=share.item_rows(result.on))
         return result.on, values.reshape(len(values), -1)
 
-    def is_displacement(self, name):
-        return self.results[name].kind == "displacement"
 
-    def set_mask(self, name, part, mesh):
-        return self.sets[name].mask(self._parts[part]).astype(np.uint8)
-
-
-def _grid(model, part, state, results, factor, piece, pieces):
+def _grid(model, share, state, results, factor):
     """A share of the elements of a part, with the nodes that they use."""
-    mesh = model.mesh(part, state)
-    rows = slice(mesh.count * piece // pieces, mesh.count * (piece + 1) // pieces)
-    runs, first = [], 0
-    for run in mesh.runs:
-        own = slice(max(rows.start - first, 0), max(rows.stop - first, 0))
-        runs.append((run.kind, run.nodes[own]))
-        first += len(run.counts)
-    flat = [np.concatenate([np.unique(np.concatenate(cell)) for cell in nodes] or [np.zeros(0, int)])
-            if kind == 42 else nodes.ravel() for kind, nodes in runs]
-    used = np.unique(np.concatenate(flat or [np.zeros(0, int)])).astype(int)
-    grid, points = vtkUnstructuredGrid(), vtkPoints()
+    grid, points, used = vtkUnstructuredGrid(), vtkPoints(), share.points
     grid.SetPoints(points)
-    _set_cells(grid, [(kind, nodes) for kind, nodes in runs if len(nodes)], used)
-    xyz = np.array(mesh.xyz[used])
+    _set_cells(grid, [(kind, cells) for kind, cells in share.runs if len(cells)], share.used)
+    xyz = np.array(share.xyz)
     for name in model.results:
-        found = model.values(name, state, mesh) if name in results or factor else None
+        moves = factor and name in model.displacements
+        found = model.values(name, state, share) if name in results or moves else None
         if found is None:
             continue
         on, values = found
-        if on == "nodes" and factor and model.is_displacement(name):
+        if on == "nodes" and moves:
             xyz += np.float32(factor) * np.nan_to_num(values[used])
         if name in results:
             data = grid.GetPointData() if on == "nodes" else grid.GetCellData()
-            data.AddArray(_array(values[used] if on == "nodes" else _means(values, on, mesh)[rows], name))
+            data.AddArray(_array(values[used] if on == "nodes" else _means(values, on, share), name))
     points.SetData(_array(xyz, "Points"))
     for name in model.sets:
-        grid.GetCellData().AddArray(_array(model.set_mask(name, part, mesh)[rows], "set " + name))
-    if mesh.node_ids is not None:
-        grid.GetPointData().SetGlobalIds(_array(mesh.node_ids[used].astype(np.int64), "NodeId", 12))
-    if mesh.ids is not None:
-        grid.GetCellData().SetGlobalIds(_array(mesh.ids[rows].astype(np.int64), "ElementId", 12))
+        grid.GetCellData().AddArray(_array(_set_mask(*model.sets[name], share), "set " + name))
+    if share.node_ids is not None:
+        grid.GetPointData().SetGlobalIds(_array(share.node_ids[used].astype(np.int64), "NodeId", 12))
+    if share.ids is not None:
+        grid.GetCellData().SetGlobalIds(_array(share.ids.astype(np.int64), "ElementId", 12))
     return grid
 
 
-def _means(values, on, mesh):
-    if on == "elements" or not mesh.count:
+def _set_mask(by_ids, groups, share):
+    """Which elements of a share are in a set."""
+    mask = np.zeros(share.rows.stop - share.rows.start, np.uint8)
+    for block, items in groups:
+        if block != share.block:
+            continue
+        if by_ids and share.ids is not None:
+            mask |= np.isin(share.ids, items).astype(np.uint8)
+        else:
+            mask[items[(items >= share.rows.start) & (items < share.rows.stop)] - share.rows.start] = 1
+    return mask
+
+
+def _means(values, on, share):
+    counts = share.node_counts
+    if on == "elements" or not len(counts):
         return values
-    starts = np.cumsum(mesh.node_counts) - mesh.node_counts
-    return (np.add.reduceat(values, starts, axis=0) / mesh.node_counts[:, None]).astype(np.float32)
+    return (np.add.reduceat(values, np.cumsum(counts) - counts, axis=0) / counts[:, None]).astype(np.float32)
 
 
 def _array(values, name, kind=None):
@@ -326,17 +378,17 @@ def _array(values, name, kind=None):
 
 
 def _set_cells(grid, runs, used):
-    if any(kind == 42 for kind, _ in runs):
+    if any(kind == _POLYHEDRON for kind, _ in runs):
         grid.Allocate(sum(len(nodes) for _, nodes in runs))
         for kind, cells in runs:
             for cell in cells:
-                if kind != 42:
+                if kind != _POLYHEDRON:
                     grid.InsertNextCell(kind, len(cell), np.searchsorted(used, cell).tolist())
                     continue
                 stream = vtkIdList()
                 for number in (len(cell), *(n for face in cell for n in (len(face), *np.searchsorted(used, face)))):
                     stream.InsertNextId(int(number))
-                grid.InsertNextCell(42, stream)
+                grid.InsertNextCell(_POLYHEDRON, stream)
         return
     if not runs:
         return
@@ -348,13 +400,13 @@ def _set_cells(grid, runs, used):
     grid.SetCells(_array(np.concatenate([np.full(len(n), kind, np.uint8) for kind, n in runs]), ""), cells)
 
 
-@smproxy.reader(name="ZrfxReader", label="ZRFx reader", extensions="zrfx", file_description="ZRFx files")
+@smproxy.reader(name="ZrfxReader", label="ZRFx Reader", extensions="zrfx", file_description="ZRFx files")
 class ZrfxReader(VTKPythonAlgorithmBase):
     """The reader as ParaView shows it."""
 
     def __init__(self):
         super().__init__(nInputPorts=0, nOutputPorts=1, outputType="vtkMultiBlockDataSet")
-        self._path, self._model, self._factor = None, None, 0.0
+        self._path, self._model, self._factor, self._shares = None, None, 0.0, {}
         self._results, self._parts = vtkDataArraySelection(), vtkDataArraySelection()
         for selected in (self._results, self._parts):
             selected.AddObserver("ModifiedEvent", lambda *_: self.Modified())
@@ -364,7 +416,7 @@ class ZrfxReader(VTKPythonAlgorithmBase):
     @smhint.filechooser(extensions="zrfx", file_description="ZRFx files")
     def SetFileName(self, path):
         if path != self._path:
-            self._path, self._model = path, None
+            self._path, self._model, self._shares = path, None, {}
             self.Modified()
 
     @smproperty.doublevector(name="TimestepValues", information_only="1", si_class="vtkSITimeStepsProperty")
@@ -389,6 +441,7 @@ class ZrfxReader(VTKPythonAlgorithmBase):
     def Reload(self):
         """Takes in what a running solver has written."""
         if self._model is not None and self._model.refresh():
+            self._shares = {}
             self.Modified()
 
     def _open(self):
@@ -403,12 +456,10 @@ class ZrfxReader(VTKPythonAlgorithmBase):
     def RequestInformation(self, request, inputs, outputs):
         information, keys = outputs.GetInformationObject(0), vtkStreamingDemandDrivenPipeline
         times = self.GetTimestepValues() or []
-        information.Remove(keys.TIME_STEPS())
-        information.Remove(keys.TIME_RANGE())
-        for time in times:
-            information.Append(keys.TIME_STEPS(), time)
-        for time in (times[0], times[-1]) if times else ():
-            information.Append(keys.TIME_RANGE(), time)
+        for key, values in ((keys.TIME_STEPS(), times), (keys.TIME_RANGE(), times and [times[0], times[-1]])):
+            information.Remove(key)
+            for time in values:
+                information.Append(key, time)
         information.Set(vtkAlgorithm.CAN_HANDLE_PIECE_REQUEST(), 1)
         return 1
 
@@ -423,11 +474,22 @@ class ZrfxReader(VTKPythonAlgorithmBase):
         for index, name in enumerate(model.parts):
             output.SetBlock(index, None)
             if self._parts.ArrayIsEnabled(name):
-                output.SetBlock(index, _grid(model, index, state and state[0], enabled, self._factor, *share))
+                own = self._share(index, state and state[0], *share)
+                output.SetBlock(index, _grid(model, own, state and state[0], enabled, self._factor))
             output.GetMetaData(index).Set(output.NAME(), name)
         if state:
             output.GetInformation().Set(output.DATA_TIME_STEP(), state[1])
         return 1
+
+    def _share(self, part, state, piece, pieces):
+        """The share of a part, kept until another is asked for."""
+        key = (self._model.element_block(part, state), piece, pieces)
+        if self._shares.get(part, (None, None))[0] != key:
+            def share_of(count):
+                return slice(count * piece // pieces, count * (piece + 1) // pieces)
+
+            self._shares[part] = key, self._model.share(part, state, share_of)
+        return self._shares[part][1]
 
     def _state(self, time):
         """The last state that is not after a time; the first before all."""
