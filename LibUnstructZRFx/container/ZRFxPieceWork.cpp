@@ -31,6 +31,11 @@ public:
         }
     }
 
+    // Reports what helpers did last, in the thread of the caller.
+    void ReportRest() {
+        if (m_pProgress && !m_pProgress->add(0)) End(Packed::kFailed, ZRFxCause::Stopped());
+    }
+
     Packed Result() const { return m_eResult; }
     const ZRFxCause& Cause() const { return m_cause; }
 
@@ -126,6 +131,11 @@ public:
         }
     }
 
+    // Reports what helpers did last, in the thread of the caller.
+    void ReportRest() {
+        if (m_pProgress && !m_pProgress->add(0)) m_bEnded = true;
+    }
+
     // All pieces there, with the CRC of the entry where they have none of their own.
     bool IsSound() const {
         if (m_bEnded) return false;
@@ -185,6 +195,7 @@ ZRFxPieceWork::Packed ZRFxPieceWork::Pack(const ZRFxPackingPlan& plan, const uin
     ZRFxThreads::Run(nPieces, nThreads, [&](size_t nPiece, size_t nThread) {
         packing.PackPiece(nPiece, m_apWorkers[nThread].get());
     });
+    packing.ReportRest();
     m_cause = packing.Cause();
     pPieces->Complete();
     return packing.Result();
@@ -200,6 +211,7 @@ bool ZRFxPieceWork::Unpack(const ZRFxPieceList& pieces, const Get& get, uint64_t
     ZRFxThreads::Run(nPieces, nThreads, [&](size_t nPiece, size_t nThread) {
         unpacking.UnpackPiece(nPiece, m_apWorkers[nThread].get());
     });
+    unpacking.ReportRest();
     return unpacking.IsSound();
 }
 
