@@ -31,7 +31,7 @@ public:
         }
     }
 
-    // Reports what helpers did last, in the thread of the caller.
+    // Reports what other threads did last, in that of the caller.
     void ReportRest() {
         if (m_pProgress && !m_pProgress->add(0)) End(Packed::kFailed, ZRFxCause::Stopped());
     }
@@ -131,7 +131,7 @@ public:
         }
     }
 
-    // Reports what helpers did last, in the thread of the caller.
+    // Reports what other threads did last, in that of the caller.
     void ReportRest() {
         if (m_pProgress && !m_pProgress->add(0)) m_bEnded = true;
     }

@@ -7,6 +7,7 @@
 
 #include "support/InterfaceTest.h"
 #include "support/Model.h"
+#include "support/OutputOf.h"
 
 namespace {
 
@@ -442,6 +443,31 @@ std::vector<float> Ramp(std::size_t count, float step) {
     std::vector<float> values(count);
     for (std::size_t i = 0; i < count; ++i) values[i] = step * static_cast<float>(i);
     return values;
+}
+
+TEST_F(DatabaseTest, HistoryTakesNoMemoryThatOnlyADocumentClaims) {
+    const PtrRef<Database> database = WriteDatabase(m_file, "m", 1);
+    PtrRef<NodeBlock> nodes = new NodeBlock(9, true);
+    nodes->setNodes({0, 0, 0, 1, 1, 1}, {4, 5});
+    PtrRef<ResultValuesBlock> values = new ResultValuesBlock(1, ResultValuesBlock::SCALAR1D, true);
+    values->setMapToBlockId(9, Block::NODES);
+    EXPECT_TRUE(values->addResultValue1d(7, 5));
+    PtrRef<ResultBlock> result = new ResultBlock(2, ResultBlock::SCALAR, ResultBlock::NODE_MAPPING);
+    result->addResultValuesBlock(1, 1);
+    EXPECT_TRUE(database->writeBlock(nodes.p()) && database->writeBlock(values.p()) &&
+                m_file.close());
+    EXPECT_EQ("", OutputOf("python3 " NUO_TEST_FOLDER "/support/replace_in_archive.py '" +
+                           m_name.toStdString() + "' 'NumItems=\"1\"' 'NumItems=\"2000000000\"'"));
+    ASSERT_TRUE(m_file.open(m_name));
+    TakeWarnings();
+    float history = 0;
+    EXPECT_FALSE(m_file.database(0)->readHistory(*result, 9, 1, nuo::Span<float>::of(&history, 1)));
+    EXPECT_EQ(Error::DAMAGED, m_file.database(0)->lastError().code());
+    EXPECT_EQ(
+        "Number of specified items (2000000000) does not match number of items (1) in "
+        "'Database001\\ResultValues\\ResultValues0001.dat'",
+        m_file.database(0)->lastError().text().toStdString());
+    TakeTexts();
 }
 
 // A model large enough for several pieces, in each form that a file can have.
