@@ -6,6 +6,7 @@
 
 #include "ZRByteOrder.h"
 #include "container/ZRFxCodec.h"
+#include "container/ZRFxHeaderFields.h"
 
 namespace unstruct {
 namespace {
@@ -87,57 +88,19 @@ bool IsAscii(std::string_view s) {
     return (nAll & 0x80) == 0;
 }
 
-uint32_t DosTimeOf(std::time_t nTime) {
-    std::tm local{};
-    if (!localtime_r(&nTime, &local) || local.tm_year < 80) return (1u << 21) | (1u << 16);
-    return static_cast<uint32_t>(((local.tm_year - 80) << 25) | ((local.tm_mon + 1) << 21) |
-                                 (local.tm_mday << 16) | (local.tm_hour << 11) |
-                                 (local.tm_min << 5) | (local.tm_sec / 2));
-}
-
-// Entries are made in thousands a second, and the local time takes as long as the rest of a header.
-uint32_t DosTime(std::time_t nTime) {
-    thread_local std::time_t t_nLast = -1;
-    thread_local uint32_t t_nDosTime = DosTimeOf(t_nLast);
-    if (nTime != t_nLast) t_nDosTime = DosTimeOf(nTime);
-    t_nLast = nTime;
-    return t_nDosTime;
-}
-
 bool IsAes(const ZRFxZipEntry& entry) {
     return entry.eEncryption == ZRFxZipEntry::Encryption::kAes;
 }
 
-// Fills the fixed part of a header, field after field.
-class HeaderFields {
-public:
-    HeaderFields(std::string* pHeader, size_t nFixed, size_t nRest) {
-        pHeader->reserve(nFixed + nRest);
-        pHeader->resize(nFixed);
-        m_pNext = reinterpret_cast<uint8_t*>(pHeader->data());
-    }
-
-    void Put16(uint64_t n) { Put(static_cast<uint16_t>(n)); }
-    void Put32(uint64_t n) { Put(static_cast<uint32_t>(n)); }
-
-    // What local header and record share, from "version needed" to the packed sizes.
-    void PutCommon(const ZRFxZipEntry& entry, bool bZip64, std::time_t nTime) {
-        Put16(IsAes(entry) ? 51 : bZip64 ? 45 : 20);
-        Put16((IsAes(entry) ? kFlagEncrypted : 0) | (IsAscii(entry.sName) ? 0 : kFlagUtf8));
-        Put16(IsAes(entry) ? kMethodAes : entry.nMethod);
-        Put32(DosTime(nTime));
-        Put32(entry.bHasCrc ? entry.nCrc : 0);
-    }
-
-private:
-    template <typename Integer>
-    void Put(Integer n) {
-        StoreLittleEndian(m_pNext, n);
-        m_pNext += sizeof(n);
-    }
-
-    uint8_t* m_pNext;
-};
+// The fields that local header and record share, from "version needed" to the packed sizes.
+void PutCommon(ZRFxHeaderFields* pFields, const ZRFxZipEntry& entry, bool bZip64,
+               std::time_t nTime) {
+    pFields->Put16(IsAes(entry) ? 51 : bZip64 ? 45 : 20);
+    pFields->Put16((IsAes(entry) ? kFlagEncrypted : 0) | (IsAscii(entry.sName) ? 0 : kFlagUtf8));
+    pFields->Put16(IsAes(entry) ? kMethodAes : entry.nMethod);
+    pFields->Put32(ZRFxDosTime(nTime));
+    pFields->Put32(entry.bHasCrc ? entry.nCrc : 0);
+}
 
 // The 64-bit field with those of the values that need it; empty when none does.
 std::string Extra64(std::initializer_list<uint64_t> aValues) {
@@ -306,9 +269,9 @@ std::string ZRFxZipDirectory::LocalHeader(const ZRFxZipEntry& entry, std::time_t
     }
     PutAesExtra(&sExtra, entry);
     std::string s;
-    HeaderFields fields(&s, kLocalHeaderSize, entry.sName.size() + sExtra.size());
+    ZRFxHeaderFields fields(&s, kLocalHeaderSize, entry.sName.size() + sExtra.size());
     fields.Put32(kLocalSignature);
-    fields.PutCommon(entry, bZip64, nTime);
+    PutCommon(&fields, entry, bZip64, nTime);
     fields.Put32(bZip64 ? kIn64 : entry.nPackedSize);
     fields.Put32(bZip64 ? kIn64 : entry.nSize);
     fields.Put16(entry.sName.size());
@@ -340,10 +303,10 @@ std::string ZRFxZipDirectory::CentralRecord(const ZRFxZipEntry& entry, std::time
         sExtra.append(sPieceNote);
     }
     std::string s;
-    HeaderFields fields(&s, kRecordSize, entry.sName.size() + sExtra.size());
+    ZRFxHeaderFields fields(&s, kRecordSize, entry.sName.size() + sExtra.size());
     fields.Put32(kRecordSignature);
     fields.Put16(kMadeByUnix);
-    fields.PutCommon(entry, bZip64, nTime);
+    PutCommon(&fields, entry, bZip64, nTime);
     fields.Put32(Capped32(entry.nPackedSize));
     fields.Put32(Capped32(entry.nSize));
     fields.Put16(entry.sName.size());
