@@ -37,7 +37,7 @@ private:
     void compareObjects(const std::string& place, const Json& a, const Json& b);
 
     Differences& m_differences;
-    const Tolerance& m_tolerance;
+    const Tolerance m_tolerance;
 };
 
 }  // namespace tools
