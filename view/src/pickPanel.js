@@ -3,12 +3,13 @@
 import { button, element, make } from './dom.js';
 import { download, historyCsv, plotHistory } from './history.js';
 import { sureText } from './numbers.js';
+import { pickAt, valuesAt } from './picked.js';
 import { quantityTitles } from './quantities.js';
-import { titleOf } from './viewer.js';
+import { titleOf } from './selection.js';
 
 const clickPixels = 4;
 
-/** @typedef {import('./viewer.js').Picked} Picked */
+/** @typedef {import('./picked.js').Picked} Picked */
 
 export class PickPanel {
     /** @type {Picked | null} */
@@ -34,7 +35,7 @@ export class PickPanel {
 
     /** @param {number} x @param {number} y */
     #pick(x, y) {
-        this.#picked = this.viewer.pick(x, y);
+        this.#picked = pickAt(this.viewer, x, y);
         this.refresh();
     }
 
@@ -74,7 +75,7 @@ export class PickPanel {
     async #valueRows(picked) {
         const { results } = this.viewer.source.model;
         const rows = await Promise.all(results.map(async (result, i) => {
-            const values = await this.viewer.valuesAt(picked, i, this.viewer.state.id);
+            const values = await valuesAt(this.viewer.source, picked, i, this.viewer.state.id);
             if (!values) return [];
             return result.quantities.map((quantity) => {
                 const title = quantity === 'value' ? result.name : `${result.name} ${quantityTitles[quantity] ?? quantity}`;
@@ -93,7 +94,7 @@ export class PickPanel {
         if (!isShown) return;
         const states = settings.frames.map((frame) => source.model.states[frame]);
         const values = await Promise.all(states.map(async (state) => {
-            const own = await this.viewer.valuesAt(picked, settings.result, state.id);
+            const own = await valuesAt(source, picked, settings.result, state.id);
             return own ? own.of(settings.quantity) : NaN;
         }));
         if (picked !== this.#picked) return;

@@ -3,7 +3,7 @@
 import { button, element, input, numberIn, select, setOptions } from './dom.js';
 import { numberText } from './numbers.js';
 import { mainQuantity, quantityTitles } from './quantities.js';
-import { shownRange } from './viewer.js';
+import { shownRange } from './selection.js';
 
 /** @typedef {import('./types.js').Result} Result */
 

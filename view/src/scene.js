@@ -68,9 +68,9 @@ export class Scene {
         this.window.render();
     }
 
-    /** @param {Vector} color */
-    setBackground(color) {
-        this.renderer.setBackground(...color);
+    /** @param {Vector} color @param {number} opacity */
+    setBackground(color, opacity) {
+        this.renderer.setBackground([...color, opacity]);
     }
 
     /** Looks at a box from one of the standard directions. @param {string} name @param {number[]} box */
