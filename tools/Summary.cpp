@@ -121,8 +121,8 @@ void takeDerived(const Quantity& quantity, const ZRFxResultBlock& block, const R
     std::vector<float> derived;
     derived.reserve(reals.values.size() / components);
     for (std::size_t i = 0; i < reals.values.size(); i += components) {
-        derived.push_back(
-            quantity.of(reals.values.subspan(i, components), hasEngineeringShear(block)));
+        const ItemComponents item(reals.values.subspan(i, components), hasEngineeringShear(block));
+        derived.push_back(quantity.of(item));
     }
     range.take(derived);
 }

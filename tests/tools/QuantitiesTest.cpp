@@ -15,13 +15,13 @@ using Components = std::vector<float>;
 float valueOf(const char* name, const Components& components, bool hasEngineeringShear = false) {
     const auto found = Quantity::named(name, static_cast<int>(components.size()));
     EXPECT_EQ(found.size(), 1u) << name;
-    return found.at(0).of(components, hasEngineeringShear);
+    return found.at(0).of(ItemComponents(components, hasEngineeringShear));
 }
 
 Components principalsOf(const Components& tensor) {
     Components values;
     for (const Quantity& quantity : Quantity::named("principal_values", 6)) {
-        values.push_back(quantity.of(tensor));
+        values.push_back(quantity.of(ItemComponents(tensor)));
     }
     return values;
 }
@@ -40,6 +40,7 @@ TEST(QuantitiesTest, StatesWithClosedFormsHaveTheirValues) {
         {"shear", {0, 0, 0, 0, 5, 0}, 5 * root3, {5, 0, -5}},
         {"plane", {10, 2, 0, 3, 0, 0}, std::sqrt(100.f - 20 + 4 + 27), {11, 1, 0}},
         {"all ones", {1, 1, 1, 1, 1, 1}, 3, {3, 0, 0}},
+        {"small beside large", {1e8f, 1, 0, 1, 0, 0}, 1e8f, {1e8f, 1, 0}},
         {"tiny", {2e-30f, 0, 0, 0, 0, 0}, 2e-30f, {2e-30f, 0, 0}},
     };
     for (const auto& c : cases) {
@@ -88,7 +89,8 @@ TEST(QuantitiesTest, PrincipalValuesDoNotDependOnTheAxes) {
 TEST(QuantitiesTest, OneComponentWithoutValueLeavesNone) {
     const float none = unstruct::kUndefinedValue;
     for (const Quantity& quantity : Quantity::all(6)) {
-        const float value = quantity.of(Components{1, 2, 3, none, 5, 6});
+        const Components tensor{1, 2, 3, none, 5, 6};
+        const float value = quantity.of(ItemComponents(tensor));
         const bool isLeft = !quantity.isDerived() && std::string(quantity.name()) != "xy";
         EXPECT_EQ(unstruct::IsUndefined(value), !isLeft) << quantity.name();
     }

@@ -1,10 +1,36 @@
 #pragma once
 
+#include <array>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
 
 namespace tools {
+
+/// The components of one item, as quantities are derived from them. Refers to the caller's numbers.
+class ItemComponents {
+public:
+    using PrincipalValues = std::array<double, 3>;
+
+    /// `hasEngineeringShear` says that the shear is halved before something is derived.
+    explicit ItemComponents(std::span<const float> components, bool hasEngineeringShear = false);
+
+    float component(int index) const { return m_components[static_cast<std::size_t>(index)]; }
+    bool isUndefined() const { return m_isUndefined; }
+
+    /// A component in double precision, its shear that of the tensor.
+    double operator[](std::size_t index) const { return m_values[index]; }
+
+    /// The largest first; computed when first asked for.
+    const PrincipalValues& principalValues() const;
+
+private:
+    std::span<const float> m_components;
+    std::array<double, 6> m_values{};
+    bool m_isUndefined = false;
+    mutable std::optional<PrincipalValues> m_principalValues;
+};
 
 /// A number that follows from the components of a vector or a symmetric tensor of one item. Vectors
 /// are x y z, tensors xx yy zz xy yz zx. Computed in double precision.
@@ -28,12 +54,10 @@ public:
     const char* name() const { return m_name; }
     bool isDerived() const { return m_formula != nullptr; }
 
-    /// The value for an item, of which `hasEngineeringShear` says that its shear is halved before
-    /// something is derived.
-    float of(std::span<const float> components, bool hasEngineeringShear = false) const;
+    float of(const ItemComponents& item) const;
 
 private:
-    using Formula = double (*)(std::span<const double> components);
+    using Formula = double (*)(const ItemComponents& item);
     Quantity(const char* name, int component) : m_name(name), m_component(component) {}
     Quantity(const char* name, Formula formula) : m_name(name), m_formula(formula) {}
 

@@ -123,9 +123,8 @@ ResultTable::Line ResultTable::lineOf(const ResultRow& row, std::size_t state) {
     Line line{row.id, row.node, state, std::nullopt, {}};
     if (m_options.hasCoordinates) line.position = m_rows.positionOf(row, mapping());
     line.values.reserve(m_quantities.size());
-    for (const Quantity& quantity : m_quantities) {
-        line.values.push_back(quantity.of(row.values, hasEngineeringShear(*m_result)));
-    }
+    const ItemComponents item(row.values, hasEngineeringShear(*m_result));
+    for (const Quantity& quantity : m_quantities) line.values.push_back(quantity.of(item));
     return line;
 }
 

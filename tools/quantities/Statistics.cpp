@@ -43,8 +43,9 @@ StatisticsCollector::StatisticsCollector(const ZRFxResultBlock& result)
       m_statistics(m_quantities.size()) {}
 
 void StatisticsCollector::take(const ResultRow& row) {
+    const ItemComponents item(row.values, m_isEngineering);
     for (std::size_t q = 0; q < m_quantities.size(); ++q) {
-        takeValue(m_quantities[q].of(row.values, m_isEngineering), row, m_statistics[q]);
+        takeValue(m_quantities[q].of(item), row, m_statistics[q]);
     }
 }
 
