@@ -29,14 +29,23 @@ function shownOf(fields) {
     return { positions: Float32Array.from(positions), vectors: Float32Array.from(vectors) };
 }
 
+/** An arrow of length 1 along x; that of vtk.js begins behind the origin. */
+function arrowFromOrigin() {
+    const arrow = vtkArrowSource.newInstance({ tipResolution: 12, shaftResolution: 8 }).getOutputData();
+    const [begin] = arrow.getBounds();
+    const points = arrow.getPoints().getData();
+    for (let i = 0; i < points.length; i += 3) points[i] -= begin;
+    arrow.getPoints().modified();
+    return arrow;
+}
+
 export class Arrows {
     #mapper = vtkGlyph3DMapper.newInstance();
     #actor = vtkActor.newInstance();
 
     /** @param {{ addActor: Function }} renderer */
     constructor(renderer) {
-        const arrow = vtkArrowSource.newInstance({ tipResolution: 12, shaftResolution: 8 });
-        this.#mapper.setInputConnection(arrow.getOutputPort(), 1);
+        this.#mapper.setInputData(arrowFromOrigin(), 1);
         this.#mapper.setOrientationArray('vectors');
         this.#mapper.setScaleArray('vectors');
         this.#mapper.setScaleModeToScaleByMagnitude();
