@@ -153,12 +153,31 @@ PtrRef<PropertySetCollection> settings() {
     return all;
 }
 
+// Without fringes, in the last state, where node 101 + i moves by 0.002 i.
+PtrRef<PropertySetCollection> arrowSettings() {
+    ViewSettings view;
+    view.setOrthoCamera(Vec3d(3, 1, 10), Vec3d(3, 1, 0), Vec3d(0, 1, 0), 8);
+    view.showVectors({kDisplacement});
+    PtrRef<PropertySet> arrows = new PropertySet("vector_settings");
+    arrows->setValue("context_result_id", kDisplacement);
+    arrows->setValue("scale_mode", "absolute");
+    arrows->setValue("scale_factor", 100.0);
+    arrows->setValue("single_color", Color3f(0, 1, 0));
+    arrows->setValue("filter_min_length", 0.017);
+    arrows->setValue("filter_max_length", 0.025);
+    arrows->setValue("clamp_max_length", 0.015);
+    PtrRef<PropertySetCollection> all = view.properties();
+    all->addPropertySet(arrows.p());
+    return all;
+}
+
 bool writeCases(File& file, const Database& database) {
     PtrRef<Case> first = new Case(&file, "Loads", file.unusedFileCaseId(), database.id());
     first->setDescription("<p>Seen <b>along z</b></p><script>window.hacked=2</script>");
     if (!first->setProperties(settings().p())) return false;
     PtrRef<Case> second = new Case(&file, "<s>Plain</s>", file.unusedFileCaseId(), database.id());
-    return second->id() >= 0;
+    PtrRef<Case> third = new Case(&file, "Arrows", file.unusedFileCaseId(), database.id());
+    return second->id() >= 0 && third->setProperties(arrowSettings().p());
 }
 
 }  // namespace

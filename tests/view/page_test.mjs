@@ -178,6 +178,21 @@ test('sets are highlighted', async () => {
     assert.notDeepEqual(await colorAt(3.3, 1.2), other);
 });
 
+test('arrows are drawn as the case says', async () => {
+    await fresh();
+    await page.enter('#case', '2');
+    await page.waitForLabel('<u>Second</u>');
+    const isGreen = ([red, green, blue]) => green > red + 60 && green > blue + 60;
+    const drawn = await colorAt(4.6, 2.02);
+    assert.ok(isGreen(drawn), `${drawn} is not the colour of the arrow from x = 4`);
+    assert.ok(!isGreen(await colorAt(5.7, 2.08)), 'it ends at x = 5.5, as it is clamped');
+    assert.ok(!isGreen(await colorAt(4.6, 0)), 'that from node 109 is shorter than the shortest');
+    assert.ok(!isGreen(await colorAt(7.5, 2.02)), 'that from node 203 is longer than the longest');
+    assert.ok(isGreen(await colorAt(5.25, 2.02)));
+    await page.enter('#arrow-scale', '0.2');
+    assert.ok(!isGreen(await colorAt(5.25, 2.02)), 'the slider shortens it');
+});
+
 test('the picture is saved with its legend', async () => {
     await fresh();
     const saved = await page.page.evaluate(async () => {

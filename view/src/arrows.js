@@ -6,14 +6,13 @@ import vtkArrowSource from '@kitware/vtk.js/Filters/Sources/ArrowSource';
 import vtkActor from '@kitware/vtk.js/Rendering/Core/Actor';
 import vtkGlyph3DMapper from '@kitware/vtk.js/Rendering/Core/Glyph3DMapper';
 
-const mostArrows = 20000;
-
+/** @typedef {import('./types.js').ArrowStyle} ArrowStyle */
 /** @typedef {{ positions: Float32Array, vectors: Float32Array }} Field  Three numbers a node. */
 
-/** The nodes that have a vector of some length, thinned out where there are many. @param {Field[]} fields @returns {Field} */
-function shownOf(fields) {
+/** The nodes that have a vector of some length, thinned out where there are many. @param {Field[]} fields @param {ArrowStyle} style @returns {Field} */
+function shownOf(fields, { drawn, clamped, skipped, most }) {
     const count = fields.reduce((sum, field) => sum + field.vectors.length / 3, 0);
-    const step = Math.ceil(count / mostArrows);
+    const step = Math.max(1 + skipped, Math.ceil(count / most));
     /** @type {number[]} */
     const positions = [];
     /** @type {number[]} */
@@ -21,9 +20,11 @@ function shownOf(fields) {
     for (const field of fields) {
         for (let i = 0; i < field.vectors.length; i += 3 * step) {
             const vector = field.vectors.subarray(i, i + 3);
-            if (!(Math.hypot(...vector) > 0)) continue;
+            const length = Math.hypot(...vector);
+            if (!(length > 0 && length >= drawn[0] && length <= drawn[1])) continue;
+            const factor = Math.min(Math.max(length, clamped[0]), clamped[1]) / length;
             positions.push(...field.positions.subarray(i, i + 3));
-            vectors.push(...vector);
+            vectors.push(...vector.map((component) => component * factor));
         }
     }
     return { positions: Float32Array.from(positions), vectors: Float32Array.from(vectors) };
@@ -56,9 +57,9 @@ export class Arrows {
         renderer.addActor(this.#actor);
     }
 
-    /** @param {Field[]} fields @param {number} factor  Model length for each unit of the result. @param {import('./types.js').Vector} color */
-    show(fields, factor, color) {
-        const { positions, vectors } = shownOf(fields);
+    /** @param {Field[]} fields @param {ArrowStyle} style @param {number} factor  Model length for each unit of the result. @param {import('./types.js').Vector} color */
+    show(fields, style, factor, color) {
+        const { positions, vectors } = shownOf(fields, style);
         this.#actor.setVisibility(vectors.length > 0);
         if (vectors.length === 0) return;
         const data = vtkPolyData.newInstance();

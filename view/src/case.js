@@ -106,7 +106,14 @@ const groups = {
     },
     vector_settings(settings, values, model) {
         if (resultOfId(model, values.context_result_id) !== settings.vectors) return;
+        const { arrows } = settings;
         if (values.scale_mode === 'relative') settings.arrowScale = values.scale_factor ?? settings.arrowScale;
+        if (values.scale_mode === 'absolute') arrows.unitLength = values.scale_factor ?? null;
+        if (values.color_mode !== 'color_by_fringes') arrows.color = values.single_color ?? null;
+        arrows.drawn = [values.filter_min_length ?? 0, values.filter_max_length ?? Infinity];
+        arrows.clamped = [values.clamp_min_length ?? 0, values.clamp_max_length ?? Infinity];
+        arrows.skipped = values.draw_skipby ?? 0;
+        arrows.most = Math.max(1, Math.min(arrows.most, values.draw_max_count ?? arrows.most));
     },
     set_selection(settings, values, model) {
         const ids = listOf(values.visible_set_ids);

@@ -6,6 +6,8 @@ import { mainQuantity } from './quantities.js';
 /** @typedef {import('./types.js').Settings} Settings */
 /** @typedef {import('./types.js').Model} Model */
 
+const mostArrows = 20000;
+
 /** Told apart by everybody, those who see few colours included. */
 const partColors = ['8dafc8', 'd8b365', '7fbf7b', 'af8dc3', 'e9a3c9', 'c7a17a', '9aa0a6', '5ab4ac'].map(colorOf);
 
@@ -24,6 +26,11 @@ export function defaultLook(place) {
         lineWidth: 1,
         pointSize: 3,
     };
+}
+
+/** @returns {import('./types.js').ArrowStyle} */
+export function defaultArrows() {
+    return { unitLength: null, color: null, drawn: [0, Infinity], clamped: [0, Infinity], skipped: 0, most: mostArrows };
 }
 
 /** @returns {import('./types.js').ColorScale} */
@@ -68,6 +75,7 @@ export function defaultSettings(model) {
         undeformed: false,
         vectors: -1,
         arrowScale: 0.08,
+        arrows: defaultArrows(),
         parts,
         sets: [],
         clip: { on: false, point: [0, 0, 0], normal: [-1, 0, 0] },

@@ -1,5 +1,6 @@
 // The settings of results, of the deformed shape and of arrows.
 
+import { defaultArrows } from './defaults.js';
 import { button, element, input, numberIn, select, setOptions } from './dom.js';
 import { numberText } from './numbers.js';
 import { mainQuantity, quantityTitles } from './quantities.js';
@@ -78,8 +79,12 @@ export class ResultPanel {
         button('true-scale').onclick = () => this.#store.update({ exaggeration: 1 });
         button('automatic-scale').onclick = () => this.#store.update({ exaggeration: null });
         input('undeformed').onchange = () => this.#store.update({ undeformed: input('undeformed').checked });
-        select('vectors').onchange = () => this.#store.update({ vectors: Number(select('vectors').value) });
-        input('arrow-scale').oninput = () => this.#store.update({ arrowScale: Number(input('arrow-scale').value) });
+        // What a case says of arrows is in the units of its result.
+        select('vectors').onchange = () => this.#store.update({ vectors: Number(select('vectors').value), arrows: defaultArrows() });
+        input('arrow-scale').oninput = () => {
+            const arrows = { ...this.#store.values.arrows, unitLength: null };
+            this.#store.update({ arrowScale: Number(input('arrow-scale').value), arrows });
+        };
     }
 
     /** Shows the settings as they are. */

@@ -103,6 +103,16 @@
 /** @typedef {{ on: boolean, point: Vector, normal: Vector }} Clip  The normal points to what stays. */
 /** @typedef {{ eye: Vector, focus: Vector, up: Vector, ortho: boolean, angle: number, height: number }} CameraPlace */
 /**
+ * Lengths are those of the vectors, in the units of the result.
+ * @typedef {object} ArrowStyle
+ * @property {number | null} unitLength  What one unit measures in the model; null where `arrowScale` says it.
+ * @property {Vector | null} color  Null for one that stands out.
+ * @property {[number, number]} drawn  Shorter and longer vectors are left out.
+ * @property {[number, number]} clamped  Shorter and longer ones are drawn with these lengths.
+ * @property {number} skipped  Vectors left out after each one that is drawn.
+ * @property {number} most
+ */
+/**
  * @typedef {object} Settings
  * @property {number} state  Index of the state.
  * @property {number[]} frames  Indices of the states in the order of playing.
@@ -117,6 +127,7 @@
  * @property {boolean} undeformed  Shown as outline.
  * @property {number} vectors  Index of the result; -1 for none.
  * @property {number} arrowScale  Length of the longest arrow as a part of the model's size.
+ * @property {ArrowStyle} arrows
  * @property {Map<number, PartLook>} parts
  * @property {number[]} sets  Indices of the sets that are highlighted.
  * @property {Clip} clip

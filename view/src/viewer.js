@@ -162,10 +162,10 @@ export class Viewer {
 
     /** @param {import('./arrows.js').Field[]} fields */
     #showArrows(fields) {
-        const { vectors, arrowScale } = this.settings;
+        const { vectors, arrows, arrowScale } = this.settings;
         const range = vectors < 0 ? null : rangeOf(this.source.model.results[vectors], 'magnitude', null);
-        const factor = range && range.max > 0 ? (arrowScale * sizeOf(this.#restBox)) / range.max : 0;
-        this.arrows.show(fields, factor, arrowColor());
+        const relative = range && range.max > 0 ? (arrowScale * sizeOf(this.#restBox)) / range.max : 0;
+        this.arrows.show(fields, arrows, arrows.unitLength ?? relative, arrows.color ?? arrowColor());
     }
 
     #planes() {
